@@ -1,0 +1,33 @@
+# What every target of the project shares: warnings, sanitizers, the compiler cache and the shape of a layer.
+
+find_program(MIROVANE_CCACHE ccache)
+if(MIROVANE_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${MIROVANE_CCACHE})
+endif()
+
+add_library(mirovane_warnings INTERFACE)
+target_compile_options(mirovane_warnings INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Woverloaded-virtual
+  $<$<BOOL:${MIROVANE_WERROR}>:-Werror>)
+
+if(MIROVANE_SANITIZE)
+  add_compile_options(-fsanitize=${MIROVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${MIROVANE_SANITIZE})
+endif()
+
+# A layer: one static library per folder under src/, made of every .cpp file in that folder. It sees src/ for its
+# includes and links the layers named, nothing else, so that the linker refuses an include that runs the wrong way.
+function(mirovane_layer name folder)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
+  target_link_libraries(${name} PUBLIC ${ARGN} PRIVATE mirovane_warnings)
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+endfunction()
+
+# Macros that keep Qt code explicit: no implicit conversion between bytes and text, no connect without a context.
+function(mirovane_qt_guards name)
+  target_compile_definitions(${name} PRIVATE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_CONTEXTLESS_CONNECT
+    QT_NO_FOREACH QT_NO_KEYWORDS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
+endfunction()

@@ -1,0 +1,195 @@
+#pragma once
+
+#include "model/Datafile.h"
+#include "model/Hardware.h"
+#include "model/MessageLog.h"
+#include "model/RecordIndex.h"
+#include "model/Settings.h"
+#include "platform/Clock.h"
+#include "platform/Files.h"
+#include "platform/Host.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace mirovane {
+
+/// Told of every change to the record list, after it happened, on the main thread.
+class DocumentObserver {
+public:
+    virtual ~DocumentObserver() = default;
+
+    virtual void recordAdded(const CHardware& record) { (void)record; }
+
+    /// `before` is the whole record as it was; `after` is the record of the list.
+    virtual void recordChanged(const CHardware& before, const CHardware& after) { (void)before, (void)after; }
+
+    /// Selected, ShowAll, LSNowMark or ReminderDue changed.
+    virtual void flagsChanged(const CHardware& record) { (void)record; }
+
+    /// The record's last moment: it is still whole, but no longer in the list.
+    virtual void recordRemoved(const CHardware& record) { (void)record; }
+
+    /// Two records traded places in the list.
+    virtual void orderChanged() {}
+
+    /// New, open or reload: every record is another one. Pointers into the list are gone.
+    virtual void documentReplaced() {}
+};
+
+/// The floor document: the one owner and the one writer of the ordered record list and of the datafile it lives in.
+/// Main thread only. Everyone else reads through const references, which live until the record is removed or the
+/// document is replaced, and changes records through the operations here; each knows the fields before and after.
+class CMirovaneDoc {
+public:
+    /// All references must outlive the document. Reads the display settings.
+    CMirovaneDoc(Files& files, const Clock& clock, CMessageLog& log, CSettings& settings, StationIdentity station);
+    ~CMirovaneDoc();
+    CMirovaneDoc(const CMirovaneDoc&) = delete;
+    CMirovaneDoc& operator=(const CMirovaneDoc&) = delete;
+
+    // ---- the list; each look-up takes constant time however long it is
+
+    std::size_t size() const { return records_.size(); }
+    const CHardware& at(std::size_t index) const { return *records_[index]; }
+    std::size_t deviceCount() const;
+
+    /// The device with this record ID (the first in list order where a damaged file holds it twice); null when none.
+    const CHardware* findDevice(std::int32_t recID) const;
+
+    /// The place in the list of the device with this record ID.
+    std::optional<std::size_t> indexOfDevice(std::int32_t recID) const;
+
+    /// The first record of this type in list order; null when none. For special records and criteria rows.
+    const CHardware* findSpecial(std::int32_t type) const;
+
+    /// The criteria row of a device type, with or without the Discovered/Misc offset.
+    const CHardware* criteria(std::int32_t type, int row) const;
+
+    /// The smallest k >= 1 that no device has.
+    std::int32_t nextRecordID() const;
+
+    /// Grows whenever a record came, went, changed places, or changed its Type or Priority.
+    std::uint64_t orderRevision() const { return orderRevision_; }
+
+    // ---- edits
+
+    /// Appends a record as it is. Null, and a line in the log, when the datafile is full (65,534 records: one more and
+    /// no station could open it again) or memory runs out.
+    const CHardware* append(CHardware record);
+
+    /// A new device of this type: next record ID, the type's priority, Modified now. Otherwise as `append`.
+    const CHardware* addDevice(std::int32_t type, const std::function<void(CHardware&)>& fill = {});
+
+    /// Changes fields of one record of this list. `change` gets the record itself. Does not stamp Modified: the caller
+    /// knows whether a user's edit or background work changed it.
+    void edit(const CHardware& record, const std::function<void(CHardware&)>& change);
+
+    /// A user's edit: as `edit`, then Modified = now.
+    void editByUser(const CHardware& record, const std::function<void(CHardware&)>& change);
+
+    /// Removes the devices with these record IDs; unknown IDs are skipped. Returns how many went.
+    std::size_t removeDevices(std::span<const std::int32_t> recIDs);
+
+    /// Removes one record of this list, whatever it is.
+    void remove(const CHardware& record);
+
+    /// Two records trade places in the list.
+    void exchange(std::size_t a, std::size_t b);
+
+    /// One criteria value from its text, and what follows from it: devices of the type on the floor map forget which
+    /// text files they searched, so that their rules are evaluated again.
+    void setCriteria(std::int32_t type, int row, int column, const std::string& text);
+    void resetCriteria();
+
+    // ---- run-time flags: not an edit, never saved
+
+    void setSelected(const CHardware& record, bool on);
+    void setShowAll(const CHardware& record, bool on);
+    void setLSNowMark(const CHardware& record, bool on);
+    void setReminderDue(const CHardware& record, bool on);
+
+    // ---- the datafile
+
+    /// Empties the document and fills it with the shared-settings records and the default criteria.
+    void newDatafile();
+
+    /// Replaces the document by the file's records and runs the post-load pass. On failure the document stays what it
+    /// was and the error says why.
+    std::optional<Datafile::Error> open(const std::string& path);
+
+    /// The records of the file again, without the post-load pass; keeps nothing of the run-time flags (the caller
+    /// restores them). On failure the records stay, and until a reload has succeeded nothing is saved.
+    std::optional<Datafile::Error> reload();
+
+    /// The one operation that writes the datafile. Logs "Saved ... changes to data file", or why not. With no path, or
+    /// while loading, it writes nothing and returns no error. Takes and clears the save note.
+    std::optional<FileError> save();
+
+    /// The same under a new path, which becomes the document's own only when the save succeeded.
+    std::optional<FileError> saveAs(const std::string& path);
+
+    const std::string& path() const { return path_; }
+    std::int32_t fileVersion() const { return fileVersion_; }
+    TimeStamp creationTime() const { return creationTime_; }
+    const std::optional<FileIdentity>& knownIdentity() const { return knownIdentity_; }
+    std::string floorMapPath() const;
+    std::string photoFolder() const;
+    const StationIdentity& station() const { return station_; }
+
+    bool modified() const { return modified_; } ///< edited since the last save
+    bool pendingChanges() const { return pendingChanges_; }
+    void setPendingChanges(bool pending) { pendingChanges_ = pending; }
+    bool loading() const { return loading_; }
+    void setLoading(bool loading) { loading_ = loading; }
+
+    /// Goes between "Saved " and "changes to data file" in the next save's line, with a blank at its end.
+    void setSaveNote(std::string note) { saveNote_ = std::move(note); }
+    const std::string& saveNote() const { return saveNote_; }
+
+    /// Set by the post-load pass of an older file: the periodic save shall run at its next chance, under its own note.
+    bool upgradePending() const { return upgradePending_; }
+
+    DisplaySettings& display() { return display_; }
+    const DisplaySettings& display() const { return display_; }
+    CSettings& settings() { return settings_; }
+    const Clock& clock() const { return clock_; }
+    CMessageLog& log() { return log_; }
+    TimeStamp now() const;
+
+    /// Observers must stay until removed. Adding or removing one from within a notification is not allowed.
+    void addObserver(DocumentObserver& observer);
+    void removeObserver(DocumentObserver& observer);
+
+private:
+    Files& files_;
+    const Clock& clock_;
+    CMessageLog& log_;
+    CSettings& settings_;
+    StationIdentity station_;
+    DisplaySettings display_;
+
+    Datafile::RecordList records_;
+    RecordIndex index_;
+    std::uint64_t orderRevision_ = 0;
+
+    std::string path_;
+    std::int32_t fileVersion_ = Datafile::currentVersion;
+    TimeStamp creationTime_ = 0;
+    std::optional<FileIdentity> knownIdentity_;
+    std::string saveNote_;
+    bool modified_ = false;
+    bool pendingChanges_ = false;
+    bool upgradePending_ = false;
+    bool loading_ = false;
+    bool mustReload_ = false; ///< a reload failed: what is in memory must not go over the file
+
+    std::vector<DocumentObserver*> observers_;
+};
+
+} // namespace mirovane

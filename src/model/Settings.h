@@ -1,0 +1,93 @@
+#pragma once
+
+#include "platform/SettingsStore.h"
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace mirovane {
+
+/// A value that every start writes when it is absent. Reading yields `absent` for a value that is not there; a value
+/// that equals it counts as not there (which is why a Live Stat period of 0 heals itself at the next start).
+struct SettingDefinition {
+    std::string_view name;
+    std::int32_t absent;
+    std::int32_t initial;
+};
+
+/// In the order in which a start writes them.
+std::span<const SettingDefinition> startupSettings();
+
+/// Names of the 13 hide values by floor code: "HideJacks" for 1.
+std::string_view hideSettingName(std::int32_t type);
+
+/// The user's settings by name. Written the moment a command changes them. Main thread only.
+class CSettings {
+public:
+    explicit CSettings(SettingsStore& store) : store_(store) {}
+
+    /// Before any window opens: writes the default of every start-up value that is absent.
+    void initialise();
+
+    std::int32_t read(std::string_view name, std::int32_t fallback) const;
+    void write(std::string_view name, std::int32_t value);
+
+    SettingsStore& store() { return store_; }
+
+private:
+    SettingsStore& store_;
+};
+
+/// What the floor shows and how large: read from the settings by name, so the fields carry the settings' spelling.
+struct DisplaySettings {
+    bool LSStatusDeviceShow = true;
+    bool ReminderDeviceShow = true;
+    bool ReminderTitlebarShow = true;
+    bool PropertiesComputer = false;
+    bool PropertiesIPAddress = false;
+    bool PropertiesUsername = true;
+    bool PropertiesMACAddress = false;
+    bool PropertiesJack = false;
+    bool PropertiesComment = false;
+    bool PropertiesSlash = false;
+    bool PropertiesBackslash = false;
+    bool PropertiesHorz = false;
+    bool PropertiesVert = false;
+    bool PropertiesSlashDraw = true;
+    bool PropertiesBackslashDraw = true;
+    bool PropertiesHorzDraw = true;
+    bool PropertiesVertDraw = true;
+    bool ZoomDevices = true;
+    bool ZoomFloormap = true;
+    std::int32_t ZoomPercent = 100;
+    std::int32_t ZoomDevicesPercent = 100;
+    std::int32_t ZoomFontScale = 0;
+    std::int32_t PhotoScale = 100;
+    std::int32_t VisibleTypes = -1; ///< bit (Type - 1) set = that type is shown
+
+    /// When the document is made.
+    void readAll(const CSettings& settings);
+
+    /// At every open and reload: hide values and the six labels from PropertiesComputer to PropertiesComment.
+    void readAtOpen(const CSettings& settings);
+
+    bool typeVisible(std::int32_t type) const;
+};
+
+/// A toggle of DisplaySettings by its settings name; null for any other name.
+bool DisplaySettings::* displayToggle(std::string_view name);
+
+struct LiveStatSettings {
+    std::int32_t LSRunSec = 3;
+    std::int32_t LSNumPerRun = 50;
+    bool LSAutoStart = true;
+    bool LSAutoPerform = true;
+    bool LSIncludeMisc = true;
+
+    void readAll(const CSettings& settings);
+};
+
+} // namespace mirovane
