@@ -1,0 +1,136 @@
+#include "probes/Descriptor.h"
+#include "probes/EchoBatch.h"
+#include "probes/EchoSocket.h"
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <cstring>
+#include <linux/errqueue.h>
+#include <netinet/in.h>
+#include <netinet/ip_icmp.h>
+#include <sys/socket.h>
+
+namespace mirovane {
+
+namespace {
+
+/// Reads what the error queue says about one request. The queue hands out the address that the request was
+/// for, the quoted ICMP header and, beside them, the error with the address of the computer that sent it.
+std::optional<EchoMessage> readQueuedError(IncomingEchoes& batch, std::size_t index,
+                                           std::uint16_t identifier) {
+    const auto quoted = batch.bytes(index);
+    if (quoted.size() < echoHeaderSize || quoted[0] != std::byte{ICMP_ECHO}) {
+        return std::nullopt;
+    }
+    msghdr& header = batch.header(index);
+    for (cmsghdr* control = CMSG_FIRSTHDR(&header); control != nullptr;
+         control = CMSG_NXTHDR(&header, control)) {
+        if (control->cmsg_level != IPPROTO_IP || control->cmsg_type != IP_RECVERR) {
+            continue;
+        }
+        struct {
+            sock_extended_err error;
+            sockaddr_in offender;
+        } report{};
+        if (control->cmsg_len < CMSG_LEN(sizeof report)) {
+            return std::nullopt;
+        }
+        std::memcpy(&report, CMSG_DATA(control), sizeof report);
+        const auto type = report.error.ee_type;
+        if (report.error.ee_origin != SO_EE_ORIGIN_ICMP ||
+            (type != ICMP_DEST_UNREACH && type != ICMP_TIME_EXCEEDED && type != ICMP_PARAMETERPROB)) {
+            return std::nullopt;
+        }
+        EchoMessage message;
+        message.source = report.offender.sin_addr.s_addr;
+        message.requestTarget = batch.address(index);
+        message.identifier = identifier;
+        std::uint16_t sequence = 0;
+        std::memcpy(&sequence, quoted.data() + 6, sizeof sequence);
+        message.sequence = ntohs(sequence);
+        message.type = type;
+        message.code = report.error.ee_code;
+        return message;
+    }
+    return std::nullopt;
+}
+
+/// The unprivileged kind. The kernel chooses the identifier and hands this socket nothing but its own
+/// replies; errors come through the error queue.
+class DatagramEchoSocket final : public EchoSocket {
+public:
+    DatagramEchoSocket(Descriptor descriptor, std::uint16_t identifier)
+        : descriptor_(std::move(descriptor)), identifier_(identifier) {}
+
+    std::string kind() const override { return "unprivileged ICMP socket"; }
+    int descriptor() const override { return descriptor_.get(); }
+
+    std::size_t send(std::span<const EchoRequest> requests, int& error) override;
+    bool receive(std::vector<EchoArrival>& arrivals) override;
+
+private:
+    bool receiveReplies(std::vector<EchoArrival>& arrivals);
+    bool receiveErrors(std::vector<EchoArrival>& arrivals);
+
+    Descriptor descriptor_;
+    std::uint16_t identifier_;
+    IncomingEchoes batch_;
+};
+
+std::size_t DatagramEchoSocket::send(std::span<const EchoRequest> requests, int& error) {
+    OutgoingEchoes batch;
+    return batch.send(descriptor_.get(), identifier_, requests, error);
+}
+
+bool DatagramEchoSocket::receiveReplies(std::vector<EchoArrival>& arrivals) {
+    const std::size_t count = batch_.receive(descriptor_.get(), 0);
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto message = parseIcmp(batch_.bytes(i), batch_.address(i));
+        if (message && message->isReply && message->identifier == identifier_) {
+            arrivals.push_back({*message, batch_.arrival(i)});
+        }
+    }
+    return count == echoBatch;
+}
+
+bool DatagramEchoSocket::receiveErrors(std::vector<EchoArrival>& arrivals) {
+    const std::size_t count = batch_.receive(descriptor_.get(), MSG_ERRQUEUE);
+    for (std::size_t i = 0; i < count; ++i) {
+        if (const auto message = readQueuedError(batch_, i, identifier_)) {
+            arrivals.push_back({*message, batch_.arrival(i)});
+        }
+    }
+    return count == echoBatch;
+}
+
+bool DatagramEchoSocket::receive(std::vector<EchoArrival>& arrivals) {
+    const bool moreReplies = receiveReplies(arrivals);
+    const bool moreErrors = receiveErrors(arrivals);
+    return moreReplies || moreErrors;
+}
+
+} // namespace
+
+EchoSocketOpening openDatagramEchoSocket() {
+    const auto failed = [](const char* what) {
+        return EchoSocketOpening{nullptr,
+                                 std::string("unprivileged ICMP socket: ") + what + std::strerror(errno)};
+    };
+    Descriptor descriptor(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_ICMP));
+    if (!descriptor) {
+        return failed("");
+    }
+    sockaddr_in own{};
+    own.sin_family = AF_INET;
+    socklen_t length = sizeof own;
+    if (::bind(descriptor.get(), reinterpret_cast<sockaddr*>(&own), sizeof own) != 0 ||
+        ::getsockname(descriptor.get(), reinterpret_cast<sockaddr*>(&own), &length) != 0) {
+        return failed("no identifier: ");
+    }
+    if (!prepareEchoSocket(descriptor.get())) {
+        return failed("no error queue: ");
+    }
+    return {std::make_unique<DatagramEchoSocket>(std::move(descriptor), ntohs(own.sin_port)), {}};
+}
+
+} // namespace mirovane

@@ -1,0 +1,114 @@
+#include "probes/Descriptor.h"
+#include "probes/EchoBatch.h"
+#include "probes/EchoSocket.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <linux/filter.h>
+#include <netinet/in.h>
+#include <netinet/ip_icmp.h>
+#include <sys/random.h>
+#include <sys/socket.h>
+
+namespace mirovane {
+
+namespace {
+
+class RawEchoSocket final : public EchoSocket {
+public:
+    RawEchoSocket(Descriptor descriptor, std::uint16_t identifier)
+        : descriptor_(std::move(descriptor)), identifier_(identifier) {}
+
+    std::string kind() const override { return "raw ICMP socket"; }
+    int descriptor() const override { return descriptor_.get(); }
+
+    std::size_t send(std::span<const EchoRequest> requests, int& error) override {
+        OutgoingEchoes batch;
+        return batch.send(descriptor_.get(), identifier_, requests, error);
+    }
+
+    bool receive(std::vector<EchoArrival>& arrivals) override {
+        const std::size_t count = batch_.receive(descriptor_.get(), 0);
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto message = parseIpPacket(batch_.bytes(i));
+            if (message && message->identifier == identifier_) {
+                arrivals.push_back({*message, batch_.arrival(i)});
+            }
+        }
+        // The errors have come as packets as well, with all that is needed to match them.
+        const std::size_t repeated = batch_.receive(descriptor_.get(), MSG_ERRQUEUE);
+        return count == echoBatch || repeated == echoBatch;
+    }
+
+private:
+    Descriptor descriptor_;
+    std::uint16_t identifier_;
+    IncomingEchoes batch_;
+};
+
+/// Every raw socket gets a copy of every ICMP packet that the computer receives. Let the kernel drop what is
+/// not ours before it fills the buffer: all but echo replies with our identifier and errors that quote one of
+/// our requests. Loads beyond the packet's end drop it.
+bool attachFilter(int descriptor, std::uint16_t identifier) {
+    constexpr unsigned quotedProtocol = 8 + 9; // behind the ICMP header of the error, in the quoted IP header
+    std::array<sock_filter, 19> program{{
+        BPF_STMT(BPF_LDX | BPF_B | BPF_MSH, 0),                         //  0: X = start of the ICMP header
+        BPF_STMT(BPF_LD | BPF_B | BPF_IND, 0),                          //  1: its type
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, ICMP_ECHOREPLY, 0, 2),      //  2
+        BPF_STMT(BPF_LD | BPF_H | BPF_IND, 4),                          //  3: identifier of the reply
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, identifier, 12, 13),        //  4
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, ICMP_DEST_UNREACH, 2, 0),   //  5
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, ICMP_TIME_EXCEEDED, 1, 0),  //  6
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, ICMP_PARAMETERPROB, 0, 10), //  7
+        BPF_STMT(BPF_LD | BPF_B | BPF_IND, quotedProtocol),             //  8
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, IPPROTO_ICMP, 0, 8),        //  9
+        BPF_STMT(BPF_LD | BPF_B | BPF_IND, 8),                 // 10: X += length of the quoted IP header
+        BPF_STMT(BPF_ALU | BPF_AND | BPF_K, 0x0f),             // 11
+        BPF_STMT(BPF_ALU | BPF_LSH | BPF_K, 2),                // 12
+        BPF_STMT(BPF_ALU | BPF_ADD | BPF_X, 0),                // 13
+        BPF_STMT(BPF_MISC | BPF_TAX, 0),                       // 14
+        BPF_STMT(BPF_LD | BPF_H | BPF_IND, 8 + 4),             // 15: identifier of the quoted request
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, identifier, 0, 1), // 16
+        BPF_STMT(BPF_RET | BPF_K, 0xffff),                     // 17: keep
+        BPF_STMT(BPF_RET | BPF_K, 0),                          // 18: drop
+    }};
+    const sock_fprog filter{static_cast<unsigned short>(program.size()), program.data()};
+    return ::setsockopt(descriptor, SOL_SOCKET, SO_ATTACH_FILTER, &filter, sizeof filter) == 0;
+}
+
+/// Two programs that ping the same host at once must not share an identifier; a process id would often repeat
+/// within containers.
+std::uint16_t randomIdentifier() {
+    std::uint16_t identifier = 0;
+    if (::getrandom(&identifier, sizeof identifier, GRND_NONBLOCK) != sizeof identifier) {
+        identifier = static_cast<std::uint16_t>(::getpid());
+    }
+    return identifier;
+}
+
+void drain(int descriptor) {
+    std::array<std::byte, 1> byte{};
+    while (::recv(descriptor, byte.data(), byte.size(), MSG_DONTWAIT) >= 0) {
+    }
+}
+
+} // namespace
+
+EchoSocketOpening openRawEchoSocket() {
+    Descriptor descriptor(::socket(AF_INET, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, IPPROTO_ICMP));
+    if (!descriptor) {
+        return {nullptr, std::string("raw ICMP socket: ") + std::strerror(errno)};
+    }
+    const std::uint16_t identifier = randomIdentifier();
+    if (!attachFilter(descriptor.get(), identifier)) {
+        return {nullptr, std::string("raw ICMP socket: no packet filter: ") + std::strerror(errno)};
+    }
+    drain(descriptor.get()); // whatever queued between the two calls
+    if (!prepareEchoSocket(descriptor.get())) {
+        return {nullptr, std::string("raw ICMP socket: no error queue: ") + std::strerror(errno)};
+    }
+    return {std::make_unique<RawEchoSocket>(std::move(descriptor), identifier), {}};
+}
+
+} // namespace mirovane

@@ -1,0 +1,74 @@
+#include "probes/Resolver.h"
+
+#include "probes/HostAddress.h"
+#include "probes/LookUpPool.h"
+
+#include <condition_variable>
+#include <mutex>
+
+namespace mirovane {
+
+namespace {
+
+/// One answer on its way from a worker to a caller who may have left.
+template <typename Answer>
+struct Pending {
+    std::mutex mutex;
+    std::condition_variable_any changed;
+    bool done = false;
+    std::optional<Answer> answer;
+};
+
+template <typename Answer, typename Ask>
+std::optional<Answer> askWithin(LookUpPool& pool, Resolver::Milliseconds timeout, std::stop_token stop,
+                                Ask ask) {
+    if (stop.stop_requested()) {
+        return std::nullopt;
+    }
+    const auto pending = std::make_shared<Pending<Answer>>();
+    const auto job = std::make_shared<LookUpPool::Job>([pending, ask = std::move(ask)](NameService& service) {
+        auto answer = ask(service);
+        const std::lock_guard lock(pending->mutex);
+        pending->answer = std::move(answer);
+        pending->done = true;
+        pending->changed.notify_one();
+    });
+    if (!pool.run(job)) {
+        return std::nullopt;
+    }
+    std::unique_lock lock(pending->mutex);
+    if (!pending->changed.wait_for(lock, stop, timeout, [&pending] { return pending->done; })) {
+        lock.unlock();
+        pool.forget(job);
+        return std::nullopt;
+    }
+    return std::move(pending->answer);
+}
+
+} // namespace
+
+Resolver::Resolver(std::shared_ptr<NameService> service, std::size_t maxWorkers)
+    : pool_(std::make_shared<LookUpPool>(std::move(service), maxWorkers)) {}
+
+Resolver::~Resolver() {
+    pool_->close();
+}
+
+std::optional<std::uint32_t> Resolver::addressOf(const std::string& name, Milliseconds timeout,
+                                                 std::stop_token stop) {
+    if (classifyHostText(name) != HostTextKind::Name) {
+        return std::nullopt;
+    }
+    return askWithin<std::uint32_t>(*pool_, timeout, std::move(stop),
+                                    [text = std::string(trimmedHostText(name))](NameService& service) {
+                                        return service.addressOf(text);
+                                    });
+}
+
+std::optional<std::string> Resolver::nameOf(std::uint32_t address, Milliseconds timeout,
+                                            std::stop_token stop) {
+    return askWithin<std::string>(*pool_, timeout, std::move(stop),
+                                  [address](NameService& service) { return service.nameOf(address); });
+}
+
+} // namespace mirovane
