@@ -39,9 +39,11 @@ struct CriteriaRow {
 
 enum class CriteriaColumn { Command, Argument, Delimiter, FieldPos, SearchFor, IfMatch, Condition };
 
-/// `Type` of the record that holds row `row` of device type `type` (with or without the Discovered/Misc offset).
+/// `Type` of the record that holds row `row` of device type `type` (with or without the Discovered/Misc
+/// offset).
 constexpr std::int32_t criteriaRecordType(std::int32_t type, int row) {
-    const std::int32_t floor = type > DeviceType::discoveredOffset ? type - DeviceType::discoveredOffset : type;
+    const std::int32_t floor =
+        type > DeviceType::discoveredOffset ? type - DeviceType::discoveredOffset : type;
     return -(20 * floor + 80 + row);
 }
 
@@ -52,7 +54,8 @@ constexpr bool isCriteriaRecordType(std::int32_t recordType) {
 
 CriteriaRow criteriaFromRecord(const CHardware& record);
 
-/// Writes one value from its text form: FieldPos stops at the first non-digit, IfMatch is "T" or anything else.
+/// Writes one value from its text form: FieldPos stops at the first non-digit, IfMatch is "T" or anything
+/// else.
 void setCriteriaValue(CHardware& record, CriteriaColumn column, std::string_view text);
 
 /// The defaults of types 1 to 12; a Location Marker's record is left alone, its rows are never used.
@@ -65,10 +68,10 @@ void applyToDoRowDefaults(CHardware& record);
 std::string_view criteriaRowLabel(int row);
 
 /// The device field that rows 1 to 11 write. `row` must not be 0.
-std::string CHardware::* criteriaTargetField(int row);
+std::string CHardware::*criteriaTargetField(int row);
 
 /// The flag that rows 7 to 11 set beside the field; null for the others.
-std::int32_t CHardware::* criteriaDrawFlag(int row);
+std::int32_t CHardware::*criteriaDrawFlag(int row);
 
 /// Actions that a row offers, in the order of its list.
 std::span<const std::string_view> actionsForRow(std::int32_t type, int row);

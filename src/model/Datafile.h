@@ -17,6 +17,10 @@ namespace Datafile {
 
 constexpr std::int32_t currentVersion = 2008;
 
+/// One record more needs the long count form, which moves the version away from where every station looks for
+/// it: such a file could be written but never opened again.
+constexpr std::size_t maxRecords = 65534;
+
 /// Records in stored order. Addresses stay what they are for a record's whole life.
 using RecordList = std::vector<std::unique_ptr<CHardware>>;
 
@@ -34,8 +38,8 @@ struct Content {
     RecordList records;
 };
 
-/// Decodes a whole file. Never trusts a length or a count before it has compared it with the bytes that remain, and
-/// never returns part of a file. Out of memory is the only exception that leaves it.
+/// Decodes a whole file. Never trusts a length or a count before it has compared it with the bytes that
+/// remain, and never returns part of a file. Out of memory is the only exception that leaves it.
 Result<Content, Error> decode(std::string_view bytes);
 
 /// The 2008 layout, whatever the file was.

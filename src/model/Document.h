@@ -42,13 +42,15 @@ public:
     virtual void documentReplaced() {}
 };
 
-/// The floor document: the one owner and the one writer of the ordered record list and of the datafile it lives in.
-/// Main thread only. Everyone else reads through const references, which live until the record is removed or the
-/// document is replaced, and changes records through the operations here; each knows the fields before and after.
+/// The floor document: the one owner and the one writer of the ordered record list and of the datafile it
+/// lives in. Main thread only. Everyone else reads through const references, which live until the record is
+/// removed or the document is replaced, and changes records through the operations here; each knows the
+/// fields before and after.
 class CMirovaneDoc {
 public:
     /// All references must outlive the document. Reads the display settings.
-    CMirovaneDoc(Files& files, const Clock& clock, CMessageLog& log, CSettings& settings, StationIdentity station);
+    CMirovaneDoc(Files& files, const Clock& clock, CMessageLog& log, CSettings& settings,
+                 StationIdentity station);
     ~CMirovaneDoc();
     CMirovaneDoc(const CMirovaneDoc&) = delete;
     CMirovaneDoc& operator=(const CMirovaneDoc&) = delete;
@@ -59,7 +61,8 @@ public:
     const CHardware& at(std::size_t index) const { return *records_[index]; }
     std::size_t deviceCount() const;
 
-    /// The device with this record ID (the first in list order where a damaged file holds it twice); null when none.
+    /// The device with this record ID (the first in list order where a damaged file holds it twice); null
+    /// when none.
     const CHardware* findDevice(std::int32_t recID) const;
 
     /// The place in the list of the device with this record ID.
@@ -79,15 +82,15 @@ public:
 
     // ---- edits
 
-    /// Appends a record as it is. Null, and a line in the log, when the datafile is full (65,534 records: one more and
-    /// no station could open it again) or memory runs out.
+    /// Appends a record as it is. Null, and a line in the log, when the datafile is full (65,534 records: one
+    /// more and no station could open it again) or memory runs out.
     const CHardware* append(CHardware record);
 
     /// A new device of this type: next record ID, the type's priority, Modified now. Otherwise as `append`.
     const CHardware* addDevice(std::int32_t type, const std::function<void(CHardware&)>& fill = {});
 
-    /// Changes fields of one record of this list. `change` gets the record itself. Does not stamp Modified: the caller
-    /// knows whether a user's edit or background work changed it.
+    /// Changes fields of one record of this list. `change` gets the record itself. Does not stamp Modified:
+    /// the caller knows whether a user's edit or background work changed it.
     void edit(const CHardware& record, const std::function<void(CHardware&)>& change);
 
     /// A user's edit: as `edit`, then Modified = now.
@@ -102,8 +105,8 @@ public:
     /// Two records trade places in the list.
     void exchange(std::size_t a, std::size_t b);
 
-    /// One criteria value from its text, and what follows from it: devices of the type on the floor map forget which
-    /// text files they searched, so that their rules are evaluated again.
+    /// One criteria value from its text, and what follows from it: devices of the type on the floor map
+    /// forget which text files they searched, so that their rules are evaluated again.
     void setCriteria(std::int32_t type, int row, int column, const std::string& text);
     void resetCriteria();
 
@@ -119,16 +122,19 @@ public:
     /// Empties the document and fills it with the shared-settings records and the default criteria.
     void newDatafile();
 
-    /// Replaces the document by the file's records and runs the post-load pass. On failure the document stays what it
-    /// was and the error says why.
+    /// Replaces the document by the file's records and runs the post-load pass. On failure the document stays
+    /// what it was and the error says why.
     std::optional<Datafile::Error> open(const std::string& path);
 
-    /// The records of the file again, without the post-load pass; keeps nothing of the run-time flags (the caller
-    /// restores them). On failure the records stay, and until a reload has succeeded nothing is saved.
+    /// The records of the file again, without the post-load pass; keeps nothing of the run-time flags (the
+    /// caller restores them), but the pending-changes mark survives. On failure the records stay, and until a
+    /// reload has succeeded nothing is saved.
     std::optional<Datafile::Error> reload();
 
-    /// The one operation that writes the datafile. Logs "Saved ... changes to data file", or why not. With no path, or
-    /// while loading, it writes nothing and returns no error. Takes and clears the save note.
+    /// The one operation that writes the datafile. Logs "Saved ... changes to data file", or why not. With no
+    /// path, or while loading, it writes nothing and returns no error. Takes and clears the save note. Kind
+    /// Changed: another station saved meanwhile, or the last reload failed; nothing was written, and the note
+    /// and the marks of unsaved changes stay. Reload first. Any other failure leaves the file as it was, too.
     std::optional<FileError> save();
 
     /// The same under a new path, which becomes the document's own only when the save succeeded.
@@ -138,8 +144,19 @@ public:
     std::int32_t fileVersion() const { return fileVersion_; }
     TimeStamp creationTime() const { return creationTime_; }
     const std::optional<FileIdentity>& knownIdentity() const { return knownIdentity_; }
+    /// As stored; empty when the datafile names none.
     std::string floorMapPath() const;
     std::string photoFolder() const;
+
+    /// Where the floor map is found from here: a relative path counts from the datafile's folder; a path of
+    /// another platform ("C:\\plans\\floor.bmp") that does not exist here is looked for by its bare name
+    /// beside the datafile.
+    std::string resolvedFloorMapPath() const;
+    std::string resolvedPhotoFolder() const;
+
+    /// Both create the record that holds them when there is none yet. False when the datafile is full.
+    bool setFloorMapPath(const std::string& path);
+    bool setPhotoFolder(const std::string& folder);
     const StationIdentity& station() const { return station_; }
 
     bool modified() const { return modified_; } ///< edited since the last save
@@ -152,7 +169,8 @@ public:
     void setSaveNote(std::string note) { saveNote_ = std::move(note); }
     const std::string& saveNote() const { return saveNote_; }
 
-    /// Set by the post-load pass of an older file: the periodic save shall run at its next chance, under its own note.
+    /// Set by the post-load pass of an older file: the periodic save shall run at its next chance, under its
+    /// own note. Cleared by the next save that succeeds.
     bool upgradePending() const { return upgradePending_; }
 
     DisplaySettings& display() { return display_; }
@@ -167,6 +185,25 @@ public:
     void removeObserver(DocumentObserver& observer);
 
 private:
+    CHardware& slot(const CHardware& record);
+    std::size_t placeOf(const CHardware& record) const;
+    bool holdsSpecial(std::int32_t type) const { return findSpecial(type) != nullptr; }
+    void setFlag(const CHardware& record, std::int32_t CHardware::*flag, bool on);
+    void forgetTextFileStamps(std::int32_t type, bool allRows);
+    const CHardware* appendSpecial(std::int32_t type, std::int32_t state, bool signedByStation);
+    bool setFloorMapField(std::string CHardware::*field, const std::string& text);
+
+    void fillNewDatafile();
+    void replaceRecords(Datafile::RecordList records);
+    void runPostLoadPass();
+    void upgradeVersion();
+    void addMissingRecords();
+    void addToDoRows();
+    std::optional<Datafile::Error> load(const std::string& path);
+    std::optional<FileError> bringVersionToFront();
+    std::optional<FileError> write(const std::string& path, bool expectKnownFile);
+    std::optional<FileError> reportSave(const std::string& path, std::optional<FileError> error);
+
     Files& files_;
     const Clock& clock_;
     CMessageLog& log_;

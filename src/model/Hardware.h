@@ -10,7 +10,8 @@ namespace mirovane {
 /// Seconds since 1970-01-01 00:00 UTC; 0 means never.
 using TimeStamp = std::int32_t;
 
-/// Floor codes of the device types. The same device waiting in the Discovered/Misc window carries the code plus 1000.
+/// Floor codes of the device types. The same device waiting in the Discovered/Misc window carries the code
+/// plus 1000.
 namespace DeviceType {
 constexpr std::int32_t Jack = 1;
 constexpr std::int32_t Computer = 2;
@@ -69,9 +70,9 @@ struct DateTime {
 /// Criteria rows of a device type: row 0 decides the state, rows 1 to 11 fill fields.
 constexpr int criteriaRowCount = 12;
 
-/// The one record type: a device when `Type` is above 0, shared settings when it is below. A plain value. The document
-/// owns the records of a datafile and alone changes them, on the main thread; everyone else reads or holds copies.
-/// Texts are the bytes of the datafile, whatever code page the station that wrote them used.
+/// The one record type: a device when `Type` is above 0, shared settings when it is below. A plain value. The
+/// document owns the records of a datafile and alone changes them, on the main thread; everyone else reads or
+/// holds copies. Texts are the bytes of the datafile, whatever code page the station that wrote them used.
 struct CHardware {
     // Stored in the datafile.
     std::int32_t Type = 0;
@@ -85,7 +86,7 @@ struct CHardware {
     std::string Comment;
     std::int32_t RecID = 0;
     TimeStamp Modified = 0;
-    TimeStamp StampsModified = 0;                           ///< the Modified for which RuleStamps hold
+    TimeStamp StampsModified = 0;                            ///< the Modified for which RuleStamps hold
     std::array<TimeStamp, criteriaRowCount> RuleStamps = {}; ///< by row: age of the text file last searched
     std::string SlashText;
     std::string BackslashText;

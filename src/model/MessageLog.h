@@ -10,8 +10,9 @@
 
 namespace mirovane {
 
-/// What the system did in the background, a dated line each. Main thread only. Holds at most 400 lines (the empty one
-/// after the last line end counts) by dropping the oldest, one per call; nothing of it is written to disk.
+/// What the system did in the background, a dated line each. Main thread only. Holds at most 400 lines (the
+/// empty one after the last line end counts) by dropping the oldest, one per call; nothing of it is written
+/// to disk.
 class CMessageLog {
 public:
     /// `line` is complete, without line end. `toStatusBar` asks for the status bar's message pane as well.

@@ -10,8 +10,9 @@
 
 namespace mirovane {
 
-/// A value that every start writes when it is absent. Reading yields `absent` for a value that is not there; a value
-/// that equals it counts as not there (which is why a Live Stat period of 0 heals itself at the next start).
+/// A value that every start writes when it is absent. Reading yields `absent` for a value that is not there;
+/// a value that equals it counts as not there (which is why a Live Stat period of 0 heals itself at the next
+/// start).
 struct SettingDefinition {
     std::string_view name;
     std::int32_t absent;
@@ -41,7 +42,8 @@ private:
     SettingsStore& store_;
 };
 
-/// What the floor shows and how large: read from the settings by name, so the fields carry the settings' spelling.
+/// What the floor shows and how large: read from the settings by name, so the fields carry the settings'
+/// spelling.
 struct DisplaySettings {
     bool LSStatusDeviceShow = true;
     bool ReminderDeviceShow = true;
@@ -78,7 +80,7 @@ struct DisplaySettings {
 };
 
 /// A toggle of DisplaySettings by its settings name; null for any other name.
-bool DisplaySettings::* displayToggle(std::string_view name);
+bool DisplaySettings::*displayToggle(std::string_view name);
 
 struct LiveStatSettings {
     std::int32_t LSRunSec = 3;

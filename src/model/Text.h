@@ -5,12 +5,12 @@
 
 namespace mirovane {
 
-/// The datafile's 8-bit text for showing: as it is where the bytes are valid UTF-8, else read as Windows-1252 (the
-/// code page of the stations that wrote such files). The result is always valid UTF-8.
+/// The datafile's 8-bit text for showing: as it is where the bytes are valid UTF-8, else read as Windows-1252
+/// (the code page of the stations that wrote such files). The result is always valid UTF-8.
 std::string displayText(std::string_view bytes);
 
-/// UTF-16LE code units, as the wide string form of a datafile holds them, to this platform's 8-bit text (UTF-8). A
-/// lone surrogate becomes U+FFFD. `units` has an even number of bytes.
+/// UTF-16LE code units, as the wide string form of a datafile holds them, to this platform's 8-bit text
+/// (UTF-8). A lone surrogate becomes U+FFFD. `units` has an even number of bytes.
 std::string bytesFromUtf16Le(std::string_view units);
 
 bool isValidUtf8(std::string_view bytes);

@@ -4,8 +4,8 @@
 
 namespace mirovane {
 
-/// Wall time for stamps and log lines, monotonic time for intervals and time-outs. Injected everywhere, so that hours
-/// of watching are tested in microseconds. Any thread may call it.
+/// Wall time for stamps and log lines, monotonic time for intervals and time-outs. Injected everywhere, so
+/// that hours of watching are tested in microseconds. Any thread may call it.
 class Clock {
 public:
     virtual ~Clock() = default;
@@ -20,7 +20,9 @@ public:
 class SystemClock final : public Clock {
 public:
     std::chrono::system_clock::time_point wall() const override { return std::chrono::system_clock::now(); }
-    std::chrono::steady_clock::time_point monotonic() const override { return std::chrono::steady_clock::now(); }
+    std::chrono::steady_clock::time_point monotonic() const override {
+        return std::chrono::steady_clock::now();
+    }
 };
 
 } // namespace mirovane

@@ -10,8 +10,8 @@
 
 namespace mirovane {
 
-/// Answers "is this still the file that I read?". Modification time alone repeats when two stations save within one
-/// time stamp granule of the share; size and inode tell those apart.
+/// Answers "is this still the file that I read?". Modification time alone repeats when two stations save
+/// within one time stamp granule of the share; size and inode tell those apart.
 struct FileIdentity {
     std::int64_t modifiedNs = 0; ///< nanoseconds since 1970-01-01 UTC
     std::uint64_t size = 0;
@@ -21,7 +21,8 @@ struct FileIdentity {
 };
 
 struct FileError {
-    enum class Kind { NotFound, Denied, Locked, NoSpace, TooLarge, Other };
+    /// Changed: another station wrote the file since this one last read or wrote it; nothing was written.
+    enum class Kind { NotFound, Denied, Locked, NoSpace, TooLarge, Changed, Other };
 
     Kind kind = Kind::Other;
     int code = 0;         ///< errno, 0 when the reason is not the system's
@@ -30,9 +31,9 @@ struct FileError {
 
 enum class FileAccess { Read, Write };
 
-/// A file that this process holds under an advisory lock that other stations respect: shared for Read, exclusive for
-/// Write. The lock ends with the object. The locked file is the file at the path, even when another station renamed a
-/// new one over it while this one waited.
+/// A file that this process holds under an advisory lock that other stations respect: shared for Read,
+/// exclusive for Write. The lock ends with the object. The locked file is the file at the path, even when
+/// another station renamed a new one over it while this one waited.
 class LockedFile {
 public:
     virtual ~LockedFile() = default;
@@ -46,12 +47,13 @@ public:
     /// The whole content.
     virtual Result<std::string, FileError> read() = 0;
 
-    /// Puts `content` in the file's place so that a crash, a full disk or a kill at any instant leaves the old file or
-    /// the new one, whole. Mode, owner and a symbolic link's target are kept. Needs Write.
+    /// Puts `content` in the file's place so that a crash, a full disk or a kill at any instant leaves the
+    /// old file or the new one, whole. Mode, owner and a symbolic link's target are kept. Needs Write.
     virtual Result<FileIdentity, FileError> replace(std::string_view content) = 0;
 };
 
-/// The datafile's file system. Main thread; every call may wait for a slow share, but for a lock at most `patience`.
+/// The datafile's file system. Main thread; every call may wait for a slow share, but for a lock at most
+/// `patience`.
 class Files {
 public:
     virtual ~Files() = default;

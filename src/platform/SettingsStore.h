@@ -8,9 +8,9 @@
 
 namespace mirovane {
 
-/// Where one user's settings live: named 32-bit integers and texts in the group "Settings", and the list of recently
-/// used datafiles. Main thread only. A value that cannot be read counts as absent; a write that fails is ignored,
-/// because losing a preference must never stop the work.
+/// Where one user's settings live: named 32-bit integers and texts in the group "Settings", and the list of
+/// recently used datafiles. Main thread only. A value that cannot be read counts as absent; a write that
+/// fails is ignored, because losing a preference must never stop the work.
 class SettingsStore {
 public:
     virtual ~SettingsStore() = default;
@@ -28,7 +28,9 @@ public:
 /// Forgets everything at its end: for tests and for `--render`, which must leave no trace.
 class MemorySettingsStore final : public SettingsStore {
 public:
-    std::optional<std::int32_t> readInteger(const std::string& name) const override { return find(integers_, name); }
+    std::optional<std::int32_t> readInteger(const std::string& name) const override {
+        return find(integers_, name);
+    }
     void writeInteger(const std::string& name, std::int32_t value) override { integers_[name] = value; }
     std::optional<std::string> readText(const std::string& name) const override { return find(texts_, name); }
     void writeText(const std::string& name, const std::string& value) override { texts_[name] = value; }

@@ -12,7 +12,8 @@ namespace mirovane::test {
 /// A clock that stands still until it is told to go on.
 class FakeClock final : public Clock {
 public:
-    explicit FakeClock(std::time_t start = 1'700'000'000) : wall_(std::chrono::system_clock::from_time_t(start)) {}
+    explicit FakeClock(std::time_t start = 1'700'000'000)
+        : wall_(std::chrono::system_clock::from_time_t(start)) {}
 
     std::chrono::system_clock::time_point wall() const override { return wall_; }
     std::chrono::steady_clock::time_point monotonic() const override { return monotonic_; }
@@ -30,8 +31,8 @@ private:
     std::chrono::steady_clock::time_point monotonic_{};
 };
 
-/// Timers that tick as their clock is advanced, in the order in which they are due. A tick may start, stop, make and
-/// destroy timers.
+/// Timers that tick as their clock is advanced, in the order in which they are due. A tick may start, stop,
+/// make and destroy timers.
 class FakeTimers final : public TimerFactory {
 public:
     explicit FakeTimers(FakeClock& clock) : clock_(clock) {}

@@ -1,0 +1,221 @@
+#include "model/Datafile.h"
+
+#include "model/ByteReader.h"
+#include "model/ByteWriter.h"
+
+#include <array>
+#include <utility>
+
+namespace mirovane::Datafile {
+
+namespace {
+
+constexpr std::size_t versionOffset = 17;
+constexpr std::uint16_t newClassTag = 0xFFFF;
+constexpr std::uint16_t knownClassTag = 0x8001;
+constexpr std::uint16_t classSchema = 1;
+constexpr std::string_view className = "CHardware";
+constexpr std::size_t knownTagSize = 2;
+constexpr std::size_t descriptorSize = 2 + 2 + 2 + className.size();
+
+/// What an older version's record lacks, and where it puts things.
+struct Layout {
+    std::int32_t version;
+    std::size_t emptyRecordSize; ///< with all eleven texts empty: no record is smaller
+    bool typeFirst;
+    int ruleStamps;
+    bool hasPriority;
+};
+
+constexpr std::array<Layout, 4> layouts = {{
+    {2002, 115, true, 11, false},
+    {2003, 119, true, 12, false},
+    {2004, 119, false, 12, false},
+    {currentVersion, 123, false, 12, true},
+}};
+
+constexpr std::int32_t priorityOfOlderVersions = 5;
+
+const Layout* layoutOf(std::int32_t version) {
+    for (const Layout& layout : layouts) {
+        if (layout.version == version)
+            return &layout;
+    }
+    return nullptr;
+}
+
+Error damaged(const ByteReader& reader, std::size_t record) {
+    return {Error::Kind::Damaged, reader.errorOffset(), record,
+            "The datafile is damaged at byte " + std::to_string(reader.errorOffset()) + " (record " +
+                std::to_string(record) + "): " + reader.reason() + "."};
+}
+
+Error unknownVersion(std::string_view bytes, std::int32_t version) {
+    const bool longCount = bytes.substr(0, 2) == "\xFF\xFF";
+    std::string why =
+        longCount ? "it holds 65,535 records or more, and the place where its version stands is then taken"
+                  : "the number there is " + std::to_string(version) + ", not 2002, 2003, 2004 or 2008";
+    return {Error::Kind::UnknownVersion, versionOffset, 0,
+            "The datafile's version is unknown (byte " + std::to_string(versionOffset) +
+                ", record 0): " + why + "."};
+}
+
+void readFirstTag(ByteReader& reader) {
+    const std::size_t start = reader.offset();
+    const bool isNew = reader.readUint16() == newClassTag;
+    const bool schemaKnown = reader.readUint16() == classSchema;
+    const bool lengthRight = reader.readUint16() == className.size();
+    if (isNew && schemaKnown && lengthRight && reader.readBytes(className.size()) == className)
+        return;
+    reader.fail(start, "the first record does not begin with the class CHardware");
+}
+
+void readTag(ByteReader& reader, std::size_t record) {
+    if (record == 0) {
+        readFirstTag(reader);
+        return;
+    }
+    const std::size_t start = reader.offset();
+    if (reader.readUint16() != knownClassTag)
+        reader.fail(start, "no record begins here");
+}
+
+void readRecord(ByteReader& reader, const Layout& layout, CHardware& record) {
+    const std::int32_t first = reader.readInt32();
+    const std::int32_t second = reader.readInt32();
+    record.State = layout.typeFirst ? second : first;
+    record.Type = layout.typeFirst ? first : second;
+    record.Position.x = reader.readInt32();
+    record.Position.y = reader.readInt32();
+    record.ToJack = reader.readText();
+    record.Name = reader.readText();
+    record.IPAddress = reader.readText();
+    record.MACAddress = reader.readText();
+    record.Username = reader.readText();
+    record.Comment = reader.readText();
+    record.RecID = reader.readInt32();
+    record.Modified = reader.readInt32();
+    record.StampsModified = reader.readInt32();
+    for (std::size_t row = 0; row < static_cast<std::size_t>(layout.ruleStamps); ++row)
+        record.RuleStamps[row] = reader.readInt32();
+    record.SlashText = reader.readText();
+    record.BackslashText = reader.readText();
+    record.HorzText = reader.readText();
+    record.VertText = reader.readText();
+    record.SlashDraw = reader.readInt32();
+    record.BackslashDraw = reader.readInt32();
+    record.VertDraw = reader.readInt32();
+    record.HorzDraw = reader.readInt32();
+    record.ReminderOn = reader.readInt32();
+    record.ReminderDate.status = reader.readInt32();
+    record.ReminderDate.value = reader.readDouble();
+    record.ToDo = reader.readText();
+    record.Priority = layout.hasPriority ? reader.readInt32() : priorityOfOlderVersions;
+}
+
+void writeRecord(ByteWriter& writer, const CHardware& record) {
+    writer.writeInt32(record.State);
+    writer.writeInt32(record.Type);
+    writer.writeInt32(record.Position.x);
+    writer.writeInt32(record.Position.y);
+    for (const std::string* text : {&record.ToJack, &record.Name, &record.IPAddress, &record.MACAddress,
+                                    &record.Username, &record.Comment})
+        writer.writeText(*text);
+    writer.writeInt32(record.RecID);
+    writer.writeInt32(record.Modified);
+    writer.writeInt32(record.StampsModified);
+    for (const TimeStamp stamp : record.RuleStamps)
+        writer.writeInt32(stamp);
+    for (const std::string* text :
+         {&record.SlashText, &record.BackslashText, &record.HorzText, &record.VertText})
+        writer.writeText(*text);
+    writer.writeInt32(record.SlashDraw);
+    writer.writeInt32(record.BackslashDraw);
+    writer.writeInt32(record.VertDraw);
+    writer.writeInt32(record.HorzDraw);
+    writer.writeInt32(record.ReminderOn);
+    writer.writeInt32(record.ReminderDate.status);
+    writer.writeDouble(record.ReminderDate.value);
+    writer.writeText(record.ToDo);
+    writer.writeInt32(record.Priority);
+}
+
+/// What the whole file takes, but for the few longer length forms: one allocation for all but odd files.
+std::size_t estimatedSize(const RecordList& records) {
+    constexpr std::size_t fixedSize = knownTagSize + 123;
+    std::size_t size = descriptorSize + 6;
+    for (const auto& record : records) {
+        size += fixedSize + record->ToJack.size() + record->Name.size() + record->IPAddress.size() +
+                record->MACAddress.size() + record->Username.size() + record->Comment.size() +
+                record->SlashText.size() + record->BackslashText.size() + record->HorzText.size() +
+                record->VertText.size() + record->ToDo.size();
+    }
+    return size;
+}
+
+/// Reads the count and compares it with the bytes that are there, so that a wrong one costs no memory.
+std::size_t readPlausibleCount(ByteReader& reader, const Layout& layout) {
+    const std::uint64_t count = reader.readCount();
+    const std::uint64_t least = count * (knownTagSize + layout.emptyRecordSize);
+    if (count > 0 && least + (descriptorSize - knownTagSize) > reader.remaining())
+        reader.fail(0, "the file claims " + std::to_string(count) + " records, which do not fit in its " +
+                           std::to_string(reader.remaining()) + " bytes");
+    return static_cast<std::size_t>(count);
+}
+
+} // namespace
+
+Result<Content, Error> decode(std::string_view bytes) {
+    ByteReader probe(bytes);
+    probe.readBytes(versionOffset);
+    const std::int32_t version = probe.readInt32();
+    if (probe.failed()) {
+        return Error{Error::Kind::Damaged, bytes.size(), 0,
+                     "The datafile is damaged at byte " + std::to_string(bytes.size()) +
+                         " (record 0): the file ends before the version of its first record."};
+    }
+    const Layout* layout = layoutOf(version);
+    if (!layout)
+        return unknownVersion(bytes, version);
+
+    Content content;
+    content.fileVersion = version;
+    ByteReader reader(bytes);
+    const std::size_t count = readPlausibleCount(reader, *layout);
+    if (reader.failed())
+        return damaged(reader, 0);
+    content.records.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        auto record = std::make_unique<CHardware>();
+        readTag(reader, i);
+        readRecord(reader, *layout, *record);
+        if (reader.failed())
+            return damaged(reader, i);
+        content.records.push_back(std::move(record));
+    }
+    if (reader.remaining() > 0) {
+        reader.fail(reader.offset(), std::to_string(reader.remaining()) + " bytes follow the last record");
+        return damaged(reader, count);
+    }
+    return content;
+}
+
+std::string encode(const RecordList& records) {
+    ByteWriter writer;
+    writer.reserve(estimatedSize(records));
+    writer.writeCount(records.size());
+    bool first = true;
+    for (const auto& record : records) {
+        writer.writeUint16(first ? newClassTag : knownClassTag);
+        if (first) {
+            writer.writeUint16(classSchema);
+            writer.writeUint16(static_cast<std::uint16_t>(className.size()));
+            writer.writeBytes(className);
+            first = false;
+        }
+        writeRecord(writer, *record);
+    }
+    return writer.take();
+}
+
+} // namespace mirovane::Datafile

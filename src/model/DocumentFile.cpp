@@ -1,0 +1,286 @@
+#include "model/Criteria.h"
+#include "model/Document.h"
+
+#include <filesystem>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::int32_t firstToDoRow = criteriaRecordType(DeviceType::first, 11);
+
+Datafile::Error cannotRead(const FileError& error) {
+    return {Datafile::Error::Kind::CannotRead, 0, 0, error.sentence};
+}
+
+std::string absolutePath(const std::string& path) {
+    std::error_code failed;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, failed);
+    return failed || path.empty() ? path : absolute.string();
+}
+
+bool existsOnDisk(const std::filesystem::path& path) {
+    std::error_code failed;
+    return std::filesystem::exists(path, failed);
+}
+
+bool looksLikeWindowsPath(std::string_view path) {
+    const bool drive = path.size() > 2 && path[1] == ':' && (path[2] == '\\' || path[2] == '/');
+    return drive || path.starts_with("\\\\");
+}
+
+/// `stored` as it is found from the folder of `datafile`.
+std::string resolveFrom(const std::string& datafile, const std::string& stored) {
+    const std::filesystem::path folder = std::filesystem::path(datafile).parent_path();
+    if (stored.empty() || stored.front() == '/' || datafile.empty())
+        return stored;
+    if (!looksLikeWindowsPath(stored))
+        return (folder / stored).string();
+    if (existsOnDisk(stored))
+        return stored;
+    const std::filesystem::path beside = folder / stored.substr(stored.find_last_of("\\/") + 1);
+    return existsOnDisk(beside) ? beside.string() : stored;
+}
+
+} // namespace
+
+// ---- a new datafile
+
+const CHardware* CMirovaneDoc::appendSpecial(std::int32_t type, std::int32_t state, bool signedByStation) {
+    CHardware record;
+    record.Type = type;
+    record.State = state;
+    record.Modified = now();
+    if (signedByStation) {
+        record.Name = station_.computerName;
+        record.Username = station_.userName;
+    }
+    return append(std::move(record));
+}
+
+void CMirovaneDoc::newDatafile() {
+    path_.clear();
+    knownIdentity_.reset();
+    fileVersion_ = Datafile::currentVersion;
+    saveNote_.clear();
+    loading_ = pendingChanges_ = upgradePending_ = mustReload_ = false;
+    fillNewDatafile();
+    replaceRecords(std::exchange(records_, {}));
+    creationTime_ = findSpecial(SpecialType::VersionRecord)->Modified;
+    modified_ = false;
+}
+
+/// Unobserved: whoever watches is told once, when all is there.
+void CMirovaneDoc::fillNewDatafile() {
+    const std::vector<DocumentObserver*> silenced = std::exchange(observers_, {});
+    records_.clear();
+    index_.rebuild(records_);
+    appendSpecial(SpecialType::VersionRecord, Datafile::currentVersion, false);
+    appendSpecial(SpecialType::LiveStatOwnerRecord, 0, true);
+    appendSpecial(SpecialType::LiveDiscoverOwnerRecord, 0, true);
+    for (std::int32_t type = DeviceType::first; type <= DeviceType::last; ++type) {
+        for (int row = 0; row < criteriaRowCount; ++row) {
+            CHardware record;
+            record.Type = criteriaRecordType(type, row);
+            applyCriteriaDefaults(record);
+            append(std::move(record));
+        }
+    }
+    observers_ = silenced;
+}
+
+void CMirovaneDoc::replaceRecords(Datafile::RecordList records) {
+    records_ = std::move(records);
+    index_.rebuild(records_);
+    ++orderRevision_;
+    for (DocumentObserver* observer : observers_)
+        observer->documentReplaced();
+}
+
+// ---- reading
+
+std::optional<Datafile::Error> CMirovaneDoc::load(const std::string& path) {
+    auto locked = files_.lock(path, FileAccess::Read, lockPatience);
+    if (!locked)
+        return cannotRead(locked.error());
+    const auto bytes = locked.value()->read();
+    if (!bytes)
+        return cannotRead(bytes.error());
+    auto content = Datafile::decode(bytes.value());
+    if (!content)
+        return content.error();
+    path_ = path;
+    fileVersion_ = content.value().fileVersion;
+    knownIdentity_ = locked.value()->identity();
+    records_ = std::move(content.value().records);
+    index_.rebuild(records_);
+    mustReload_ = modified_ = false;
+    display_.readAtOpen(settings_);
+    return std::nullopt;
+}
+
+std::optional<Datafile::Error> CMirovaneDoc::open(const std::string& path) {
+    if (auto error = load(absolutePath(path)))
+        return error;
+    saveNote_.clear();
+    loading_ = pendingChanges_ = upgradePending_ = false;
+    runPostLoadPass();
+    replaceRecords(std::exchange(records_, {}));
+    modified_ = false;
+    return std::nullopt;
+}
+
+std::optional<Datafile::Error> CMirovaneDoc::reload() {
+    if (auto error = load(path_)) {
+        mustReload_ = true;
+        return error;
+    }
+    replaceRecords(std::exchange(records_, {}));
+    return std::nullopt;
+}
+
+void CMirovaneDoc::runPostLoadPass() {
+    const std::vector<DocumentObserver*> silenced = std::exchange(observers_, {});
+    for (const auto& record : records_) {
+        record->LSNowMark = 0;
+        record->ReminderDue = 0;
+    }
+    addMissingRecords();
+    upgradeVersion();
+    if (!holdsSpecial(firstToDoRow))
+        addToDoRows();
+    observers_ = silenced;
+}
+
+/// A datafile that lost them is still somebody's: ownership and saving need these records.
+void CMirovaneDoc::addMissingRecords() {
+    if (!holdsSpecial(SpecialType::VersionRecord))
+        appendSpecial(SpecialType::VersionRecord, fileVersion_, false);
+    for (const std::int32_t owner :
+         {SpecialType::LiveStatOwnerRecord, SpecialType::LiveDiscoverOwnerRecord}) {
+        if (!holdsSpecial(owner))
+            appendSpecial(owner, 0, false);
+    }
+}
+
+void CMirovaneDoc::upgradeVersion() {
+    const auto place = index_.special(SpecialType::VersionRecord);
+    if (!place)
+        return;
+    creationTime_ = records_[*place]->Modified;
+    if (fileVersion_ != Datafile::currentVersion) {
+        records_[*place]->State = Datafile::currentVersion;
+        saveNote_ = "updated datafile version " + std::to_string(fileVersion_) + " to " +
+                    std::to_string(Datafile::currentVersion) + " ";
+        pendingChanges_ = upgradePending_ = true;
+    }
+    exchange(0, *place);
+}
+
+/// Datafiles from before the To Do row have none of the thirteen.
+void CMirovaneDoc::addToDoRows() {
+    for (std::int32_t type = DeviceType::first; type <= DeviceType::last; ++type) {
+        CHardware record;
+        record.Type = criteriaRecordType(type, 11);
+        append(std::move(record));
+    }
+    for (const auto& record : records_) {
+        if (isCriteriaRecordType(record->Type) && (-record->Type - 80) % 20 == 11)
+            applyToDoRowDefaults(*record);
+    }
+}
+
+// ---- writing
+
+/// Every station looks for the version in the first record.
+std::optional<FileError> CMirovaneDoc::bringVersionToFront() {
+    if (!holdsSpecial(SpecialType::VersionRecord))
+        appendSpecial(SpecialType::VersionRecord, Datafile::currentVersion, false);
+    const auto place = index_.special(SpecialType::VersionRecord);
+    if (!place || records_.size() > Datafile::maxRecords)
+        return FileError{FileError::Kind::TooLarge, 0,
+                         "cannot write " + path_ + ": a datafile holds at most 65,534 records"};
+    records_[*place]->State = Datafile::currentVersion;
+    if (*place > 0)
+        exchange(0, *place);
+    return std::nullopt;
+}
+
+std::optional<FileError> CMirovaneDoc::write(const std::string& path, bool expectKnownFile) {
+    if (auto error = bringVersionToFront())
+        return error;
+    const std::string bytes = Datafile::encode(records_);
+    auto locked = files_.lock(path, FileAccess::Write, lockPatience);
+    if (!locked)
+        return locked.error();
+    LockedFile& file = *locked.value();
+    if (expectKnownFile && file.exists() && knownIdentity_ && file.identity() != *knownIdentity_)
+        return FileError{FileError::Kind::Changed, 0,
+                         "cannot write " + path + ": the datafile was changed by another station"};
+    const auto replaced = file.replace(bytes);
+    if (!replaced)
+        return replaced.error();
+    knownIdentity_ = replaced.value();
+    path_ = path;
+    modified_ = upgradePending_ = mustReload_ = false;
+    return std::nullopt;
+}
+
+std::optional<FileError> CMirovaneDoc::reportSave(const std::string& path, std::optional<FileError> error) {
+    const bool toStatusBar = saveNote_.empty();
+    if (error) {
+        log_.LogMessage(error->sentence, toStatusBar);
+        log_.LogMessage("Error accessing datafile " + path, toStatusBar);
+    } else {
+        log_.LogMessage("Saved " + saveNote_ + "changes to data file", toStatusBar);
+    }
+    if (!error || error->kind != FileError::Kind::Changed)
+        saveNote_.clear();
+    return error;
+}
+
+std::optional<FileError> CMirovaneDoc::save() {
+    if (loading_)
+        return std::nullopt;
+    if (path_.empty()) {
+        modified_ = true;
+        return std::nullopt;
+    }
+    if (mustReload_)
+        return reportSave(path_, FileError{FileError::Kind::Changed, 0,
+                                           "cannot write " + path_ +
+                                               ": the datafile was changed and could not be read again"});
+    return reportSave(path_, write(path_, true));
+}
+
+std::optional<FileError> CMirovaneDoc::saveAs(const std::string& path) {
+    const std::string target = absolutePath(path);
+    if (target == path_)
+        return save();
+    return reportSave(target, write(target, false));
+}
+
+// ---- the floor map's record
+
+std::string CMirovaneDoc::floorMapPath() const {
+    const CHardware* record = findSpecial(SpecialType::FloorMapRecord);
+    return record ? record->Name : std::string();
+}
+
+std::string CMirovaneDoc::photoFolder() const {
+    const CHardware* record = findSpecial(SpecialType::FloorMapRecord);
+    return record ? record->Username : std::string();
+}
+
+std::string CMirovaneDoc::resolvedFloorMapPath() const {
+    return resolveFrom(path_, floorMapPath());
+}
+
+std::string CMirovaneDoc::resolvedPhotoFolder() const {
+    return resolveFrom(path_, photoFolder());
+}
+
+} // namespace mirovane

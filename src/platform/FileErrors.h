@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/Files.h"
+
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace mirovane {
+
+/// errno after `what` ("cannot write") failed on `path`, as a typed error with its sentence.
+FileError fileError(std::string_view what, const std::string& path, int code);
+
+FileIdentity identityFrom(const struct stat& status);
+
+/// "/srv/site" for "/srv/site/floor.mv", "." for "floor.mv".
+std::string folderOf(const std::string& path);
+std::string nameOf(const std::string& path);
+
+} // namespace mirovane

@@ -1,0 +1,46 @@
+#include "platform/LockedPosixFile.h"
+
+#include "platform/FileErrors.h"
+#include "platform/SafeReplace.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace mirovane {
+
+LockedPosixFile::LockedPosixFile(FileCalls& calls, std::string path, std::string target,
+                                 std::string backupFolder, OpenFile file, const struct stat& status)
+    : calls_(calls),
+      path_(std::move(path)),
+      target_(std::move(target)),
+      backupFolder_(std::move(backupFolder)),
+      file_(std::move(file)),
+      status_(status) {}
+
+FileIdentity LockedPosixFile::identity() const {
+    return identityFrom(status_);
+}
+
+Result<std::string, FileError> LockedPosixFile::read() {
+    if (!file_)
+        return fileError("cannot read", path_, ENOENT);
+    std::optional<std::string> content = readWhole(calls_, file_.fd());
+    if (!content)
+        return fileError("cannot read", path_, errno);
+    return std::move(*content);
+}
+
+Result<FileIdentity, FileError> LockedPosixFile::replace(std::string_view content) {
+    SafeReplace replacement(calls_, target_, file_ ? &status_ : nullptr);
+    std::optional<OpenFile> made = replacement.run(content);
+    if (!made)
+        return replacement.error();
+    file_ = std::move(*made);
+    if (calls_.statusOf(file_.fd(), status_) != 0)
+        return fileError("cannot read", path_, errno);
+    if (!flushFolder(calls_, folderOf(target_)))
+        return fileError("cannot write", path_, errno);
+    return identity();
+}
+
+} // namespace mirovane

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/FileCalls.h"
+#include "platform/Files.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace mirovane {
+
+/// An open file and, with it, the locks taken through it; both end with the object.
+class OpenFile {
+public:
+    OpenFile() = default;
+    OpenFile(FileCalls& calls, int fd) : calls_(&calls), fd_(fd) {}
+    OpenFile(OpenFile&& other) noexcept : calls_(other.calls_), fd_(std::exchange(other.fd_, -1)) {}
+    OpenFile& operator=(OpenFile&& other) noexcept {
+        if (this != &other) {
+            close();
+            calls_ = other.calls_;
+            fd_ = std::exchange(other.fd_, -1);
+        }
+        return *this;
+    }
+    ~OpenFile() { close(); }
+
+    explicit operator bool() const { return fd_ >= 0; }
+    int fd() const { return fd_; }
+    void close();
+
+private:
+    FileCalls* calls_ = nullptr;
+    int fd_ = -1;
+};
+
+/// The whole content; nothing, and errno, when it cannot be read.
+std::optional<std::string> readWhole(FileCalls& calls, int fd);
+
+/// All of it from offset 0 on; false, and errno, when not all could be written.
+bool writeWhole(FileCalls& calls, int fd, std::string_view content);
+
+/// Makes the names in a folder durable. False, and errno, only where the disk failed: a folder that cannot be
+/// opened or flushed at all (some network file systems) leaves nothing that could be done better.
+bool flushFolder(FileCalls& calls, const std::string& folder);
+
+/// Both name the same file at this moment.
+bool sameFile(const struct stat& a, const struct stat& b);
+
+/// True where the file system knows no locks: then only the checks of identity keep stations apart.
+bool locksUnsupported(int code);
+
+} // namespace mirovane

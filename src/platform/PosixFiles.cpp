@@ -1,0 +1,154 @@
+#include "platform/PosixFiles.h"
+
+#include "platform/FileErrors.h"
+#include "platform/LockedPosixFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <optional>
+#include <unistd.h>
+#include <utility>
+
+namespace mirovane {
+
+namespace {
+
+constexpr int mostLinks = 40;
+constexpr std::chrono::milliseconds longestPause{50};
+
+/// What `path` stands for once symbolic links are followed, also where the last one points at nothing yet.
+std::string followLinks(FileCalls& calls, const std::string& path) {
+    std::string at = path;
+    for (int link = 0; link < mostLinks; ++link) {
+        const std::string real = calls.realPath(at);
+        if (!real.empty())
+            return real;
+        const std::string target = calls.linkTarget(at);
+        if (target.empty())
+            return at;
+        at = target.front() == '/' ? target : folderOf(at) + "/" + target;
+    }
+    return at;
+}
+
+std::string_view verbFor(FileAccess access) {
+    return access == FileAccess::Write ? "cannot write" : "cannot read";
+}
+
+/// One station's attempts to get the lock, one after the other.
+class Locking {
+public:
+    enum class Outcome { Locked, Missing, Busy, Failed };
+
+    Locking(FileCalls& calls, const std::string& path, FileAccess access)
+        : calls_(calls), path_(path), access_(access) {}
+
+    Outcome attempt() {
+        target_ = followLinks(calls_, path_);
+        const int flags = access_ == FileAccess::Write ? O_RDWR : O_RDONLY;
+        // Not blocking: a pipe under the datafile's name must not hang the program.
+        file_ = OpenFile(calls_, calls_.openFile(target_, flags | O_NOCTTY | O_NONBLOCK, 0));
+        if (!file_)
+            return errno == ENOENT && access_ == FileAccess::Write ? Outcome::Missing : failed(errno);
+        if (calls_.statusOf(file_.fd(), status_) != 0)
+            return failed(errno);
+        if (!S_ISREG(status_.st_mode))
+            return notAFile();
+        if (calls_.tryLock(file_.fd(), access_ == FileAccess::Write) != 0 && !locksUnsupported(errno))
+            return errno == EAGAIN || errno == EACCES ? Outcome::Busy : failed(errno);
+        return stillThere();
+    }
+
+    const FileError& error() const { return error_; }
+    const std::string& target() const { return target_; }
+    const struct stat& status() const { return status_; }
+    OpenFile takeFile() { return std::move(file_); }
+
+private:
+    /// Another station may have renamed a new file over this one while this station waited. Opened, not asked
+    /// by name: a network file system answers names from a cache, but opens afresh.
+    Outcome stillThere() {
+        const OpenFile named(calls_, calls_.openFile(path_, O_RDONLY | O_NOCTTY | O_NONBLOCK, 0));
+        struct stat now = {};
+        if (!named)
+            return errno == ENOENT || errno == EACCES ? unreadable(errno) : failed(errno);
+        if (calls_.statusOf(named.fd(), now) != 0 || calls_.statusOf(file_.fd(), status_) != 0)
+            return failed(errno);
+        return sameFile(now, status_) ? Outcome::Locked : Outcome::Busy;
+    }
+
+    Outcome unreadable(int code) { return code == ENOENT ? Outcome::Busy : failed(code); }
+
+    Outcome failed(int code) {
+        error_ = fileError(verbFor(access_), path_, code);
+        return Outcome::Failed;
+    }
+
+    Outcome notAFile() {
+        error_ = {FileError::Kind::Other, 0,
+                  std::string(verbFor(access_)) + " " + path_ + ": it is not a file"};
+        return Outcome::Failed;
+    }
+
+    FileCalls& calls_;
+    const std::string& path_;
+    FileAccess access_;
+    std::string target_;
+    OpenFile file_;
+    struct stat status_ = {};
+    FileError error_;
+};
+
+} // namespace
+
+PosixFiles::PosixFiles()
+    : ownCalls_(std::make_unique<FileCalls>()), calls_(*ownCalls_), backupFolder_(defaultBackupFolder()) {}
+
+PosixFiles::PosixFiles(FileCalls& calls, std::string backupFolder)
+    : calls_(calls), backupFolder_(std::move(backupFolder)) {}
+
+PosixFiles::~PosixFiles() = default;
+
+Result<FileIdentity, FileError> PosixFiles::status(const std::string& path) {
+    struct stat status = {};
+    if (calls_.statusAt(path, status) != 0)
+        return fileError("cannot read", path, errno);
+    return identityFrom(status);
+}
+
+Result<std::unique_ptr<LockedFile>, FileError> PosixFiles::lock(const std::string& path, FileAccess access,
+                                                                std::chrono::milliseconds patience) {
+    const auto deadline = calls_.now() + patience;
+    std::chrono::milliseconds wait{1};
+    for (;;) {
+        Locking locking(calls_, path, access);
+        const Locking::Outcome outcome = locking.attempt();
+        if (outcome == Locking::Outcome::Locked || outcome == Locking::Outcome::Missing)
+            return std::unique_ptr<LockedFile>(std::make_unique<LockedPosixFile>(
+                calls_, path, locking.target(), backupFolder_, locking.takeFile(), locking.status()));
+        if (outcome == Locking::Outcome::Failed)
+            return locking.error();
+        if (calls_.now() >= deadline)
+            return FileError{FileError::Kind::Locked, EAGAIN,
+                             std::string(verbFor(access)) + " " + path + ": another station is using it"};
+        calls_.pause(wait);
+        wait = std::min(wait * 2, longestPause);
+    }
+}
+
+std::string defaultBackupFolder() {
+    const auto variable = [](const char* name) {
+        const char* value = std::getenv(name);
+        return value && value[0] == '/' ? std::string(value) : std::string();
+    };
+    if (const std::string state = variable("XDG_STATE_HOME"); !state.empty())
+        return state + "/mirovane";
+    if (const std::string home = variable("HOME"); !home.empty())
+        return home + "/.local/state/mirovane";
+    const std::string temporary = variable("TMPDIR");
+    return (temporary.empty() ? std::string("/tmp") : temporary) + "/mirovane-" + std::to_string(::geteuid());
+}
+
+} // namespace mirovane

@@ -1,0 +1,137 @@
+#include "platform/SafeReplace.h"
+
+#include "platform/FileErrors.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <ctime>
+#include <fcntl.h>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::string_view temporarySuffix = ".saving";
+constexpr std::size_t longestKeptName = 200;
+constexpr int attempts = 20;
+
+/// On a file system without locks only its age tells a leftover from a save under way.
+constexpr std::time_t leftoverAge = 60;
+
+bool refusedByFolder(int code) {
+    return code == EACCES || code == EPERM || code == EROFS || code == EBUSY || code == EXDEV;
+}
+
+std::string hexOf(std::uint64_t number) {
+    std::string text;
+    for (int shift = 60; shift >= 0; shift -= 4)
+        text += "0123456789abcdef"[number >> shift & 0xF];
+    return text;
+}
+
+std::uint64_t hashOf(std::string_view text) {
+    std::uint64_t hash = 14695981039346656037U;
+    for (const char c : text)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    return hash;
+}
+
+} // namespace
+
+/// A folder takes names of 255 bytes; a longer name is told apart from its neighbours by its hash.
+std::string SafeReplace::temporaryName(const std::string& name) {
+    std::string kept = name;
+    if (name.size() > longestKeptName)
+        kept = name.substr(0, longestKeptName) + hexOf(hashOf(name));
+    return "." + kept + std::string(temporarySuffix);
+}
+
+void SafeReplace::failed(int code) {
+    error_ = fileError("cannot write", path_, code);
+}
+
+std::optional<OpenFile> SafeReplace::run(std::string_view content) {
+    temporary_ = folderOf(path_) + "/" + temporaryName(nameOf(path_));
+    std::optional<OpenFile> file = makeTemporary();
+    if (!file)
+        return std::nullopt;
+    if (!writeWhole(calls_, file->fd(), content) || !keepOwnerAndMode(file->fd()) ||
+        calls_.flush(file->fd()) != 0 || !putInPlace()) {
+        if (error_.sentence.empty())
+            failed(errno);
+        calls_.remove(temporary_);
+        return std::nullopt;
+    }
+    return file;
+}
+
+std::optional<OpenFile> SafeReplace::makeTemporary() {
+    const mode_t mode = old_ ? 0600 : 0666;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        OpenFile file(calls_, calls_.openFile(temporary_, O_RDWR | O_CREAT | O_EXCL, mode));
+        if (!file && errno == EEXIST) {
+            if (removeLeftover())
+                continue;
+            calls_.pause(std::chrono::milliseconds(20));
+            continue;
+        }
+        if (!file) {
+            folderRefused_ = refusedByFolder(errno);
+            failed(errno);
+            return std::nullopt;
+        }
+        if (calls_.tryLock(file.fd(), true) == 0 || locksUnsupported(errno))
+            return file;
+        // Somebody took it for a leftover in the moment before the lock, and removes it.
+    }
+    error_ = fileError("cannot write", path_, EAGAIN);
+    return std::nullopt;
+}
+
+/// True when the temporary name may be free now.
+bool SafeReplace::removeLeftover() {
+    const OpenFile file(calls_, calls_.openFile(temporary_, O_RDWR, 0));
+    if (!file)
+        return errno == ENOENT;
+    struct stat opened = {};
+    struct stat named = {};
+    const bool locked = calls_.tryLock(file.fd(), true) == 0;
+    if (!locked && !locksUnsupported(errno))
+        return false;
+    if (calls_.statusOf(file.fd(), opened) != 0 || calls_.statusAt(temporary_, named) != 0 ||
+        !sameFile(opened, named))
+        return true;
+    if (!locked && std::time(nullptr) - opened.st_mtime < leftoverAge)
+        return false;
+    return calls_.remove(temporary_) == 0;
+}
+
+/// The owner stays where the system lets this user give files away (root), the group where he is a member.
+bool SafeReplace::keepOwnerAndMode(int fd) {
+    if (!old_)
+        return true;
+    struct stat made = {};
+    if (calls_.statusOf(fd, made) != 0)
+        return false;
+    if (made.st_uid != old_->st_uid || made.st_gid != old_->st_gid) {
+        if (calls_.setOwner(fd, old_->st_uid, old_->st_gid) != 0)
+            calls_.setOwner(fd, static_cast<uid_t>(-1), old_->st_gid);
+    }
+    return calls_.setMode(fd, old_->st_mode & 07777) == 0;
+}
+
+bool SafeReplace::putInPlace() {
+    const int moved = old_ ? calls_.rename(temporary_, path_) : calls_.renameToNew(temporary_, path_);
+    if (moved == 0)
+        return true;
+    const int code = errno;
+    folderRefused_ = refusedByFolder(code);
+    failed(code);
+    if (code == EEXIST) {
+        error_.kind = FileError::Kind::Changed;
+        error_.sentence = "cannot write " + path_ + ": another station has just created it";
+    }
+    return false;
+}
+
+} // namespace mirovane

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/FileCalls.h"
+#include "platform/Files.h"
+#include "platform/OpenFile.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace mirovane {
+
+/// One replacement of a file by way of a temporary file beside it: written whole, flushed, locked, renamed
+/// over the old one. There is one temporary name for a datafile. Whoever finds it without a living owner (its
+/// lock can be had) removes it, so savers that were killed leave at most one such file, until the next save.
+class SafeReplace {
+public:
+    /// `path` has no symbolic link in its last part. `old` is the file that stands there, null when there is
+    /// none.
+    SafeReplace(FileCalls& calls, std::string path, const struct stat* old)
+        : calls_(calls), path_(std::move(path)), old_(old) {}
+
+    /// The new file, open and under an exclusive lock; the old one is untouched when it is not there.
+    std::optional<OpenFile> run(std::string_view content);
+
+    /// Why run() gave nothing.
+    const FileError& error() const { return error_; }
+
+    /// The folder does not take a new file or a new name; the file itself may still be writable.
+    bool folderRefused() const { return folderRefused_; }
+
+    static std::string temporaryName(const std::string& name);
+
+private:
+    std::optional<OpenFile> makeTemporary();
+    bool removeLeftover();
+    bool keepOwnerAndMode(int fd);
+    bool putInPlace();
+    void failed(int code);
+
+    FileCalls& calls_;
+    std::string path_;
+    const struct stat* old_;
+    std::string temporary_;
+    FileError error_;
+    bool folderRefused_ = false;
+};
+
+} // namespace mirovane

@@ -1,0 +1,106 @@
+#include "platform/qt/IniSettingsStore.h"
+
+#include <QByteArray>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QString>
+#include <QVariant>
+
+#include <algorithm>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::size_t recentFilesKept = 4;
+
+QByteArray bytesOf(const std::string& text) {
+    return QByteArray(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// A name may hold a datafile's path, and the store gives "/" and "\" a meaning of their own. Everything but
+/// plain ASCII is written as %XX, so that any two names stay two.
+QString keyIn(const char* group, const std::string& name) {
+    const QByteArray escaped = bytesOf(name).toPercentEncoding(" :,;()[]{}!#$&'*+@");
+    return QLatin1String(group) + QLatin1Char('/') + QString::fromLatin1(escaped);
+}
+
+QString settingsKey(const std::string& name) {
+    return keyIn("Settings", name);
+}
+
+QString recentFileKey(std::size_t i) {
+    return keyIn("RecentFiles", "File" + std::to_string(i + 1));
+}
+
+/// Text where it is text, so that the file can be read; bytes where it is not, so that nothing is lost.
+QVariant stored(const std::string& value) {
+    const QByteArray bytes = bytesOf(value);
+    const QString text = QString::fromUtf8(bytes);
+    return text.toUtf8() == bytes ? QVariant(text) : QVariant(bytes);
+}
+
+std::string textOf(const QVariant& value) {
+    if (value.typeId() == QMetaType::QStringList) // an unquoted comma, written by hand
+        return value.toStringList().join(QStringLiteral(", ")).toStdString();
+    return value.typeId() == QMetaType::QByteArray ? value.toByteArray().toStdString()
+                                                   : value.toString().toStdString();
+}
+
+QString iniFile(const std::string& folder) {
+    if (!folder.empty())
+        return QString::fromStdString(folder) + QStringLiteral("/mirovane.ini");
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/mirovane/mirovane.ini");
+}
+
+} // namespace
+
+IniSettingsStore::IniSettingsStore(const std::string& folder)
+    : settings_(std::make_unique<QSettings>(iniFile(folder), QSettings::IniFormat)) {}
+
+IniSettingsStore::~IniSettingsStore() = default;
+
+std::optional<std::int32_t> IniSettingsStore::readInteger(const std::string& name) const {
+    bool isNumber = false;
+    const std::int32_t value = settings_->value(settingsKey(name)).toInt(&isNumber);
+    return isNumber ? std::optional<std::int32_t>(value) : std::nullopt;
+}
+
+void IniSettingsStore::writeInteger(const std::string& name, std::int32_t value) {
+    settings_->setValue(settingsKey(name), value);
+}
+
+std::optional<std::string> IniSettingsStore::readText(const std::string& name) const {
+    const QVariant value = settings_->value(settingsKey(name));
+    return value.isValid() ? std::optional<std::string>(textOf(value)) : std::nullopt;
+}
+
+void IniSettingsStore::writeText(const std::string& name, const std::string& value) {
+    settings_->setValue(settingsKey(name), stored(value));
+}
+
+std::vector<std::string> IniSettingsStore::readRecentFiles() const {
+    std::vector<std::string> paths;
+    for (std::size_t i = 0; i < recentFilesKept; ++i) {
+        const std::string path = textOf(settings_->value(recentFileKey(i)));
+        if (!path.empty())
+            paths.push_back(path);
+    }
+    return paths;
+}
+
+void IniSettingsStore::writeRecentFiles(const std::vector<std::string>& paths) {
+    for (std::size_t i = 0; i < recentFilesKept; ++i) {
+        if (i < paths.size())
+            settings_->setValue(recentFileKey(i), stored(paths[i]));
+        else
+            settings_->remove(recentFileKey(i));
+    }
+}
+
+std::string IniSettingsStore::fileName() const {
+    return settings_->fileName().toStdString();
+}
+
+} // namespace mirovane
