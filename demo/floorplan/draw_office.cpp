@@ -2,6 +2,8 @@
 // Light greys and pale tints throughout: on the map the devices and their labels must be what the eye finds
 // first.
 
+#include "Colours.h"
+#include "Furniture.h"
 #include "Plan.h"
 
 #include <QColor>
@@ -16,17 +18,7 @@
 namespace {
 
 using namespace plan;
-
-const QColor paper(0xF6, 0xF6, 0xF4);
-const QColor wallInk(0x59, 0x61, 0x6B);
-const QColor line(0xC3, 0xC8, 0xCC);
-const QColor faint(0xDD, 0xE0, 0xE2);
-const QColor text(0x8B, 0x93, 0x9B);
-const QColor wood(0xF2, 0xEC, 0xE1);
-const QColor fabric(0xE6, 0xEA, 0xEE);
-const QColor metal(0xE9, 0xEB, 0xEC);
-const QColor leaf(0xDC, 0xE8, 0xDA);
-const QColor glass(0xD8, 0xE6, 0xEE);
+using namespace colours;
 
 constexpr int outerWall = 10;
 constexpr int innerWall = 4;
@@ -47,178 +39,6 @@ QColor floorColour(Floor floor) {
         return {0xF3, 0xF4, 0xF5};
     }
     return Qt::white;
-}
-
-// ---- furniture
-
-void solid(QPainter& painter, const QRect& area, const QColor& fill, int radius = 2) {
-    painter.setPen(QPen(line, 1));
-    painter.setBrush(fill);
-    painter.drawRoundedRect(QRectF(area).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
-}
-
-/// The strip of `area` along one of its sides.
-QRect edge(const QRect& area, Side side, int depth) {
-    switch (side) {
-    case Side::North:
-        return {area.left(), area.top(), area.width(), depth};
-    case Side::South:
-        return {area.left(), area.bottom() + 1 - depth, area.width(), depth};
-    case Side::West:
-        return {area.left(), area.top(), depth, area.height()};
-    case Side::East:
-        return {area.right() + 1 - depth, area.top(), depth, area.height()};
-    case Side::None:
-        break;
-    }
-    return {};
-}
-
-void drawChair(QPainter& painter, const QRect& area, Side back) {
-    solid(painter, area, fabric, 6);
-    solid(painter, edge(area, back, 6), fabric, 3);
-}
-
-void drawDesk(QPainter& painter, const Item& desk) {
-    constexpr int size = 24;
-    QRect chair(0, 0, size, size);
-    chair.moveCenter(edge(desk.area, desk.side, 2).center());
-    const int out = size / 2 - 4;
-    switch (desk.side) {
-    case Side::North:
-        chair.translate(0, -out);
-        break;
-    case Side::South:
-        chair.translate(0, out);
-        break;
-    case Side::West:
-        chair.translate(-out, 0);
-        break;
-    case Side::East:
-        chair.translate(out, 0);
-        break;
-    case Side::None:
-        break;
-    }
-    drawChair(painter, chair, desk.side);
-    solid(painter, desk.area, wood);
-}
-
-void drawSofa(QPainter& painter, const Item& sofa) {
-    solid(painter, sofa.area, fabric, 6);
-    solid(painter, edge(sofa.area, sofa.side, 12), fabric, 5);
-    const QPoint middle = sofa.area.center();
-    if (sofa.area.width() > sofa.area.height())
-        painter.drawLine(middle.x(), sofa.area.top() + 1, middle.x(), sofa.area.bottom() - 12);
-    else
-        painter.drawLine(sofa.area.left() + 12, middle.y(), sofa.area.right() - 1, middle.y());
-}
-
-void drawPlant(QPainter& painter, const QRect& area) {
-    const QRectF round(area);
-    painter.setPen(QPen(line, 1));
-    painter.setBrush(leaf);
-    painter.save();
-    painter.translate(round.center());
-    for (int i = 0; i < 6; ++i) {
-        painter.rotate(60);
-        painter.drawEllipse(QRectF(0, -round.height() / 7, round.width() / 2, round.height() / 3.5));
-    }
-    painter.restore();
-}
-
-void drawStairs(QPainter& painter, const QRect& area) {
-    painter.setPen(QPen(line, 1));
-    for (int y = area.top(); y <= area.bottom(); y += 12)
-        painter.drawLine(area.left(), y, area.right(), y);
-    painter.drawLine(area.center().x(), area.top(), area.center().x(), area.bottom());
-    const int x = area.left() + area.width() / 4;
-    painter.setPen(QPen(text, 1));
-    painter.drawLine(x, area.bottom() - 6, x, area.top() + 6);
-    painter.drawLine(x, area.top() + 6, x - 5, area.top() + 14);
-    painter.drawLine(x, area.top() + 6, x + 5, area.top() + 14);
-}
-
-void drawLift(QPainter& painter, const QRect& area) {
-    solid(painter, area, metal, 0);
-    painter.drawLine(area.topLeft(), area.bottomRight());
-    painter.drawLine(area.topRight(), area.bottomLeft());
-}
-
-void drawRack(QPainter& painter, const QRect& area) {
-    solid(painter, area, metal, 0);
-    painter.drawLine(area.left(), area.top() + 8, area.right(), area.top() + 8);
-}
-
-void drawToilet(QPainter& painter, const Item& toilet) {
-    const QRect cistern = edge(toilet.area, toilet.side, 12);
-    painter.setPen(QPen(line, 1));
-    painter.setBrush(Qt::white);
-    painter.drawEllipse(QRectF(toilet.area.adjusted(3, 0, -3, -8)));
-    solid(painter, cistern, Qt::white);
-}
-
-void drawHob(QPainter& painter, const QRect& area) {
-    solid(painter, area, metal);
-    painter.setBrush(Qt::NoBrush);
-    for (const int dy : {-11, 11})
-        painter.drawEllipse(QRectF(area).center() + QPointF(0, dy), 7, 7);
-}
-
-void drawItem(QPainter& painter, const Item& item) {
-    switch (item.kind) {
-    case Kind::Desk:
-        drawDesk(painter, item);
-        break;
-    case Kind::Table:
-        solid(painter, item.area, wood, 10);
-        break;
-    case Kind::RoundTable:
-        solid(painter, item.area, wood, item.area.width() / 2);
-        break;
-    case Kind::Chair:
-        drawChair(painter, item.area, item.side);
-        break;
-    case Kind::Sofa:
-        drawSofa(painter, item);
-        break;
-    case Kind::Cabinet:
-        solid(painter, item.area, metal, 0);
-        break;
-    case Kind::Counter:
-        solid(painter, item.area, wood, 0);
-        break;
-    case Kind::Sink:
-        solid(painter, item.area, Qt::white, 6);
-        break;
-    case Kind::Hob:
-        drawHob(painter, item.area);
-        break;
-    case Kind::Rack:
-        drawRack(painter, item.area);
-        break;
-    case Kind::Machine:
-        solid(painter, item.area, metal, 3);
-        break;
-    case Kind::Toilet:
-        drawToilet(painter, item);
-        break;
-    case Kind::Basin:
-        solid(painter, item.area, Qt::white, 8);
-        break;
-    case Kind::Plant:
-        drawPlant(painter, item.area);
-        break;
-    case Kind::Stairs:
-        drawStairs(painter, item.area);
-        break;
-    case Kind::Lift:
-        drawLift(painter, item.area);
-        break;
-    case Kind::Board:
-        solid(painter, item.area, Qt::white, 0);
-        break;
-    }
 }
 
 // ---- building
@@ -338,10 +158,10 @@ QImage drawMap() {
 /// The colours that are painted and, for the smooth edges, what lies between each of them and the ink beside
 /// it.
 QList<QRgb> palette() {
-    QList<QRgb> colours;
+    QList<QRgb> mixed;
     const auto add = [&](const QColor& colour) {
-        if (!colours.contains(colour.rgb()))
-            colours.append(colour.rgb());
+        if (!mixed.contains(colour.rgb()))
+            mixed.append(colour.rgb());
     };
     const auto mix = [](const QColor& a, const QColor& b, int share, int whole) {
         const auto part = [&](int x, int y) {
@@ -361,7 +181,7 @@ QList<QRgb> palette() {
         for (int share = 1; share <= 4; ++share)
             add(mix(ground, wallInk, share, 4));
     }
-    return colours;
+    return mixed;
 }
 
 } // namespace
@@ -381,10 +201,10 @@ int main(int argc, char** argv) {
         return 1;
     }
 
-    const QList<QRgb> colours = palette();
-    Q_ASSERT(colours.size() <= 256);
+    const QList<QRgb> table = palette();
+    Q_ASSERT(table.size() <= 256);
     QImage map =
-        drawMap().convertToFormat(QImage::Format_Indexed8, colours, Qt::ThresholdDither | Qt::AvoidDither);
+        drawMap().convertToFormat(QImage::Format_Indexed8, table, Qt::ThresholdDither | Qt::AvoidDither);
     map.setDotsPerMeterX(3780);
     map.setDotsPerMeterY(3780);
     if (!map.save(path, "BMP")) {
