@@ -10,22 +10,22 @@
 
 namespace mirovane {
 
-/// Everything that a worker needs for one criteria row of one device. A worker sees copies only; no record of the
-/// document is ever read on another thread than the main one.
+/// Everything that a worker needs for one criteria row of one device. A worker sees copies only; no record of
+/// the document is ever read on another thread than the main one.
 struct StepInput {
     CHardware device;
     int row = 0;
     CriteriaRow criteria;
 
-    /// For "Match to Jack#": state of the first device plugged into this jack, looked up on the main thread when the
-    /// step starts; nothing when no device names the jack.
+    /// For "Match to Jack#": state of the first device plugged into this jack, looked up on the main thread
+    /// when the step starts; nothing when no device names the jack.
     std::optional<std::int32_t> matchedState;
 
     std::stop_token stop;
 };
 
-/// What one step found. Applied on the main thread, at the tick that finds the step finished, to the device with that
-/// record ID if it still exists.
+/// What one step found. Applied on the main thread, at the tick that finds the step finished, to the device
+/// with that record ID if it still exists.
 struct StepOutcome {
     bool acted = false;     ///< the action ran; otherwise nothing changes
     bool failed = true;     ///< no match, no value, no answer

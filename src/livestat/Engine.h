@@ -1,0 +1,32 @@
+#pragma once
+
+#include "livestat/Step.h"
+#include "probes/HostProbes.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mirovane {
+
+/// False for the actions that the system knows by name but cannot perform yet. Their rows are passed over
+/// like "Do Nothing": a state must never turn Off because an action is missing.
+bool actionAvailable(std::string_view command);
+
+/// True when a device goes through this row at all: it holds an action that can run, and the field that it
+/// writes is not one that the user keeps for himself (text that ends in ">>").
+bool rowCounts(const CHardware& device, int row, const CriteriaRow& criteria);
+
+/// Splits an expanded argument at blanks; double quotes group and are not part of a token; empty tokens are
+/// skipped.
+std::vector<std::string> argumentTokens(std::string_view argument);
+
+/// Condition of a field rule against the state that the device has now. Row 0 and the actions that decide a
+/// state always run.
+bool conditionAllows(const CHardware& device, int row, const CriteriaRow& criteria);
+
+/// Runs one criteria row for one device: values in, values out. Blocks for as long as its probe does; a
+/// worker calls it. Never throws but for want of memory; every failure of a probe is an ordinary no-match.
+StepOutcome runStep(const StepInput& input, HostProbes& probes);
+
+} // namespace mirovane

@@ -1,0 +1,87 @@
+#include "livestat/Outcome.h"
+
+#include "livestat/Engine.h"
+#include "livestat/Placeholders.h"
+
+#include <ctime>
+
+namespace mirovane {
+
+namespace {
+
+/// Reminders are local time by their nature.
+DateTime localDateTime(TimeStamp stamp) {
+    constexpr double daysTo1970 = 25569.0;
+    constexpr double secondsPerDay = 86400.0;
+    const std::time_t time = stamp;
+    std::tm local{};
+    localtime_r(&time, &local);
+    return {DateTime::valid, daysTo1970 + static_cast<double>(timegm(&local)) / secondsPerDay};
+}
+
+bool applyState(CHardware& device, std::int32_t state, TimeStamp now) {
+    if (device.State == state)
+        return false;
+    device.State = state;
+    // A change of state alone must not make the text files be searched again.
+    if (device.StampsModified == device.Modified)
+        device.StampsModified = now;
+    device.Modified = now;
+    return true;
+}
+
+bool applyField(CHardware& device, int row, const std::string& result, TimeStamp now) {
+    std::string& field = device.*criteriaTargetField(row);
+    if (field == result)
+        return false;
+    field = result;
+    device.Modified = now;
+    return true;
+}
+
+bool applyDrawFlag(CHardware& device, int row, std::int32_t ifMatch, bool failed, TimeStamp now) {
+    std::int32_t CHardware::*flag = criteriaDrawFlag(row);
+    if (!flag || (device.*flag == ifMatch) != failed)
+        return false;
+    device.*flag = failed ? (ifMatch == 0 ? 1 : 0) : ifMatch;
+    device.Modified = now;
+    if (flag == &CHardware::ReminderOn && device.ReminderOn == 1)
+        device.ReminderDate = localDateTime(now);
+    return true;
+}
+
+} // namespace
+
+bool applyOutcome(CHardware& device, const StepInput& input, const StepOutcome& outcome, TimeStamp now) {
+    if (!outcome.acted || outcome.cancelled)
+        return false;
+    if (input.row == 0)
+        return applyState(device, outcome.failed ? outcome.stateIfNoMatch : outcome.stateIfMatch, now);
+    const bool fieldChanged = applyField(device, input.row, outcome.result, now);
+    const bool flagChanged = applyDrawFlag(device, input.row, input.criteria.IfMatch, outcome.failed, now);
+    return fieldChanged || flagChanged;
+}
+
+bool stillHolds(const StepInput& input, const CHardware& device, const CriteriaRow& criteria) {
+    const CHardware& then = input.device;
+    if (floorCode(device.Type) != floorCode(then.Type) || !(criteria == input.criteria))
+        return false;
+    if (input.row == 0 && device.State != then.State)
+        return false;
+    if (input.row > 0) {
+        const auto field = criteriaTargetField(input.row);
+        const auto flag = criteriaDrawFlag(input.row);
+        if (device.*field != then.*field || (flag && device.*flag != then.*flag))
+            return false;
+        if (!conditionAllows(device, input.row, criteria))
+            return false;
+    }
+    if (criteria.Command == Action::MatchToJack)
+        return device.ToJack == then.ToJack;
+    return Expand(criteria.Argument, device, ExpandMode::Argument) ==
+               Expand(criteria.Argument, then, ExpandMode::Argument) &&
+           Expand(criteria.SearchFor, device, ExpandMode::Pattern) ==
+               Expand(criteria.SearchFor, then, ExpandMode::Pattern);
+}
+
+} // namespace mirovane
