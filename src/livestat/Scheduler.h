@@ -1,24 +1,194 @@
 #pragma once
 
+#include "livestat/DevicePicker.h"
+#include "livestat/JackIndex.h"
+#include "livestat/StepJobs.h"
+#include "model/Document.h"
+#include "model/Settings.h"
+#include "platform/Timers.h"
+
+#include <chrono>
 #include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace mirovane {
 
-// Outline; the scheduler's own header fills it in.
+enum class SaveResult {
+    Saved,
+    Failed,   ///< reported in the log; what is in memory stays
+    Reloaded, ///< another station had saved meanwhile: the file was read again, what was to be saved is gone
+};
+
+/// What the scheduler asks of the station that it runs in. Main thread.
+class LiveStatHost {
+public:
+    virtual ~LiveStatHost() = default;
+
+    virtual bool askUser(const std::string& question) = 0;
+    virtual void failUser(const std::string& text) = 0;
+
+    /// True while a reload, an update or a delete is under way or a question is open: no step is started or
+    /// applied.
+    virtual bool holdsStill() const = 0;
+
+    /// `note` goes between "Saved " and "changes to data file".
+    virtual SaveResult saveDatafile(const std::string& note) = 0;
+
+    /// Records changed that are seen. At most once a run.
+    virtual void redraw() = 0;
+
+    /// Live Stat went on or off, or the status text changed.
+    virtual void indicatorsChanged() = 0;
+
+    /// Tracking is on and this device's check begins: bring it into view.
+    virtual void track(std::int32_t recID) = 0;
+
+    /// Called every few milliseconds while the main thread waits for jobs that were told to stop.
+    virtual void waiting() = 0;
+};
+
+/// Checks the devices one after the other in the background: which device is next, which of its criteria
+/// rows, in which job slot, and when. Main thread only; the steps themselves run on `workers`, which see
+/// copies.
+///
+/// Timer: LSRunSec between two runs, 1 ms between two slots of a run, 300 ms while going off. One tick visits
+/// one slot: it applies what came back, moves the slot on to its next row or device and starts at most one
+/// step. Its own work does not grow with the list.
+///
+/// Settings hold until setSettings(); the slot pool is an array whose surplus end goes when it shrinks.
 class CLiveStatScheduler {
 public:
-    bool enabled() const;
-    bool disabling() const;
-    bool nowActive() const;
+    /// All references must outlive the scheduler. The destructor stops the jobs and waits for them.
+    CLiveStatScheduler(CMirovaneDoc& document, HostProbes& probes, Workers& workers, TimerFactory& timers,
+                       LiveStatHost& host, const LiveStatSettings& settings);
+    ~CLiveStatScheduler();
+    CLiveStatScheduler(const CLiveStatScheduler&) = delete;
+    CLiveStatScheduler& operator=(const CLiveStatScheduler&) = delete;
+
+    bool enabled() const { return enabled_; }
+    bool disabling() const { return disabling_; }
+    bool nowActive() const { return nowActive_; }
 
     /// True while a job slot holds this device: the floor draws the Live Stat ring around it.
-    bool holdsDevice(std::int32_t recID) const;
+    bool holdsDevice(std::int32_t recID) const { return picker_.holds(recID); }
 
     /// "LIVE!:%d"; empty while Live Stat is off.
-    const std::string& statusText() const;
+    const std::string& statusText() const { return statusText_; }
 
-    bool anyJobInProgress() const;
+    bool anyJobInProgress() const { return jobs_.anyInProgress(); }
+
+    /// Completed loops since Live Stat went on.
+    int loops() const { return picker_.loops(); }
+
+    std::size_t slotCount() const { return slots_.size(); }
+
+    // ---- commands
+
+    /// Enables or disables. Enabling asks when another station runs Live Stat, claims the datafile and saves
+    /// it.
+    void toggle();
+
+    /// Marks the selected devices and checks them first. Nothing happens without a selection.
+    void performNow();
+
+    /// Takes new settings over: run period, Discovered/Misc devices, and the number of slots, which is logged
+    /// when it changes. Removing slots waits for their jobs.
+    void setSettings(const LiveStatSettings& settings);
+
+    bool tracking() const { return tracking_; }
+    void toggleTracking();
+    void endTracking();
+
+    // ---- for the station
+
+    /// Off at once: stops the jobs, waits for them, releases the datafile and saves it.
+    void disableNow();
+
+    /// The records were read again: slots whose device is gone are freed, and a datafile that another station
+    /// claimed meanwhile is asked about.
+    void afterReload();
+
+    /// Slots whose device is gone are freed.
+    void rebind();
+
+    /// Another document: off, every slot free, nothing released, nothing logged.
+    void reset();
+
+    /// Tells the jobs to stop. A stopped step changes nothing; its row is run again.
+    void stopJobs();
+
+    /// Returns when no job is in progress any more.
+    void waitForJobs();
+
+    /// No tick until resume().
+    void pause() { timer_->stop(); }
+
+    /// Ticks again after a run period, where anything is to do.
+    void resume();
+
+private:
+    struct JobSlot {
+        std::optional<std::int32_t> recID;
+        int row = -1;
+        std::shared_ptr<StepJob> job;
+    };
+
+    void enable();
+    void disable();
+    bool claim();
+    void stopHere();
+    void release();
+
+    void tick();
+    void finishDisabling();
+    void endRun();
+    void reportRun();
+    void publishChanges();
+    void visit(std::size_t index);
+    void collect();
+    void takeBack(JobSlot& slot, const StepJob& job);
+    void moveOn(JobSlot& slot);
+    void pick(JobSlot& slot);
+    void startStep(JobSlot& slot, std::size_t index);
+    void finishRound();
+    void finishNow();
+    void clearLeftMarks();
+    void freeSlot(JobSlot& slot);
+    void freeAllSlots();
+    void clearMark(std::int32_t recID);
+    std::optional<int> nextRow(const CHardware& device, int from);
+    void reportMissingAction(const std::string& command);
+    void resizeSlots(std::size_t count);
+    std::size_t wantedSlots() const;
+    std::chrono::milliseconds runPeriod() const;
+    void arm(std::chrono::milliseconds period);
+    void reportEchoTrouble();
+    void setStatusText(int count);
+
+    CMirovaneDoc& document_;
+    LiveStatHost& host_;
+    HostProbes& probes_;
+    LiveStatSettings settings_;
+    CStepJobs jobs_;
+    CDevicePicker picker_;
+    CJackIndex jacks_;
+    std::unique_ptr<Timer> timer_;
+
+    std::vector<JobSlot> slots_;
+    std::optional<std::size_t> slotCursor_; ///< slot visited last in this run
+    int devicesThisRun_ = 0;
+    bool enabled_ = false;
+    bool disabling_ = false;
+    bool nowActive_ = false;
+    bool tracking_ = false;
+    bool changed_ = false; ///< a device changed since the last publishChanges()
+    std::string statusText_;
+    std::set<std::string> missingActions_; ///< already reported
+    bool threadShortageReported_ = false;
 };
 
 } // namespace mirovane

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "model/Document.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+namespace mirovane {
+
+/// Answers "which device is plugged into this jack?" without walking the list. Built at the first question,
+/// because many sites have no jack at all, then kept up with the document. Main thread only.
+class CJackIndex final : public DocumentObserver {
+public:
+    explicit CJackIndex(CMirovaneDoc& document);
+    ~CJackIndex() override;
+    CJackIndex(const CJackIndex&) = delete;
+    CJackIndex& operator=(const CJackIndex&) = delete;
+
+    /// State of the first device in list order, no jack and no location marker, whose `ToJack` equals the
+    /// jack's number byte for byte. Nothing when there is none or the number is empty.
+    std::optional<std::int32_t> stateAtJack(const std::string& jackNumber);
+
+    void recordAdded(const CHardware& record) override;
+    void recordChanged(const CHardware& before, const CHardware& after) override;
+    void recordRemoved(const CHardware& record) override;
+    void documentReplaced() override;
+
+private:
+    void build();
+    void insert(const CHardware& record);
+    void erase(const CHardware& record);
+
+    CMirovaneDoc& document_;
+    std::unordered_multimap<std::size_t, std::int32_t>
+        recIDs_; ///< by hash of ToJack: no second copy of the texts
+    bool built_ = false;
+};
+
+} // namespace mirovane

@@ -1,0 +1,342 @@
+#include "livestat/Scheduler.h"
+
+#include "livestat/LiveStatOwner.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::chrono::milliseconds disablePeriod{300};
+constexpr std::chrono::milliseconds waitSlice{10};
+constexpr std::string_view outOfTimers = "System is out of timer resource!";
+
+/// Each try loses against a station that saved in the very moment; three in a row do not happen to people.
+constexpr int claimTries = 3;
+
+/// A settings file edited by hand must not bring the computer down.
+constexpr std::int32_t maxSlots = 10'000;
+constexpr std::int32_t maxRunSeconds = 24 * 60 * 60;
+
+} // namespace
+
+CLiveStatScheduler::CLiveStatScheduler(CMirovaneDoc& document, HostProbes& probes, Workers& workers,
+                                       TimerFactory& timers, LiveStatHost& host,
+                                       const LiveStatSettings& settings)
+    : document_(document),
+      host_(host),
+      probes_(probes),
+      settings_(settings),
+      jobs_(probes, workers),
+      picker_(document, document.clock()),
+      jacks_(document),
+      timer_(timers.makeTimer([this] { tick(); })) {
+    picker_.setIncludeMisc(settings_.LSIncludeMisc);
+    slots_.resize(wantedSlots());
+    jobs_.setLimit(slots_.size());
+}
+
+CLiveStatScheduler::~CLiveStatScheduler() {
+    timer_->stop();
+    stopJobs();
+    while (!jobs_.waitUntilIdle(waitSlice)) {
+    }
+}
+
+std::size_t CLiveStatScheduler::wantedSlots() const {
+    return static_cast<std::size_t>(std::clamp(settings_.LSNumPerRun, 0, maxSlots));
+}
+
+std::chrono::milliseconds CLiveStatScheduler::runPeriod() const {
+    const std::chrono::seconds period{std::clamp(settings_.LSRunSec, 0, maxRunSeconds)};
+    return std::max<std::chrono::milliseconds>(period, std::chrono::milliseconds{1});
+}
+
+void CLiveStatScheduler::setStatusText(int count) {
+    statusText_ = enabled_ ? "LIVE!:" + std::to_string(count) : std::string();
+}
+
+// ---- on and off
+
+void CLiveStatScheduler::toggle() {
+    if (enabled_)
+        disable();
+    else
+        enable();
+}
+
+void CLiveStatScheduler::enable() {
+    if (document_.deviceCount() == 0)
+        return;
+    // Proves before anything is written that the timer can be had; a datafile that names a station which then
+    // does nothing would keep the others from running Live Stat.
+    const bool wasActive = timer_->active();
+    if (!wasActive && !timer_->start(runPeriod())) {
+        host_.failUser(std::string(outOfTimers));
+        return;
+    }
+    if (!claim()) {
+        if (!wasActive)
+            timer_->stop();
+        return;
+    }
+    enabled_ = true;
+    disabling_ = false;
+    devicesThisRun_ = 0;
+    slotCursor_.reset();
+    picker_.startLoops();
+    arm(runPeriod());
+    reportEchoTrouble();
+    host_.indicatorsChanged();
+}
+
+/// Makes this station the owner, asking where another one is. False when the user says No.
+bool CLiveStatScheduler::claim() {
+    for (int i = 0; i < claimTries; ++i) {
+        if (LiveStatOwner::isElsewhere(document_) &&
+            !host_.askUser(LiveStatOwner::takeOverQuestion(document_)))
+            return false;
+        LiveStatOwner::claim(document_);
+        if (host_.saveDatafile({}) != SaveResult::Reloaded)
+            break; // a save that failed was reported; Live Stat works on what is in memory
+    }
+    return true;
+}
+
+void CLiveStatScheduler::disable() {
+    enabled_ = false;
+    disabling_ = true;
+    statusText_.clear();
+    document_.log().LogMessage("Live Stat is being disabled, please wait...", true);
+    if (!nowActive_) {
+        stopJobs();
+        arm(disablePeriod);
+    }
+    host_.indicatorsChanged();
+}
+
+void CLiveStatScheduler::disableNow() {
+    if (enabled_)
+        disable();
+    stopJobs();
+    waitForJobs();
+    collect();
+    nowActive_ = false;
+    timer_->stop();
+    if (changed_)
+        document_.setPendingChanges(true);
+    if (disabling_)
+        finishDisabling();
+    freeAllSlots();
+}
+
+void CLiveStatScheduler::finishDisabling() {
+    if (jobs_.anyInProgress()) {
+        arm(disablePeriod);
+        return;
+    }
+    freeAllSlots();
+    release();
+    timer_->stop();
+    disabling_ = false;
+    document_.log().LogMessage("Live Stat disabled", true);
+    if (changed_)
+        host_.redraw();
+    changed_ = false;
+    host_.indicatorsChanged();
+}
+
+/// Only what is ours: another station may have taken Live Stat over while the last jobs ended.
+void CLiveStatScheduler::release() {
+    for (int i = 0; i < claimTries && !LiveStatOwner::isElsewhere(document_); ++i) {
+        LiveStatOwner::release(document_);
+        if (host_.saveDatafile({}) != SaveResult::Reloaded)
+            return;
+    }
+}
+
+/// The user left Live Stat to another station: nothing is released, the record names that one.
+void CLiveStatScheduler::stopHere() {
+    timer_->stop();
+    stopJobs();
+    freeAllSlots();
+    enabled_ = false;
+    statusText_.clear();
+    document_.log().LogMessage("Live Stat disabled", true);
+    resume();
+    host_.indicatorsChanged();
+}
+
+void CLiveStatScheduler::reset() {
+    timer_->stop();
+    stopJobs();
+    freeAllSlots();
+    enabled_ = disabling_ = nowActive_ = tracking_ = changed_ = false;
+    devicesThisRun_ = 0;
+    slotCursor_.reset();
+    statusText_.clear();
+    picker_.rewind();
+    host_.indicatorsChanged();
+}
+
+void CLiveStatScheduler::afterReload() {
+    rebind();
+    if (!enabled_)
+        return;
+    if (document_.deviceCount() == 0) {
+        disable();
+    } else if (!LiveStatOwner::isHere(document_)) {
+        // Also when the record names nobody: the other station came and went while this one kept running.
+        if (!claim())
+            stopHere();
+    }
+}
+
+void CLiveStatScheduler::rebind() {
+    for (JobSlot& slot : slots_) {
+        if (slot.recID && !document_.findDevice(*slot.recID))
+            freeSlot(slot);
+    }
+}
+
+void CLiveStatScheduler::stopJobs() {
+    for (JobSlot& slot : slots_) {
+        if (slot.job)
+            slot.job->stop.request_stop();
+    }
+}
+
+void CLiveStatScheduler::waitForJobs() {
+    while (!jobs_.waitUntilIdle(waitSlice))
+        host_.waiting();
+}
+
+void CLiveStatScheduler::resume() {
+    if (enabled_ || nowActive_)
+        arm(runPeriod());
+    else if (disabling_)
+        arm(disablePeriod);
+}
+
+/// Without echoes every device turns Off; the user must know why.
+void CLiveStatScheduler::reportEchoTrouble() {
+    if (const auto trouble = probes_.echoUnusable())
+        document_.log().LogMessage(*trouble, true);
+}
+
+void CLiveStatScheduler::arm(std::chrono::milliseconds period) {
+    if (!timer_->start(period))
+        document_.log().LogMessage(outOfTimers, true);
+}
+
+// ---- Live Stat Now
+
+void CLiveStatScheduler::performNow() {
+    int count = 0;
+    for (std::size_t i = 0; i < document_.size(); ++i) {
+        const CHardware& record = document_.at(i);
+        if (record.isDevice() && record.Selected != 0) {
+            document_.setLSNowMark(record, true);
+            ++count;
+        }
+    }
+    if (count == 0)
+        return;
+    if (!enabled_ && !nowActive_) {
+        if (!timer_->start(runPeriod())) {
+            host_.failUser(std::string(outOfTimers));
+            return;
+        }
+        devicesThisRun_ = 0;
+        slotCursor_.reset();
+        reportEchoTrouble();
+    }
+    document_.log().LogMessage("Processing Live Stat Now on " + std::to_string(count) +
+                               " selected object(s)...");
+    nowActive_ = true;
+    setStatusText(count);
+    host_.indicatorsChanged();
+}
+
+/// The cursor went once round the list and found no marked device that is free.
+void CLiveStatScheduler::finishRound() {
+    if (!enabled_ && picker_.heldCount() > 0)
+        return; // the last devices are still on their way through their rows
+    finishNow();
+}
+
+void CLiveStatScheduler::finishNow() {
+    if (!enabled_) {
+        if (changed_)
+            publishChanges();
+        timer_->stop();
+    }
+    nowActive_ = false;
+    clearLeftMarks();
+    document_.log().LogMessage("Done processing selected object(s) [LS Now]");
+    if (disabling_)
+        arm(disablePeriod);
+    host_.indicatorsChanged();
+}
+
+/// Selected devices that Live Stat does not check (location markers, for one) never reach the end of their
+/// rows.
+void CLiveStatScheduler::clearLeftMarks() {
+    for (std::size_t i = 0; i < document_.size(); ++i) {
+        const CHardware& record = document_.at(i);
+        if (record.LSNowMark != 0 && !picker_.holds(record.RecID))
+            document_.setLSNowMark(record, false);
+    }
+}
+
+// ---- settings
+
+void CLiveStatScheduler::setSettings(const LiveStatSettings& settings) {
+    settings_ = settings;
+    picker_.setIncludeMisc(settings_.LSIncludeMisc);
+    if (wantedSlots() != slots_.size())
+        resizeSlots(wantedSlots());
+}
+
+void CLiveStatScheduler::resizeSlots(std::size_t count) {
+    CMessageLog& log = document_.log();
+    if (count > slots_.size()) {
+        log.LogMessage("adding " + std::to_string(count - slots_.size()) + " more device checks per run");
+        slots_.resize(count);
+        jobs_.setLimit(count);
+        return;
+    }
+    timer_->stop();
+    log.LogMessage("Removing " + std::to_string(slots_.size() - count) + " device checks per run");
+    stopJobs();
+    waitForJobs();
+    collect();
+    for (std::size_t i = count; i < slots_.size(); ++i) {
+        if (slots_[i].recID)
+            picker_.release(*slots_[i].recID); // keeps its mark: another slot takes it
+    }
+    slots_.resize(count);
+    if (slotCursor_ && *slotCursor_ >= count)
+        slotCursor_ = count > 0 ? std::optional(count - 1) : std::nullopt;
+    jobs_.setLimit(count);
+    resume();
+}
+
+void CLiveStatScheduler::toggleTracking() {
+    if (!enabled_) {
+        host_.failUser("Live stat must be enabled first.");
+        return;
+    }
+    tracking_ = !tracking_;
+    document_.log().LogMessage(tracking_ ? "Track Live stat Enabled" : "Track Live stat Disabled");
+}
+
+void CLiveStatScheduler::endTracking() {
+    if (tracking_)
+        document_.log().LogMessage("Track Live stat Disabled");
+    tracking_ = false;
+}
+
+} // namespace mirovane

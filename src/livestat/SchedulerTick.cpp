@@ -1,0 +1,211 @@
+#include "livestat/Engine.h"
+#include "livestat/LiveStatOwner.h"
+#include "livestat/Outcome.h"
+#include "livestat/Scheduler.h"
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::chrono::milliseconds slotPeriod{1};
+constexpr int lastRow = criteriaRowCount - 1;
+
+/// Row of a slot whose device has gone; anything behind the last row frees the slot.
+constexpr int vanishedRow = 9999;
+
+} // namespace
+
+void CLiveStatScheduler::tick() {
+    if (host_.holdsStill())
+        return; // the timer goes on at its period
+    timer_->stop();
+    collect();
+    if (disabling_ && !nowActive_) {
+        finishDisabling();
+        return;
+    }
+    if (!enabled_ && !nowActive_)
+        return;
+    if (jobs_.workerStarting()) {
+        arm(slotPeriod);
+        return;
+    }
+    const std::size_t next = slotCursor_ ? *slotCursor_ + 1 : 0;
+    if (next >= slots_.size()) {
+        endRun();
+        return;
+    }
+    slotCursor_ = next;
+    visit(next);
+    if (enabled_ || nowActive_)
+        arm(slotPeriod);
+}
+
+void CLiveStatScheduler::endRun() {
+    if (devicesThisRun_ > 0)
+        reportRun();
+    devicesThisRun_ = 0;
+    slotCursor_.reset();
+    if (changed_)
+        publishChanges();
+    host_.indicatorsChanged();
+    resume();
+}
+
+void CLiveStatScheduler::reportRun() {
+    const std::string devices = std::to_string(devicesThisRun_) + " device(s).";
+    const int threshold = picker_.threshold();
+    std::string line = "Live Stat Now: Processing " + devices;
+    if (enabled_ && !nowActive_) {
+        line = "Live Stat Priority " + std::to_string(threshold);
+        line += threshold == CDevicePicker::highestPriority ? ": Processing " : " or higher: Processing ";
+        line += devices + " Looped " + std::to_string(picker_.loops()) + " times. Last loop took " +
+                std::to_string(picker_.lastLoopSeconds()) + " sec";
+    }
+    document_.log().LogMessage(line);
+    setStatusText(devicesThisRun_);
+}
+
+void CLiveStatScheduler::publishChanges() {
+    changed_ = false;
+    document_.setPendingChanges(true);
+    LiveStatOwner::signOfLife(document_);
+    if (nowActive_)
+        host_.saveDatafile("Live Stat ");
+    host_.redraw();
+}
+
+void CLiveStatScheduler::visit(std::size_t index) {
+    JobSlot& slot = slots_[index];
+    if (slot.job)
+        return; // busy; the next run comes by again
+    if (slot.recID && !document_.findDevice(*slot.recID))
+        slot.row = vanishedRow;
+    if (slot.row >= lastRow)
+        freeSlot(slot);
+    if (slot.recID)
+        moveOn(slot);
+    if (!slot.recID)
+        pick(slot);
+    if (slot.recID)
+        startStep(slot, index);
+}
+
+void CLiveStatScheduler::moveOn(JobSlot& slot) {
+    const CHardware& device = *document_.findDevice(*slot.recID);
+    if (const auto row = nextRow(device, slot.row + 1))
+        slot.row = *row;
+    else
+        freeSlot(slot);
+}
+
+void CLiveStatScheduler::pick(JobSlot& slot) {
+    const CHardware* device = nowActive_ ? picker_.pickMarked() : picker_.pickByPriority();
+    if (!device) {
+        if (nowActive_)
+            finishRound();
+        return;
+    }
+    const auto row = nextRow(*device, 0);
+    if (!row) {
+        clearMark(device->RecID); // nothing to do for it: no check begins
+        return;
+    }
+    slot.recID = device->RecID;
+    slot.row = *row;
+    picker_.hold(device->RecID);
+    ++devicesThisRun_;
+}
+
+std::optional<int> CLiveStatScheduler::nextRow(const CHardware& device, int from) {
+    for (int row = from; row <= lastRow; ++row) {
+        const CHardware* record = document_.criteria(device.Type, row);
+        if (!record)
+            continue;
+        const CriteriaRow criteria = criteriaFromRecord(*record);
+        if (rowCounts(device, row, criteria))
+            return row;
+        if (!actionAvailable(criteria.Command))
+            reportMissingAction(criteria.Command);
+    }
+    return std::nullopt;
+}
+
+void CLiveStatScheduler::reportMissingAction(const std::string& command) {
+    if (missingActions_.insert(command).second)
+        document_.log().LogMessage("Live Stat action \"" + command +
+                                   "\" is not available in this version yet; its criteria rows are skipped.");
+}
+
+void CLiveStatScheduler::startStep(JobSlot& slot, std::size_t index) {
+    const CHardware& device = *document_.findDevice(*slot.recID);
+    if (tracking_ && slot.row == 0)
+        host_.track(device.RecID);
+    StepInput input;
+    input.device = device;
+    input.row = slot.row;
+    input.criteria = criteriaFromRecord(*document_.criteria(device.Type, slot.row));
+    if (input.criteria.Command == Action::MatchToJack)
+        input.matchedState = jacks_.stateAtJack(device.ToJack);
+    slot.job = jobs_.start(std::move(input), index);
+    if (slot.job)
+        return;
+    --slot.row; // tried again at the slot's next visit
+    if (!threadShortageReported_)
+        document_.log().LogMessage(
+            "Live Stat cannot start a thread; raise the limit of processes or lower the "
+            "number of devices to check per run.");
+    threadShortageReported_ = true;
+}
+
+void CLiveStatScheduler::collect() {
+    for (const auto& job : jobs_.takeFinished()) {
+        if (job->slot >= slots_.size() || slots_[job->slot].job != job)
+            continue; // its slot went or was freed meanwhile
+        JobSlot& slot = slots_[job->slot];
+        slot.job = nullptr;
+        takeBack(slot, *job);
+    }
+}
+
+void CLiveStatScheduler::takeBack(JobSlot& slot, const StepJob& job) {
+    const CHardware* device = document_.findDevice(*slot.recID);
+    if (!device) {
+        slot.row = vanishedRow;
+        return;
+    }
+    const CHardware* criteria = document_.criteria(device->Type, slot.row);
+    if (job.outcome.cancelled || !criteria ||
+        !stillHolds(job.input, *device, criteriaFromRecord(*criteria))) {
+        --slot.row; // the same row again
+        return;
+    }
+    CHardware after = *device;
+    if (!applyOutcome(after, job.input, job.outcome, document_.now()))
+        return;
+    document_.edit(*device, [&after](CHardware& record) { record = std::move(after); });
+    changed_ = true;
+}
+
+void CLiveStatScheduler::freeSlot(JobSlot& slot) {
+    if (slot.job)
+        slot.job->stop.request_stop();
+    if (slot.recID) {
+        clearMark(*slot.recID);
+        picker_.release(*slot.recID);
+    }
+    slot = {};
+}
+
+void CLiveStatScheduler::freeAllSlots() {
+    for (JobSlot& slot : slots_)
+        freeSlot(slot);
+}
+
+void CLiveStatScheduler::clearMark(std::int32_t recID) {
+    const CHardware* device = document_.findDevice(recID);
+    if (device && device->LSNowMark != 0)
+        document_.setLSNowMark(*device, false);
+}
+
+} // namespace mirovane
