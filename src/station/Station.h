@@ -1,6 +1,7 @@
 #pragma once
 
 #include "livestat/Scheduler.h"
+#include "livestat/Workers.h"
 #include "model/Document.h"
 #include "model/MessageLog.h"
 #include "model/Settings.h"
@@ -10,15 +11,19 @@
 #include "platform/Timers.h"
 #include "probes/HostProbes.h"
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace mirovane {
 
-/// Yes/No questions to the user, and hard failures shown to him. The desktop program answers with message boxes (the
-/// station's timers do not tick while one is open), the headless station with No unless it was told to take over.
+/// Yes/No questions to the user, and hard failures shown to him. The desktop program answers with message
+/// boxes (the station's timers do not tick while one is open), the headless station with No unless it was
+/// told to take over.
 class StationDialogs {
 public:
     virtual ~StationDialogs() = default;
@@ -36,14 +41,21 @@ struct StationServices {
     StationDialogs& dialogs;
     HostProbes& probes;
     StationIdentity identity;
+
+    /// False: LSAutoStart is ignored, at open and when another owner falls silent. For a headless station
+    /// that was not told to run Live Stat.
+    bool autoStart = true;
+
+    /// Where the steps run; null: on a pool of threads of the station's own.
+    Workers* workers = nullptr;
 };
 
-/// One station on one datafile: document, datafile watch with periodic save, and Live Stat, driven by timers. The
-/// desktop program and the headless station are both thin shells over it. Main thread only.
-class CStation {
+/// One station on one datafile: document, datafile watch with periodic save, and Live Stat, driven by timers.
+/// The desktop program and the headless station are both thin shells over it. Main thread only.
+class CStation final : private LiveStatHost {
 public:
     explicit CStation(StationServices services);
-    ~CStation();
+    ~CStation() override;
     CStation(const CStation&) = delete;
     CStation& operator=(const CStation&) = delete;
 
@@ -54,31 +66,111 @@ public:
     CMessageLog& log() { return services_.log; }
     CSettings& settings() { return services_.settings; }
 
-    /// Waits until no Live Stat job is in progress, then empties the document and fills it anew.
+    /// Leaves the datafile (see openDatafile), empties the document and fills it anew.
     void newDatafile();
 
-    /// Opens a datafile, starts the timers and, where the user wants it, Live Stat. On failure everything stays as it
-    /// was; the error has been logged.
+    /// Opens a datafile, starts the timers and, where the user wants it, Live Stat. A datafile that is left
+    /// for it is released first when Live Stat runs on it, and background changes of it are saved. On failure
+    /// everything stays as it was; the error has been logged.
     std::optional<Datafile::Error> openDatafile(const std::string& path);
+
+    /// Never writes over a file that another station saved meanwhile: that one is read again instead, and the
+    /// error says so. Does nothing while a reload waits for Live Stat.
     std::optional<FileError> saveDatafile();
     std::optional<FileError> saveDatafileAs(const std::string& path);
 
-    void toggleLiveStat();
+    void toggleLiveStat() { liveStat_->toggle(); }
 
     /// Live Stat Now on the selected devices.
-    void liveStatNow();
+    void liveStatNow() { liveStat_->performNow(); }
+
+    /// As read from the settings at construction, or as set last.
+    const LiveStatSettings& liveStatSettings() const { return liveStatSettings_; }
+
+    /// Takes effect at once; does not write them to the user's settings.
+    void setLiveStatSettings(const LiveStatSettings& settings);
+
+    /// The user agreed to delete these devices: waits for the jobs, removes them, saves. Returns the save's
+    /// error.
+    std::optional<FileError> deleteDevices(std::span<const std::int32_t> recIDs);
+
+    /// The user changes these devices: waits for the jobs where they are concerned, calls `change` for each
+    /// device that still exists, stamps it and saves. Returns the save's error.
+    std::optional<FileError> updateDevices(std::span<const std::int32_t> recIDs,
+                                           const std::function<void(CHardware&)>& change);
+
+    /// While one exists, no timer of the station does anything: for dialogs that run an event loop of their
+    /// own.
+    class [[nodiscard]] Pause {
+    public:
+        explicit Pause(CStation& station) : station_(station) { ++station_.pauses_; }
+        ~Pause() { --station_.pauses_; }
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+
+    private:
+        CStation& station_;
+    };
 
     /// Once a Live Stat run or a reload changed what is seen; never more often than the runs.
     std::function<void()> onRedraw;
 
-    /// Switches Live Stat off, waits for the jobs (milliseconds: they are told to stop), releases the owner record and
-    /// saves. Returns the save's error. The destructor does the same when nobody did.
+    /// Live Stat went on or off, a run ended (other devices are held now), or the status text changed.
+    std::function<void()> onIndicators;
+
+    /// Track Live Stat is on and the check of this device begins.
+    std::function<void(std::int32_t recID)> onTrack;
+
+    /// Every few milliseconds while a command waits for Live Stat's jobs: lets the window repaint.
+    std::function<void()> onWaiting;
+
+    /// Switches Live Stat off, waits for the jobs (milliseconds: they are told to stop), releases the owner
+    /// record and saves. Returns the save's error. The destructor does the same when nobody did.
     std::optional<FileError> shutDown();
 
 private:
+    // LiveStatHost
+    bool askUser(const std::string& question) override;
+    void failUser(const std::string& text) override;
+    bool holdsStill() const override { return busy_ || pauses_ > 0; }
+    SaveResult saveDatafile(const std::string& note) override;
+    void redraw() override;
+    void indicatorsChanged() override;
+    void track(std::int32_t recID) override;
+    void waiting() override;
+
+    void leaveDatafile();
+    void begin();
+    void startTimers(std::chrono::milliseconds reminderPeriod);
+    void stopTimers();
+    void waitForLiveStat();
+
+    void watchTick();
+    void periodicSave();
+    void reload();
+    void reloadNow();
+    void finishReload();
+    void readAgain();
+    void reportUnreadable(const Datafile::Error& error);
+    void reminderTick();
+    bool wantsLiveStat() const { return services_.autoStart && liveStatSettings_.LSAutoStart; }
+
     StationServices services_;
+    LiveStatSettings liveStatSettings_;
     std::unique_ptr<CMirovaneDoc> doc_;
+    std::unique_ptr<Workers> ownWorkers_;
     std::unique_ptr<CLiveStatScheduler> liveStat_;
+    std::unique_ptr<Timer> watchTimer_;
+    std::unique_ptr<Timer> reminderTimer_;
+
+    bool busy_ = false;          ///< a reload, an update or a delete is under way; nothing is saved
+    bool reloadWaiting_ = false; ///< busy_, because a reload waits for Live Stat's jobs
+    bool reloading_ = false; ///< the records are being replaced, or the owner is being asked about afterwards
+    bool unreadable_ = false; ///< the last reload failed; reported once
+    bool shutDown_ = false;
+    int pauses_ = 0;
+    int saveTicks_ = 0;
+    std::optional<FileError> lastSaveError_;
 };
 
 } // namespace mirovane

@@ -1,0 +1,230 @@
+#include "station/Station.h"
+
+#include "livestat/WorkerPool.h"
+
+#include <algorithm>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::chrono::milliseconds watchPeriod{3000};
+constexpr std::chrono::milliseconds firstReminderPeriod{5000};
+
+/// So high that the next watch tick saves, and that it does not call the changes Live Stat's.
+constexpr int upgradeSaveTicks = 100;
+
+std::optional<Datafile::Error> cannotRead(const FileError& error) {
+    return Datafile::Error{Datafile::Error::Kind::CannotRead, 0, 0, error.sentence};
+}
+
+/// Whether a datafile could be opened, before the one that is open is given up for it.
+std::optional<Datafile::Error> whyNotReadable(Files& files, const std::string& path) {
+    auto file = files.lock(path, FileAccess::Read, lockPatience);
+    if (!file)
+        return cannotRead(file.error());
+    const auto bytes = file.value()->read();
+    if (!bytes)
+        return cannotRead(bytes.error());
+    const auto content = Datafile::decode(bytes.value());
+    return content ? std::nullopt : std::optional(content.error());
+}
+
+} // namespace
+
+CStation::CStation(StationServices services) : services_(std::move(services)) {
+    liveStatSettings_.readAll(services_.settings);
+    doc_ = std::make_unique<CMirovaneDoc>(services_.files, services_.clock, services_.log, services_.settings,
+                                          services_.identity);
+    if (!services_.workers)
+        ownWorkers_ = std::make_unique<CWorkerPool>(1); // the scheduler sets the limit
+    Workers& workers = services_.workers ? *services_.workers : *ownWorkers_;
+    LiveStatHost& host = *this;
+    liveStat_ = std::make_unique<CLiveStatScheduler>(*doc_, services_.probes, workers, services_.timers, host,
+                                                     liveStatSettings_);
+    watchTimer_ = services_.timers.makeTimer([this] { watchTick(); });
+    reminderTimer_ = services_.timers.makeTimer([this] { reminderTick(); });
+}
+
+CStation::~CStation() {
+    shutDown();
+}
+
+void CStation::newDatafile() {
+    leaveDatafile();
+    doc_->newDatafile();
+    begin();
+}
+
+std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
+    std::optional<Datafile::Error> error;
+    if (liveStat_->enabled() || doc_->pendingChanges())
+        error = whyNotReadable(services_.files, path);
+    if (!error) {
+        leaveDatafile();
+        error = doc_->open(path);
+    }
+    if (error) {
+        services_.log.LogMessage(error->sentence, true);
+        return error;
+    }
+    begin();
+    return std::nullopt;
+}
+
+/// Other stations must not go on believing that this one runs Live Stat on a datafile that it has left.
+void CStation::leaveDatafile() {
+    liveStat_->disableNow();
+    if (doc_->pendingChanges())
+        saveDatafile();
+}
+
+void CStation::begin() {
+    liveStat_->reset();
+    busy_ = reloadWaiting_ = unreadable_ = false;
+    saveTicks_ = doc_->upgradePending() ? upgradeSaveTicks : 0;
+    startTimers(firstReminderPeriod);
+    redraw();
+    if (wantsLiveStat())
+        liveStat_->toggle();
+}
+
+void CStation::startTimers(std::chrono::milliseconds reminderPeriod) {
+    if (shutDown_)
+        return;
+    if (!watchTimer_->start(watchPeriod) || !reminderTimer_->start(reminderPeriod))
+        services_.log.LogMessage("System is out of timer resource!", true);
+}
+
+void CStation::stopTimers() {
+    watchTimer_->stop();
+    reminderTimer_->stop();
+}
+
+std::optional<FileError> CStation::saveDatafile() {
+    if (busy_)
+        return std::nullopt;
+    lastSaveError_ = doc_->save();
+    if (!lastSaveError_ && !doc_->path().empty())
+        doc_->setPendingChanges(false);
+    const auto error = lastSaveError_;
+    if (error && error->kind == FileError::Kind::Changed)
+        reloadNow();
+    return error;
+}
+
+std::optional<FileError> CStation::saveDatafileAs(const std::string& path) {
+    const auto error = doc_->saveAs(path);
+    if (!error)
+        doc_->setPendingChanges(false);
+    return error;
+}
+
+void CStation::setLiveStatSettings(const LiveStatSettings& settings) {
+    liveStatSettings_ = settings;
+    liveStat_->setSettings(settings);
+}
+
+void CStation::waitForLiveStat() {
+    liveStat_->stopJobs();
+    liveStat_->waitForJobs();
+}
+
+std::optional<FileError> CStation::deleteDevices(std::span<const std::int32_t> recIDs) {
+    watchTimer_->stop();
+    liveStat_->pause();
+    busy_ = true;
+    services_.log.LogMessage("Deleting item(s)..., waiting for Live Stat to finish with the item.", true);
+    waitForLiveStat();
+    doc_->removeDevices(recIDs);
+    services_.log.LogMessage("Deleted item(s).", true);
+    liveStat_->rebind();
+    liveStat_->resume();
+    if (liveStat_->enabled() && doc_->deviceCount() == 0)
+        liveStat_->toggle();
+    busy_ = false;
+    const auto error = saveDatafile();
+    redraw();
+    watchTimer_->start(watchPeriod);
+    return error;
+}
+
+std::optional<FileError> CStation::updateDevices(std::span<const std::int32_t> recIDs,
+                                                 const std::function<void(CHardware&)>& change) {
+    busy_ = true;
+    watchTimer_->stop();
+    if (recIDs.size() > 1 || (recIDs.size() == 1 && liveStat_->holdsDevice(recIDs.front()))) {
+        services_.log.LogMessage("Updating item(s)..., waiting for Live Stat to finish with the items.",
+                                 true);
+        waitForLiveStat();
+    }
+    for (const std::int32_t recID : recIDs) {
+        if (const CHardware* device = doc_->findDevice(recID))
+            doc_->editByUser(*device, change);
+    }
+    services_.log.LogMessage("Updated Item(s)", true);
+    busy_ = false;
+    const auto error = saveDatafile();
+    redraw();
+    watchTimer_->start(watchPeriod);
+    return error;
+}
+
+std::optional<FileError> CStation::shutDown() {
+    if (shutDown_)
+        return std::nullopt;
+    shutDown_ = true;
+    stopTimers();
+    busy_ = reloadWaiting_ = false;
+    lastSaveError_.reset();
+    liveStat_->disableNow();
+    if (doc_->pendingChanges())
+        saveDatafile();
+    stopTimers();
+    return lastSaveError_;
+}
+
+// ---- what the scheduler asks for
+
+bool CStation::askUser(const std::string& question) {
+    const Pause pause(*this);
+    return services_.dialogs.ask(question);
+}
+
+void CStation::failUser(const std::string& text) {
+    const Pause pause(*this);
+    services_.dialogs.fail(text);
+}
+
+SaveResult CStation::saveDatafile(const std::string& note) {
+    if (!note.empty())
+        doc_->setSaveNote(note);
+    const auto error = saveDatafile();
+    if (!error)
+        return SaveResult::Saved;
+    // Within a reload the file is not read a second time; the next watch tick sees that it changed again.
+    const bool reloaded = error->kind == FileError::Kind::Changed && !reloading_ && !unreadable_;
+    return reloaded ? SaveResult::Reloaded : SaveResult::Failed;
+}
+
+void CStation::redraw() {
+    if (onRedraw)
+        onRedraw();
+}
+
+void CStation::indicatorsChanged() {
+    if (onIndicators)
+        onIndicators();
+}
+
+void CStation::track(std::int32_t recID) {
+    if (onTrack)
+        onTrack(recID);
+}
+
+void CStation::waiting() {
+    if (onWaiting)
+        onWaiting();
+}
+
+} // namespace mirovane

@@ -1,0 +1,158 @@
+#include "livestat/LiveStatOwner.h"
+#include "station/Station.h"
+
+#include <vector>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::chrono::milliseconds reloadRetryPeriod{100};
+constexpr std::chrono::milliseconds reminderPeriodAfterReload{4000};
+
+/// Background changes wait for the sixth tick, so that a busy Live Stat does not make every station reload
+/// every 3 s.
+constexpr int ticksBetweenSaves = 5;
+constexpr int ticksOfLiveStat = 100;
+
+constexpr std::int64_t heartbeatHours = 3;
+constexpr std::int64_t takeOverHours = 4;
+
+std::vector<std::int32_t> devicesWith(const CMirovaneDoc& document, std::int32_t CHardware::*flag) {
+    std::vector<std::int32_t> recIDs;
+    for (std::size_t i = 0; i < document.size(); ++i) {
+        const CHardware& record = document.at(i);
+        if (record.isDevice() && record.*flag != 0)
+            recIDs.push_back(record.RecID);
+    }
+    return recIDs;
+}
+
+} // namespace
+
+void CStation::watchTick() {
+    if (pauses_ > 0 || doc_->path().empty())
+        return;
+    if (reloadWaiting_) {
+        reload();
+        return;
+    }
+    const auto status = services_.files.status(doc_->path());
+    if (!status)
+        services_.log.LogMessage("Error reading/loading from datafile!", true);
+    else if (unreadable_ || status.value() != doc_->knownIdentity())
+        reload();
+    if (!busy_)
+        periodicSave();
+}
+
+void CStation::periodicSave() {
+    ++saveTicks_;
+    const auto status = services_.files.status(doc_->path());
+    if (!status) {
+        services_.log.LogMessage("Error writing to datafile!", true);
+        saveTicks_ = 0;
+        return;
+    }
+    if (!doc_->pendingChanges() || saveTicks_ <= ticksBetweenSaves || status.value() != doc_->knownIdentity())
+        return;
+    if (saveTicks_ < ticksOfLiveStat)
+        doc_->setSaveNote("Live Stat ");
+    saveTicks_ = 0;
+    const auto error = saveDatafile();
+    if (!error || error->kind != FileError::Kind::Changed)
+        doc_->setPendingChanges(false);
+}
+
+/// Another station saved. The steps in flight are told to stop and the reload waits for them, ticking, not
+/// blocking.
+void CStation::reload() {
+    stopTimers();
+    if (!busy_ && !unreadable_)
+        services_.log.LogMessage("Loading from data file, please wait...", true);
+    busy_ = true;
+    // A file that stays unreadable is tried every few seconds; stopping the steps each time would starve Live
+    // Stat.
+    if (liveStat_->anyJobInProgress() && !unreadable_) {
+        liveStat_->stopJobs();
+        reloadWaiting_ = true;
+        watchTimer_->start(reloadRetryPeriod);
+        return;
+    }
+    finishReload();
+}
+
+/// A save found that the file had changed; what it was to write goes on from the records that are read now.
+void CStation::reloadNow() {
+    if (reloading_)
+        return;
+    stopTimers();
+    if (!unreadable_)
+        services_.log.LogMessage("Loading from data file, please wait...", true);
+    busy_ = true;
+    waitForLiveStat();
+    finishReload();
+}
+
+void CStation::finishReload() {
+    reloading_ = true;
+    reloadWaiting_ = false;
+    readAgain();
+    busy_ = false;
+    if (!unreadable_) {
+        liveStat_->afterReload();
+        redraw();
+    }
+    reloading_ = false;
+    startTimers(reminderPeriodAfterReload);
+}
+
+void CStation::readAgain() {
+    const auto selected = devicesWith(*doc_, &CHardware::Selected);
+    const auto marked = devicesWith(*doc_, &CHardware::LSNowMark);
+    if (const auto error = doc_->reload()) {
+        reportUnreadable(*error);
+        return;
+    }
+    for (const std::int32_t recID : selected) {
+        if (const CHardware* device = doc_->findDevice(recID)) {
+            doc_->setSelected(*device, true);
+            doc_->setShowAll(*device, true);
+        }
+    }
+    for (const std::int32_t recID : marked) {
+        if (const CHardware* device = doc_->findDevice(recID))
+            doc_->setLSNowMark(*device, true);
+    }
+    unreadable_ = false;
+    services_.log.LogMessage("Loaded from data file", true);
+}
+
+void CStation::reportUnreadable(const Datafile::Error& error) {
+    if (!unreadable_) {
+        services_.log.LogMessage(error.sentence);
+        services_.log.LogMessage(
+            "Error reading/loading from datafile! The records in memory are kept and not saved "
+            "until it can be read again.",
+            true);
+    }
+    unreadable_ = true;
+}
+
+/// Keeps the sign of life fresh while Live Stat runs here, and replaces an owner that has been silent for
+/// hours.
+void CStation::reminderTick() {
+    if (holdsStill())
+        return;
+    const std::int64_t silent = LiveStatOwner::silentHours(*doc_);
+    if (silent >= takeOverHours && !liveStat_->enabled() && doc_->deviceCount() > 0 && wantsLiveStat()) {
+        LiveStatOwner::signOfLife(*doc_);
+        doc_->setPendingChanges(true);
+        liveStat_->toggle();
+    } else if (silent >= heartbeatHours && liveStat_->enabled()) {
+        LiveStatOwner::signOfLife(*doc_);
+        doc_->setPendingChanges(true);
+    }
+}
+
+} // namespace mirovane
