@@ -88,7 +88,7 @@ void addServiceRooms(std::vector<Item>& items) {
     items.push_back({Kind::Counter, {1206, 686, 40, 66}});
     items.push_back({Kind::Cabinet, {1324, 556, 70, 26}});
     for (const int x : {1216, 1262, 1308, 1354})
-        items.push_back({Kind::Rack, {x, 812, 40, 44}});
+        items.push_back({Kind::Rack, {x, 796, 40, 44}});
     for (const int x : {1216, 1262, 1308, 1354})
         items.push_back({Kind::Rack, {x, 920, 40, 44}});
     items.push_back({Kind::Machine, {1206, 980, 90, 24}});
