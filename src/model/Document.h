@@ -173,6 +173,9 @@ public:
     /// own note. Cleared by the next save that succeeds.
     bool upgradePending() const { return upgradePending_; }
 
+    /// "Auto export on changes", as this user set it for this datafile; read when it is opened.
+    bool exportAuto() const { return exportAuto_; }
+
     DisplaySettings& display() { return display_; }
     const DisplaySettings& display() const { return display_; }
     CSettings& settings() { return settings_; }
@@ -190,18 +193,20 @@ private:
     bool holdsSpecial(std::int32_t type) const { return findSpecial(type) != nullptr; }
     void setFlag(const CHardware& record, std::int32_t CHardware::*flag, bool on);
     void forgetTextFileStamps(std::int32_t type, bool allRows);
-    const CHardware* appendSpecial(std::int32_t type, std::int32_t state, bool signedByStation);
+    CHardware makeSpecial(std::int32_t type, std::int32_t state) const;
+    const CHardware* insert(CHardware record);
+    void trade(std::size_t a, std::size_t b);
     bool setFloorMapField(std::string CHardware::*field, const std::string& text);
 
     void fillNewDatafile();
-    void replaceRecords(Datafile::RecordList records);
+    void tellReplaced();
     void runPostLoadPass();
     void upgradeVersion();
     void addMissingRecords();
     void addToDoRows();
     std::optional<Datafile::Error> load(const std::string& path);
-    std::optional<FileError> bringVersionToFront();
-    std::optional<FileError> write(const std::string& path, bool expectKnownFile);
+    std::optional<FileError> bringVersionToFront(const std::string& path);
+    std::optional<FileError> write(const std::string& path);
     std::optional<FileError> reportSave(const std::string& path, std::optional<FileError> error);
 
     Files& files_;
@@ -224,6 +229,7 @@ private:
     bool pendingChanges_ = false;
     bool upgradePending_ = false;
     bool loading_ = false;
+    bool exportAuto_ = false;
     bool mustReload_ = false; ///< a reload failed: what is in memory must not go over the file
 
     std::vector<DocumentObserver*> observers_;

@@ -15,7 +15,8 @@ constexpr std::size_t firstRowOfTexts = 7;
 
 } // namespace
 
-const CHardware* CMirovaneDoc::append(CHardware record) {
+/// Without telling anybody: for what happens while the document is filled.
+const CHardware* CMirovaneDoc::insert(CHardware record) {
     if (records_.size() >= Datafile::maxRecords) {
         log_.LogMessage("The datafile is full (65,534 records); nothing was added", true);
         return nullptr;
@@ -28,11 +29,17 @@ const CHardware* CMirovaneDoc::append(CHardware record) {
         return nullptr;
     }
     ++orderRevision_;
+    return records_.back().get();
+}
+
+const CHardware* CMirovaneDoc::append(CHardware record) {
+    const CHardware* added = insert(std::move(record));
+    if (!added)
+        return nullptr;
     modified_ = true;
-    const CHardware& added = *records_.back();
     for (DocumentObserver* observer : observers_)
-        observer->recordAdded(added);
-    return &added;
+        observer->recordAdded(*added);
+    return added;
 }
 
 const CHardware* CMirovaneDoc::addDevice(std::int32_t type, const std::function<void(CHardware&)>& fill) {
@@ -51,6 +58,8 @@ void CMirovaneDoc::edit(const CHardware& record, const std::function<void(CHardw
     CHardware& held = *records_[place];
     const CHardware before = held;
     change(held);
+    if (before == held)
+        return;
     index_.rekeyed(records_, place, before.Type, before.RecID);
     if (held.Type != before.Type || held.Priority != before.Priority || held.RecID != before.RecID)
         ++orderRevision_;
@@ -99,13 +108,17 @@ std::size_t CMirovaneDoc::removeDevices(std::span<const std::int32_t> recIDs) {
     return gone.size();
 }
 
-void CMirovaneDoc::exchange(std::size_t a, std::size_t b) {
+void CMirovaneDoc::trade(std::size_t a, std::size_t b) {
     assert(a < records_.size() && b < records_.size());
-    if (a == b)
-        return;
     std::swap(records_[a], records_[b]);
     index_.exchanged(records_, a, b);
     ++orderRevision_;
+}
+
+void CMirovaneDoc::exchange(std::size_t a, std::size_t b) {
+    if (a == b)
+        return;
+    trade(a, b);
     modified_ = true;
     for (DocumentObserver* observer : observers_)
         observer->orderChanged();
@@ -156,7 +169,7 @@ void CMirovaneDoc::resetCriteria() {
 bool CMirovaneDoc::setFloorMapField(std::string CHardware::*field, const std::string& text) {
     const CHardware* record = findSpecial(SpecialType::FloorMapRecord);
     if (!record)
-        record = appendSpecial(SpecialType::FloorMapRecord, 0, false);
+        record = append(makeSpecial(SpecialType::FloorMapRecord, 0));
     if (!record)
         return false;
     editByUser(*record, [field, &text](CHardware& held) { held.*field = text; });

@@ -27,6 +27,11 @@ bool existsOnDisk(const std::filesystem::path& path) {
     return std::filesystem::exists(path, failed);
 }
 
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code failed;
+    return a == b || std::filesystem::equivalent(a, b, failed);
+}
+
 bool looksLikeWindowsPath(std::string_view path) {
     const bool drive = path.size() > 2 && path[1] == ':' && (path[2] == '\\' || path[2] == '/');
     return drive || path.starts_with("\\\\");
@@ -49,16 +54,12 @@ std::string resolveFrom(const std::string& datafile, const std::string& stored) 
 
 // ---- a new datafile
 
-const CHardware* CMirovaneDoc::appendSpecial(std::int32_t type, std::int32_t state, bool signedByStation) {
+CHardware CMirovaneDoc::makeSpecial(std::int32_t type, std::int32_t state) const {
     CHardware record;
     record.Type = type;
     record.State = state;
     record.Modified = now();
-    if (signedByStation) {
-        record.Name = station_.computerName;
-        record.Username = station_.userName;
-    }
-    return append(std::move(record));
+    return record;
 }
 
 void CMirovaneDoc::newDatafile() {
@@ -66,35 +67,34 @@ void CMirovaneDoc::newDatafile() {
     knownIdentity_.reset();
     fileVersion_ = Datafile::currentVersion;
     saveNote_.clear();
-    loading_ = pendingChanges_ = upgradePending_ = mustReload_ = false;
+    loading_ = pendingChanges_ = upgradePending_ = mustReload_ = exportAuto_ = false;
     fillNewDatafile();
-    replaceRecords(std::exchange(records_, {}));
     creationTime_ = findSpecial(SpecialType::VersionRecord)->Modified;
     modified_ = false;
+    tellReplaced();
 }
 
-/// Unobserved: whoever watches is told once, when all is there.
 void CMirovaneDoc::fillNewDatafile() {
-    const std::vector<DocumentObserver*> silenced = std::exchange(observers_, {});
     records_.clear();
     index_.rebuild(records_);
-    appendSpecial(SpecialType::VersionRecord, Datafile::currentVersion, false);
-    appendSpecial(SpecialType::LiveStatOwnerRecord, 0, true);
-    appendSpecial(SpecialType::LiveDiscoverOwnerRecord, 0, true);
+    insert(makeSpecial(SpecialType::VersionRecord, Datafile::currentVersion));
+    for (const std::int32_t type : {SpecialType::LiveStatOwnerRecord, SpecialType::LiveDiscoverOwnerRecord}) {
+        CHardware owner = makeSpecial(type, 0);
+        owner.Name = station_.computerName;
+        owner.Username = station_.userName;
+        insert(std::move(owner));
+    }
     for (std::int32_t type = DeviceType::first; type <= DeviceType::last; ++type) {
         for (int row = 0; row < criteriaRowCount; ++row) {
             CHardware record;
             record.Type = criteriaRecordType(type, row);
             applyCriteriaDefaults(record);
-            append(std::move(record));
+            insert(std::move(record));
         }
     }
-    observers_ = silenced;
 }
 
-void CMirovaneDoc::replaceRecords(Datafile::RecordList records) {
-    records_ = std::move(records);
-    index_.rebuild(records_);
+void CMirovaneDoc::tellReplaced() {
     ++orderRevision_;
     for (DocumentObserver* observer : observers_)
         observer->documentReplaced();
@@ -118,6 +118,8 @@ std::optional<Datafile::Error> CMirovaneDoc::load(const std::string& path) {
     records_ = std::move(content.value().records);
     index_.rebuild(records_);
     mustReload_ = modified_ = false;
+    if (const CHardware* version = findSpecial(SpecialType::VersionRecord))
+        creationTime_ = version->Modified;
     display_.readAtOpen(settings_);
     return std::nullopt;
 }
@@ -128,8 +130,7 @@ std::optional<Datafile::Error> CMirovaneDoc::open(const std::string& path) {
     saveNote_.clear();
     loading_ = pendingChanges_ = upgradePending_ = false;
     runPostLoadPass();
-    replaceRecords(std::exchange(records_, {}));
-    modified_ = false;
+    tellReplaced();
     return std::nullopt;
 }
 
@@ -138,12 +139,12 @@ std::optional<Datafile::Error> CMirovaneDoc::reload() {
         mustReload_ = true;
         return error;
     }
-    replaceRecords(std::exchange(records_, {}));
+    tellReplaced();
     return std::nullopt;
 }
 
 void CMirovaneDoc::runPostLoadPass() {
-    const std::vector<DocumentObserver*> silenced = std::exchange(observers_, {});
+    exportAuto_ = readExportAuto(settings_, path_);
     for (const auto& record : records_) {
         record->LSNowMark = 0;
         record->ReminderDue = 0;
@@ -152,17 +153,16 @@ void CMirovaneDoc::runPostLoadPass() {
     upgradeVersion();
     if (!holdsSpecial(firstToDoRow))
         addToDoRows();
-    observers_ = silenced;
 }
 
 /// A datafile that lost them is still somebody's: ownership and saving need these records.
 void CMirovaneDoc::addMissingRecords() {
     if (!holdsSpecial(SpecialType::VersionRecord))
-        appendSpecial(SpecialType::VersionRecord, fileVersion_, false);
+        insert(makeSpecial(SpecialType::VersionRecord, fileVersion_));
     for (const std::int32_t owner :
          {SpecialType::LiveStatOwnerRecord, SpecialType::LiveDiscoverOwnerRecord}) {
         if (!holdsSpecial(owner))
-            appendSpecial(owner, 0, false);
+            insert(makeSpecial(owner, 0));
     }
 }
 
@@ -177,7 +177,8 @@ void CMirovaneDoc::upgradeVersion() {
                     std::to_string(Datafile::currentVersion) + " ";
         pendingChanges_ = upgradePending_ = true;
     }
-    exchange(0, *place);
+    if (*place > 0)
+        trade(0, *place);
 }
 
 /// Datafiles from before the To Do row have none of the thirteen.
@@ -185,7 +186,7 @@ void CMirovaneDoc::addToDoRows() {
     for (std::int32_t type = DeviceType::first; type <= DeviceType::last; ++type) {
         CHardware record;
         record.Type = criteriaRecordType(type, 11);
-        append(std::move(record));
+        insert(std::move(record));
     }
     for (const auto& record : records_) {
         if (isCriteriaRecordType(record->Type) && (-record->Type - 80) % 20 == 11)
@@ -195,35 +196,37 @@ void CMirovaneDoc::addToDoRows() {
 
 // ---- writing
 
-/// Every station looks for the version in the first record.
-std::optional<FileError> CMirovaneDoc::bringVersionToFront() {
+/// Every station looks for the version in the first record. A second VersionRecord is left where it is.
+std::optional<FileError> CMirovaneDoc::bringVersionToFront(const std::string& path) {
     if (!holdsSpecial(SpecialType::VersionRecord))
-        appendSpecial(SpecialType::VersionRecord, Datafile::currentVersion, false);
+        append(makeSpecial(SpecialType::VersionRecord, Datafile::currentVersion));
     const auto place = index_.special(SpecialType::VersionRecord);
     if (!place || records_.size() > Datafile::maxRecords)
         return FileError{FileError::Kind::TooLarge, 0,
-                         "cannot write " + path_ + ": a datafile holds at most 65,534 records"};
-    records_[*place]->State = Datafile::currentVersion;
-    if (*place > 0)
-        exchange(0, *place);
+                         "cannot write " + path + ": a datafile holds at most 65,534 records"};
+    edit(*records_[*place], [](CHardware& held) { held.State = Datafile::currentVersion; });
+    exchange(0, *place);
     return std::nullopt;
 }
 
-std::optional<FileError> CMirovaneDoc::write(const std::string& path, bool expectKnownFile) {
-    if (auto error = bringVersionToFront())
+std::optional<FileError> CMirovaneDoc::write(const std::string& path) {
+    const bool ownFile = path == path_;
+    if (auto error = bringVersionToFront(path))
         return error;
     const std::string bytes = Datafile::encode(records_);
     auto locked = files_.lock(path, FileAccess::Write, lockPatience);
     if (!locked)
         return locked.error();
     LockedFile& file = *locked.value();
-    if (expectKnownFile && file.exists() && knownIdentity_ && file.identity() != *knownIdentity_)
+    if (ownFile && file.exists() && knownIdentity_ && file.identity() != *knownIdentity_)
         return FileError{FileError::Kind::Changed, 0,
                          "cannot write " + path + ": the datafile was changed by another station"};
     const auto replaced = file.replace(bytes);
+    // Also after an error: the new file may be in place and only its flush have failed.
+    if (file.exists() && (replaced || ownFile))
+        knownIdentity_ = file.identity();
     if (!replaced)
         return replaced.error();
-    knownIdentity_ = replaced.value();
     path_ = path;
     modified_ = upgradePending_ = mustReload_ = false;
     return std::nullopt;
@@ -253,14 +256,14 @@ std::optional<FileError> CMirovaneDoc::save() {
         return reportSave(path_, FileError{FileError::Kind::Changed, 0,
                                            "cannot write " + path_ +
                                                ": the datafile was changed and could not be read again"});
-    return reportSave(path_, write(path_, true));
+    return reportSave(path_, write(path_));
 }
 
 std::optional<FileError> CMirovaneDoc::saveAs(const std::string& path) {
     const std::string target = absolutePath(path);
-    if (target == path_)
+    if (isSameFile(target, path_))
         return save();
-    return reportSave(target, write(target, false));
+    return reportSave(target, write(target));
 }
 
 // ---- the floor map's record

@@ -137,6 +137,18 @@ void CSettings::write(std::string_view name, std::int32_t value) {
     store_.writeInteger(std::string(name), value);
 }
 
+std::string exportSettingName(std::string_view base, std::string_view datafile) {
+    return std::string(base) + std::string(datafile);
+}
+
+bool readExportAuto(CSettings& settings, const std::string& datafile) {
+    const std::string name = exportSettingName(ExportSetting::Auto, datafile);
+    const std::int32_t value = settings.read(name, absentFlag);
+    if (value == absentFlag)
+        settings.write(name, 0);
+    return value != absentFlag && value != 0;
+}
+
 void DisplaySettings::readAll(const CSettings& settings) {
     for (const Toggle& toggle : toggles)
         this->*toggle.field = readFlag(settings, toggle.name);

@@ -42,6 +42,23 @@ private:
     SettingsStore& store_;
 };
 
+/// Base names of the values that each datafile has of its own.
+namespace ExportSetting {
+constexpr std::string_view Tab = "ExportTab";
+constexpr std::string_view QuoteAll = "ExportQuoteAll";
+constexpr std::string_view QuoteComment = "ExportQuoteComment";
+constexpr std::string_view IncludeHeader = "ExportIncludeHeader";
+constexpr std::string_view Auto = "ExportAuto";
+constexpr std::string_view Filename = "ExportFilename";
+constexpr std::string_view CustomText = "ExportCustomText";
+} // namespace ExportSetting
+
+/// "ExportTab/srv/site/floor.mv": a datafile that moves loses its export settings.
+std::string exportSettingName(std::string_view base, std::string_view datafile);
+
+/// "Auto export on changes" of one datafile; writes the default (off) when it is absent.
+bool readExportAuto(CSettings& settings, const std::string& datafile);
+
 /// What the floor shows and how large: read from the settings by name, so the fields carry the settings'
 /// spelling.
 struct DisplaySettings {

@@ -13,8 +13,4 @@ FileError fileError(std::string_view what, const std::string& path, int code);
 
 FileIdentity identityFrom(const struct stat& status);
 
-/// "/srv/site" for "/srv/site/floor.mv", "." for "floor.mv".
-std::string folderOf(const std::string& path);
-std::string nameOf(const std::string& path);
-
 } // namespace mirovane

@@ -1,6 +1,8 @@
 #include "platform/LockedPosixFile.h"
 
 #include "platform/FileErrors.h"
+#include "platform/FilePaths.h"
+#include "platform/InPlaceWrite.h"
 #include "platform/SafeReplace.h"
 
 #include <cerrno>
@@ -33,6 +35,8 @@ Result<std::string, FileError> LockedPosixFile::read() {
 Result<FileIdentity, FileError> LockedPosixFile::replace(std::string_view content) {
     SafeReplace replacement(calls_, target_, file_ ? &status_ : nullptr);
     std::optional<OpenFile> made = replacement.run(content);
+    if (!made && file_ && replacement.folderRefused())
+        return writeInPlace(content);
     if (!made)
         return replacement.error();
     file_ = std::move(*made);
@@ -40,6 +44,16 @@ Result<FileIdentity, FileError> LockedPosixFile::replace(std::string_view conten
         return fileError("cannot read", path_, errno);
     if (!flushFolder(calls_, folderOf(target_)))
         return fileError("cannot write", path_, errno);
+    return identity();
+}
+
+Result<FileIdentity, FileError> LockedPosixFile::writeInPlace(std::string_view content) {
+    InPlaceWrite writing(calls_, backupFolder_, target_);
+    const std::optional<FileError> error = writing.run(file_.fd(), content);
+    if (calls_.statusOf(file_.fd(), status_) != 0)
+        return fileError("cannot read", path_, errno);
+    if (error)
+        return *error;
     return identity();
 }
 

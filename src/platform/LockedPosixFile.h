@@ -22,6 +22,8 @@ public:
     Result<FileIdentity, FileError> replace(std::string_view content) override;
 
 private:
+    Result<FileIdentity, FileError> writeInPlace(std::string_view content);
+
     FileCalls& calls_;
     std::string path_;
     std::string target_;

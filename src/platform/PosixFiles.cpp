@@ -1,6 +1,8 @@
 #include "platform/PosixFiles.h"
 
 #include "platform/FileErrors.h"
+#include "platform/FilePaths.h"
+#include "platform/InPlaceWrite.h"
 #include "platform/LockedPosixFile.h"
 
 #include <algorithm>
@@ -35,6 +37,20 @@ std::string followLinks(FileCalls& calls, const std::string& path) {
 
 std::string_view verbFor(FileAccess access) {
     return access == FileAccess::Write ? "cannot write" : "cannot read";
+}
+
+/// Where this user's last write in place of this file was cut off. While another station has the file, it is
+/// left for the next time.
+std::optional<FileError> completeCutOffWrite(FileCalls& calls, const std::string& path,
+                                             const std::string& backupFolder) {
+    const std::string target = followLinks(calls, path);
+    InPlaceWrite writing(calls, backupFolder, target);
+    if (!writing.leftBehind())
+        return std::nullopt;
+    const OpenFile file(calls, calls.openFile(target, O_RDWR | O_NOCTTY | O_NONBLOCK, 0));
+    if (!file || (calls.tryLock(file.fd(), true) != 0 && !locksUnsupported(errno)))
+        return std::nullopt;
+    return writing.recover(file.fd());
 }
 
 /// One station's attempts to get the lock, one after the other.
@@ -73,13 +89,11 @@ private:
         const OpenFile named(calls_, calls_.openFile(path_, O_RDONLY | O_NOCTTY | O_NONBLOCK, 0));
         struct stat now = {};
         if (!named)
-            return errno == ENOENT || errno == EACCES ? unreadable(errno) : failed(errno);
+            return errno == ENOENT ? Outcome::Busy : failed(errno);
         if (calls_.statusOf(named.fd(), now) != 0 || calls_.statusOf(file_.fd(), status_) != 0)
             return failed(errno);
         return sameFile(now, status_) ? Outcome::Locked : Outcome::Busy;
     }
-
-    Outcome unreadable(int code) { return code == ENOENT ? Outcome::Busy : failed(code); }
 
     Outcome failed(int code) {
         error_ = fileError(verbFor(access_), path_, code);
@@ -120,6 +134,8 @@ Result<FileIdentity, FileError> PosixFiles::status(const std::string& path) {
 
 Result<std::unique_ptr<LockedFile>, FileError> PosixFiles::lock(const std::string& path, FileAccess access,
                                                                 std::chrono::milliseconds patience) {
+    if (auto error = completeCutOffWrite(calls_, path, backupFolder_))
+        return *error;
     const auto deadline = calls_.now() + patience;
     std::chrono::milliseconds wait{1};
     for (;;) {

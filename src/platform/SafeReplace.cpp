@@ -1,9 +1,9 @@
 #include "platform/SafeReplace.h"
 
 #include "platform/FileErrors.h"
+#include "platform/FilePaths.h"
 
 #include <cerrno>
-#include <cstdint>
 #include <ctime>
 #include <fcntl.h>
 
@@ -22,27 +22,13 @@ bool refusedByFolder(int code) {
     return code == EACCES || code == EPERM || code == EROFS || code == EBUSY || code == EXDEV;
 }
 
-std::string hexOf(std::uint64_t number) {
-    std::string text;
-    for (int shift = 60; shift >= 0; shift -= 4)
-        text += "0123456789abcdef"[number >> shift & 0xF];
-    return text;
-}
-
-std::uint64_t hashOf(std::string_view text) {
-    std::uint64_t hash = 14695981039346656037U;
-    for (const char c : text)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
-    return hash;
-}
-
 } // namespace
 
 /// A folder takes names of 255 bytes; a longer name is told apart from its neighbours by its hash.
 std::string SafeReplace::temporaryName(const std::string& name) {
     std::string kept = name;
     if (name.size() > longestKeptName)
-        kept = name.substr(0, longestKeptName) + hexOf(hashOf(name));
+        kept = name.substr(0, longestKeptName) + fingerprintOf(name);
     return "." + kept + std::string(temporarySuffix);
 }
 

@@ -1,0 +1,28 @@
+#include "platform/FilePaths.h"
+
+#include <cstdint>
+
+namespace mirovane {
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string nameOf(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+std::string fingerprintOf(std::string_view text) {
+    std::uint64_t hash = 14695981039346656037U;
+    for (const char c : text)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    std::string digits;
+    for (int shift = 60; shift >= 0; shift -= 4)
+        digits += "0123456789abcdef"[hash >> shift & 0xF];
+    return digits;
+}
+
+} // namespace mirovane

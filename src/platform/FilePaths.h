@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace mirovane {
+
+/// "/srv/site" for "/srv/site/floor.mv", "." for "floor.mv".
+std::string folderOf(const std::string& path);
+std::string nameOf(const std::string& path);
+
+/// Sixteen hexadecimal digits that tell texts apart in file names.
+std::string fingerprintOf(std::string_view text);
+
+} // namespace mirovane
