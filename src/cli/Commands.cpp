@@ -1,0 +1,122 @@
+#include "cli/Commands.h"
+
+#include <algorithm>
+#include <array>
+
+namespace mirovane {
+
+namespace {
+
+constexpr OptionDefinition json{"--json", 0, "", "print one JSON document"};
+
+constexpr std::array newOptions{
+    OptionDefinition{"--force", 0, "", "replace FILE where it exists"},
+};
+
+constexpr std::array recordsOptions{
+    OptionDefinition{"--json", 0, "", "an array of objects with all stored fields, instead of a table"},
+};
+
+constexpr std::array listOptions{
+    OptionDefinition{"--json", 0, "", "an array of objects: the cells' texts by field name"},
+    OptionDefinition{"--floor", 0, "", "devices on the floor map only"},
+    OptionDefinition{"--misc", 0, "", "devices in the Discovered/Misc window only"},
+    OptionDefinition{"--type", 1, "NAME", "devices of this type only; may be repeated"},
+    OptionDefinition{"--sort", 1, "COLUMN", "by this column's title or field (usually Modified)"},
+    OptionDefinition{"--descending", 0, "", "greatest first"},
+};
+
+constexpr std::array checkOptions{json};
+
+constexpr std::array addOptions{
+    OptionDefinition{"--type", 1, "NAME", "the device's type, such as Computer or \"Card Module\""},
+    OptionDefinition{"--misc", 0, "", "put it into the Discovered/Misc window instead of on the floor map"},
+};
+
+constexpr std::array criteriaOptions{
+    OptionDefinition{"--type", 1, "NAME", "this device type's rows only"},
+    json,
+    OptionDefinition{"--set", 3, "ROW COLUMN VALUE", "change one value of the type; may be repeated"},
+    OptionDefinition{"--reset", 0, "", "restore the defaults of every type"},
+};
+
+constexpr std::array pingOptions{
+    OptionDefinition{"-v", 0, "", "say first by which kind of socket, or what to do when none is allowed"},
+};
+
+constexpr std::string_view listDetails =
+    "On a terminal only the columns that fit are shown; into a pipe or a file, all seventeen.\n"
+    "Columns: ID, Modified, LS, Priority, Reminder, To Do, Device, Name, IP Address, Username,\n"
+    "MAC Address, to Jack/#, Comment, / Text, \\ Text, - Text, | Text.\n";
+
+constexpr std::string_view checkDetails =
+    "Exit status 1 when anything is odd, 3 when the file cannot be read at all.\n";
+
+constexpr std::string_view fieldDetails =
+    "Fields: Type, State, Position, Name, IPAddress, MACAddress, Username, ToJack, Comment, SlashText,\n"
+    "BackslashText, HorzText, VertText, SlashDraw, BackslashDraw, HorzDraw, VertDraw, ReminderOn,\n"
+    "ReminderDate, ToDo, Priority.\n"
+    "Values: Position=100,200  State=On  SlashDraw=1  ReminderDate=\"2026-11-22 14:30\" (empty: none)\n";
+
+constexpr std::string_view criteriaDetails =
+    "Rows: 0 Live Stat Status (LSS), 1 Name, 2 IP Address, 3 Username, 4 MAC/Port, 5 to Jack/#,\n"
+    "6 Comment/Marker, 7 / Text, 8 \\ Text, 9 -- Text, 10 | Text, 11 To Do; by number or label.\n"
+    "Columns: Command, Argument, Delimiter, FieldPos, SearchFor, IfMatch, Condition.\n";
+
+constexpr std::string_view pingDetails = "Exit status 1 when any of them is silent.\n";
+constexpr std::string_view lookupDetails = "Exit status 1 when any of them is not found.\n";
+
+constexpr std::array table{
+    Command{"new", "create a new datafile", "FILE [--force]", 1, 1, newOptions, "", runNew},
+    Command{"records", "print every record as it is stored", "FILE [--json]", 1, 1, recordsOptions, "",
+            runRecords},
+    Command{"list", "print the devices as the List View shows them",
+            "FILE [--json] [--floor] [--misc] [--type NAME]... [--sort COLUMN] [--descending]", 1, 1,
+            listOptions, listDetails, runList},
+    Command{"check", "read a datafile and report every oddity", "FILE [--json]", 1, 1, checkOptions,
+            checkDetails, runCheck},
+    Command{"upgrade", "save a datafile in the current layout", "FILE", 1, 1, {}, "", runUpgrade},
+    Command{"add", "add a device", "FILE --type NAME [--misc] [FIELD=VALUE]...", 1, anyNumber, addOptions,
+            fieldDetails, runAdd},
+    Command{"set",
+            "change fields of a device",
+            "FILE RECID FIELD=VALUE...",
+            3,
+            anyNumber,
+            {},
+            fieldDetails,
+            runSet},
+    Command{"delete", "delete devices", "FILE RECID...", 2, anyNumber, {}, "", runDelete},
+    Command{"criteria", "print or change the Live Stat criteria",
+            "FILE [--type NAME] [--json] [--set ROW COLUMN VALUE]... [--reset]", 1, 1, criteriaOptions,
+            criteriaDetails, runCriteria},
+    Command{"ping", "send one echo to each host, as Live Stat does", "[-v] HOST...", 1, anyNumber,
+            pingOptions, pingDetails, runPing},
+    Command{"lookup",
+            "look up addresses of names and names of addresses",
+            "HOST_OR_ADDRESS...",
+            1,
+            anyNumber,
+            {},
+            lookupDetails,
+            runLookup},
+};
+
+} // namespace
+
+std::span<const Command> commands() {
+    return table;
+}
+
+const Command* findCommand(std::string_view name) {
+    const auto found = std::find_if(table.begin(), table.end(),
+                                    [name](const Command& command) { return command.name == name; });
+    return found == table.end() ? nullptr : &*found;
+}
+
+ExitStatus usageError(CommandContext& context, std::string_view sentence) {
+    context.out.diagnose(sentence);
+    return ExitStatus::Usage;
+}
+
+} // namespace mirovane

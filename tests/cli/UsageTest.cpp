@@ -1,0 +1,105 @@
+#include "tests/cli/CliRunner.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace mirovane::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+const std::vector<std::string> allCommands{"new", "records", "list",     "check", "upgrade", "add",
+                                           "set", "delete",  "criteria", "ping",  "lookup"};
+
+TEST(Usage, helpNamesEveryCommandAndEachHasItsOwn) {
+    const CliResult overall = cli({"--help"});
+    EXPECT_EQ(overall.status, 0);
+    EXPECT_THAT(overall.err, IsEmpty());
+    for (const std::string& command : allCommands) {
+        EXPECT_THAT(overall.out, HasSubstr("\n  " + command + " "));
+        const CliResult help = cli({command, "--help"});
+        EXPECT_EQ(help.status, 0) << command;
+        EXPECT_THAT(help.out, StartsWith("usage: mirovanectl " + command + " "));
+        EXPECT_THAT(help.out, HasSubstr("--config DIR"));
+        EXPECT_THAT(help.err, IsEmpty());
+    }
+    EXPECT_THAT(cli({"--version"}).out, StartsWith("mirovanectl 0."));
+}
+
+TEST(Usage, aWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
+    const CliFolder folder;
+    const std::string file = folder.datafile();
+    const std::string before = fileBytes(file);
+    const struct {
+        Words words;
+        std::string why;
+    } cases[] = {
+        {{}, "no command"},
+        {{"lst", file}, "unknown command lst"},
+        {{"list"}, "too few arguments"},
+        {{"list", file, file}, "too many arguments"},
+        {{"list", file, "--colour"}, "unknown option --colour"},
+        {{"list", file, "--json=1"}, "it takes no value"},
+        {{"list", file, "--sort"}, "it needs COLUMN"},
+        {{"list", file, "--sort", "Colour"}, "unknown column \"Colour\""},
+        {{"list", file, "--type", "Toaster"}, "the types are Jack, Computer"},
+        {{"list", file, "--config"}, "it needs DIR"},
+        {{"add", file}, "--type is missing"},
+        {{"add", file, "--type", "VersionRecord"}, "unknown type"},
+        {{"add", file, "--type", "Printer", "Name"}, "is no FIELD=VALUE"},
+        {{"add", file, "--type", "Printer", "Nmae=x"}, "unknown field \"Nmae\""},
+        {{"add", file, "--type", "Printer", "RecID=7"}, "RecID cannot be set"},
+        {{"add", file, "--type", "Printer", "Type=Jack"}, "--type says it already"},
+        {{"add", file, "--type", "Printer", "Name=x", "Priority=0"}, "give a number from 1 to 5"},
+        {{"set", file, "0", "Name=x"}, "invalid RECID \"0\""},
+        {{"set", file, "1x", "Name=x"}, "invalid RECID \"1x\""},
+        {{"set", file, "99999999999", "Name=x"}, "invalid RECID"},
+        {{"delete", file, "-1"}, "unknown option -1"},
+        {{"delete", file, "--", "-1"}, "invalid RECID \"-1\""},
+        {{"criteria", file, "--set", "0", "Command", "Ping"}, "needs --type"},
+        {{"criteria", file, "--type", "Jack", "--set", "0", "Command"}, "it needs ROW COLUMN VALUE"},
+        {{"ping"}, "too few arguments"},
+    };
+    for (const auto& wrong : cases) {
+        const CliResult result = cli(wrong.words);
+        EXPECT_EQ(result.status, 2) << wrong.why;
+        EXPECT_THAT(result.err, StartsWith("mirovanectl: "));
+        EXPECT_THAT(result.err, HasSubstr(wrong.why));
+        EXPECT_THAT(result.out, IsEmpty()) << wrong.why;
+    }
+    EXPECT_EQ(fileBytes(file), before);
+}
+
+TEST(Usage, optionsStandAnywhere) {
+    const CliFolder folder;
+    const std::string file = folder.datafile({{"Printer", "Name=laser"}});
+    const Words orders[] = {{"--config", folder.config(), "list", "--json", file},
+                            {"list", file, "--json", "--config=" + folder.config()},
+                            {"list", "--json", "--", file}};
+    for (const Words& words : orders)
+        EXPECT_THAT(cli(words).out, HasSubstr("\"Name\":\"laser\""));
+}
+
+TEST(Usage, resultsThatCannotBeWrittenAreAFailure) {
+    const CliFolder folder;
+    const std::string file = folder.datafile();
+    const CliResult full = cli({"records", file, "--json"}, [] {
+        const int device = ::open("/dev/full", O_WRONLY);
+        ::dup2(device, STDOUT_FILENO);
+    });
+    EXPECT_EQ(full.status, 3);
+    EXPECT_THAT(full.err, HasSubstr("cannot write the results: No space left on device"));
+
+    CliProcess toNobody({"records", file, "--json"});
+    toNobody.closeOutput();
+    const CliResult result = toNobody.finish();
+    EXPECT_EQ(result.status, 0) << "a reader that saw enough is no failure";
+    EXPECT_THAT(result.err, IsEmpty());
+}
+
+} // namespace
+} // namespace mirovane::test
