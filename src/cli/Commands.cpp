@@ -44,6 +44,19 @@ constexpr std::array pingOptions{
     OptionDefinition{"-v", 0, "", "say first by which kind of socket, or what to do when none is allowed"},
 };
 
+constexpr std::array stationOptions{
+    OptionDefinition{"--live-stat", 0, "", "run Live Stat; without it the station only watches"},
+    OptionDefinition{"--take-over", 0, "", "answer Yes when another station runs Live Stat"},
+    OptionDefinition{"--now", OptionDefinition::recordIDs, "RECID...",
+                     "start with Live Stat Now on these devices"},
+    OptionDefinition{"--loops", 1, "N",
+                     "end after N loops over the devices (a pass of --now alone counts as one)"},
+    OptionDefinition{"--for", 1, "SECONDS", "end after this time"},
+    OptionDefinition{"--run-sec", 1, "N", "pause between two runs in seconds, for this station only"},
+    OptionDefinition{"--per-run", 1, "N", "device checks per run, for this station only"},
+    OptionDefinition{"--json", 0, "", "one JSON object a line"},
+};
+
 constexpr std::string_view listDetails =
     "On a terminal only the columns that fit are shown; into a pipe or a file, all seventeen.\n"
     "Columns: ID, Modified, LS, Priority, Reminder, To Do, Device, Name, IP Address, Username,\n"
@@ -65,6 +78,11 @@ constexpr std::string_view criteriaDetails =
 
 constexpr std::string_view pingDetails = "Exit status 1 when any of them is silent.\n";
 constexpr std::string_view lookupDetails = "Exit status 1 when any of them is not found.\n";
+
+constexpr std::string_view stationDetails =
+    "Prints each line of the message log as it is written. SIGTERM and SIGINT end it: Live Stat is switched\n"
+    "off and the datafile saved. SIGHUP opens the datafile again. Exit status 4 when another station runs\n"
+    "Live Stat and --take-over was not given.\n";
 
 constexpr std::array table{
     Command{"new", "create a new datafile", "FILE [--force]", 1, 1, newOptions, "", runNew},
@@ -90,6 +108,10 @@ constexpr std::array table{
     Command{"criteria", "print or change the Live Stat criteria",
             "FILE [--type NAME] [--json] [--set ROW COLUMN VALUE]... [--reset]", 1, 1, criteriaOptions,
             criteriaDetails, runCriteria},
+    Command{"station", "run a station without a display",
+            "FILE [--live-stat] [--take-over] [--now RECID...] [--loops N] [--for SECONDS] [--run-sec N]"
+            " [--per-run N] [--json]",
+            1, 1, stationOptions, stationDetails, runStation},
     Command{"ping", "send one echo to each host, as Live Stat does", "[-v] HOST...", 1, anyNumber,
             pingOptions, pingDetails, runPing},
     Command{"lookup",

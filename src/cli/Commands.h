@@ -44,6 +44,7 @@ ExitStatus runAdd(CommandContext& context);
 ExitStatus runSet(CommandContext& context);
 ExitStatus runDelete(CommandContext& context);
 ExitStatus runCriteria(CommandContext& context);
+ExitStatus runStation(CommandContext& context);
 ExitStatus runPing(CommandContext& context);
 ExitStatus runLookup(CommandContext& context);
 

@@ -182,7 +182,8 @@ TEST(EditCommands, filesThatCannotBeReadOrWrittenAreNamed) {
                                    {"upgrade", file},
                                    {"add", file, "--type", "Jack"},
                                    {"delete", file, "1"},
-                                   {"criteria", file}}) {
+                                   {"criteria", file},
+                                   {"station", file, "--for", "1", "--config", folder.config()}}) {
             const CliResult result = cli(words);
             EXPECT_EQ(result.status, 3) << words[0] << " " << file;
             EXPECT_THAT(result.err, AllOf(StartsWith("mirovanectl: "), HasSubstr(file)));

@@ -12,8 +12,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-const std::vector<std::string> allCommands{"new", "records", "list",     "check", "upgrade", "add",
-                                           "set", "delete",  "criteria", "ping",  "lookup"};
+const std::vector<std::string> allCommands{"new", "records", "list",     "check",   "upgrade", "add",
+                                           "set", "delete",  "criteria", "station", "ping",    "lookup"};
 
 TEST(Usage, helpNamesEveryCommandAndEachHasItsOwn) {
     const CliResult overall = cli({"--help"});
@@ -62,6 +62,10 @@ TEST(Usage, aWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
         {{"delete", file, "--", "-1"}, "invalid RECID \"-1\""},
         {{"criteria", file, "--set", "0", "Command", "Ping"}, "needs --type"},
         {{"criteria", file, "--type", "Jack", "--set", "0", "Command"}, "it needs ROW COLUMN VALUE"},
+        {{"station", file, "--loops", "0", "--live-stat"}, "--loops"},
+        {{"station", file, "--loops", "2"}, "no loops to count"},
+        {{"station", file, "--now"}, "at least one record ID"},
+        {{"station", file, "--per-run", "many"}, "no number from 1"},
         {{"ping"}, "too few arguments"},
     };
     for (const auto& wrong : cases) {

@@ -1,0 +1,68 @@
+#include "cli/StateLines.h"
+
+#include <utility>
+
+namespace mirovane {
+
+namespace {
+
+std::string stateLine(const CHardware& device) {
+    std::string line(typeName(device.Type));
+    if (!device.Name.empty())
+        line += " " + device.Name;
+    if (!device.IPAddress.empty())
+        line += " (" + device.IPAddress + ")";
+    if (device.Name.empty() && device.IPAddress.empty())
+        line += " with the RecID " + std::to_string(device.RecID);
+    return line + (device.State == DeviceState::On ? " is On" : " is Off");
+}
+
+} // namespace
+
+StateLines::StateLines(CMirovaneDoc& doc) : doc_(doc) {
+    doc_.addObserver(*this);
+}
+
+StateLines::~StateLines() {
+    doc_.removeObserver(*this);
+}
+
+void StateLines::begin() {
+    states_.clear();
+    for (std::size_t index = 0; index < doc_.size(); ++index) {
+        if (doc_.at(index).isDevice())
+            states_[doc_.at(index).RecID] = doc_.at(index).State;
+    }
+    begun_ = true;
+}
+
+bool StateLines::takeReplaced() {
+    return std::exchange(replaced_, false);
+}
+
+void StateLines::recordChanged(const CHardware& before, const CHardware& after) {
+    if (after.isDevice() && before.State != after.State)
+        write(after);
+}
+
+void StateLines::documentReplaced() {
+    replaced_ = true;
+    if (!begun_)
+        return;
+    const auto known = std::move(states_);
+    for (std::size_t index = 0; index < doc_.size(); ++index) {
+        const CHardware& device = doc_.at(index);
+        const auto before = known.find(device.RecID);
+        if (device.isDevice() && before != known.end() && before->second != device.State)
+            write(device);
+    }
+    begin();
+}
+
+void StateLines::write(const CHardware& device) {
+    states_[device.RecID] = device.State;
+    if (begun_ && device.State != DeviceState::Def)
+        doc_.log().LogMessage(stateLine(device));
+}
+
+} // namespace mirovane

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "model/Document.h"
+
+#include <cstdint>
+#include <unordered_map>
+
+namespace mirovane {
+
+/// Writes a line to the message log whenever a device goes On or Off: without a floor map the log is all that
+/// an administrator sees. Also for changes that another station saved. Observes the document for its own
+/// life.
+class StateLines final : public DocumentObserver {
+public:
+    explicit StateLines(CMirovaneDoc& doc);
+    ~StateLines() override;
+    StateLines(const StateLines&) = delete;
+    StateLines& operator=(const StateLines&) = delete;
+
+    /// From now on: what is in the document is known already.
+    void begin();
+
+    /// The record list was replaced since the last call.
+    bool takeReplaced();
+
+private:
+    void recordChanged(const CHardware& before, const CHardware& after) override;
+    void documentReplaced() override;
+    void write(const CHardware& device);
+
+    CMirovaneDoc& doc_;
+    std::unordered_map<std::int32_t, std::int32_t> states_; ///< by RecID
+    bool begun_ = false;
+    bool replaced_ = false;
+};
+
+} // namespace mirovane

@@ -1,0 +1,125 @@
+#include "cli/StationRun.h"
+
+#include "cli/Datafiles.h"
+
+#include <QCoreApplication>
+
+#include <chrono>
+#include <csignal>
+
+namespace mirovane {
+
+namespace {
+
+/// How late a limit, a broken pipe or a device that was added to an empty datafile may be noticed.
+constexpr std::chrono::milliseconds pollPeriod{200};
+
+} // namespace
+
+bool HeadlessDialogs::ask(const std::string& question) {
+    if (takeOver_)
+        return true;
+    refused_ = true;
+    out_.diagnose("Live Stat is not run here",
+                  "answered No to \"" + question + "\" (--take-over answers Yes)");
+    return false;
+}
+
+StationRun::StationRun(Output& out, CStation& station, HeadlessDialogs& dialogs, StationRequest request)
+    : out_(out),
+      station_(station),
+      dialogs_(dialogs),
+      request_(std::move(request)),
+      stateLines_(station.document()) {
+    QObject::connect(&poll_, &QTimer::timeout, this, [this] { poll(); });
+    limit_.setSingleShot(true);
+    QObject::connect(&limit_, &QTimer::timeout, this, [this] { finish(); });
+}
+
+ExitStatus StationRun::run() {
+    if (const auto failed = start())
+        return *failed;
+    poll_.start(pollPeriod);
+    if (request_.seconds)
+        limit_.start(std::chrono::seconds(*request_.seconds));
+    QCoreApplication::exec();
+    return status_;
+}
+
+std::optional<ExitStatus> StationRun::start() {
+    if (const auto error = station_.openDatafile(request_.path)) {
+        diagnoseUnreadable(out_, request_.path, *error);
+        return ExitStatus::FileFailed;
+    }
+    if (dialogs_.refused())
+        return ExitStatus::Refused;
+    stateLines_.begin();
+    stateLines_.takeReplaced();
+    if (request_.liveStat && !station_.liveStat().enabled())
+        out_.diagnose("Live Stat waits", "the datafile holds no device yet");
+    startNow();
+    return std::nullopt;
+}
+
+void StationRun::startNow() {
+    if (request_.now.empty())
+        return;
+    for (const std::int32_t recID : request_.now) {
+        if (const CHardware* device = station_.document().findDevice(recID))
+            station_.document().setSelected(*device, true);
+    }
+    station_.liveStatNow();
+}
+
+void StationRun::poll() {
+    if (out_.failed() || loopsOver())
+        finish();
+    else if (stateLines_.takeReplaced())
+        startLiveStatLater();
+}
+
+/// Another station may have put the first devices into the datafile. One that was left alone by our No keeps
+/// Live Stat.
+void StationRun::startLiveStatLater() {
+    const CLiveStatScheduler& liveStat = station_.liveStat();
+    if (request_.liveStat && !dialogs_.refused() && !liveStat.enabled() && !liveStat.disabling() &&
+        station_.document().deviceCount() > 0)
+        station_.toggleLiveStat();
+}
+
+bool StationRun::loopsOver() const {
+    if (!request_.loops)
+        return false;
+    if (!request_.liveStat)
+        return !request_.now.empty() && !station_.liveStat().nowActive();
+    return station_.liveStat().loops() >= *request_.loops;
+}
+
+void StationRun::finish() {
+    if (finished_)
+        return;
+    finished_ = true;
+    poll_.stop();
+    limit_.stop();
+    if (const auto error = station_.shutDown()) {
+        out_.diagnose(error->sentence);
+        status_ = ExitStatus::FileFailed;
+    }
+    QCoreApplication::quit();
+}
+
+void StationRun::signalled(int signal) {
+    if (signal == SIGHUP)
+        reopen();
+    else
+        finish();
+}
+
+void StationRun::reopen() {
+    if (finished_)
+        return;
+    if (const auto error = station_.openDatafile(request_.path))
+        diagnoseUnreadable(out_, request_.path, *error);
+}
+
+} // namespace mirovane

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "cli/Output.h"
+#include "cli/StateLines.h"
+#include "station/Station.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace mirovane {
+
+/// What `station` was asked for.
+struct StationRequest {
+    std::string path;
+    bool liveStat = false;
+    bool takeOver = false;
+    std::vector<std::int32_t> now;       ///< devices to check at the start
+    std::optional<std::int32_t> loops;   ///< end after so many
+    std::optional<std::int32_t> seconds; ///< end after so long
+};
+
+/// Answers the station's questions when nobody sits there.
+class HeadlessDialogs final : public StationDialogs {
+public:
+    HeadlessDialogs(Output& out, bool takeOver) : out_(out), takeOver_(takeOver) {}
+
+    bool ask(const std::string& question) override;
+    void fail(const std::string& text) override { out_.diagnose(text); }
+
+    /// Another station runs Live Stat and was left alone.
+    bool refused() const { return refused_; }
+
+private:
+    Output& out_;
+    bool takeOver_;
+    bool refused_ = false;
+};
+
+/// A headless station from the opening of its datafile to its end, on the event loop of the QCoreApplication.
+/// Main thread only.
+class StationRun final : public QObject {
+public:
+    StationRun(Output& out, CStation& station, HeadlessDialogs& dialogs, StationRequest request);
+
+    /// Runs until a signal, a limit of the request, or until nobody reads the output any more.
+    ExitStatus run();
+
+    /// SIGTERM and SIGINT end the run, SIGHUP opens the datafile again.
+    void signalled(int signal);
+
+private:
+    std::optional<ExitStatus> start();
+    void startNow();
+    void poll();
+    void startLiveStatLater();
+    bool loopsOver() const;
+    void finish();
+    void reopen();
+
+    Output& out_;
+    CStation& station_;
+    HeadlessDialogs& dialogs_;
+    StationRequest request_;
+    StateLines stateLines_;
+    QTimer poll_;
+    QTimer limit_;
+    bool finished_ = false;
+    ExitStatus status_ = ExitStatus::Done;
+};
+
+} // namespace mirovane
