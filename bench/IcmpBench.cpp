@@ -1,0 +1,296 @@
+// Echo engine: lost replies, sweep speed against fping, many callers at once, silent hosts.
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <latch>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <arpa/inet.h>
+#include <unistd.h>
+
+#include "probes/HostAddress.h"
+#include "probes/SystemHostProbes.h"
+#include "tests/support/OwnNetwork.h"
+#include "tests/support/TunHosts.h"
+
+using namespace mirovane;
+
+namespace {
+
+using Addresses = std::vector<std::uint32_t>;
+using Seconds = std::chrono::duration<double>;
+
+constexpr int rounds = 9;
+
+/// `count` addresses from `first` on, without those that end in 0 or 255.
+Addresses addressesFrom(const char* first, std::size_t count) {
+    Addresses addresses;
+    for (std::uint32_t next = ntohl(*parseDottedAddress(first)); addresses.size() < count; ++next) {
+        if ((next & 0xff) != 0 && (next & 0xff) != 0xff) {
+            addresses.push_back(htonl(next));
+        }
+    }
+    return addresses;
+}
+
+double secondsOf(const std::function<void()>& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return Seconds(std::chrono::steady_clock::now() - start).count();
+}
+
+double median(std::vector<double> values) {
+    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+void row(const std::string& what, const std::string& ours, const std::string& other, const std::string& ratio,
+         const std::string& goal) {
+    std::printf("%-64s | %12s | %12s | %8s | %s\n", what.c_str(), ours.c_str(), other.c_str(), ratio.c_str(),
+                goal.c_str());
+    std::fflush(stdout);
+}
+
+std::string text(double value, const char* format = "%.3f") {
+    char buffer[48];
+    std::snprintf(buffer, sizeof buffer, format, value);
+    return buffer;
+}
+
+/// Runs both sides in turn and prints the median times and the median of the ratios.
+void paired(const std::string& what, const std::function<double()>& ours, const std::function<double()>& other,
+            const std::string& goal) {
+    std::vector<double> our;
+    std::vector<double> their;
+    std::vector<double> ratios;
+    for (int i = 0; i < rounds; ++i) {
+        our.push_back(ours());
+        their.push_back(other());
+        ratios.push_back(our.back() / their.back());
+    }
+    row(what, text(median(our) * 1000) + " ms", text(median(their) * 1000) + " ms", text(median(ratios)), goal);
+}
+
+/// Keeps `window` probes in flight until all addresses are done; returns how many answered.
+std::size_t probeWindow(IcmpEngine& engine, const Addresses& addresses, std::size_t window) {
+    std::atomic<std::size_t> next{window};
+    std::atomic<std::size_t> answered{0};
+    std::latch done(static_cast<std::ptrdiff_t>(addresses.size()));
+    EchoCallback callback = [&](const EchoResult& result) {
+        answered += result.answered() ? 1 : 0;
+        if (const std::size_t mine = next++; mine < addresses.size()) {
+            engine.start(addresses[mine], {}, callback);
+        }
+        done.count_down();
+    };
+    engine.startAll(std::span(addresses).first(std::min(window, addresses.size())), {}, callback);
+    done.wait();
+    return answered;
+}
+
+std::size_t sweep(IcmpEngine& engine, const Addresses& addresses, std::uint32_t timeoutMs) {
+    std::size_t answered = 0; // callbacks come from one thread
+    std::latch done(static_cast<std::ptrdiff_t>(addresses.size()));
+    EchoOptions options;
+    options.timeoutMs = timeoutMs;
+    engine.startAll(addresses, options, [&](const EchoResult& result) {
+        answered += result.answered() ? 1 : 0;
+        done.count_down();
+    });
+    done.wait();
+    return answered;
+}
+
+void lostReplies(const std::string& what, const Addresses& addresses) {
+    std::size_t lost = 0;
+    for (int run = 0; run < 5; ++run) {
+        IcmpEngine engine;
+        lost += addresses.size() - probeWindow(engine, addresses, 1000);
+    }
+    row(what, std::to_string(lost), std::to_string(5 * addresses.size()), "-", "0 lost");
+}
+
+void sweepAgainstFping(std::size_t count) {
+    const Addresses addresses = addressesFrom("127.1.0.1", count);
+    const auto list = std::filesystem::temp_directory_path() / ("hosts-" + std::to_string(::getpid()));
+    {
+        std::ofstream file(list);
+        for (const std::uint32_t address : addresses) {
+            file << formatAddress(address) << '\n';
+        }
+    }
+    const std::string command = "fping -q -i 0 -r 0 -t 500 < " + list.string() + " > /dev/null 2>&1";
+    const auto ours = [&] {
+        return secondsOf([&] {
+            IcmpEngine engine;
+            if (const auto answered = sweep(engine, addresses, 500); answered != addresses.size()) {
+                std::printf("lost %zu replies of %zu\n", addresses.size() - answered, addresses.size());
+                std::exit(1);
+            }
+        });
+    };
+    const auto other = [&] {
+        return secondsOf([&] {
+            if (const int status = std::system(command.c_str()); status != 0) {
+                std::printf("fping ended with status %d\n", status);
+            }
+        });
+    };
+    paired("I2 sweep of " + std::to_string(count) + " loopback addresses, fping -q -i 0 -r 0 -t 500", ours, other,
+           "<= 0.8");
+    std::filesystem::remove(list);
+}
+
+std::size_t openSockets() {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        count += std::filesystem::read_symlink(entry, gone).string().starts_with("socket:") ? 1 : 0;
+    }
+    return count;
+}
+
+struct CallersRun {
+    double seconds = 0;
+    std::size_t lost = 0;
+    std::size_t sockets = 0;
+};
+
+/// `callers` threads call PingHost for all addresses between them.
+CallersRun callersRun(const Addresses& addresses, std::size_t callers) {
+    SystemHostProbes probes;
+    std::vector<std::string> targets;
+    std::transform(addresses.begin(), addresses.end(), std::back_inserter(targets), formatAddress);
+    std::atomic<std::size_t> next{0};
+    std::atomic<std::size_t> answered{0};
+    std::latch ready(static_cast<std::ptrdiff_t>(callers) + 1);
+    std::vector<std::jthread> threads;
+    const std::size_t socketsBefore = openSockets();
+    for (std::size_t i = 0; i < callers; ++i) {
+        threads.emplace_back([&] {
+            ready.arrive_and_wait();
+            for (std::size_t mine = next++; mine < targets.size(); mine = next++) {
+                PingReply reply;
+                std::optional<std::uint32_t> resolved;
+                answered += probes.PingHost(targets[mine], reply, resolved, 10, 5000, 32, {}) ? 1 : 0;
+            }
+        });
+    }
+    CallersRun result;
+    result.seconds = secondsOf([&] {
+        ready.arrive_and_wait();
+        while (answered == 0) {
+            std::this_thread::yield();
+        }
+        result.sockets = openSockets() - socketsBefore;
+        threads.clear();
+    });
+    result.lost = addresses.size() - answered;
+    return result;
+}
+
+void callersAtOnce(const Addresses& addresses) {
+    std::size_t lost = 0;
+    std::size_t sockets = 0;
+    const auto with = [&](std::size_t callers) {
+        return [&, callers] {
+            const CallersRun run = callersRun(addresses, callers);
+            lost += run.lost;
+            sockets = std::max(sockets, run.sockets);
+            return run.seconds;
+        };
+    };
+    paired("I3 1,000 callers of PingHost, 5 ms round trip, 100 callers", with(1000), with(100), "<= 1.0");
+    row("I3 sockets open while 1,000 callers wait", std::to_string(sockets), "-", "-", "1");
+    row("I3 replies lost", std::to_string(lost), "-", "-", "0 lost");
+}
+
+/// Every other host is silent.
+void halfSilent(const Addresses& addresses) {
+    constexpr std::uint32_t timeoutMs = 1000;
+    std::vector<double> ratios;
+    std::size_t wrong = 0;
+    for (int i = 0; i < rounds; ++i) {
+        IcmpEngine engine;
+        std::size_t answered = 0;
+        ratios.push_back(secondsOf([&] { answered = sweep(engine, addresses, timeoutMs); }) * 1000 / timeoutMs);
+        const auto living = static_cast<std::size_t>(std::count_if(
+            addresses.begin(), addresses.end(), [](std::uint32_t a) { return (ntohl(a) & 1) == 0; }));
+        wrong += living > answered ? living - answered : answered - living;
+    }
+    row("I5 " + std::to_string(addresses.size()) + " hosts, half silent, all in flight, time-out 1000 ms",
+        text(median(ratios) * timeoutMs) + " ms", "1000.000 ms", text(median(ratios)), "<= 1.05");
+    row("I5 wrong answers", std::to_string(wrong), "-", "-", "0");
+}
+
+void answerAfter5ms(TunHosts& hosts, const TunHosts::Bytes& request) {
+    hosts.send(TunHosts::replyTo(request), std::chrono::milliseconds(5));
+}
+
+void answerWhenEven(TunHosts& hosts, const TunHosts::Bytes& request) {
+    if (TunHosts::lastPartOfTarget(request) % 2 == 0) {
+        hosts.send(TunHosts::replyTo(request));
+    }
+}
+
+bool wanted(int argc, char** argv, const char* name) {
+    return argc < 2 || std::any_of(argv + 1, argv + argc, [name](const char* a) { return std::strcmp(a, name) == 0; });
+}
+
+void overDelayedNetwork(int argc, char** argv) {
+    OwnNetwork network;
+    if (network.refused()) {
+        std::printf("I1 (5 ms), I3 and I5 left out: %s\n", network.refused()->c_str());
+        return;
+    }
+    const Addresses addresses = addressesFrom("10.77.1.1", 4094);
+    if (wanted(argc, argv, "I1") || wanted(argc, argv, "I3")) {
+        TunHosts hosts(answerAfter5ms);
+        if (hosts.refused()) {
+            std::printf("I1 (5 ms), I3 and I5 left out: %s\n", hosts.refused()->c_str());
+            return;
+        }
+        if (wanted(argc, argv, "I1")) {
+            lostReplies("I1 lost of 4,094 hosts, 1,000 in flight, 5 ms, five runs", addresses);
+        }
+        if (wanted(argc, argv, "I3")) {
+            callersAtOnce(addresses);
+        }
+    }
+    if (wanted(argc, argv, "I5")) {
+        TunHosts hosts(answerWhenEven);
+        halfSilent(addresses);
+    }
+}
+
+} // namespace
+
+/// Usage: IcmpBench [I1] [I2] [I3] [I5]
+int main(int argc, char** argv) {
+    IcmpEngine engine;
+    if (const auto reason = engine.unusable()) {
+        std::printf("%s\n", reason->c_str());
+        return 1;
+    }
+    std::printf("%s\n", engine.socketKind().c_str());
+    row("row", "ours", "other", "ratio", "goal");
+    if (wanted(argc, argv, "I1")) {
+        lostReplies("I1 lost of 4,094 loopback hosts, 1,000 in flight, five runs", addressesFrom("127.1.0.1", 4094));
+    }
+    if (wanted(argc, argv, "I2")) {
+        sweepAgainstFping(4094);
+        sweepAgainstFping(65534);
+    }
+    overDelayedNetwork(argc, argv);
+    return 0;
+}
