@@ -1,6 +1,12 @@
 // Echo engine: lost replies, sweep speed against fping, many callers at once, silent hosts.
 
+#include "probes/HostAddress.h"
+#include "probes/SystemHostProbes.h"
+#include "tests/support/OwnNetwork.h"
+#include "tests/support/TunHosts.h"
+
 #include <algorithm>
+#include <arpa/inet.h>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -13,15 +19,8 @@
 #include <optional>
 #include <string>
 #include <thread>
-#include <vector>
-
-#include <arpa/inet.h>
 #include <unistd.h>
-
-#include "probes/HostAddress.h"
-#include "probes/SystemHostProbes.h"
-#include "tests/support/OwnNetwork.h"
-#include "tests/support/TunHosts.h"
+#include <vector>
 
 using namespace mirovane;
 
@@ -50,7 +49,8 @@ double secondsOf(const std::function<void()>& work) {
 }
 
 double median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2), values.end());
+    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),
+                     values.end());
     return values[values.size() / 2];
 }
 
@@ -68,8 +68,8 @@ std::string text(double value, const char* format = "%.3f") {
 }
 
 /// Runs both sides in turn and prints the median times and the median of the ratios.
-void paired(const std::string& what, const std::function<double()>& ours, const std::function<double()>& other,
-            const std::string& goal) {
+void paired(const std::string& what, const std::function<double()>& ours,
+            const std::function<double()>& other, const std::string& goal) {
     std::vector<double> our;
     std::vector<double> their;
     std::vector<double> ratios;
@@ -78,7 +78,8 @@ void paired(const std::string& what, const std::function<double()>& ours, const 
         their.push_back(other());
         ratios.push_back(our.back() / their.back());
     }
-    row(what, text(median(our) * 1000) + " ms", text(median(their) * 1000) + " ms", text(median(ratios)), goal);
+    row(what, text(median(our) * 1000) + " ms", text(median(their) * 1000) + " ms", text(median(ratios)),
+        goal);
 }
 
 /// Keeps `window` probes in flight until all addresses are done; returns how many answered.
@@ -146,8 +147,8 @@ void sweepAgainstFping(std::size_t count) {
             }
         });
     };
-    paired("I2 sweep of " + std::to_string(count) + " loopback addresses, fping -q -i 0 -r 0 -t 500", ours, other,
-           "<= 0.8");
+    paired("I2 sweep of " + std::to_string(count) + " loopback addresses, fping -q -i 0 -r 0 -t 500", ours,
+           other, "<= 0.8");
     std::filesystem::remove(list);
 }
 
@@ -223,7 +224,8 @@ void halfSilent(const Addresses& addresses) {
     for (int i = 0; i < rounds; ++i) {
         IcmpEngine engine;
         std::size_t answered = 0;
-        ratios.push_back(secondsOf([&] { answered = sweep(engine, addresses, timeoutMs); }) * 1000 / timeoutMs);
+        ratios.push_back(secondsOf([&] { answered = sweep(engine, addresses, timeoutMs); }) * 1000 /
+                         timeoutMs);
         const auto living = static_cast<std::size_t>(std::count_if(
             addresses.begin(), addresses.end(), [](std::uint32_t a) { return (ntohl(a) & 1) == 0; }));
         wrong += living > answered ? living - answered : answered - living;
@@ -244,7 +246,8 @@ void answerWhenEven(TunHosts& hosts, const TunHosts::Bytes& request) {
 }
 
 bool wanted(int argc, char** argv, const char* name) {
-    return argc < 2 || std::any_of(argv + 1, argv + argc, [name](const char* a) { return std::strcmp(a, name) == 0; });
+    return argc < 2 ||
+           std::any_of(argv + 1, argv + argc, [name](const char* a) { return std::strcmp(a, name) == 0; });
 }
 
 void overDelayedNetwork(int argc, char** argv) {
@@ -287,7 +290,8 @@ int main(int argc, char** argv) {
     }
     row("row", "ours", "other", "ratio", "goal");
     if (wanted(argc, argv, "I1")) {
-        lostReplies("I1 lost of 4,094 loopback hosts, 1,000 in flight, five runs", addressesFrom("127.1.0.1", 4094));
+        lostReplies("I1 lost of 4,094 loopback hosts, 1,000 in flight, five runs",
+                    addressesFrom("127.1.0.1", 4094));
     }
     if (wanted(argc, argv, "I2")) {
         sweepAgainstFping(4094);

@@ -90,7 +90,8 @@ HostTextKind classifyHostText(std::string_view text) {
     }
     in_addr numeric{};
     const bool olderNumericForm = inet_aton(std::string(text).c_str(), &numeric) != 0;
-    return olderNumericForm ? HostTextKind::Invalid : HostTextKind::Name;
+    const bool brokenAddress = text.find_first_not_of("0123456789.") == std::string_view::npos;
+    return olderNumericForm || brokenAddress ? HostTextKind::Invalid : HostTextKind::Name;
 }
 
 } // namespace mirovane

@@ -2,6 +2,8 @@
 
 #include "probes/HostAddress.h"
 
+#include <cerrno>
+
 namespace mirovane {
 
 SystemHostProbes::SystemHostProbes()
@@ -29,6 +31,11 @@ PingOutcome SystemHostProbes::ping(const std::string& target, const EchoOptions&
         outcome.address = *found;
     }
     outcome.found = true;
+    if (outcome.address == 0) { // the system would take that for itself
+        outcome.echo.kind = EchoKind::SendFailed;
+        outcome.echo.systemError = EDESTADDRREQ;
+        return outcome;
+    }
     outcome.echo = engine_->echo(outcome.address, options, std::move(stop));
     return outcome;
 }

@@ -2,22 +2,22 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <optional>
-#include <string>
-
 #include <fcntl.h>
+#include <fstream>
 #include <net/if.h>
 #include <netinet/in.h>
+#include <optional>
 #include <sched.h>
+#include <string>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace mirovane {
 
-/// A network namespace for the calling thread and the threads that it starts, until the end of this object. It has no
-/// name and nothing to clean up: it goes when its last user goes, however that one ends. Loopback is up.
+/// A network namespace for the calling thread and the threads that it starts, until the end of this object.
+/// It has no name and nothing to clean up: it goes when its last user goes, however that one ends. Loopback
+/// is up.
 class OwnNetwork {
 public:
     OwnNetwork() : before_(::open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC)) {

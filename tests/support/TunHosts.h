@@ -1,30 +1,31 @@
 #pragma once
 
+#include "tests/support/OwnNetwork.h"
+
+#include <queue>
+
 #include <algorithm>
+#include <arpa/inet.h>
 #include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <cstring>
 #include <functional>
-#include <queue>
-#include <string>
-#include <thread>
-#include <vector>
-
-#include <arpa/inet.h>
 #include <linux/if_tun.h>
 #include <linux/sockios.h>
 #include <poll.h>
+#include <string>
 #include <sys/eventfd.h>
-
-#include "tests/support/OwnNetwork.h"
+#include <thread>
+#include <vector>
 
 namespace mirovane {
 
-/// A network of hosts that do what a test wants: every address of 10.77.0.0/16 but 10.77.0.1, which is this computer's.
-/// They live behind a TUN device in the calling thread's network namespace (make an OwnNetwork first); one thread reads
-/// what is sent to them and passes each echo request to the script. Packets are whole IPv4 packets.
+/// A network of hosts that do what a test wants: every address of 10.77.0.0/16 but 10.77.0.1, which is this
+/// computer's. They live behind a TUN device in the calling thread's network namespace (make an OwnNetwork
+/// first); one thread reads what is sent to them and passes each echo request to the script. Packets are
+/// whole IPv4 packets.
 class TunHosts {
 public:
     using Bytes = std::vector<std::uint8_t>;
