@@ -100,8 +100,7 @@ std::size_t IncomingEchoes::receive(int descriptor, int flags) {
             ::recvmmsg(descriptor, messages_.data(), echoBatch, MSG_DONTWAIT | flags, nullptr);
         if (received > 0) {
             toPrepare_ = static_cast<std::size_t>(received);
-            now_ = std::chrono::steady_clock::now();
-            wallNow_ = wallTime();
+            readClocks();
             return toPrepare_;
         }
         if (received == 0 || errno == EAGAIN) {
@@ -111,8 +110,18 @@ std::size_t IncomingEchoes::receive(int descriptor, int flags) {
     return 0;
 }
 
-bool IncomingEchoes::truncated(std::size_t index) const {
-    return (messages_[index].msg_hdr.msg_flags & MSG_TRUNC) != 0;
+/// Both clocks at one moment: a thread that is put aside between the two readings reads them again.
+void IncomingEchoes::readClocks() {
+    constexpr int tries = 4;
+    constexpr std::chrono::microseconds near{20};
+    for (int i = 0; i < tries; ++i) {
+        const auto before = std::chrono::steady_clock::now();
+        wallNow_ = wallTime();
+        now_ = std::chrono::steady_clock::now();
+        if (now_ - before < near) {
+            return;
+        }
+    }
 }
 
 std::span<const std::byte> IncomingEchoes::bytes(std::size_t index) const {

@@ -49,7 +49,6 @@ public:
     /// How many were received, 0 for none; `flags` may be MSG_ERRQUEUE.
     std::size_t receive(int descriptor, int flags);
 
-    bool truncated(std::size_t index) const;
     std::span<const std::byte> bytes(std::size_t index) const;
     std::uint32_t address(std::size_t index) const;
     std::chrono::steady_clock::time_point arrival(std::size_t index);
@@ -65,6 +64,7 @@ private:
     };
 
     void prepare();
+    void readClocks();
 
     std::array<Part, echoBatch> parts_;
     std::array<mmsghdr, echoBatch> messages_;
