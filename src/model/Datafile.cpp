@@ -163,6 +163,32 @@ std::size_t readPlausibleCount(ByteReader& reader, const Layout& layout) {
     return static_cast<std::size_t>(count);
 }
 
+Result<Content, Error> decodeRecords(std::string_view bytes, const Layout& layout) {
+    Content content;
+    content.fileVersion = layout.version;
+    ByteReader reader(bytes);
+    const std::size_t count = readPlausibleCount(reader, layout);
+    if (reader.failed())
+        return damaged(reader, 0);
+    content.records.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        auto record = std::make_unique<CHardware>();
+        readTag(reader, i);
+        readRecord(reader, layout, *record);
+        if (reader.failed())
+            return damaged(reader, i);
+        content.records.push_back(std::move(record));
+    }
+    const std::size_t extra = reader.remaining();
+    if (extra > 0) {
+        reader.fail(reader.offset(), std::to_string(extra) +
+                                         (extra == 1 ? " byte follows" : " bytes follow") +
+                                         " the last record");
+        return damaged(reader, count);
+    }
+    return content;
+}
+
 } // namespace
 
 Result<Content, Error> decode(std::string_view bytes) {
@@ -170,34 +196,13 @@ Result<Content, Error> decode(std::string_view bytes) {
     probe.readBytes(versionOffset);
     const std::int32_t version = probe.readInt32();
     if (probe.failed()) {
-        return Error{Error::Kind::Damaged, bytes.size(), 0,
-                     "The datafile is damaged at byte " + std::to_string(bytes.size()) +
-                         " (record 0): the file ends before the version of its first record."};
+        probe = ByteReader(bytes);
+        probe.fail(bytes.size(), "the file ends before the version of its first record");
+        return damaged(probe, 0);
     }
-    const Layout* layout = layoutOf(version);
-    if (!layout)
-        return unknownVersion(bytes, version);
-
-    Content content;
-    content.fileVersion = version;
-    ByteReader reader(bytes);
-    const std::size_t count = readPlausibleCount(reader, *layout);
-    if (reader.failed())
-        return damaged(reader, 0);
-    content.records.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        auto record = std::make_unique<CHardware>();
-        readTag(reader, i);
-        readRecord(reader, *layout, *record);
-        if (reader.failed())
-            return damaged(reader, i);
-        content.records.push_back(std::move(record));
-    }
-    if (reader.remaining() > 0) {
-        reader.fail(reader.offset(), std::to_string(reader.remaining()) + " bytes follow the last record");
-        return damaged(reader, count);
-    }
-    return content;
+    if (const Layout* layout = layoutOf(version))
+        return decodeRecords(bytes, *layout);
+    return unknownVersion(bytes, version);
 }
 
 std::string encode(const RecordList& records) {
