@@ -1,0 +1,161 @@
+#include "ui/floor/FloorMap.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QMetaObject>
+#include <QPointer>
+#include <QThreadPool>
+#include <QtEndian>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace mirovane {
+
+namespace {
+
+/// Bytes of the bitmap in memory, before any of it is read.
+qsizetype bitmapBytes(QSize size, QImage::Format format) {
+    const int depth = format == QImage::Format_Invalid ? 32 : QImage::toPixelFormat(format).bitsPerPixel();
+    return (qsizetype{size.width()} * depth + 7) / 8 * size.height();
+}
+
+/// The reader of bitmap files refuses more than this without a word about the size.
+constexpr qint64 mostMapPixels = qint64{16384} * 16384;
+
+QString tooLarge(const QString& path, QSize size, const QString& limit) {
+    return QStringLiteral(
+               "Floor map file %1 is too large to be shown: it has %2 x %3 pixels, %4. Save it smaller.")
+        .arg(path)
+        .arg(size.width())
+        .arg(size.height())
+        .arg(limit);
+}
+
+/// What is wrong with a picture of this size; empty when nothing is.
+QString sizeProblem(const QString& path, QSize size, QImage::Format format) {
+    if (qint64{size.width()} * size.height() > mostMapPixels)
+        return tooLarge(path, size, QStringLiteral("the limit is %1 million").arg(mostMapPixels / 1000000));
+    const qsizetype bytes = bitmapBytes(size, format);
+    if (bytes > largestMapBytes)
+        return tooLarge(
+            path, size,
+            QStringLiteral("which take %1 MB of memory, the limit is %2 MB; with 256 colours or fewer it "
+                           "takes a quarter or less")
+                .arg(bytes >> 20)
+                .arg(largestMapBytes >> 20));
+    return {};
+}
+
+/// As the header of a bitmap file states it; invalid for any other file.
+QSize statedBitmapSize(const QString& path) {
+    QFile file(path);
+    QByteArray head;
+    if (file.open(QIODevice::ReadOnly))
+        head = file.read(26);
+    if (head.size() < 26 || !head.startsWith("BM"))
+        return {};
+    const auto width = qFromLittleEndian<qint32>(head.constData() + 18);
+    const auto height = qFromLittleEndian<qint32>(head.constData() + 22);
+    return {width, height == INT32_MIN ? 0 : std::abs(height)};
+}
+
+QString stampOf(const QString& path) {
+    const QFileInfo info(path);
+    return QStringLiteral("%1 %2").arg(info.lastModified().toMSecsSinceEpoch()).arg(info.size());
+}
+
+QString lastPart(const QString& path) {
+    const qsizetype separator = std::max(path.lastIndexOf(u'/'), path.lastIndexOf(u'\\'));
+    return path.mid(separator + 1);
+}
+
+} // namespace
+
+LoadedMap readMapFile(const QString& path) {
+    if (!QFileInfo::exists(path))
+        return {nullptr, true, QStringLiteral("Floor map file %1 does not exist!").arg(path)};
+    QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
+    const QSize stated = reader.size();
+    const QSize size = stated.isValid() ? stated : statedBitmapSize(path);
+    if (size.isValid()) {
+        const QString problem = sizeProblem(path, size, reader.imageFormat());
+        if (!problem.isEmpty())
+            return {nullptr, false, problem};
+    }
+    QImage bitmap = reader.read();
+    if (bitmap.isNull()) {
+        const QString why = reader.errorString();
+        return {nullptr, false, QStringLiteral("Floor map file %1 cannot be shown: %2").arg(path, why)};
+    }
+    return {std::make_shared<const MapPicture>(std::move(bitmap)), false, QString()};
+}
+
+QString locateMap(const QString& named, const QString& datafile) {
+    if (named.isEmpty())
+        return {};
+    const QDir beside = QFileInfo(datafile).absoluteDir();
+    const bool relative = QFileInfo(named).isRelative();
+    const QString asNamed = relative && !datafile.isEmpty() ? QDir::cleanPath(beside.filePath(named)) : named;
+    if (QFileInfo(asNamed).isFile())
+        return asNamed;
+    if (relative && QFileInfo(named).isFile())
+        return named;
+    const QString name = lastPart(named);
+    const QString neighbour = beside.filePath(name);
+    return !datafile.isEmpty() && !name.isEmpty() && QFileInfo(neighbour).isFile() ? neighbour : named;
+}
+
+bool FloorMap::begin(const QString& path) {
+    const QString stamp = stampOf(path);
+    if (path == path_ && stamp == stamp_ && (loading_ || tiles_.picture() || path.isEmpty()))
+        return false;
+    pathChanged_ = path != path_;
+    path_ = path;
+    stamp_ = stamp;
+    ++request_;
+    loading_ = !path.isEmpty();
+    if (loading_)
+        QImageReader::setAllocationLimit(static_cast<int>(largestMapBytes >> 20));
+    else
+        finish(request_, {});
+    return loading_;
+}
+
+void FloorMap::load(const QString& path) {
+    if (!begin(path))
+        return;
+    QThreadPool::globalInstance()->start([self = QPointer<FloorMap>(this), path, request = request_] {
+        const LoadedMap map = readMapFile(path);
+        QMetaObject::invokeMethod(
+            qApp,
+            [self, request, map] {
+                if (self)
+                    self->finish(request, map);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void FloorMap::loadNow(const QString& path) {
+    if (begin(path))
+        finish(request_, readMapFile(path));
+}
+
+void FloorMap::finish(std::uint64_t request, const LoadedMap& map) {
+    if (request != request_)
+        return;
+    loading_ = false;
+    if (map.picture || pathChanged_)
+        tiles_.setPicture(map.picture);
+    Q_EMIT changed();
+    if (!map.problem.isEmpty())
+        Q_EMIT failed(map.problem, map.missing);
+}
+
+} // namespace mirovane
