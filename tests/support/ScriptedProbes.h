@@ -55,6 +55,7 @@ public:
         changed_.notify_all();
         changed_.wait(lock, stop, [&] { return !hanging_.contains(target); });
         --hangingNow_;
+        changed_.notify_all();
         return !stop.stop_requested() && living_.contains(target);
     }
 
