@@ -1,5 +1,6 @@
 // Echo engine: lost replies, sweep speed against fping, many callers at once, silent hosts.
 
+#include "bench/support/PairedRounds.h"
 #include "probes/HostAddress.h"
 #include "probes/SystemHostProbes.h"
 #include "tests/support/OwnNetwork.h"
@@ -27,9 +28,8 @@ using namespace mirovane;
 namespace {
 
 using Addresses = std::vector<std::uint32_t>;
-using Seconds = std::chrono::duration<double>;
 
-constexpr int rounds = 9;
+constexpr std::size_t rounds = 9;
 
 /// `count` addresses from `first` on, without those that end in 0 or 255.
 Addresses addressesFrom(const char* first, std::size_t count) {
@@ -42,44 +42,12 @@ Addresses addressesFrom(const char* first, std::size_t count) {
     return addresses;
 }
 
-double secondsOf(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return Seconds(std::chrono::steady_clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),
-                     values.end());
-    return values[values.size() / 2];
-}
-
-void row(const std::string& what, const std::string& ours, const std::string& other, const std::string& ratio,
-         const std::string& goal) {
-    std::printf("%-64s | %12s | %12s | %8s | %s\n", what.c_str(), ours.c_str(), other.c_str(), ratio.c_str(),
-                goal.c_str());
+/// A row that counts what must not happen.
+void countRow(const char* name, const std::string& what, std::size_t count, std::size_t of,
+              std::size_t goal) {
+    std::printf("%-4s | %-44s | %12zu | %12zu | %7s | %7zu | %s\n", name, what.c_str(), count, of, "-", goal,
+                count == goal ? "ok" : "MISSED");
     std::fflush(stdout);
-}
-
-std::string text(double value, const char* format = "%.3f") {
-    char buffer[48];
-    std::snprintf(buffer, sizeof buffer, format, value);
-    return buffer;
-}
-
-/// Runs both sides in turn and prints the median times and the median of the ratios.
-void paired(const std::string& what, const std::function<double()>& ours,
-            const std::function<double()>& other, const std::string& goal) {
-    std::vector<double> our;
-    std::vector<double> their;
-    std::vector<double> ratios;
-    for (int i = 0; i < rounds; ++i) {
-        our.push_back(ours());
-        their.push_back(other());
-        ratios.push_back(our.back() / their.back());
-    }
-    row(what, text(median(our) * 1000) + " ms", text(median(their) * 1000) + " ms", text(median(ratios)),
-        goal);
 }
 
 /// Keeps `window` probes in flight until all addresses are done; returns how many answered.
@@ -118,7 +86,7 @@ void lostReplies(const std::string& what, const Addresses& addresses) {
         IcmpEngine engine;
         lost += addresses.size() - probeWindow(engine, addresses, 1000);
     }
-    row(what, std::to_string(lost), std::to_string(5 * addresses.size()), "-", "0 lost");
+    countRow("I1", what, lost, 5 * addresses.size(), 0);
 }
 
 void sweepAgainstFping(std::size_t count) {
@@ -132,23 +100,20 @@ void sweepAgainstFping(std::size_t count) {
     }
     const std::string command = "fping -q -i 0 -r 0 -t 500 < " + list.string() + " > /dev/null 2>&1";
     const auto ours = [&] {
-        return secondsOf([&] {
-            IcmpEngine engine;
-            if (const auto answered = sweep(engine, addresses, 500); answered != addresses.size()) {
-                std::printf("lost %zu replies of %zu\n", addresses.size() - answered, addresses.size());
-                std::exit(1);
-            }
-        });
+        IcmpEngine engine;
+        if (const auto answered = sweep(engine, addresses, 500); answered != addresses.size()) {
+            std::printf("lost %zu replies of %zu\n", addresses.size() - answered, addresses.size());
+            std::exit(1);
+        }
     };
     const auto other = [&] {
-        return secondsOf([&] {
-            if (const int status = std::system(command.c_str()); status != 0) {
-                std::printf("fping ended with status %d\n", status);
-            }
-        });
+        if (const int status = std::system(command.c_str()); status != 0) {
+            std::printf("fping ended with status %d\n", status);
+            std::exit(1);
+        }
     };
-    paired("I2 sweep of " + std::to_string(count) + " loopback addresses, fping -q -i 0 -r 0 -t 500", ours,
-           other, "<= 0.8");
+    bench::printRow("I2", "sweep of " + std::to_string(count) + " addresses, against fping",
+                    bench::measurePaired(ours, other, rounds), 0.8);
     std::filesystem::remove(list);
 }
 
@@ -162,7 +127,7 @@ std::size_t openSockets() {
 }
 
 struct CallersRun {
-    double seconds = 0;
+    double milliseconds = 0;
     std::size_t lost = 0;
     std::size_t sockets = 0;
 };
@@ -188,7 +153,7 @@ CallersRun callersRun(const Addresses& addresses, std::size_t callers) {
         });
     }
     CallersRun result;
-    result.seconds = secondsOf([&] {
+    result.milliseconds = bench::millisecondsOf([&] {
         ready.arrive_and_wait();
         while (answered == 0) {
             std::this_thread::yield();
@@ -208,31 +173,32 @@ void callersAtOnce(const Addresses& addresses) {
             const CallersRun run = callersRun(addresses, callers);
             lost += run.lost;
             sockets = std::max(sockets, run.sockets);
-            return run.seconds;
+            return run.milliseconds;
         };
     };
-    paired("I3 1,000 callers of PingHost, 5 ms round trip, 100 callers", with(1000), with(100), "<= 1.0");
-    row("I3 sockets open while 1,000 callers wait", std::to_string(sockets), "-", "-", "1");
-    row("I3 replies lost", std::to_string(lost), "-", "-", "0 lost");
+    bench::printRow("I3", "1,000 callers, 5 ms, against 100 callers",
+                    bench::measurePaired(with(1000), with(100), rounds), 1.0);
+    countRow("I3", "sockets while 1,000 callers wait", sockets, 1000, 1);
+    countRow("I3", "replies lost", lost, 2 * (rounds + 1) * addresses.size(), 0);
 }
 
 /// Every other host is silent.
 void halfSilent(const Addresses& addresses) {
     constexpr std::uint32_t timeoutMs = 1000;
-    std::vector<double> ratios;
+    const auto living = static_cast<std::size_t>(std::count_if(
+        addresses.begin(), addresses.end(), [](std::uint32_t a) { return (ntohl(a) & 1) == 0; }));
     std::size_t wrong = 0;
-    for (int i = 0; i < rounds; ++i) {
+    const auto ours = [&] {
         IcmpEngine engine;
-        std::size_t answered = 0;
-        ratios.push_back(secondsOf([&] { answered = sweep(engine, addresses, timeoutMs); }) * 1000 /
-                         timeoutMs);
-        const auto living = static_cast<std::size_t>(std::count_if(
-            addresses.begin(), addresses.end(), [](std::uint32_t a) { return (ntohl(a) & 1) == 0; }));
+        const std::size_t answered = sweep(engine, addresses, timeoutMs);
         wrong += living > answered ? living - answered : answered - living;
-    }
-    row("I5 " + std::to_string(addresses.size()) + " hosts, half silent, all in flight, time-out 1000 ms",
-        text(median(ratios) * timeoutMs) + " ms", "1000.000 ms", text(median(ratios)), "<= 1.05");
-    row("I5 wrong answers", std::to_string(wrong), "-", "-", "0");
+    };
+    const auto timeout = [] {
+        return static_cast<double>(timeoutMs);
+    };
+    bench::printRow("I5", "half of 4,094 silent, against the time-out",
+                    bench::measurePaired(ours, timeout, rounds), 1.05);
+    countRow("I5", "wrong answers", wrong, (rounds + 1) * addresses.size(), 0);
 }
 
 void answerAfter5ms(TunHosts& hosts, const TunHosts::Bytes& request) {
@@ -264,7 +230,7 @@ void overDelayedNetwork(int argc, char** argv) {
             return;
         }
         if (wanted(argc, argv, "I1")) {
-            lostReplies("I1 lost of 4,094 hosts, 1,000 in flight, 5 ms, five runs", addresses);
+            lostReplies("lost, 1,000 in flight, 5 ms, five runs", addresses);
         }
         if (wanted(argc, argv, "I3")) {
             callersAtOnce(addresses);
@@ -288,10 +254,9 @@ int main(int argc, char** argv) {
         }
         std::printf("%s\n", engine.socketKind().c_str());
     }
-    row("row", "ours", "other", "ratio", "goal");
+    bench::printHeader();
     if (wanted(argc, argv, "I1")) {
-        lostReplies("I1 lost of 4,094 loopback hosts, 1,000 in flight, five runs",
-                    addressesFrom("127.1.0.1", 4094));
+        lostReplies("lost, 1,000 in flight, loopback, five runs", addressesFrom("127.1.0.1", 4094));
     }
     if (wanted(argc, argv, "I2")) {
         sweepAgainstFping(4094);

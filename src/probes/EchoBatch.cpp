@@ -152,7 +152,9 @@ std::chrono::steady_clock::time_point IncomingEchoes::arrival(std::size_t index)
 
 bool prepareEchoSocket(int descriptor) {
     const int on = 1;
-    if (::setsockopt(descriptor, IPPROTO_IP, IP_RECVERR, &on, sizeof on) != 0 ||
+    const int mayFragment = IP_PMTUDISC_DONT; // no header flag is set on our requests
+    if (::setsockopt(descriptor, IPPROTO_IP, IP_MTU_DISCOVER, &mayFragment, sizeof mayFragment) != 0 ||
+        ::setsockopt(descriptor, IPPROTO_IP, IP_RECVERR, &on, sizeof on) != 0 ||
         ::setsockopt(descriptor, SOL_SOCKET, SO_TIMESTAMPNS, &on, sizeof on) != 0) {
         return false;
     }

@@ -31,6 +31,7 @@ public:
     const EchoSocket* socket() const { return socket_.get(); }
 
 private:
+    class Bulk;
     using Time = EchoTable::Time;
     struct Departure {
         ProbeId id = 0;
@@ -66,6 +67,7 @@ private:
     std::mutex receiving_; ///< one reader of the socket at a time; taken before mutex_
     std::vector<EchoArrival> arrivals_;
     std::atomic<std::size_t> sentSinceReceive_{0};
+    std::atomic<int> bulkSenders_{0};
 
     std::mutex mutex_; ///< guards what follows
     EchoTable table_;

@@ -45,6 +45,9 @@ TEST_P(EchoTest, RequestThatCantLeaveFailsAtOnce) {
 
 /// Hosts by the last part of their address. Whatever is not the right reply must not make a device On.
 void lie(TunHosts& hosts, const TunHosts::Bytes& request) {
+    EXPECT_EQ(request[1], 0) << "type of service";
+    EXPECT_EQ(request[6] | request[7], 0) << "flags";
+    EXPECT_EQ(TunHosts::ttlOf(request), 10);
     TunHosts::Bytes reply = TunHosts::replyTo(request);
     switch (TunHosts::lastPartOfTarget(request)) {
     case 2: // honest
