@@ -1,8 +1,9 @@
 #include "DeviceTable.h"
 
+#include "model/Dates.h"
+
+#include <algorithm>
 #include <charconv>
-#include <chrono>
-#include <cstdio>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -47,19 +48,10 @@ std::int32_t number(const Row& row, std::string_view column) {
 }
 
 DateTime dateTime(const std::string& text) {
-    int year = 0;
-    unsigned month = 0;
-    unsigned day = 0;
-    unsigned hour = 0;
-    unsigned minute = 0;
-    const int read = std::sscanf(text.c_str(), "%4d-%2u-%2u %2u:%2u", &year, &month, &day, &hour, &minute);
-    const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
-                                           std::chrono::day(day)};
-    if (read != 5 || !date.ok() || hour > 23 || minute > 59)
+    const std::optional<DateTime> value = dateTimeFromIso(text);
+    if (!value)
         throw BadCell("\"" + text + "\" in the column Reminder is not a date and time like 2026-01-12 09:30");
-    const std::chrono::sys_days epoch(std::chrono::year(1899) / 12 / 30);
-    const auto days = (std::chrono::sys_days(date) - epoch).count();
-    return {DateTime::valid, static_cast<double>(days) + (hour * 60 + minute) / 1440.0};
+    return *value;
 }
 
 std::string withLineBreaks(std::string text) {

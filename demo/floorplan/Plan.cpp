@@ -90,9 +90,9 @@ void addServiceRooms(std::vector<Item>& items) {
     for (const int x : {1216, 1262, 1308, 1354})
         items.push_back({Kind::Rack, {x, 796, 40, 44}});
     for (const int x : {1216, 1262, 1308, 1354})
-        items.push_back({Kind::Rack, {x, 920, 40, 44}});
-    items.push_back({Kind::Machine, {1206, 980, 90, 24}});
-    items.push_back({Kind::Machine, {1304, 980, 90, 24}});
+        items.push_back({Kind::Rack, {x, 908, 40, 44}});
+    items.push_back({Kind::Machine, {1206, 968, 90, 32}});
+    items.push_back({Kind::Machine, {1304, 968, 90, 32}});
 }
 
 void addSocialRooms(std::vector<Item>& items) {

@@ -161,9 +161,9 @@ TEST_F(DemoTest, HasRemindersLinesAndMarkedAreas) {
         lines += device->SlashDraw + device->BackslashDraw + device->HorzDraw + device->VertDraw;
         if (device->Type == DeviceType::LocationMarker) {
             ++areas;
-            EXPECT_GE(std::count(device->ToJack.begin(), device->ToJack.end(), ','), 8) << device->Name;
-            EXPECT_TRUE(device->ToJack.ends_with(',')) << device->Name;
-            EXPECT_NE(device->Comment.find("\r\n"), std::string::npos) << device->Name;
+            EXPECT_GE(std::count(device->ToJack.begin(), device->ToJack.end(), ','), 8) << device->Comment;
+            EXPECT_TRUE(device->ToJack.ends_with(',')) << device->Comment;
+            EXPECT_NE(device->Comment.find("\r\n"), std::string::npos) << device->Comment;
         }
     }
     EXPECT_EQ(due, 1);
