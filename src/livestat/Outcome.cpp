@@ -73,7 +73,7 @@ bool stillHolds(const StepInput& input, const CHardware& device, const CriteriaR
         const auto flag = criteriaDrawFlag(input.row);
         if (device.*field != then.*field || (flag && device.*flag != then.*flag))
             return false;
-        if (!conditionAllows(device, input.row, criteria))
+        if (conditionAllows(device, input.row, criteria) != conditionAllows(then, input.row, criteria))
             return false;
     }
     if (criteria.Command == Action::MatchToJack)

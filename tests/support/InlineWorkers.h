@@ -13,10 +13,9 @@ public:
         job();
         return true;
     }
-    void setLimit(std::size_t limit) override { this->limit = limit; }
+    void setLimit(std::size_t) override {}
     bool waitUntilIdle(std::chrono::milliseconds) override { return true; }
 
-    std::size_t limit = 0;
     bool exhausted = false; ///< the system gives no thread any more
 };
 

@@ -1,0 +1,302 @@
+#include "livestat/Scheduler.h"
+
+#include "tests/livestat/SchedulerFixture.h"
+
+namespace mirovane {
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class SchedulerTest : public test::SchedulerFixture {
+protected:
+    const CHardware& owner() const { return *doc.findSpecial(SpecialType::LiveStatOwnerRecord); }
+};
+
+TEST_F(SchedulerTest, ARunChecksAsManyDevicesAsThereAreSlotsAndSaysSo) {
+    addPrinters(10);
+    scheduler->toggle();
+    pass(2999);
+    EXPECT_TRUE(probes.pinged().empty());
+    run();
+    EXPECT_EQ(probes.pinged(), (Lines{"127.0.0.1", "127.0.0.2", "127.0.0.3"}));
+    EXPECT_EQ(logged(),
+              Lines{"Live Stat Priority 5: Processing 3 device(s). Looped 0 times. Last loop took 0 sec"});
+    EXPECT_EQ(scheduler->statusText(), "LIVE!:3");
+    for (int i = 0; i < 3; ++i)
+        run();
+    // The fourth run passes the end of the list: the loop took the three pauses and the slots before it.
+    EXPECT_EQ(
+        logged().back(),
+        "Live Stat Priority 4 or higher: Processing 3 device(s). Looped 1 times. Last loop took 12 sec");
+    EXPECT_EQ(probes.pinged().size(), 12U);
+}
+
+TEST_F(SchedulerTest, StateFollowsThePingAndTheRunPublishesOnce) {
+    addPrinters(3);
+    probes.answer("127.0.0.2");
+    scheduler->toggle();
+    const TimeStamp claimed = owner().Modified;
+    clock.advance(std::chrono::hours(1));
+    run();
+    EXPECT_EQ(device(1).State, DeviceState::Off);
+    EXPECT_EQ(device(2).State, DeviceState::On);
+    EXPECT_TRUE(doc.pendingChanges());
+    EXPECT_EQ(host.redraws, 1);
+    EXPECT_GE(owner().Modified, claimed + 3600);
+    EXPECT_EQ(host.saves, Lines{""}); // the claim; background changes wait for the periodic save
+
+    doc.setPendingChanges(false);
+    run(); // the same answers again
+    EXPECT_FALSE(doc.pendingChanges());
+    EXPECT_EQ(host.redraws, 1);
+
+    probes.answer("127.0.0.2", false);
+    run();
+    run();
+    EXPECT_EQ(device(2).State, DeviceState::Off);
+    EXPECT_EQ(host.redraws, 2);
+}
+
+TEST_F(SchedulerTest, ADeviceGoesThroughItsRowsOneStepARun) {
+    pool(1);
+    const std::int32_t computer = add(DeviceType::Computer, "127.0.0.9");
+    add(DeviceType::Printer, "127.0.0.1");
+    rule(DeviceType::Computer, 6, Action::SetValue, "seen at $mvI", "On");
+    rule(DeviceType::Computer, 11, Action::SetValue, "call", "Off");
+    probes.answer("127.0.0.9");
+    scheduler->toggle();
+    run();
+    EXPECT_EQ(device(computer).State, DeviceState::On);
+    EXPECT_EQ(device(computer).Comment, "");
+    run(); // row 2, the name look-up
+    run();
+    EXPECT_EQ(device(computer).Comment, "seen at 127.0.0.9");
+    EXPECT_TRUE(scheduler->holdsDevice(computer));
+    run(); // row 11 is for devices that are Off, but takes its step
+    EXPECT_EQ(device(computer).ToDo, "");
+    EXPECT_EQ(probes.pinged().size(), 1U);
+    run();
+    EXPECT_FALSE(scheduler->holdsDevice(computer));
+    EXPECT_EQ(probes.pinged().back(), "127.0.0.1");
+}
+
+TEST_F(SchedulerTest, TextThatTheUserKeepsIsNeverWritten) {
+    const std::int32_t printer = add(DeviceType::Printer, "127.0.0.1");
+    rule(DeviceType::Printer, 6, Action::SetValue, "overwritten");
+    doc.edit(device(printer), [](CHardware& held) { held.Comment = "mine >>"; });
+    scheduler->toggle();
+    for (int i = 0; i < 5; ++i)
+        run();
+    EXPECT_EQ(device(printer).Comment, "mine >>");
+    EXPECT_GT(probes.pinged().size(), 3U); // and its row costs no run
+}
+
+TEST_F(SchedulerTest, AJackFollowsTheDeviceThatIsPluggedIn) {
+    const std::int32_t jack = add(DeviceType::Jack);
+    const std::int32_t printer = add(DeviceType::Printer, "127.0.0.1");
+    doc.edit(device(jack), [](CHardware& held) { held.ToJack = "A-17"; });
+    doc.edit(device(printer), [](CHardware& held) { held.ToJack = "A-17"; });
+    probes.answer("127.0.0.1");
+    scheduler->toggle();
+    for (int i = 0; i < 3; ++i)
+        run();
+    EXPECT_EQ(device(jack).State, DeviceState::On);
+    probes.answer("127.0.0.1", false);
+    for (int i = 0; i < 3; ++i)
+        run();
+    EXPECT_EQ(device(jack).State, DeviceState::Off);
+    doc.edit(device(printer), [](CHardware& held) { held.ToJack = "A-18"; });
+    for (int i = 0; i < 3; ++i)
+        run();
+    EXPECT_EQ(device(jack).State, DeviceState::Def);
+}
+
+TEST_F(SchedulerTest, RowsOfMissingActionsAreSkippedAndNamedOnce) {
+    const std::int32_t printer = add(DeviceType::Printer, "127.0.0.1");
+    const std::int32_t ups = add(DeviceType::Ups, "127.0.0.2");
+    rule(DeviceType::Ups, 0, Action::SnmpGet, "$mvI public 1.3", "On");
+    rule(DeviceType::Printer, 6, Action::SnmpGet, "$mvI public 1.3");
+    scheduler->toggle();
+    for (int i = 0; i < 6; ++i)
+        run();
+    EXPECT_EQ(device(ups).State, DeviceState::Def);
+    EXPECT_EQ(device(printer).Comment, "");
+    const Lines lines = logged();
+    const auto linesWith = [&lines](const std::string& part) {
+        return std::count_if(lines.begin(), lines.end(), [&part](const std::string& line) {
+            return line.find(part) != std::string::npos;
+        });
+    };
+    EXPECT_EQ(linesWith("\"SNMPGet\" is not available in this version yet"), 1);
+    EXPECT_GT(linesWith("Processing 1 device(s)."), 2); // the printer; the UPS has nothing to check
+    EXPECT_EQ(linesWith("Processing 2 device(s)."), 0);
+}
+
+TEST_F(SchedulerTest, LiveStatNowWithLiveStatOffChecksTheSelectionAndEnds) {
+    addPrinters(5, 1);
+    probes.answer("127.0.0.4");
+    scheduler->performNow();
+    EXPECT_FALSE(scheduler->nowActive()); // nothing is selected
+    select(2);
+    select(4);
+    const std::int32_t marker = add(DeviceType::LocationMarker);
+    select(marker);
+    scheduler->performNow();
+    EXPECT_EQ(logged(), Lines{"Processing Live Stat Now on 3 selected object(s)..."});
+    EXPECT_EQ(device(4).LSNowMark, 1);
+    run();
+    EXPECT_EQ(probes.pinged(), (Lines{"127.0.0.2", "127.0.0.4"}));
+    EXPECT_EQ(logged(), Lines{"Live Stat Now: Processing 2 device(s)."});
+    EXPECT_EQ(host.saves, Lines{"Live Stat "});
+    run();
+    EXPECT_EQ(logged(), Lines{"Done processing selected object(s) [LS Now]"});
+    EXPECT_FALSE(scheduler->nowActive());
+    EXPECT_EQ(device(2).State, DeviceState::Off);
+    EXPECT_EQ(device(4).State, DeviceState::On);
+    EXPECT_EQ(device(4).LSNowMark + device(marker).LSNowMark, 0);
+    pass(60'000);
+    EXPECT_EQ(probes.pinged().size(), 2U);
+    EXPECT_EQ(scheduler->statusText(), "");
+}
+
+TEST_F(SchedulerTest, LiveStatNowGoesFirstAndThenTheLoopsGoOn) {
+    pool(2);
+    addPrinters(4);
+    add(DeviceType::Printer, "127.0.0.50", 1);
+    scheduler->toggle();
+    run();
+    select(5);
+    scheduler->performNow();
+    EXPECT_EQ(scheduler->statusText(), "LIVE!:1");
+    logged();
+    run();
+    // Slots 1 and 2 give their devices up; the first takes the marked one, the second finds no other.
+    EXPECT_EQ(probes.pinged(), (Lines{"127.0.0.1", "127.0.0.2", "127.0.0.50"}));
+    EXPECT_EQ(logged(),
+              (Lines{"Done processing selected object(s) [LS Now]",
+                     "Live Stat Priority 5: Processing 1 device(s). Looped 0 times. Last loop took 0 sec"}));
+    EXPECT_EQ(scheduler->loops(), 0);
+    run();
+    EXPECT_EQ(probes.pinged().size(), 5U);
+    EXPECT_EQ(device(5).LSNowMark, 0);
+}
+
+TEST_F(SchedulerTest, DisablingWaitsForLiveStatNow) {
+    pool(1);
+    addPrinters(2);
+    scheduler->toggle();
+    run();
+    select(2);
+    scheduler->performNow();
+    scheduler->toggle();
+    logged();
+    run();
+    run();
+    pass(300);
+    EXPECT_EQ(logged(), (Lines{"Live Stat Now: Processing 1 device(s).",
+                               "Done processing selected object(s) [LS Now]", "Live Stat disabled"}));
+    EXPECT_EQ(owner().State, 0);
+}
+
+TEST_F(SchedulerTest, OwnershipIsClaimedAskedForAndReleased) {
+    scheduler->toggle();
+    EXPECT_FALSE(scheduler->enabled()); // no device
+    addPrinters(1);
+    doc.edit(owner(), [](CHardware& record) {
+        record.State = 1;
+        record.Name = "A-HOST";
+        record.Username = "a-user";
+    });
+    scheduler->toggle();
+    EXPECT_FALSE(scheduler->enabled());
+    EXPECT_EQ(owner().Name, "A-HOST");
+    EXPECT_EQ(
+        host.questions,
+        Lines{"Live stat is enabled by A-HOST\\a-user. Do you want to continue to enable Live stat? Doing so "
+              "will prompt the other user to disable Live stat."});
+    pass(10'000);
+    EXPECT_TRUE(probes.pinged().empty());
+
+    host.answer = true;
+    scheduler->toggle();
+    EXPECT_TRUE(scheduler->enabled());
+    EXPECT_EQ(owner().Name + "\\" + owner().Username, "host\\user");
+    EXPECT_EQ(owner().State, 1);
+    EXPECT_EQ(host.saves.size(), 1U);
+
+    clock.advance(std::chrono::hours(1));
+    scheduler->toggle();
+    EXPECT_TRUE(scheduler->disabling());
+    pass(300);
+    EXPECT_EQ(logged(), (Lines{"Live Stat is being disabled, please wait...", "Live Stat disabled"}));
+    EXPECT_EQ(owner().State, 0);
+    EXPECT_EQ(owner().Name + owner().Username, "");
+    EXPECT_EQ(owner().Modified, doc.now());
+    EXPECT_EQ(host.saves.size(), 2U);
+}
+
+TEST_F(SchedulerTest, WithoutATimerNothingIsClaimed) {
+    addPrinters(1);
+    select(1);
+    timers.exhaust();
+    scheduler->toggle();
+    scheduler->performNow();
+    EXPECT_EQ(host.failures, (Lines{"System is out of timer resource!", "System is out of timer resource!"}));
+    EXPECT_FALSE(scheduler->enabled() || scheduler->nowActive());
+    EXPECT_EQ(owner().State, 0);
+    EXPECT_TRUE(host.saves.empty());
+}
+
+TEST_F(SchedulerTest, WithoutAThreadTheStepIsTriedAgain) {
+    addPrinters(1);
+    inlineWorkers.exhausted = true;
+    scheduler->toggle();
+    run();
+    run();
+    EXPECT_EQ(device(1).State, DeviceState::Def);
+    inlineWorkers.exhausted = false;
+    run();
+    EXPECT_EQ(device(1).State, DeviceState::Off);
+}
+
+TEST_F(SchedulerTest, SaysWhyNoEchoCanBeSent) {
+    addPrinters(1);
+    probes.refuseEchoes("no permission; run setcap");
+    scheduler->toggle();
+    EXPECT_EQ(logged(), Lines{"no permission; run setcap"});
+}
+
+TEST_F(SchedulerTest, TheEmptiedListRestsAndTrackingBringsDevicesIntoView) {
+    scheduler->toggleTracking();
+    EXPECT_EQ(host.failures, Lines{"Live stat must be enabled first."});
+    addPrinters(2);
+    scheduler->toggle();
+    scheduler->toggleTracking();
+    run();
+    EXPECT_EQ(host.tracked, (std::vector<std::int32_t>{1, 2}));
+    scheduler->endTracking();
+    const std::vector<std::int32_t> all{1, 2};
+    doc.removeDevices(all);
+    scheduler->rebind();
+    logged();
+    run();
+    run();
+    EXPECT_EQ(logged(), Lines{});
+    EXPECT_FALSE(scheduler->holdsDevice(1));
+}
+
+TEST_F(SchedulerTest, HoldsStillWhileTheStationEdits) {
+    addPrinters(3);
+    scheduler->toggle();
+    host.still = true;
+    pass(60'000);
+    EXPECT_TRUE(probes.pinged().empty());
+    host.still = false;
+    run();
+    EXPECT_EQ(probes.pinged().size(), 3U);
+}
+
+} // namespace
+
+} // namespace mirovane
