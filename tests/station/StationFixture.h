@@ -1,0 +1,104 @@
+#pragma once
+
+#include "platform/PosixFiles.h"
+#include "station/Station.h"
+#include "tests/support/FakeTime.h"
+#include "tests/support/InlineWorkers.h"
+#include "tests/support/ScriptedProbes.h"
+#include "tests/support/TestFolder.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace mirovane::test {
+
+using Lines = std::vector<std::string>;
+
+class ScriptedDialogs final : public StationDialogs {
+public:
+    bool ask(const std::string& question) override {
+        questions.push_back(question);
+        if (whileAsking)
+            whileAsking();
+        return answer;
+    }
+    void fail(const std::string& text) override { failures.push_back(text); }
+
+    bool answer = false;
+    std::function<void()> whileAsking;
+    Lines questions, failures;
+};
+
+/// One station with a user, a clock and settings of its own.
+class Site {
+public:
+    Site(FakeClock& clock, FakeTimers& timers, const StationIdentity& identity, bool autoStart,
+         Workers* other = nullptr)
+        : log(clock) {
+        settings.initialise();
+        station =
+            std::make_unique<CStation>(StationServices{files, clock, timers, settings, log, dialogs, probes,
+                                                       identity, autoStart, other ? other : &workers});
+    }
+
+    CMirovaneDoc& doc() { return station->document(); }
+    CLiveStatScheduler& liveStat() { return station->liveStat(); }
+    const CHardware& owner() { return *doc().findSpecial(SpecialType::LiveStatOwnerRecord); }
+    const CHardware& device(std::int32_t recID) { return *doc().findDevice(recID); }
+
+    /// The log's lines since the last call, without their dates.
+    Lines logged() {
+        Lines lines;
+        for (; seen < log.lines().size(); ++seen) {
+            const std::string& line = log.lines()[seen];
+            lines.push_back(line.substr(line.find(" - ") + 3));
+        }
+        return lines;
+    }
+
+    PosixFiles files;
+    CMessageLog log;
+    MemorySettingsStore store;
+    CSettings settings{store};
+    ScriptedDialogs dialogs;
+    ScriptedProbes probes;
+    InlineWorkers workers;
+    std::unique_ptr<CStation> station;
+    std::size_t seen = 0;
+};
+
+/// Two stations, A and B, and a datafile on disk with three printers.
+class StationFixture : public testing::Test {
+protected:
+    StationFixture() {
+        Site maker(clock, timers, {"maker", "m"}, false);
+        maker.station->newDatafile();
+        for (int i = 1; i <= 3; ++i)
+            maker.doc().addDevice(DeviceType::Printer, [i](CHardware& device) {
+                device.IPAddress = "127.0.0." + std::to_string(i);
+                device.Priority = 5;
+            });
+        maker.station->saveDatafileAs(path);
+    }
+
+    Site& open(Site& site) {
+        EXPECT_FALSE(site.station->openDatafile(path));
+        site.logged();
+        return site;
+    }
+    void pass(int milliseconds) { timers.advance(std::chrono::milliseconds(milliseconds)); }
+    void rename(Site& site, std::int32_t recID, const std::string& name) {
+        site.doc().editByUser(site.device(recID), [&name](CHardware& device) { device.Name = name; });
+    }
+
+    TestFolder folder;
+    std::string path = folder.file("floor.mv");
+    FakeClock clock;
+    FakeTimers timers{clock};
+    Site a{clock, timers, {"A-HOST", "a-user"}, false};
+    Site b{clock, timers, {"B-HOST", "b-user"}, false};
+};
+
+} // namespace mirovane::test

@@ -1,0 +1,138 @@
+#include "tests/station/StationFixture.h"
+
+namespace mirovane {
+
+namespace {
+
+using test::Lines;
+
+class StationWatchTest : public test::StationFixture {};
+
+TEST_F(StationWatchTest, TheOtherStationReloadsAndKeepsItsSelection) {
+    open(a);
+    open(b);
+    b.doc().setSelected(b.device(2), true);
+    b.doc().setLSNowMark(b.device(3), true);
+    int redraws = 0;
+    b.station->onRedraw = [&redraws] {
+        ++redraws;
+    };
+    rename(a, 2, "renamed");
+    EXPECT_FALSE(a.station->saveDatafile());
+    pass(3000);
+    EXPECT_EQ(b.logged(), (Lines{"Loading from data file, please wait...", "Loaded from data file"}));
+    EXPECT_EQ(b.device(2).Name, "renamed");
+    EXPECT_EQ(b.device(2).Selected + b.device(2).ShowAll, 2);
+    EXPECT_EQ(b.device(3).LSNowMark, 1);
+    EXPECT_EQ(b.device(1).Selected + b.device(3).Selected, 0);
+    EXPECT_EQ(b.doc().knownIdentity(), a.doc().knownIdentity());
+    EXPECT_EQ(redraws, 1);
+    pass(30'000);
+    EXPECT_EQ(b.logged(), Lines{});
+    EXPECT_EQ(a.logged(), Lines{"Saved changes to data file"}); // its own save makes it reload nothing
+}
+
+TEST_F(StationWatchTest, BackgroundChangesAreSavedAtTheSixthTick) {
+    open(a);
+    const std::string before = test::readBytes(path);
+    pass(60'000);
+    EXPECT_EQ(a.logged(), Lines{}); // nothing changed
+    open(a);
+    a.doc().setPendingChanges(true);
+    pass(5 * 3000);
+    EXPECT_EQ(a.logged(), Lines{});
+    pass(3000);
+    EXPECT_EQ(a.logged(), Lines{"Saved Live Stat changes to data file"});
+    EXPECT_FALSE(a.doc().pendingChanges());
+    EXPECT_EQ(test::readBytes(path), before);
+}
+
+TEST_F(StationWatchTest, AnUpgradeIsSavedAtTheNextTickUnderItsOwnName) {
+    test::writeBytes(path, test::readBytes(std::string(MIROVANE_SOURCE_DIR) + "/tests/golden/floor-2004.mv"));
+    open(a);
+    pass(2999);
+    EXPECT_EQ(a.logged(), Lines{});
+    pass(1);
+    EXPECT_EQ(a.logged(), Lines{"Saved updated datafile version 2004 to 2008 changes to data file"});
+    pass(60'000);
+    EXPECT_EQ(a.logged(), Lines{});
+}
+
+TEST_F(StationWatchTest, AVanishedFileIsReportedAtEveryTick) {
+    open(a);
+    std::filesystem::rename(path, path + ".away");
+    a.doc().setPendingChanges(true);
+    pass(6000);
+    const Lines twice{"Error reading/loading from datafile!", "Error writing to datafile!",
+                      "Error reading/loading from datafile!", "Error writing to datafile!"};
+    EXPECT_EQ(a.logged(), twice);
+    std::filesystem::rename(path + ".away", path);
+    pass(18'000);
+    EXPECT_EQ(a.logged(), Lines{"Saved Live Stat changes to data file"});
+}
+
+TEST_F(StationWatchTest, AnUnreadableFileIsNeverWrittenOver) {
+    open(a);
+    rename(a, 1, "in memory");
+    const std::string whole = test::readBytes(path);
+    test::writeBytes(path, whole.substr(0, whole.size() / 2));
+    a.doc().setPendingChanges(true);
+    pass(60'000);
+    Lines lines = a.logged();
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0], "Loading from data file, please wait...");
+    EXPECT_EQ(lines[2].substr(0, 36), "Error reading/loading from datafile!");
+    EXPECT_TRUE(a.station->saveDatafile());
+    EXPECT_EQ(a.device(1).Name, "in memory");
+    EXPECT_EQ(test::readBytes(path), whole.substr(0, whole.size() / 2));
+    a.logged();
+
+    test::writeBytes(path, whole);
+    pass(3000);
+    // What waited for a save before the reload writes the records back that were read now.
+    EXPECT_EQ(a.logged(), (Lines{"Loaded from data file", "Saved Live Stat changes to data file"}));
+    EXPECT_EQ(a.device(1).Name, "");
+    EXPECT_EQ(test::readBytes(path), whole);
+}
+
+TEST_F(StationWatchTest, ASaveNeverGoesOverAnotherStationsFile) {
+    open(a);
+    open(b);
+    rename(a, 1, "by a");
+    a.station->saveDatafile();
+    rename(b, 2, "by b");
+    const auto error = b.station->saveDatafile(); // before the watch noticed
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->kind, FileError::Kind::Changed);
+    EXPECT_EQ(b.device(1).Name, "by a");
+    EXPECT_EQ(b.logged().back(), "Loaded from data file");
+    rename(b, 2, "by b");
+    EXPECT_FALSE(b.station->saveDatafile());
+    pass(3000);
+    EXPECT_EQ(a.device(1).Name + a.device(2).Name, "by aby b");
+}
+
+TEST_F(StationWatchTest, NothingTicksWhileAQuestionIsOpen) {
+    open(a);
+    open(b);
+    a.station->toggleLiveStat();
+    pass(3000);
+    a.dialogs.whileAsking = [this] {
+        rename(b, 1, "meanwhile");
+        b.station->saveDatafile();
+        const auto pings = a.probes.pinged().size();
+        pass(60'000);
+        EXPECT_EQ(a.device(1).Name, "");
+        EXPECT_EQ(a.probes.pinged().size(), pings);
+    };
+    b.dialogs.answer = true;
+    b.station->toggleLiveStat();
+    pass(3000);
+    EXPECT_EQ(a.dialogs.questions.size(), 1U);
+    pass(3000);
+    EXPECT_EQ(a.device(1).Name, "meanwhile");
+}
+
+} // namespace
+
+} // namespace mirovane
