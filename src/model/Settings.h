@@ -94,6 +94,8 @@ struct DisplaySettings {
     void readAtOpen(const CSettings& settings);
 
     bool typeVisible(std::int32_t type) const;
+
+    bool operator==(const DisplaySettings&) const = default;
 };
 
 /// A toggle of DisplaySettings by its settings name; null for any other name.

@@ -66,7 +66,8 @@ QSize statedBitmapSize(const QString& path) {
 
 QString stampOf(const QString& path) {
     const QFileInfo info(path);
-    return QStringLiteral("%1 %2").arg(info.lastModified().toMSecsSinceEpoch()).arg(info.size());
+    const qint64 modified = info.exists() ? info.lastModified().toMSecsSinceEpoch() : 0;
+    return QStringLiteral("%1 %2 %3").arg(modified).arg(info.size()).arg(path);
 }
 
 QString lastPart(const QString& path) {
@@ -74,27 +75,31 @@ QString lastPart(const QString& path) {
     return path.mid(separator + 1);
 }
 
-} // namespace
-
-LoadedMap readMapFile(const QString& path) {
-    if (!QFileInfo::exists(path))
-        return {nullptr, true, QStringLiteral("Floor map file %1 does not exist!").arg(path)};
+LoadedMap readPicture(const QString& path) {
+    LoadedMap map;
+    if (!QFileInfo::exists(path)) {
+        map.missing = true;
+        map.problem = QStringLiteral("Floor map file %1 does not exist!").arg(path);
+        return map;
+    }
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
     const QSize stated = reader.size();
     const QSize size = stated.isValid() ? stated : statedBitmapSize(path);
     if (size.isValid()) {
-        const QString problem = sizeProblem(path, size, reader.imageFormat());
-        if (!problem.isEmpty())
-            return {nullptr, false, problem};
+        map.problem = sizeProblem(path, size, reader.imageFormat());
+        if (!map.problem.isEmpty())
+            return map;
     }
     QImage bitmap = reader.read();
-    if (bitmap.isNull()) {
-        const QString why = reader.errorString();
-        return {nullptr, false, QStringLiteral("Floor map file %1 cannot be shown: %2").arg(path, why)};
-    }
-    return {std::make_shared<const MapPicture>(std::move(bitmap)), false, QString()};
+    if (bitmap.isNull())
+        map.problem = QStringLiteral("Floor map file %1 cannot be shown: %2").arg(path, reader.errorString());
+    else
+        map.picture = std::make_shared<const MapPicture>(std::move(bitmap));
+    return map;
 }
+
+} // namespace
 
 QString locateMap(const QString& named, const QString& datafile) {
     if (named.isEmpty())
@@ -111,48 +116,63 @@ QString locateMap(const QString& named, const QString& datafile) {
     return !datafile.isEmpty() && !name.isEmpty() && QFileInfo(neighbour).isFile() ? neighbour : named;
 }
 
-bool FloorMap::begin(const QString& path) {
+LoadedMap readMap(const MapRequest& request) {
+    const QString path = locateMap(request.named, request.datafile);
     const QString stamp = stampOf(path);
-    if (path == path_ && stamp == stamp_ && (loading_ || tiles_.picture() || path.isEmpty()))
-        return false;
-    pathChanged_ = path != path_;
-    path_ = path;
-    stamp_ = stamp;
-    ++request_;
-    loading_ = !path.isEmpty();
-    if (loading_)
-        QImageReader::setAllocationLimit(static_cast<int>(largestMapBytes >> 20));
+    LoadedMap map;
+    if (stamp == request.known)
+        map.unchanged = true;
     else
-        finish(request_, {});
-    return loading_;
+        map = readPicture(path);
+    map.stamp = stamp;
+    return map;
 }
 
-void FloorMap::load(const QString& path) {
-    if (!begin(path))
+/// Nothing when no map is to be shown.
+std::optional<MapRequest> FloorMap::begin(const QString& named, const QString& datafile, bool again) {
+    named_ = named;
+    ++number_;
+    loading_ = !named.isEmpty();
+    if (!loading_) {
+        finish(number_, {});
+        return std::nullopt;
+    }
+    QImageReader::setAllocationLimit(static_cast<int>(largestMapBytes >> 20));
+    return MapRequest{named, datafile, again && !tiles_.picture() ? QString() : stamp_};
+}
+
+void FloorMap::load(const QString& named, const QString& datafile, bool again) {
+    const auto request = begin(named, datafile, again);
+    if (!request)
         return;
-    QThreadPool::globalInstance()->start([self = QPointer<FloorMap>(this), path, request = request_] {
-        const LoadedMap map = readMapFile(path);
-        QMetaObject::invokeMethod(
-            qApp,
-            [self, request, map] {
-                if (self)
-                    self->finish(request, map);
-            },
-            Qt::QueuedConnection);
-    });
+    QThreadPool::globalInstance()->start(
+        [self = QPointer<FloorMap>(this), request = *request, number = number_] {
+            const LoadedMap map = readMap(request);
+            QMetaObject::invokeMethod(
+                qApp,
+                [self, number, map] {
+                    if (self)
+                        self->finish(number, map);
+                },
+                Qt::QueuedConnection);
+        });
 }
 
-void FloorMap::loadNow(const QString& path) {
-    if (begin(path))
-        finish(request_, readMapFile(path));
+void FloorMap::loadNow(const QString& named, const QString& datafile) {
+    if (const auto request = begin(named, datafile, false))
+        finish(number_, readMap(*request));
 }
 
-void FloorMap::finish(std::uint64_t request, const LoadedMap& map) {
-    if (request != request_)
+void FloorMap::finish(std::uint64_t number, const LoadedMap& map) {
+    if (number != number_)
         return;
     loading_ = false;
-    if (map.picture || pathChanged_)
+    if (map.unchanged)
+        return;
+    stamp_ = map.stamp;
+    if (map.picture || named_ != shown_)
         tiles_.setPicture(map.picture);
+    shown_ = named_;
     Q_EMIT changed();
     if (!map.problem.isEmpty())
         Q_EMIT failed(map.problem, map.missing);

@@ -8,19 +8,29 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace mirovane {
+
+/// Which map is to be read.
+struct MapRequest {
+    QString named;    ///< as the datafile names it
+    QString datafile; ///< where that stands; may be empty
+    QString known;    ///< stamp of the file that was read last
+};
 
 /// A picture read from a file, or why it could not be.
 struct LoadedMap {
     std::shared_ptr<const MapPicture> picture;
+    QString stamp;          ///< tells the file from others and from its other versions
+    bool unchanged = false; ///< the file is the one known: nothing was read
     bool missing = false;
     QString problem; ///< a complete sentence for the user; empty when the picture is there
 };
 
-/// Any thread. Never takes more memory than `largestMapBytes` for the bitmap: a larger one is refused with
-/// its size.
-LoadedMap readMapFile(const QString& path);
+/// Any thread; may wait for a slow share. Never takes more memory than `largestMapBytes` for the bitmap: a
+/// larger one is refused with its size.
+LoadedMap readMap(const MapRequest& request);
 
 constexpr qsizetype largestMapBytes = qsizetype{512} << 20;
 
@@ -37,15 +47,14 @@ class FloorMap : public QObject {
 public:
     explicit FloorMap(QObject* parent = nullptr) : QObject(parent) {}
 
-    /// Shows the map at `path`; an empty path shows none. The map shown before stays until the new one is
-    /// there; when it cannot be read and `path` is another than before, none is shown. Naming the file that
-    /// is already shown, unchanged on disk, does nothing.
-    void load(const QString& path);
+    /// Shows the map that a datafile names; an empty name shows none. The map shown before stays until the
+    /// new one is there; when that cannot be read and is named otherwise than before, none is shown. A file
+    /// that is the one read last does nothing, unless `again` asks for its problem to be told once more.
+    void load(const QString& named, const QString& datafile, bool again = false);
 
     /// The same, at once: for pictures that are drawn once.
-    void loadNow(const QString& path);
+    void loadNow(const QString& named, const QString& datafile = {});
 
-    const QString& path() const { return path_; }
     QSize size() const { return tiles_.picture() ? tiles_.picture()->size() : QSize(0, 0); }
     bool loading() const { return loading_; }
     MapTiles& tiles() { return tiles_; }
@@ -58,15 +67,15 @@ Q_SIGNALS:
     void failed(const QString& sentence, bool missing);
 
 private:
-    bool begin(const QString& path);
-    void finish(std::uint64_t request, const LoadedMap& map);
+    std::optional<MapRequest> begin(const QString& named, const QString& datafile, bool again);
+    void finish(std::uint64_t number, const LoadedMap& map);
 
     MapTiles tiles_;
-    QString path_;
+    QString named_;
     QString stamp_;
-    bool pathChanged_ = false;
+    QString shown_; ///< the name whose picture is shown
     bool loading_ = false;
-    std::uint64_t request_ = 0;
+    std::uint64_t number_ = 0;
 };
 
 } // namespace mirovane

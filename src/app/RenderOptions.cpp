@@ -1,0 +1,170 @@
+#include "app/RenderOptions.h"
+
+#include "model/Settings.h"
+#include "ui/floor/FloorGeometry.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+#include <climits>
+
+namespace mirovane {
+
+namespace {
+
+struct OptionText {
+    const char* name;
+    const char* value;
+};
+
+constexpr OptionText optionTexts[] = {
+    {"render", "OUT.png"}, {"size", "WxH"},         {"zoom", "PERCENT"}, {"devices-zoom", "PERCENT"},
+    {"scroll", "X,Y"},     {"select", "RECID,..."}, {"hover", "RECID"},  {"show", "LABEL,..."}};
+
+/// Thrown within this file only: the first thing wrong ends the reading of the arguments.
+struct BadArgument {
+    QString sentence;
+};
+
+[[noreturn]] void refuse(const QString& option, const QString& value, const QString& expected) {
+    throw BadArgument{QStringLiteral("--%1 %2: expected %3").arg(option, value, expected)};
+}
+
+int integer(const QString& text, int least, int most, const QString& option, const QString& expected) {
+    bool ok = false;
+    const int value = text.toInt(&ok);
+    if (!ok || value < least || value > most)
+        refuse(option, text, expected);
+    return value;
+}
+
+QSize sizeOf(const QString& text) {
+    const QString expected = QStringLiteral("width and height in pixels, such as 1920x1080, at most %1 each")
+                                 .arg(largestRenderSide);
+    const QStringList parts = text.split(u'x', Qt::KeepEmptyParts, Qt::CaseInsensitive);
+    if (parts.size() != 2)
+        refuse(QStringLiteral("size"), text, expected);
+    const QSize size(integer(parts[0], 1, largestRenderSide, QStringLiteral("size"), expected),
+                     integer(parts[1], 1, largestRenderSide, QStringLiteral("size"), expected));
+    if (qint64{size.width()} * size.height() > mostRenderPixels)
+        refuse(QStringLiteral("size"), text,
+               QStringLiteral("at most %1 million pixels").arg(mostRenderPixels / 1000000));
+    return size;
+}
+
+QPoint scrollOf(const QString& text) {
+    const QString expected = QStringLiteral("two whole numbers from 0 up, such as 300,200");
+    const QStringList parts = text.split(u',');
+    if (parts.size() != 2)
+        refuse(QStringLiteral("scroll"), text, expected);
+    return {integer(parts[0], 0, coordinateLimit, QStringLiteral("scroll"), expected),
+            integer(parts[1], 0, coordinateLimit, QStringLiteral("scroll"), expected)};
+}
+
+std::vector<std::int32_t> recordIDs(const QString& text, const QString& option) {
+    std::vector<std::int32_t> ids;
+    for (const QString& part : text.split(u','))
+        ids.push_back(integer(part, INT_MIN, INT_MAX, option,
+                              QStringLiteral("record IDs with commas between, such as 3,17")));
+    return ids;
+}
+
+std::vector<std::string> labelNames(const QString& text) {
+    std::vector<std::string> names;
+    for (const QString& part : text.split(u',')) {
+        const std::string name = part.toStdString();
+        if (!displayToggle(name))
+            refuse(QStringLiteral("show"), part,
+                   QStringLiteral("names of display settings, such as PropertiesIPAddress (see --help)"));
+        names.push_back(name);
+    }
+    return names;
+}
+
+void readValues(const QCommandLineParser& parser, RenderOptions& options) {
+    const auto given = [&parser](const char* name) {
+        return parser.isSet(QString::fromLatin1(name));
+    };
+    const auto value = [&parser](const char* name) {
+        return parser.value(QString::fromLatin1(name));
+    };
+    const auto percent = [&](const char* name) {
+        return integer(value(name), smallestZoom, largestZoom, QString::fromLatin1(name),
+                       QStringLiteral("a percentage from %1 to %2").arg(smallestZoom).arg(largestZoom));
+    };
+    if (given("size"))
+        options.size = sizeOf(value("size"));
+    if (given("zoom"))
+        options.ZoomPercent = percent("zoom");
+    if (given("devices-zoom"))
+        options.ZoomDevicesPercent = percent("devices-zoom");
+    if (given("scroll"))
+        options.scroll = scrollOf(value("scroll"));
+    if (given("select"))
+        options.selected = recordIDs(value("select"), QStringLiteral("select"));
+    if (given("hover"))
+        options.hovered = recordIDs(value("hover"), QStringLiteral("hover")).front();
+    if (given("show"))
+        options.shown = labelNames(value("show"));
+}
+
+void readFiles(const QCommandLineParser& parser, RenderOptions& options) {
+    options.output = parser.value(QStringLiteral("render"));
+    const QStringList files = parser.positionalArguments();
+    if (options.output.isEmpty())
+        throw BadArgument{QStringLiteral("--render needs the name of the picture to write")};
+    if (files.isEmpty())
+        throw BadArgument{QStringLiteral("no datafile was named")};
+    if (files.size() > 1)
+        throw BadArgument{QStringLiteral("unexpected argument \"%1\"").arg(files[1])};
+    options.datafile = files[0];
+}
+
+} // namespace
+
+Result<RenderOptions, QString> parseRenderOptions(const QStringList& arguments) {
+    RenderOptions options;
+    options.help = arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"));
+    if (options.help)
+        return options;
+    QCommandLineParser parser;
+    for (const OptionText& option : optionTexts)
+        parser.addOption({QString::fromLatin1(option.name), QString(), QString::fromLatin1(option.value)});
+    if (!parser.parse(QStringList{QStringLiteral("mirovane")} + arguments))
+        return parser.errorText();
+    try {
+        readFiles(parser, options);
+        readValues(parser, options);
+    } catch (const BadArgument& bad) {
+        return bad.sentence;
+    }
+    return options;
+}
+
+QString renderUsage() {
+    return QStringLiteral(
+        R"(Usage: mirovane --render OUT.png DATAFILE [options]
+
+Draws one frame of the floor as the window would show it, without a display. Changes
+neither the datafile nor anybody's settings.
+
+  --size WxH              size of the window in pixels; without it, the whole floor
+  --zoom PERCENT          zoom of the floor map and of positions, 1 to 10000 (100)
+  --devices-zoom PERCENT  zoom of the icons, 1 to 10000 (100)
+  --scroll X,Y            top left corner of the window, in pixels of the zoomed floor (0,0)
+  --select RECID,...      devices that are selected
+  --hover RECID           device that the pointer rests on
+  --show LABEL,...        texts shown at devices; those not named are off:
+                            PropertiesComputer PropertiesIPAddress PropertiesUsername
+                            PropertiesMACAddress PropertiesJack PropertiesComment
+                            PropertiesSlash PropertiesBackslash PropertiesHorz PropertiesVert
+                          Lines are all on, unless some are named:
+                            PropertiesSlashDraw PropertiesBackslashDraw
+                            PropertiesHorzDraw PropertiesVertDraw
+  --help                  this text
+
+Exit status: 0 the picture was written, 2 usage error, 3 a file could not be read or written.
+)");
+}
+
+} // namespace mirovane
