@@ -165,14 +165,14 @@ TEST_F(FloorMapTest, GiantBitmapsAreRefusedBeforeTheyTakeMemory) {
         {16000, "it has 16000 x 16000 pixels, which take 976 MB of memory, the limit is 512 MB"}};
     for (const auto& [side, text] : tooLarge) {
         failed.clear();
-        map.loadNow(written("giant.bmp", bmpHeader(side, side, 24)));
+        map.loadNow(written("giant" + std::to_string(side) + ".bmp", bmpHeader(side, side, 24)));
         ASSERT_EQ(failed.size(), 1);
         const std::string sentence = failed[0][0].toString().toStdString();
         EXPECT_NE(sentence.find(text), std::string::npos) << sentence;
     }
     failed.clear();
     for (const auto& [width, height] : {std::pair(INT32_MAX, INT32_MAX), std::pair(-5, 7), std::pair(0, 0)}) {
-        map.loadNow(written("odd.bmp", bmpHeader(width, height, 32) + std::to_string(height)));
+        map.loadNow(written("odd" + std::to_string(height) + ".bmp", bmpHeader(width, height, 32)));
         EXPECT_EQ(map.size(), QSize(0, 0));
     }
     EXPECT_EQ(failed.size(), 3);
