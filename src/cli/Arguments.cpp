@@ -29,7 +29,7 @@ public:
                 optionsEnded = true;
             else if (optionsEnded || word.size() < 2 || word[0] != '-')
                 parsed.positionals.push_back(word);
-            else if (const auto error = takeOption(word))
+            else if (auto error = takeOption(word))
                 return error;
         }
         return std::nullopt;

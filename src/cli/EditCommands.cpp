@@ -32,7 +32,7 @@ Result<std::vector<Assignment>, UsageError> assignments(std::span<const std::str
 /// All or nothing: the sentence of the first that does not fit.
 std::optional<std::string> apply(CHardware& device, const std::vector<Assignment>& list) {
     for (const Assignment& assignment : list) {
-        if (const auto refusal = setFieldValue(device, *assignment.field, assignment.value))
+        if (auto refusal = setFieldValue(device, *assignment.field, assignment.value))
             return refusal;
     }
     return std::nullopt;

@@ -32,12 +32,14 @@ bool isNumberColumn(ListColumn column) {
 
 void printListTable(Output& out, const std::vector<const CHardware*>& rows) {
     std::vector<TableColumn> columns;
+    columns.reserve(columnRanks.size());
     for (std::size_t column = 0; column < columnRanks.size(); ++column)
         columns.push_back({std::string(listColumns()[column].title), columnRanks[column],
                            isNumberColumn(static_cast<ListColumn>(column))});
     TextTable table(std::move(columns));
     for (const CHardware* row : rows) {
         std::vector<std::string> cells;
+        cells.reserve(columnRanks.size());
         for (int column = 0; column < listColumnCount; ++column)
             cells.push_back(printable(listCellText(*row, static_cast<ListColumn>(column))));
         table.addRow(std::move(cells));

@@ -49,7 +49,7 @@ void StateLines::documentReplaced() {
     replaced_ = true;
     if (!begun_)
         return;
-    const auto known = std::move(states_);
+    const auto known = std::exchange(states_, {});
     for (std::size_t index = 0; index < doc_.size(); ++index) {
         const CHardware& device = doc_.at(index);
         const auto before = known.find(device.RecID);

@@ -205,6 +205,8 @@ TEST(EditCommands, aReadOnlyDatafileStaysAsItIs) {
             ::_exit(126);
     };
     const CliResult result = cli({"set", file, "1", "Name=b"}, asNobody);
+    if (result.status == 127)
+        GTEST_SKIP() << "the build folder is closed to the user \"nobody\"";
     EXPECT_EQ(result.status, 3);
     EXPECT_THAT(result.err, HasSubstr("Permission denied"));
     EXPECT_EQ(cli({"list", file}, asNobody).status, 0);

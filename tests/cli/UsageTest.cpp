@@ -1,3 +1,5 @@
+#include "model/FieldNames.h"
+#include "model/ListRows.h"
 #include "tests/cli/CliRunner.h"
 
 #include <fcntl.h>
@@ -28,6 +30,18 @@ TEST(Usage, helpNamesEveryCommandAndEachHasItsOwn) {
         EXPECT_THAT(help.err, IsEmpty());
     }
     EXPECT_THAT(cli({"--version"}).out, StartsWith("mirovanectl 0."));
+}
+
+TEST(Usage, helpNamesEveryFieldAndColumn) {
+    const std::string fields = cli({"set", "--help"}).out;
+    for (const RecordField& field : recordFields()) {
+        if (field.keeper.empty()) {
+            EXPECT_THAT(fields, HasSubstr(std::string(field.name)));
+        }
+    }
+    const std::string columns = cli({"list", "--help"}).out;
+    for (const ListColumnDefinition& column : listColumns())
+        EXPECT_THAT(columns, HasSubstr(std::string(column.title)));
 }
 
 TEST(Usage, aWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
