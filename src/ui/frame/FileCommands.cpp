@@ -1,0 +1,216 @@
+#include "ui/frame/FileCommands.h"
+
+#include "model/Text.h"
+#include "ui/frame/WaitCursor.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace mirovane {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* datafileFilter = "Mirovane Files (*.mv)";
+constexpr const char* allFilesFilter = "All Files (*)";
+
+std::string absolutePath(const std::string& path) {
+    std::error_code ignored;
+    const fs::path absolute = fs::absolute(path, ignored);
+    return absolute.empty() ? path : absolute.lexically_normal().string();
+}
+
+bool fileExists(const std::string& path) {
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+}
+
+std::string openRemedy(const Datafile::Error& error) {
+    switch (error.kind) {
+    case Datafile::Error::Kind::CannotRead:
+        return "Check the name of the file, and that you may read it.";
+    case Datafile::Error::Kind::UnknownVersion:
+        return "It may be no datafile at all, or one of a newer version of this program.";
+    case Datafile::Error::Kind::Damaged:
+        break;
+    }
+    return "Nothing was changed in it. Take the file from a backup, or ask \"mirovanectl check\" for more.";
+}
+
+} // namespace
+
+std::string windowTitle(const std::string& documentPath) {
+    const std::string name = documentPath.empty() ? "Untitled" : fs::path(documentPath).filename().string();
+    return displayText(name) + " - Mirovane";
+}
+
+std::string remedy(const FileError& error) {
+    switch (error.kind) {
+    case FileError::Kind::NotFound:
+        return "The folder is gone or the network share is not connected. Bring it back, or save elsewhere "
+               "with "
+               "File, Save As.";
+    case FileError::Kind::Denied:
+        return "You may not write there. Save elsewhere with File, Save As, or have the file's permissions "
+               "changed.";
+    case FileError::Kind::Locked:
+        return "Another station is reading or writing it. Try again in a moment.";
+    case FileError::Kind::NoSpace:
+        return "Make room on the disk and try again, or save elsewhere with File, Save As.";
+    case FileError::Kind::Changed:
+        return "It was read again. Look at what is there now and repeat your change.";
+    case FileError::Kind::TooLarge:
+        return "Remove devices, or divide the floor into two datafiles.";
+    case FileError::Kind::Other:
+        break;
+    }
+    return "Try again, or save elsewhere with File, Save As.";
+}
+
+std::string withDatafileExtension(const std::string& path) {
+    constexpr std::string_view extension = ".mv";
+    const bool hasIt =
+        path.size() > extension.size() &&
+        equalIgnoringCase(std::string_view(path).substr(path.size() - extension.size()), extension);
+    return hasIt ? path : path + std::string(extension);
+}
+
+CFileCommands::CFileCommands(CStation& station, FrameDialogs& dialogs, CRecentFiles& recent,
+                             std::function<void()> onDocument)
+    : station_(station), dialogs_(dialogs), recent_(recent), onDocument_(std::move(onDocument)) {}
+
+void CFileCommands::connectTo(CCommandActions& actions) {
+    const auto on = [&actions](CommandId id, std::function<void()> run) {
+        actions.setHandler(id, {[run = std::move(run)](const CommandDefinition&, bool) { run(); }, {}});
+    };
+    on(CommandId::FileNew, [this] { newFile(); });
+    on(CommandId::FileOpen, [this] { open(); });
+    on(CommandId::FileSave, [this] { save(); });
+    on(CommandId::FileSaveAs, [this] { saveAs(); });
+}
+
+bool CFileCommands::newFile() {
+    if (!mayLeaveDocument())
+        return false;
+    const WaitCursor wait;
+    station_.newDatafile();
+    onDocument_();
+    return true;
+}
+
+bool CFileCommands::open() {
+    const auto path =
+        dialogs_.chooseFileToOpen({"Open", station_.document().path(), {datafileFilter, allFilesFilter}});
+    return path && openPath(*path);
+}
+
+bool CFileCommands::openPath(const std::string& givenPath) {
+    const std::string path = absolutePath(givenPath);
+    if (!mayLeaveDocument())
+        return false;
+    std::optional<Datafile::Error> error;
+    {
+        const WaitCursor wait;
+        error = station_.openDatafile(path);
+    }
+    if (error) {
+        if (!fileExists(path))
+            recent_.remove(path);
+        onDocument_();
+        dialogs_.fail("The datafile could not be opened.\n\n" + error->sentence + "\n\n" +
+                      openRemedy(*error));
+        return false;
+    }
+    recent_.add(path);
+    onDocument_();
+    return true;
+}
+
+bool CFileCommands::save() {
+    if (station_.document().path().empty())
+        return saveAs();
+    const auto error = saveWaiting();
+    if (error)
+        showSaveError(*error);
+    return !error;
+}
+
+bool CFileCommands::saveAs() {
+    const std::string& current = station_.document().path();
+    const auto chosen = dialogs_.chooseFileToSave(
+        {"Save As", current.empty() ? "Untitled.mv" : current, {datafileFilter, allFilesFilter}});
+    if (!chosen)
+        return false;
+    const std::string path = absolutePath(withDatafileExtension(*chosen));
+    if (path != current && fileExists(path) &&
+        !dialogs_.ask(displayText(path) + " already exists.\n\nDo you want to replace it?"))
+        return false;
+    return saveUnderNewName(path);
+}
+
+bool CFileCommands::saveUnderNewName(const std::string& path) {
+    std::optional<FileError> error;
+    {
+        const WaitCursor wait;
+        error = station_.saveDatafileAs(path);
+    }
+    if (error) {
+        showSaveError(*error);
+        return false;
+    }
+    recent_.add(path);
+    onDocument_();
+    return true;
+}
+
+bool CFileCommands::close() {
+    if (!mayLeaveDocument())
+        return false;
+    std::optional<FileError> error;
+    {
+        const WaitCursor wait;
+        error = station_.shutDown();
+    }
+    return !error || mayLose(*error);
+}
+
+bool CFileCommands::mayLeaveDocument() {
+    const CMirovaneDoc& document = station_.document();
+    if (!document.modified())
+        return true;
+    if (!document.path().empty()) { // an earlier save failed
+        const auto error = saveWaiting();
+        return !error || mayLose(*error);
+    }
+    switch (dialogs_.askToSave(
+        "Do you want to save the new datafile?\n\nIt has no file yet. What is on its floor is "
+        "lost if you don't save it.")) {
+    case SaveAnswer::Save:
+        return saveAs();
+    case SaveAnswer::Discard:
+        return true;
+    case SaveAnswer::Cancel:
+        break;
+    }
+    return false;
+}
+
+std::optional<FileError> CFileCommands::saveWaiting() {
+    const WaitCursor wait;
+    return station_.saveDatafile();
+}
+
+bool CFileCommands::mayLose(const FileError& error) {
+    return dialogs_.ask(
+        "The datafile could not be saved.\n\n" + error.sentence +
+        "\n\nDo you want to leave it all the same? What was changed since the last save is lost "
+        "then.");
+}
+
+void CFileCommands::showSaveError(const FileError& error) {
+    dialogs_.fail("The datafile could not be saved.\n\n" + error.sentence + "\n\n" + remedy(error));
+}
+
+} // namespace mirovane

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "station/Station.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace mirovane {
+
+enum class SaveAnswer { Save, Discard, Cancel };
+
+/// What a file dialog starts with.
+struct FileChoice {
+    std::string title;
+    std::string start;                ///< file or folder first shown; empty: the current folder
+    std::vector<std::string> filters; ///< "Mirovane Files (*.mv)", the first one is chosen
+};
+
+/// Everything the main window asks the user, so that tests can answer. Main thread; each call returns when
+/// the user has decided. Texts are UTF-8, paths the system's bytes.
+class FrameDialogs : public StationDialogs {
+public:
+    virtual SaveAnswer askToSave(const std::string& question) = 0;
+
+    /// Nothing when the user cancels.
+    virtual std::optional<std::string> chooseFileToOpen(const FileChoice& choice) = 0;
+
+    /// The path as typed; neither an extension is added nor overwriting asked about.
+    virtual std::optional<std::string> chooseFileToSave(const FileChoice& choice) = 0;
+
+    virtual void about() = 0;
+};
+
+} // namespace mirovane

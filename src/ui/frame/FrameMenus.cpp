@@ -1,0 +1,80 @@
+#include "ui/frame/FrameMenus.h"
+
+#include "model/Text.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace mirovane {
+
+namespace {
+
+QString qText(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
+
+QString recentFileText(int number, const std::string& path) {
+    const QFileInfo file(QString::fromStdString(displayText(path)));
+    QString shown = QStringLiteral("%1 [%2]").arg(file.fileName(), file.path());
+    return QStringLiteral("&%1 ").arg(number) + shown.replace(u'&', QStringLiteral("&&"));
+}
+
+CFrameMenus::CFrameMenus(QMenuBar& bar, Parts parts) : QObject(&bar), bar_(bar), parts_(std::move(parts)) {
+    for (const std::string_view top : menuBarOrder()) {
+        for (const CommandDefinition& command : commandTable()) {
+            if (command.menu.substr(0, command.menu.find('/')) == top)
+                addCommand(command);
+        }
+    }
+}
+
+/// Makes the menus on the way that do not exist yet, so that a menu without commands never comes to be.
+QMenu* CFrameMenus::menuAt(std::string_view path) {
+    if (const auto found = menus_.find(path); found != menus_.end())
+        return found->second;
+    const auto slash = path.rfind('/');
+    QMenu* menu = slash == std::string_view::npos
+                      ? bar_.addMenu(qText(path))
+                      : menuAt(path.substr(0, slash))->addMenu(qText(path.substr(slash + 1)));
+    menu->setObjectName(QStringLiteral("menu") + menu->title().remove(u'&'));
+    menu->setToolTipsVisible(false);
+    connect(menu, &QMenu::aboutToShow, this, parts_.aboutToShow);
+    menus_.emplace(std::string(path), menu);
+    return menu;
+}
+
+void CFrameMenus::addCommand(const CommandDefinition& command) {
+    QMenu* menu = menuAt(command.menu);
+    if (command.id == CommandId::FileRecent) {
+        recentMenu_ = menu;
+        recentEnd_ = menu->addSeparator();
+        connect(menu, &QMenu::aboutToShow, this, &CFrameMenus::fillRecentFiles);
+        return;
+    }
+    if (command.groupStart)
+        menu->addSeparator();
+    menu->addAction(parts_.actions.action(command.name));
+}
+
+void CFrameMenus::fillRecentFiles() {
+    qDeleteAll(recentActions_);
+    recentActions_.clear();
+    int number = 0;
+    if (!parts_.recent.paths().empty())
+        recentActions_ << recentMenu_->insertSeparator(recentEnd_);
+    for (const std::string& path : parts_.recent.paths()) {
+        auto* action = new QAction(recentFileText(++number, path), this);
+        action->setObjectName(QStringLiteral("recentFile%1").arg(number));
+        action->setStatusTip(tr("Open this datafile"));
+        // Queued: opening rebuilds this very list.
+        connect(
+            action, &QAction::triggered, this, [this, path] { parts_.openRecent(path); },
+            Qt::QueuedConnection);
+        recentMenu_->insertAction(recentEnd_, action);
+        recentActions_ << action;
+    }
+}
+
+} // namespace mirovane

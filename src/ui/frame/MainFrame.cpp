@@ -1,0 +1,158 @@
+#include "ui/frame/MainFrame.h"
+
+#include "model/Text.h"
+#include "ui/floor/MirovaneView.h"
+#include "ui/frame/FrameMenus.h"
+#include "ui/frame/FrameToolBar.h"
+#include "ui/frame/IdleNotifier.h"
+#include "ui/frame/MessageLogWindow.h"
+#include "ui/frame/ToolIcons.h"
+#include "ui/frame/WindowPlacement.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QPointer>
+#include <QScreen>
+#include <QStatusBar>
+#include <QToolBar>
+
+namespace mirovane {
+
+namespace {
+
+constexpr QSize defaultSize(1280, 860);
+constexpr QSize smallestSize(420, 300);
+
+bool anySelected(const CMirovaneDoc& document) {
+    for (std::size_t i = 0; i < document.size(); ++i) {
+        if (document.at(i).isDevice() && document.at(i).Selected != 0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+CMainFrame::CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& recent, CMirovaneView* floor)
+    : station_(station),
+      dialogs_(dialogs),
+      recent_(recent),
+      floor_(floor),
+      actions_(new CCommandActions(*this)),
+      toolbar_(makeToolBar(*this, *actions_)),
+      panes_(*statusBar()),
+      messageLog_(std::make_unique<CMessageLogWindow>(station.log(), station.settings())),
+      files_(station, dialogs, recent, [this] { refresh(); }),
+      viewCommands_(station.document(), {*toolbar_, *statusBar(), [this] { messageLog_->present(); },
+                                         [this] {
+                                             floor_->viewport()->update();
+                                         }}),
+      toolsCommands_(station, dialogs, [this] { floor_->reloadFloorMap(); }) {
+    setObjectName(QStringLiteral("mainFrame"));
+    setWindowIcon(programIcon());
+    messageLog_->setWindowIcon(windowIcon());
+    setCentralWidget(floor_);
+    connectCommands();
+    makeMenus();
+    connectStation();
+    placeWindow();
+    refresh();
+    floor_->setFocus();
+}
+
+CMainFrame::~CMainFrame() = default;
+
+void CMainFrame::refresh() {
+    showTitle();
+    panes_.refresh(indicatorState());
+    actions_->refresh(commandState());
+}
+
+void CMainFrame::saveForSession(const std::string& rescuePath) {
+    const CMirovaneDoc& document = station_.document();
+    if (!document.modified())
+        return;
+    if (!document.path().empty())
+        station_.saveDatafile();
+    else if (!station_.saveDatafileAs(rescuePath))
+        recent_.add(rescuePath);
+}
+
+std::optional<FileError> CMainFrame::endSession() {
+    sessionEnded_ = true;
+    const auto error = station_.shutDown();
+    close();
+    return error;
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event) {
+    if (!sessionEnded_ && !files_.close()) {
+        event->ignore();
+        return;
+    }
+    messageLog_->close();
+    QMainWindow::closeEvent(event);
+}
+
+void CMainFrame::connectCommands() {
+    files_.connectTo(*actions_);
+    viewCommands_.connectTo(*actions_);
+    toolsCommands_.connectTo(*actions_);
+    actions_->setHandler(CommandId::FileExit, {[this](const CommandDefinition&, bool) { close(); }, {}});
+    actions_->setHandler(CommandId::HelpAbout,
+                         {[this](const CommandDefinition&, bool) { dialogs_.about(); }, {}});
+}
+
+void CMainFrame::makeMenus() {
+    new CFrameMenus(*menuBar(),
+                    {*actions_, recent_, [this](const std::string& path) { files_.openPath(path); },
+                     [this] {
+                         hasSelection_ = anySelected(station_.document());
+                         actions_->refresh(commandState());
+                     }});
+}
+
+void CMainFrame::connectStation() {
+    station_.log().addListener(
+        [frame = QPointer<CMainFrame>(this)](const std::string& line, bool toStatusBar) {
+            if (frame && toStatusBar)
+                frame->panes_.SetStatusText(QString::fromStdString(displayText(line)));
+        });
+    connect(floor_, &CMirovaneView::floorMapFailed, this, [this](const QString& sentence, bool missing) {
+        if (missing)
+            dialogs_.fail(sentence.toStdString());
+    });
+    if (KeyboardLights::displayIsLocal(qEnvironmentVariable("DISPLAY")))
+        keyboard_.emplace();
+    connect(new IdleNotifier(this), &IdleNotifier::idle, this, &CMainFrame::refresh);
+}
+
+void CMainFrame::placeWindow() {
+    setMinimumSize(smallestSize);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    resize(defaultSize.boundedTo(screen.size() * 9 / 10));
+    applyPlacement(*this, readPlacement(station_.settings(), mainFramePlacement));
+    new PlacementKeeper(*this, station_.settings(), mainFramePlacement);
+}
+
+void CMainFrame::showTitle() {
+    const QString title = QString::fromStdString(mirovane::windowTitle(station_.document().path()));
+    if (title != QMainWindow::windowTitle())
+        setWindowTitle(title);
+}
+
+CommandState CMainFrame::commandState() {
+    return {station_.document().deviceCount() > 0, hasSelection_};
+}
+
+IndicatorState CMainFrame::indicatorState() const {
+    IndicatorState state;
+    state.liveStatText = QString::fromStdString(station_.liveStat().statusText());
+    state.anyTypeHidden = station_.document().display().VisibleTypes != -1;
+    if (keyboard_)
+        state.keyboardText = keyboardText(keyboard_->read());
+    return state;
+}
+
+} // namespace mirovane

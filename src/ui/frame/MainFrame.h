@@ -1,0 +1,76 @@
+#pragma once
+
+#include "ui/frame/CommandActions.h"
+#include "ui/frame/FileCommands.h"
+#include "ui/frame/FrameDialogs.h"
+#include "ui/frame/KeyboardLocks.h"
+#include "ui/frame/RecentFiles.h"
+#include "ui/frame/StatusPanes.h"
+#include "ui/frame/ToolsCommands.h"
+#include "ui/frame/ViewCommands.h"
+
+#include <QMainWindow>
+
+#include <memory>
+#include <optional>
+
+namespace mirovane {
+
+class CMessageLogWindow;
+class CMirovaneView;
+
+/// The one top-level window: menus, toolbar, the floor and the status bar; beside it the message log window.
+/// Knows how its parts are put together, and nothing of what they do. Main thread only.
+class CMainFrame : public QMainWindow {
+    Q_OBJECT
+
+public:
+    /// The references outlive the frame. `floor` is the view on the station's document and becomes the
+    /// frame's own.
+    CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& recent, CMirovaneView* floor);
+    ~CMainFrame() override;
+
+    CFileCommands& files() { return files_; }
+    CCommandActions& actions() { return *actions_; }
+    CMessageLogWindow& messageLog() { return *messageLog_; }
+
+    /// Title, panes, check marks and enablement, from the state of things now.
+    void refresh();
+
+    /// Saves what is not yet on disk, without asking anybody. A floor that has no file yet is saved under
+    /// `rescuePath`, which becomes the first of the recently used files. A failure has been logged.
+    void saveForSession(const std::string& rescuePath);
+
+    /// Closes the window without asking anybody: Live Stat goes off and the datafile is saved. Returns the
+    /// save's error.
+    std::optional<FileError> endSession();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void connectCommands();
+    void makeMenus();
+    void connectStation();
+    void placeWindow();
+    void showTitle();
+    CommandState commandState();
+    IndicatorState indicatorState() const;
+
+    CStation& station_;
+    FrameDialogs& dialogs_;
+    CRecentFiles& recent_;
+    CMirovaneView* floor_;
+    CCommandActions* actions_;
+    QToolBar* toolbar_;
+    CStatusPanes panes_;
+    std::unique_ptr<CMessageLogWindow> messageLog_;
+    CFileCommands files_;
+    CViewCommands viewCommands_;
+    CToolsCommands toolsCommands_;
+    std::optional<KeyboardLights> keyboard_;
+    bool hasSelection_ = false; ///< as of the moment when a menu was last opened
+    bool sessionEnded_ = false;
+};
+
+} // namespace mirovane

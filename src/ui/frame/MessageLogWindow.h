@@ -1,0 +1,39 @@
+#pragma once
+
+#include "model/MessageLog.h"
+#include "model/Settings.h"
+
+#include <QPlainTextEdit>
+#include <QWidget>
+
+namespace mirovane {
+
+/// "Message logs - Mirovane": the message log to read and to copy from. Made before the first line is logged
+/// and only shown and hidden afterwards, so it misses none. A line costs the same whether the log holds ten
+/// or 400.
+///
+/// The last line stays in view, except while somebody has scrolled up to read: then his place stays until he
+/// scrolls back to the end or calls the window up again.
+class CMessageLogWindow : public QWidget {
+    Q_OBJECT
+
+public:
+    CMessageLogWindow(CMessageLog& log, CSettings& settings);
+
+    /// Shows the window, restores it when it is minimised, brings it to the top and its last line into view.
+    void present();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void append(const QString& line);
+    bool followsEnd() const;
+    void scrollToEnd();
+
+    QPlainTextEdit* text_;
+    bool following_ = true;
+};
+
+} // namespace mirovane

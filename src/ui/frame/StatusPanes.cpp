@@ -1,0 +1,103 @@
+#include "ui/frame/StatusPanes.h"
+
+#include <QFontMetrics>
+#include <QStatusBar>
+
+namespace mirovane {
+
+namespace {
+
+struct PaneDefinition {
+    Indicator indicator;
+    const char* name;
+    const char* sizingText;
+    const char* help;
+};
+
+constexpr std::array<PaneDefinition, indicatorCount> panes = {{
+    {Indicator::Reminders, "paneReminders", "DUE(F4):9999", "Reminders that are due"},
+    {Indicator::LiveDiscover, "paneLiveDiscover", "LD!", "Lit while Live Discover runs on this station"},
+    {Indicator::LiveStat, "paneLiveStat", "LIVE!:99", "Devices in the last run of Live Stat"},
+    {Indicator::Hidden, "paneHidden", "HIDE", "Lit while devices or the floor map are hidden"},
+    {Indicator::Keyboard, "paneKeyboard", "CAP NUM SCRL", "Caps Lock, Num Lock, Scroll Lock"},
+}};
+
+/// Blank space left and right of a pane's text.
+constexpr int padding = 6;
+
+QLabel* makePane(const PaneDefinition& definition) {
+    auto* pane = new QLabel;
+    pane->setObjectName(QLatin1String(definition.name));
+    pane->setToolTip(QLatin1String(definition.help));
+    pane->setAccessibleName(QLatin1String(definition.help));
+    pane->setAlignment(Qt::AlignCenter);
+    pane->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
+    const int textWidth = pane->fontMetrics().horizontalAdvance(QLatin1String(definition.sizingText));
+    pane->setMinimumWidth(textWidth + 2 * padding);
+    return pane;
+}
+
+} // namespace
+
+QString indicatorText(Indicator indicator, const IndicatorState& state) {
+    switch (indicator) {
+    case Indicator::Reminders:
+        return state.remindersDue > 0 ? QStringLiteral("[F4]Due:%1").arg(state.remindersDue) : QString();
+    case Indicator::LiveDiscover:
+        return state.liveDiscoverEnabled ? QStringLiteral("LD!") : QString();
+    case Indicator::LiveStat:
+        return state.liveStatText;
+    case Indicator::Hidden:
+        return state.anyTypeHidden || state.floorMapHidden ? QStringLiteral("HIDE") : QString();
+    case Indicator::Keyboard:
+        return state.keyboardText;
+    }
+    return {};
+}
+
+MessagePane::MessagePane(QWidget* parent) : QLabel(parent) {
+    setObjectName(QStringLiteral("paneMessage"));
+    setTextFormat(Qt::PlainText);
+    setIndent(padding);
+}
+
+void MessagePane::setMessage(const QString& message) {
+    message_ = message;
+    setAccessibleName(message);
+    elide();
+}
+
+QSize MessagePane::minimumSizeHint() const {
+    return {0, QLabel::minimumSizeHint().height()};
+}
+
+void MessagePane::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    elide();
+}
+
+void MessagePane::elide() {
+    const QString shown = fontMetrics().elidedText(message_, Qt::ElideRight, width() - 2 * padding);
+    setText(shown);
+    setToolTip(shown == message_ ? QString() : message_);
+}
+
+CStatusPanes::CStatusPanes(QStatusBar& bar) : message_(new MessagePane) {
+    bar.addWidget(message_, 1);
+    for (const PaneDefinition& definition : panes) {
+        QLabel* pane = makePane(definition);
+        bar.addPermanentWidget(pane);
+        indicators_[static_cast<std::size_t>(definition.indicator)] = pane;
+    }
+}
+
+void CStatusPanes::refresh(const IndicatorState& state) {
+    for (const PaneDefinition& definition : panes) {
+        const QString text = indicatorText(definition.indicator, state);
+        QLabel* pane = indicators_[static_cast<std::size_t>(definition.indicator)];
+        if (pane->text() != text)
+            pane->setText(text);
+    }
+}
+
+} // namespace mirovane

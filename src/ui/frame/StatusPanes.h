@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QLabel>
+#include <QString>
+
+#include <array>
+
+class QStatusBar;
+
+namespace mirovane {
+
+/// The indicator panes of the status bar, left to right.
+enum class Indicator { Reminders, LiveDiscover, LiveStat, Hidden, Keyboard };
+constexpr std::size_t indicatorCount = 5;
+
+/// What decides the texts of the indicator panes.
+struct IndicatorState {
+    int remindersDue = 0;
+    bool liveDiscoverEnabled = false;
+    QString liveStatText; ///< empty while Live Stat is off
+    bool anyTypeHidden = false;
+    bool floorMapHidden = false;
+    QString keyboardText;
+};
+
+QString indicatorText(Indicator indicator, const IndicatorState& state);
+
+/// One line that is cut off with an ellipsis where the pane ends, instead of making the window wider.
+class MessagePane : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit MessagePane(QWidget* parent = nullptr);
+
+    void setMessage(const QString& message);
+    const QString& message() const { return message_; }
+    QSize minimumSizeHint() const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void elide();
+
+    QString message_;
+};
+
+/// The panes in a window's status bar: the last status line, then the indicators, each as wide as its sizing
+/// text.
+class CStatusPanes {
+public:
+    explicit CStatusPanes(QStatusBar& bar);
+
+    void SetStatusText(const QString& text) { message_->setMessage(text); }
+    void refresh(const IndicatorState& state);
+
+private:
+    MessagePane* message_;
+    std::array<QLabel*, indicatorCount> indicators_{};
+};
+
+} // namespace mirovane

@@ -1,0 +1,136 @@
+#include "ui/frame/ToolIcons.h"
+
+#include <QIconEngine>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+
+namespace mirovane {
+
+namespace {
+
+const QColor outline(70, 70, 70);
+const QColor paper(255, 255, 255);
+const QColor folder(236, 184, 84);
+const QColor disk(92, 122, 168);
+const QColor accent(52, 101, 164);
+
+// Every picture is drawn on a field of 16 x 16 units.
+
+QPainterPath sheetShape() {
+    QPainterPath sheet;
+    sheet.addPolygon(QPolygonF{{3.5, 1.5}, {9.5, 1.5}, {12.5, 4.5}, {12.5, 14.5}, {3.5, 14.5}});
+    sheet.closeSubpath();
+    return sheet;
+}
+
+void paintNew(QPainter& painter) {
+    painter.setBrush(paper);
+    painter.drawPath(sheetShape());
+    painter.drawPolyline(QPolygonF{{9.5, 1.5}, {9.5, 4.5}, {12.5, 4.5}});
+}
+
+void paintOpen(QPainter& painter) {
+    painter.setBrush(folder.darker(115));
+    painter.drawPolygon(QPolygonF{{1.5, 13.5}, {1.5, 3.5}, {6.5, 3.5}, {8, 5.5}, {13.5, 5.5}, {13.5, 13.5}});
+    painter.setBrush(folder);
+    painter.drawPolygon(QPolygonF{{1.5, 13.5}, {4, 7.5}, {15.5, 7.5}, {13.5, 13.5}});
+}
+
+void paintSave(QPainter& painter) {
+    painter.setBrush(disk);
+    painter.drawPolygon(QPolygonF{{1.5, 1.5}, {12.5, 1.5}, {14.5, 3.5}, {14.5, 14.5}, {1.5, 14.5}});
+    painter.setBrush(paper);
+    painter.drawRect(QRectF(4.5, 1.5, 6, 4));
+    painter.drawRect(QRectF(3.5, 8.5, 9, 6));
+    painter.fillRect(QRectF(8, 2.5, 1.5, 2), outline);
+}
+
+void paintAbout(QPainter& painter) {
+    painter.setBrush(accent);
+    painter.setPen(QPen(accent.darker(130), 1));
+    painter.drawEllipse(QRectF(1.5, 1.5, 13, 13));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(paper);
+    painter.drawEllipse(QRectF(7, 3.8, 2.2, 2.2));
+    painter.drawRect(QRectF(7.2, 7, 1.8, 5.2));
+}
+
+void paintProgram(QPainter& painter) {
+    painter.setBrush(QColor(238, 240, 243));
+    painter.setPen(QPen(outline, 0.6));
+    painter.drawRoundedRect(QRectF(0.6, 0.6, 14.8, 14.8), 1.6, 1.6);
+    painter.setPen(QPen(QColor(150, 158, 170), 0.7));
+    painter.drawPolyline(QPolygonF{{0.8, 9.5}, {5.2, 9.5}, {5.2, 15.2}});
+    painter.drawPolyline(QPolygonF{{15.2, 6}, {11.2, 6}, {11.2, 0.8}});
+    QPainterPath marker;
+    marker.moveTo(8, 14.2);
+    marker.cubicTo(6.6, 11, 3.8, 9.4, 3.8, 6.3);
+    marker.arcTo(QRectF(3.8, 2, 8.4, 8.4), 180, -180);
+    marker.cubicTo(12.2, 9.4, 9.4, 11, 8, 14.2);
+    painter.setPen(QPen(accent.darker(140), 0.6));
+    painter.setBrush(accent);
+    painter.drawPath(marker);
+    painter.setBrush(paper);
+    painter.drawEllipse(QPointF(8, 6.2), 1.9, 1.9);
+}
+
+class PictureEngine final : public QIconEngine {
+public:
+    using Paint = void (*)(QPainter&);
+
+    explicit PictureEngine(Paint picture) : picture_(picture) {}
+
+    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        const qreal side = std::min(rect.width(), rect.height());
+        painter->translate(rect.x() + (rect.width() - side) / 2, rect.y() + (rect.height() - side) / 2);
+        painter->scale(side / 16, side / 16);
+        painter->setPen(QPen(outline, 1));
+        if (mode == QIcon::Disabled)
+            painter->setOpacity(0.4);
+        picture_(*painter);
+        painter->restore();
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap pixmap(size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        paint(&painter, QRect(QPoint(), size), mode, state);
+        return pixmap;
+    }
+
+    QIconEngine* clone() const override { return new PictureEngine(*this); }
+
+private:
+    Paint picture_;
+};
+
+} // namespace
+
+QIcon toolIcon(ToolPicture picture) {
+    switch (picture) {
+    case ToolPicture::New:
+        return QIcon(new PictureEngine(paintNew));
+    case ToolPicture::Open:
+        return QIcon(new PictureEngine(paintOpen));
+    case ToolPicture::Save:
+        return QIcon(new PictureEngine(paintSave));
+    case ToolPicture::About:
+        return QIcon(new PictureEngine(paintAbout));
+    }
+    return {};
+}
+
+QIcon programIcon() {
+    QIcon icon;
+    PictureEngine engine(paintProgram);
+    // Window managers take ready pixmaps only.
+    for (const int side : {16, 24, 32, 48, 64, 128, 256})
+        icon.addPixmap(engine.pixmap({side, side}, QIcon::Normal, QIcon::Off));
+    return icon;
+}
+
+} // namespace mirovane

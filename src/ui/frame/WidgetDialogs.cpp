@@ -1,0 +1,151 @@
+#include "ui/frame/WidgetDialogs.h"
+
+#include "model/Text.h"
+
+#include <QCursor>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QStringList>
+
+#include <cstdio>
+
+namespace mirovane {
+
+namespace {
+
+const QString programName = QStringLiteral("Mirovane");
+
+QString shown(const std::string& text) {
+    return QString::fromStdString(displayText(text));
+}
+
+/// Plain text, whatever a host or a file called itself.
+void prepare(QMessageBox& box, QMessageBox::Icon icon, const std::string& text) {
+    box.setObjectName(QStringLiteral("messageBox"));
+    box.setWindowTitle(programName);
+    box.setIcon(icon);
+    box.setTextFormat(Qt::PlainText);
+    const QString whole = shown(text);
+    const qsizetype firstGap = whole.indexOf(QStringLiteral("\n\n"));
+    box.setText(whole.left(firstGap));
+    if (firstGap >= 0)
+        box.setInformativeText(whole.mid(firstGap + 2));
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse);
+}
+
+void prepare(QFileDialog& dialog, const FileChoice& choice) {
+    dialog.setObjectName(QStringLiteral("fileDialog"));
+    QStringList filters;
+    for (const std::string& filter : choice.filters)
+        filters << QString::fromStdString(filter);
+    dialog.setNameFilters(filters);
+    if (choice.start.empty())
+        return;
+    const QFileInfo start(QFile::decodeName(choice.start.c_str()));
+    if (start.isDir()) {
+        dialog.setDirectory(start.filePath());
+        return;
+    }
+    dialog.setDirectory(start.absolutePath());
+    dialog.selectFile(start.fileName());
+}
+
+std::optional<std::string> chosenFile(QFileDialog& dialog) {
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString();
+}
+
+} // namespace
+
+/// Tells the owner of the timers once, however many boxes lie on each other.
+class WidgetDialogs::BoxOpen {
+public:
+    explicit BoxOpen(WidgetDialogs& dialogs) : dialogs_(dialogs) {
+        if (dialogs_.boxesOpen_++ == 0 && dialogs_.aroundBox_)
+            dialogs_.aroundBox_(true);
+        QGuiApplication::setOverrideCursor(Qt::ArrowCursor); // the box may interrupt a wait
+    }
+    ~BoxOpen() {
+        QGuiApplication::restoreOverrideCursor();
+        if (--dialogs_.boxesOpen_ == 0 && dialogs_.aroundBox_)
+            dialogs_.aroundBox_(false);
+    }
+    BoxOpen(const BoxOpen&) = delete;
+    BoxOpen& operator=(const BoxOpen&) = delete;
+
+private:
+    WidgetDialogs& dialogs_;
+};
+
+WidgetDialogs::WidgetDialogs(QString version, std::function<void(bool)> aroundBox)
+    : version_(std::move(version)), aroundBox_(std::move(aroundBox)) {}
+
+bool WidgetDialogs::ask(const std::string& question) {
+    if (silent_)
+        return false;
+    const BoxOpen open(*this);
+    QMessageBox box(parent_);
+    prepare(box, QMessageBox::Question, question);
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
+}
+
+void WidgetDialogs::fail(const std::string& text) {
+    if (silent_) {
+        std::fprintf(stderr, "mirovane: %s\n", text.c_str());
+        return;
+    }
+    const BoxOpen open(*this);
+    QMessageBox box(parent_);
+    prepare(box, QMessageBox::Critical, text);
+    box.exec();
+}
+
+SaveAnswer WidgetDialogs::askToSave(const std::string& question) {
+    if (silent_)
+        return SaveAnswer::Discard;
+    const BoxOpen open(*this);
+    QMessageBox box(parent_);
+    prepare(box, QMessageBox::Question, question);
+    box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    box.setDefaultButton(QMessageBox::Save);
+    const int answer = box.exec();
+    if (answer == QMessageBox::Save)
+        return SaveAnswer::Save;
+    return answer == QMessageBox::Discard ? SaveAnswer::Discard : SaveAnswer::Cancel;
+}
+
+std::optional<std::string> WidgetDialogs::chooseFileToOpen(const FileChoice& choice) {
+    QFileDialog dialog(parent_, QString::fromStdString(choice.title));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    prepare(dialog, choice);
+    return chosenFile(dialog);
+}
+
+std::optional<std::string> WidgetDialogs::chooseFileToSave(const FileChoice& choice) {
+    QFileDialog dialog(parent_, QString::fromStdString(choice.title));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    prepare(dialog, choice);
+    return chosenFile(dialog);
+}
+
+void WidgetDialogs::about() {
+    QMessageBox box(parent_);
+    box.setObjectName(QStringLiteral("aboutBox"));
+    box.setWindowTitle(QStringLiteral("About Mirovane"));
+    box.setIconPixmap(parent_ ? parent_->windowIcon().pixmap(48, 48) : QPixmap());
+    box.setTextFormat(Qt::PlainText);
+    box.setText(QStringLiteral("Mirovane ") + version_);
+    box.setInformativeText(
+        QStringLiteral("A floor plan of your site with every device on it, watched live.\n\n"
+                       "Written with Qt %1.")
+            .arg(QLatin1String(qVersion())));
+    box.exec();
+}
+
+} // namespace mirovane

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "ui/frame/FrameDialogs.h"
+
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+#include <functional>
+
+namespace mirovane {
+
+/// Message boxes and file dialogs in front of the main window. While a question or a failure is shown, the
+/// station's timers stand still: a tick in the box's event loop could replace the records that the question
+/// is about.
+class WidgetDialogs final : public FrameDialogs {
+public:
+    /// `aroundBox(true)` is called before a box opens, `aroundBox(false)` after it was closed.
+    WidgetDialogs(QString version, std::function<void(bool open)> aroundBox);
+
+    /// Boxes stand in front of this window from now on.
+    void setParent(QWidget* parent) { parent_ = parent; }
+
+    /// The session is ending: nobody is there to answer. From now on questions are answered No (and
+    /// "Discard"), and failures go to standard error.
+    void silence() { silent_ = true; }
+
+    bool ask(const std::string& question) override;
+    void fail(const std::string& text) override;
+    SaveAnswer askToSave(const std::string& question) override;
+    std::optional<std::string> chooseFileToOpen(const FileChoice& choice) override;
+    std::optional<std::string> chooseFileToSave(const FileChoice& choice) override;
+    void about() override;
+
+private:
+    class BoxOpen;
+
+    QString version_;
+    std::function<void(bool)> aroundBox_;
+    QPointer<QWidget> parent_;
+    int boxesOpen_ = 0;
+    bool silent_ = false;
+};
+
+} // namespace mirovane

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "model/MessageLog.h"
+#include "model/Settings.h"
+#include "platform/PosixFiles.h"
+#include "station/Station.h"
+#include "tests/support/FakeTime.h"
+#include "tests/ui/frame/ScriptedDialogs.h"
+#include "ui/frame/MainFrame.h"
+#include "ui/frame/RecentFiles.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+
+namespace mirovane::test {
+
+/// Hosts that never answer, at once.
+class SilentProbes final : public HostProbes {
+public:
+    bool PingHost(const std::string&, PingReply&, std::optional<std::uint32_t>&, std::uint8_t, std::uint32_t,
+                  std::uint8_t, std::stop_token) override {
+        return false;
+    }
+    bool ResolveHost(const std::string&, std::uint32_t&, std::string&, std::stop_token) override {
+        return false;
+    }
+    std::optional<std::string> echoUnusable() override { return std::nullopt; }
+};
+
+/// A station on real files in a folder of its own, with a user who answers by script.
+class FrameFixture : public testing::Test {
+protected:
+    QTemporaryDir folder;
+    FakeClock clock;
+    FakeTimers timers{clock};
+    PosixFiles diskFiles;
+    MemorySettingsStore store;
+    CSettings settings{store};
+    CMessageLog log{clock};
+    ScriptedDialogs dialogs;
+    SilentProbes probes;
+    CRecentFiles recent{store};
+    std::unique_ptr<CStation> station;
+
+    void SetUp() override {
+        settings.initialise();
+        settings.write("LSAutoStart", 0);
+        station = std::make_unique<CStation>(
+            StationServices{diskFiles, clock, timers, settings, log, dialogs, probes, {"host", "user"}});
+    }
+
+    std::string inFolder(const char* name) const {
+        return folder.filePath(QLatin1String(name)).toStdString();
+    }
+
+    CMirovaneDoc& document() { return station->document(); }
+
+    void addComputer() { document().addDevice(DeviceType::Computer); }
+
+    bool logged(const std::string& part) const { return log.text().find(part) != std::string::npos; }
+};
+
+} // namespace mirovane::test

@@ -1,0 +1,236 @@
+#include "tests/ui/frame/FrameFixture.h"
+#include "ui/floor/MirovaneView.h"
+#include "ui/frame/FrameMenus.h"
+#include "ui/frame/MessageLogWindow.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QLabel>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QTest>
+#include <QTimer>
+#include <QToolBar>
+
+namespace mirovane {
+namespace {
+
+class MainFrame : public test::FrameFixture {
+protected:
+    CMirovaneView* floor = nullptr;
+    std::unique_ptr<CMainFrame> frame;
+
+    void SetUp() override {
+        FrameFixture::SetUp();
+        floor = new CMirovaneView(*station);
+        frame = std::make_unique<CMainFrame>(*station, dialogs, recent, floor);
+        frame->files().newFile();
+        frame->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(frame.get()));
+    }
+
+    QAction* action(const char* name) { return frame->actions().action(name); }
+    QString pane(const char* name) { return frame->findChild<QLabel*>(QLatin1String(name))->text(); }
+    QImage picture() {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return floor->settled(); }));
+        return floor->viewport()->grab().toImage();
+    }
+    QMenu* menu(const char* name) { return frame->findChild<QMenu*>(QLatin1String(name)); }
+};
+
+TEST_F(MainFrame, everyCommandHasAHandlerAndStandsInItsMenu) {
+    for (const CommandDefinition& command : commandTable()) {
+        if (command.id == CommandId::FileRecent)
+            continue;
+        EXPECT_TRUE(frame->actions().hasHandler(command.id)) << command.name;
+        const auto path = QString::fromUtf8(command.menu.data(), static_cast<qsizetype>(command.menu.size()));
+        if (path.isEmpty())
+            continue;
+        const QMenu* home =
+            frame->findChild<QMenu*>(QStringLiteral("menu") + path.section(u'/', -1).remove(u'&'));
+        ASSERT_NE(home, nullptr) << command.menu;
+        EXPECT_TRUE(home->actions().contains(frame->actions().action(command.name))) << command.name;
+    }
+    QStringList titles;
+    for (const QAction* top : frame->menuBar()->actions())
+        titles << top->text().remove(u'&');
+    EXPECT_EQ(titles, (QStringList{QStringLiteral("File"), QStringLiteral("View"), QStringLiteral("Tools"),
+                                   QStringLiteral("Help")}));
+}
+
+TEST_F(MainFrame, displayTogglesAreStoredAtOnceAndChangeThePicture) {
+    const CHardware* device = document().addDevice(DeviceType::Computer, [](CHardware& computer) {
+        computer.Name = computer.IPAddress = computer.Username = computer.MACAddress = "text";
+        computer.ToJack = computer.Comment = computer.ToDo = "text";
+        computer.SlashText = computer.BackslashText = computer.HorzText = computer.VertText = "text";
+        computer.SlashDraw = computer.BackslashDraw = computer.HorzDraw = computer.VertDraw = 1;
+        computer.ReminderOn = 1;
+        computer.Position = {200, 200};
+    });
+    document().setReminderDue(*device, true);
+    frame->refresh();
+    for (const CommandDefinition& command : commandTable()) {
+        if (command.id != CommandId::ViewDisplayToggle)
+            continue;
+        QAction* toggle = frame->actions().action(command.name);
+        const auto field = displayToggle(command.setting);
+        const QImage pictureBefore = picture();
+        const bool before = document().display().*field;
+        EXPECT_EQ(toggle->isChecked(), before) << command.name;
+        toggle->trigger();
+        EXPECT_EQ(document().display().*field, !before) << command.name;
+        EXPECT_EQ(settings.read(command.setting, -1), before ? 0 : 1) << command.name;
+        EXPECT_EQ(toggle->isChecked(), !before) << command.name;
+        if (command.menu == "&View/&Properties") { // the others wait for Live Stat and for the reminder check
+            EXPECT_NE(picture(), pictureBefore) << command.name;
+        }
+        toggle->trigger();
+        EXPECT_EQ(settings.read(command.setting, -1), before ? 1 : 0) << command.name;
+        EXPECT_EQ(picture(), pictureBefore) << command.name;
+    }
+}
+
+TEST_F(MainFrame, labelKeysWorkFromTheFloor) {
+    frame->activateWindow();
+    floor->setFocus();
+    QTest::keyClick(floor, Qt::Key_2);
+    EXPECT_EQ(settings.read("PropertiesIPAddress", -1), 1);
+    QTest::keyClick(floor, Qt::Key_0, Qt::ControlModifier);
+    EXPECT_EQ(settings.read("PropertiesVertDraw", -1), 0);
+}
+
+TEST_F(MainFrame, barsCanBeHiddenAndShown) {
+    for (const auto& [name, bar] :
+         {std::pair<const char*, QWidget*>{"viewToolbar", frame->findChild<QToolBar*>()},
+          {"viewStatusBar", frame->statusBar()}}) {
+        EXPECT_TRUE(action(name)->isChecked());
+        action(name)->trigger();
+        EXPECT_FALSE(bar->isVisible());
+        EXPECT_FALSE(action(name)->isChecked());
+        action(name)->trigger();
+        EXPECT_TRUE(bar->isVisible());
+    }
+}
+
+TEST_F(MainFrame, theStatusBarTakesOnlyLinesMeantForIt) {
+    auto* message = frame->findChild<MessagePane*>();
+    log.LogMessage("seen", true);
+    EXPECT_TRUE(message->message().endsWith(QStringLiteral(" - seen")));
+    log.LogMessage("unseen", false);
+    EXPECT_TRUE(message->message().endsWith(QStringLiteral(" - seen")));
+}
+
+TEST_F(MainFrame, panesFollowTheStateOfThingsWhenTheLoopIsIdle) {
+    EXPECT_TRUE(pane("paneHidden").isEmpty());
+    document().display().VisibleTypes = ~4;
+    QEventLoop loop; // a test's own waiting never lets the loop rest
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+        if (!pane("paneHidden").isEmpty())
+            loop.exit(1);
+    });
+    QTimer::singleShot(5000, &loop, [&loop] { loop.exit(2); });
+    look.start(10);
+    EXPECT_EQ(loop.exec(), 1) << "still dark after five seconds";
+    EXPECT_EQ(pane("paneHidden"), QStringLiteral("HIDE"));
+}
+
+TEST_F(MainFrame, liveStatNeedsDevicesAndItsCheckMarkTellsTheTruth) {
+    frame->refresh();
+    EXPECT_FALSE(action("toolsLiveStat")->isEnabled());
+    addComputer();
+    frame->refresh();
+    ASSERT_TRUE(action("toolsLiveStat")->isEnabled());
+    action("toolsLiveStat")->trigger();
+    EXPECT_TRUE(station->liveStat().enabled());
+    EXPECT_TRUE(action("toolsLiveStat")->isChecked());
+    action("toolsLiveStat")->trigger();
+    EXPECT_FALSE(action("toolsLiveStat")->isChecked());
+}
+
+TEST_F(MainFrame, aRefusedTakeOverLeavesNoCheckMark) {
+    addComputer();
+    document().edit(*document().findSpecial(SpecialType::LiveStatOwnerRecord), [](CHardware& owner) {
+        owner.State = 1;
+        owner.Name = "elsewhere";
+        owner.Username = "somebody";
+    });
+    frame->refresh();
+    dialogs.answers = {false};
+    action("toolsLiveStat")->trigger();
+    EXPECT_EQ(dialogs.questions.size(), 1u);
+    EXPECT_FALSE(station->liveStat().enabled());
+    EXPECT_FALSE(action("toolsLiveStat")->isChecked());
+}
+
+TEST_F(MainFrame, liveStatNowIsOfferedWhileSomethingIsSelected) {
+    addComputer();
+    Q_EMIT menu("menuTools")->aboutToShow();
+    EXPECT_FALSE(action("toolsLiveStatNow")->isEnabled());
+    document().setSelected(*document().findDevice(1), true);
+    Q_EMIT menu("menuTools")->aboutToShow();
+    EXPECT_TRUE(action("toolsLiveStatNow")->isEnabled());
+    action("toolsLiveStatNow")->trigger();
+    EXPECT_TRUE(logged("Processing Live Stat Now on 1 selected object(s)..."));
+}
+
+TEST_F(MainFrame, theFloorMapCommandStoresThePathAndSaves) {
+    dialogs.files = {inFolder("plan.mv"), inFolder("map.bmp")};
+    ASSERT_TRUE(frame->files().saveAs());
+    QImage(20, 10, QImage::Format_RGB32).save(QString::fromStdString(inFolder("map.bmp")));
+    action("toolsFloorMap")->trigger();
+    EXPECT_EQ(document().floorMapPath(), inFolder("map.bmp"));
+    EXPECT_EQ(dialogs.choices.back().filters.front(), "Bitmap Files (*.bmp)");
+    ASSERT_TRUE(frame->files().openPath(inFolder("plan.mv")));
+    EXPECT_EQ(document().floorMapPath(), inFolder("map.bmp"));
+    EXPECT_TRUE(dialogs.failures.empty());
+}
+
+TEST_F(MainFrame, aFloorMapThatIsNotThereIsNamed) {
+    document().setFloorMapPath("/nowhere/map.bmp");
+    dialogs.files = {inFolder("mapless.mv")};
+    ASSERT_TRUE(frame->files().saveAs());
+    ASSERT_TRUE(frame->files().newFile());
+    dialogs.failures.clear();
+    ASSERT_TRUE(frame->files().openPath(inFolder("mapless.mv")));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !dialogs.failures.empty(); }));
+    EXPECT_EQ(dialogs.failures, std::vector<std::string>{"Floor map file /nowhere/map.bmp does not exist!"});
+}
+
+TEST_F(MainFrame, titleAndRecentFilesFollowTheDocument) {
+    EXPECT_EQ(frame->windowTitle(), QStringLiteral("Untitled - Mirovane"));
+    dialogs.files = {inFolder("R&D plan.mv")};
+    ASSERT_TRUE(frame->files().saveAs());
+    EXPECT_EQ(frame->windowTitle(), QStringLiteral("R&D plan.mv - Mirovane"));
+    Q_EMIT menu("menuFile")->aboutToShow();
+    const auto* entry = frame->findChild<QAction*>(QStringLiteral("recentFile1"));
+    ASSERT_NE(entry, nullptr);
+    EXPECT_TRUE(entry->text().startsWith(QStringLiteral("&1 R&&D plan.mv ["))) << entry->text().toStdString();
+    ASSERT_TRUE(frame->files().newFile());
+    EXPECT_EQ(frame->windowTitle(), QStringLiteral("Untitled - Mirovane"));
+}
+
+TEST_F(MainFrame, closingAnUnsavedFloorCanBeCalledOff) {
+    addComputer();
+    dialogs.saveAnswers = {SaveAnswer::Cancel};
+    action("fileExit")->trigger();
+    EXPECT_TRUE(frame->isVisible());
+    frame->messageLog().present();
+    dialogs.saveAnswers = {SaveAnswer::Discard};
+    action("fileExit")->trigger();
+    EXPECT_FALSE(frame->isVisible());
+    EXPECT_FALSE(frame->messageLog().isVisible());
+}
+
+TEST_F(MainFrame, theEndOfTheSessionRescuesAFloorWithoutAFile) {
+    addComputer();
+    frame->saveForSession(inFolder("rescued.mv"));
+    EXPECT_FALSE(frame->endSession());
+    EXPECT_FALSE(frame->isVisible());
+    EXPECT_EQ(recent.paths(), std::vector<std::string>{inFolder("rescued.mv")});
+    ASSERT_TRUE(frame->files().openPath(inFolder("rescued.mv")));
+    EXPECT_EQ(document().deviceCount(), 1u);
+}
+
+} // namespace
+} // namespace mirovane

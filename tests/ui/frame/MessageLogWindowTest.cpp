@@ -1,0 +1,89 @@
+#include "ui/frame/MessageLogWindow.h"
+
+#include "tests/support/FakeTime.h"
+
+#include <QApplication>
+#include <QScrollBar>
+#include <QTextBlock>
+
+#include <gtest/gtest.h>
+
+namespace mirovane {
+namespace {
+
+class MessageLogWindow : public testing::Test {
+protected:
+    test::FakeClock clock;
+    CMessageLog log{clock};
+    MemorySettingsStore store;
+    CSettings settings{store};
+
+    static QPlainTextEdit* textOf(CMessageLogWindow& window) {
+        return window.findChild<QPlainTextEdit*>(QStringLiteral("messageLogText"));
+    }
+    static QString lineAt(CMessageLogWindow& window, int number) {
+        return textOf(window)->document()->findBlockByNumber(number).text();
+    }
+    void fill(int lines) {
+        for (int i = 0; i < lines; ++i)
+            log.LogMessage("line " + std::to_string(i));
+    }
+};
+
+TEST_F(MessageLogWindow, keepsFourHundredLinesAndStartGoesFirst) {
+    CMessageLogWindow window(log, settings);
+    EXPECT_EQ(lineAt(window, 0), QStringLiteral("Start Mirovane"));
+    fill(398);
+    EXPECT_EQ(textOf(window)->blockCount(), 400); // with the empty line after the last line end
+    EXPECT_EQ(lineAt(window, 0), QStringLiteral("Start Mirovane"));
+    fill(1);
+    EXPECT_EQ(textOf(window)->blockCount(), 400);
+    EXPECT_TRUE(lineAt(window, 0).endsWith(QStringLiteral(" - line 0"))) << lineAt(window, 0).toStdString();
+    fill(5);
+    ASSERT_EQ(static_cast<int>(log.lines().size()) + 1, textOf(window)->blockCount());
+    for (int i = 0; i < static_cast<int>(log.lines().size()); ++i)
+        EXPECT_EQ(lineAt(window, i).toStdString(), log.lines()[static_cast<std::size_t>(i)]);
+}
+
+TEST_F(MessageLogWindow, showsWhatWasLoggedBeforeAndWhileItWasHidden) {
+    log.LogMessage("early");
+    CMessageLogWindow window(log, settings);
+    EXPECT_TRUE(lineAt(window, 0).endsWith(QStringLiteral("early")));
+    log.LogMessage("hidden");
+    window.present();
+    EXPECT_TRUE(lineAt(window, 1).endsWith(QStringLiteral("hidden")));
+}
+
+TEST_F(MessageLogWindow, followsTheEndUnlessSomebodyReadsFurtherUp) {
+    CMessageLogWindow window(log, settings);
+    window.resize(400, 200);
+    fill(100);
+    window.present();
+    QApplication::processEvents();
+    QScrollBar* bar = textOf(window)->verticalScrollBar();
+    ASSERT_GT(bar->maximum(), 0);
+    EXPECT_EQ(bar->value(), bar->maximum());
+    fill(1);
+    EXPECT_EQ(bar->value(), bar->maximum());
+
+    bar->setValue(10);
+    fill(20);
+    EXPECT_EQ(bar->value(), 10);
+    window.present();
+    EXPECT_EQ(bar->value(), bar->maximum());
+    fill(20);
+    EXPECT_EQ(bar->value(), bar->maximum());
+}
+
+TEST_F(MessageLogWindow, takesItsPlaceOnlyWhenCornerAndSizeAreStored) {
+    store.writeInteger("WindowMLogBotX", 333);
+    store.writeInteger("WindowMLogBotY", 222);
+    EXPECT_NE(CMessageLogWindow(log, settings).width(), 333);
+    store.writeInteger("WindowMLogTopX", 44);
+    CMessageLogWindow window(log, settings);
+    EXPECT_EQ(window.size(), QSize(333, 222));
+    EXPECT_EQ(window.x(), 44);
+}
+
+} // namespace
+} // namespace mirovane
