@@ -29,8 +29,8 @@ constexpr CommandDefinition label(std::string_view setting, std::string_view tex
 // Entries that are alike line up in columns; the formatter would give each a shape of its own.
 // clang-format off
 constexpr std::array commands = {
-    CommandDefinition{.id = CommandId::FileNew, .name = "fileNew", .menu = file, .text = "&New", .keys = "Ctrl+N",
-                      .help = "Start a new, empty datafile"},
+    CommandDefinition{.id = CommandId::FileNew, .name = "fileNew", .menu = file, .text = "&New",
+                      .keys = "Ctrl+N", .help = "Start a new, empty datafile"},
     CommandDefinition{.id = CommandId::FileOpen, .name = "fileOpen", .menu = file, .text = "&Open...",
                       .keys = "Ctrl+O", .help = "Open a datafile"},
     CommandDefinition{.id = CommandId::FileSave, .name = "fileSave", .text = "&Save", .keys = "Ctrl+S",
@@ -64,10 +64,10 @@ constexpr std::array commands = {
     label("PropertiesBackslash",  "\\ Text",       "8", "Show the texts of the \\ lines"),
     label("PropertiesHorz",       "- Text",        "9", "Show the texts of the - lines"),
     label("PropertiesVert",       "| Text",        "0", "Show the texts of the | lines"),
-    displayToggle(properties, "PropertiesSlashDraw", "Draw /", "Ctrl+7", "Draw the / lines of devices", true),
-    displayToggle(properties, "PropertiesBackslashDraw", "Draw \\", "Ctrl+8", "Draw the \\ lines of devices", false),
-    displayToggle(properties, "PropertiesHorzDraw", "Draw -", "Ctrl+9", "Draw the - lines of devices", false),
-    displayToggle(properties, "PropertiesVertDraw", "Draw |", "Ctrl+0", "Draw the | lines of devices", false),
+    displayToggle(properties, "PropertiesSlashDraw", "Draw /", "Ctrl+7", "Draw the / lines", true),
+    displayToggle(properties, "PropertiesBackslashDraw", "Draw \\", "Ctrl+8", "Draw the \\ lines", false),
+    displayToggle(properties, "PropertiesHorzDraw", "Draw -", "Ctrl+9", "Draw the - lines", false),
+    displayToggle(properties, "PropertiesVertDraw", "Draw |", "Ctrl+0", "Draw the | lines", false),
 
     CommandDefinition{.id = CommandId::ToolsFloorMap, .name = "toolsFloorMap", .menu = tools,
                       .text = "&Floor Map...", .help = "Choose the picture of the floor"},
@@ -78,8 +78,8 @@ constexpr std::array commands = {
                       .text = "Perform Live Stat &Now on selected object(s)",
                       .help = "Check the selected devices now", .needs = CommandNeeds::Selection},
 
-    CommandDefinition{.id = CommandId::HelpAbout, .name = "helpAbout", .menu = help, .text = "&About Mirovane...",
-                      .help = "What this program is, and its version"},
+    CommandDefinition{.id = CommandId::HelpAbout, .name = "helpAbout", .menu = help,
+                      .text = "&About Mirovane...", .help = "What this program is, and its version"},
 };
 // clang-format on
 

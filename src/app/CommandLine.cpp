@@ -1,0 +1,54 @@
+#include "app/CommandLine.h"
+
+namespace mirovane {
+
+Result<CommandLine, QString> parseCommandLine(const QStringList& arguments) {
+    CommandLine line;
+    bool optionsEnded = false;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString& argument = arguments[i];
+        if (!optionsEnded && argument == QStringLiteral("--")) {
+            optionsEnded = true;
+        } else if (!optionsEnded && argument == QStringLiteral("--config")) {
+            if (++i == arguments.size())
+                return QStringLiteral("--config needs a folder");
+            line.configFolder = arguments[i];
+        } else if (!optionsEnded && argument.startsWith(QStringLiteral("--config="))) {
+            line.configFolder = argument.section(u'=', 1);
+        } else if (!optionsEnded && argument.startsWith(u'-') && argument.size() > 1) {
+            return QStringLiteral("unknown option ") + argument;
+        } else if (!line.datafile.isEmpty()) {
+            return QStringLiteral("only one datafile can be opened, not %1 and %2")
+                .arg(line.datafile, argument);
+        } else {
+            line.datafile = argument;
+        }
+    }
+    return line;
+}
+
+QString usageText() {
+    return QStringLiteral(
+        "Usage: mirovane [--config DIR] [DATAFILE]\n"
+        "       mirovane --render OUT.png DATAFILE [OPTIONS]\n"
+        "\n"
+        "Keeps the floor plan of a site with every device on it, and watches the devices live.\n"
+        "Without DATAFILE it starts with a new, empty floor.\n"
+        "\n"
+        "  --config DIR   keep the user's settings in DIR\n"
+        "  --render OUT   draw one frame of the floor to a PNG file, without a display\n"
+        "                   --size WxH              size of the picture\n"
+        "                   --zoom PERCENT          zoom of the floor map\n"
+        "                   --devices-zoom PERCENT  zoom of the device icons\n"
+        "                   --scroll X,Y            scroll position\n"
+        "                   --select RECID,...      devices shown as selected\n"
+        "                   --hover RECID           device shown as pointed at\n"
+        "                   --show LABEL,...        labels by settings name, such as PropertiesIPAddress\n"
+        "  --help         print this text\n"
+        "  --version      print the version\n"
+        "\n"
+        "Options of the window system, such as -platform and -style, work as well.\n"
+        "For a computer without a display there is \"mirovanectl station\".\n");
+}
+
+} // namespace mirovane

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/Result.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace mirovane {
+
+/// What the program was told to do.
+struct CommandLine {
+    QString datafile;     ///< empty: start with a new document
+    QString configFolder; ///< empty: the user's own
+};
+
+/// `arguments` without the program's name and without those that the window system took. The error is a
+/// sentence.
+Result<CommandLine, QString> parseCommandLine(const QStringList& arguments);
+
+QString usageText();
+
+} // namespace mirovane

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace mirovane {
+
+/// While it lives, a window system that cannot be reached ends the program with a sentence that says what to
+/// do and exit status 2, in place of an abort with a core dump. Lives around the making of the application
+/// object only.
+class DisplayGuard {
+public:
+    DisplayGuard();
+    ~DisplayGuard();
+    DisplayGuard(const DisplayGuard&) = delete;
+    DisplayGuard& operator=(const DisplayGuard&) = delete;
+};
+
+} // namespace mirovane

@@ -1,0 +1,78 @@
+#include "app/CommandLine.h"
+#include "app/DisplayGuard.h"
+#include "app/EndSignals.h"
+#include "app/Render.h"
+#include "ui/frame/Desktop.h"
+
+#include <QApplication>
+#include <QFile>
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+
+namespace {
+
+using namespace mirovane;
+
+QStringList argumentList(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments << QFile::decodeName(argv[i]);
+    return arguments;
+}
+
+/// What needs no window: done before the window system is touched, so that it works without a display.
+std::optional<int> runWithoutWindow(const QStringList& arguments) {
+    if (arguments.contains(QStringLiteral("--render")))
+        return runRender(arguments);
+    if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
+        std::fputs(usageText().toUtf8().constData(), stdout);
+        return 0;
+    }
+    if (arguments.contains(QStringLiteral("--version"))) {
+        std::puts("mirovane " MIROVANE_VERSION);
+        return 0;
+    }
+    return std::nullopt;
+}
+
+std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
+    const DisplayGuard guard;
+    auto application = std::make_unique<QApplication>(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("mirovane"));
+    QApplication::setApplicationDisplayName(QString());
+    QApplication::setApplicationVersion(QStringLiteral(MIROVANE_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("mirovane"));
+    return application;
+}
+
+int runWindow(const CommandLine& line) {
+    CDesktop desktop({QFile::encodeName(line.configFolder).toStdString(), QStringLiteral(MIROVANE_VERSION)});
+    std::optional<int> ended;
+    const EndSignals signals([&desktop, &ended] {
+        ended = desktop.endSession();
+        QApplication::exit(*ended); // also of the event loop of a box that is open
+    });
+    // The session may yet go on: nothing but saving. When it does end, the event loop ends and the station
+    // leaves.
+    QObject::connect(
+        qApp, &QGuiApplication::commitDataRequest, &desktop.frame(), [&desktop] { desktop.saveForSession(); },
+        Qt::DirectConnection);
+    desktop.start(QFile::encodeName(line.datafile).toStdString());
+    return ended ? *ended : QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (const auto status = runWithoutWindow(argumentList(argc, argv)))
+        return *status;
+    const auto application = makeApplication(argc, argv);
+    const auto line = parseCommandLine(QApplication::arguments().mid(1));
+    if (!line) {
+        std::fprintf(stderr, "mirovane: %s\nTry \"mirovane --help\".\n", line.error().toUtf8().constData());
+        return 2;
+    }
+    return runWindow(line.value());
+}

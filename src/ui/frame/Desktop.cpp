@@ -1,0 +1,68 @@
+#include "ui/frame/Desktop.h"
+
+#include "platform/Host.h"
+#include "ui/floor/MirovaneView.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+
+namespace mirovane {
+
+namespace {
+
+/// Where a floor without a file goes when the session ends.
+std::string rescuePath(const QDateTime& now) {
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                      QStringLiteral("/mirovane"));
+    folder.mkpath(QStringLiteral("."));
+    const QString name =
+        QStringLiteral("Untitled-%1.mv").arg(now.toString(QStringLiteral("yyyyMMdd-HHmmss")));
+    return QFile::encodeName(folder.filePath(name)).toStdString();
+}
+
+} // namespace
+
+CDesktop::CDesktop(const Options& options)
+    : store_(options.configFolder),
+      recent_(store_),
+      settings_(store_),
+      log_(clock_),
+      dialogs_(options.version, [this](bool open) { pauseStation(open); }) {
+    settings_.initialise();
+    station_ = std::make_unique<CStation>(
+        StationServices{files_, clock_, timers_, settings_, log_, dialogs_, probes_, thisStation()});
+    frame_ = std::make_unique<CMainFrame>(*station_, dialogs_, recent_, new CMirovaneView(*station_));
+    dialogs_.setParent(frame_.get());
+}
+
+CDesktop::~CDesktop() = default;
+
+void CDesktop::start(const std::string& datafile) {
+    frame_->show();
+    if (datafile.empty() || !frame_->files().openPath(datafile))
+        frame_->files().newFile();
+}
+
+void CDesktop::saveForSession() {
+    frame_->saveForSession(rescuePath(QDateTime::currentDateTime()));
+}
+
+int CDesktop::endSession() {
+    dialogs_.silence();
+    saveForSession();
+    const auto error = frame_->endSession();
+    if (error)
+        dialogs_.fail(error->sentence);
+    return error ? 3 : 0;
+}
+
+void CDesktop::pauseStation(bool pause) {
+    if (pause && station_)
+        pause_.emplace(*station_);
+    else
+        pause_.reset();
+}
+
+} // namespace mirovane

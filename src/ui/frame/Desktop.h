@@ -1,0 +1,65 @@
+#pragma once
+
+#include "model/MessageLog.h"
+#include "model/Settings.h"
+#include "platform/Clock.h"
+#include "platform/PosixFiles.h"
+#include "platform/qt/IniSettingsStore.h"
+#include "platform/qt/QtTimers.h"
+#include "probes/SystemHostProbes.h"
+#include "ui/frame/MainFrame.h"
+#include "ui/frame/RecentFiles.h"
+#include "ui/frame/WidgetDialogs.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace mirovane {
+
+/// Everything that lives as long as the desktop program, in the order in which it must come to be: the
+/// settings get their defaults before any window exists, and the application object exists before this.
+class CDesktop {
+public:
+    struct Options {
+        std::string configFolder; ///< empty: the user's own
+        QString version;
+    };
+
+    explicit CDesktop(const Options& options);
+    ~CDesktop();
+
+    CMainFrame& frame() { return *frame_; }
+    CStation& station() { return *station_; }
+
+    /// Shows the window and opens the datafile; with none, or when it cannot be opened, a new one.
+    void start(const std::string& datafile);
+
+    /// The session is about to end: what is not yet on disk goes there, a floor without a file to a file of
+    /// its own.
+    void saveForSession();
+
+    /// The session ends, nobody can be asked: Live Stat goes off, everything is saved, the window closes.
+    /// Returns the program's exit status.
+    int endSession();
+
+private:
+    void pauseStation(bool pause);
+
+    SystemClock clock_;
+    PosixFiles files_;
+    QtTimerFactory timers_;
+    IniSettingsStore store_;
+    CRecentFiles recent_;
+    CSettings settings_;
+    CMessageLog log_;
+    WidgetDialogs dialogs_;
+    SystemHostProbes probes_;
+    std::unique_ptr<CStation> station_;
+    std::unique_ptr<CMainFrame> frame_;
+    std::optional<CStation::Pause> pause_;
+};
+
+} // namespace mirovane
