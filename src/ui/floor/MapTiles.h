@@ -49,8 +49,8 @@ public:
     void draw(QPainter& painter, QRect target, QPoint origin, double factor);
 
 private:
-    static constexpr int tileSide = 512;
-    static constexpr std::size_t keptTiles = 96;
+    static constexpr int tileSide = 256;
+    static constexpr std::size_t keptTiles = 384;
 
     struct Tile {
         QImage image;

@@ -98,10 +98,13 @@ QImage acrossRows(const QImage& source, const Axis& across) {
         const QRgb* in = pixels(source, y);
         auto* out = reinterpret_cast<QRgb*>(result.scanLine(y));
         for (const Taps& taps : across.taps) {
-            Sum sum;
             const QRgb* from = in + (taps.first - across.begin);
             const std::uint32_t* weight = across.weights.data() + taps.firstWeight;
-            for (int i = 0; i < taps.count; ++i)
+            Sum sum;
+            sum.add(from[0], weight[0]);
+            if (taps.count > 1)
+                sum.add(from[1], weight[1]);
+            for (int i = 2; i < taps.count; ++i)
                 sum.add(from[i], weight[i]);
             *out++ = sum.pixel();
         }
@@ -109,21 +112,24 @@ QImage acrossRows(const QImage& source, const Axis& across) {
     return result;
 }
 
+/// Byte by byte in 16 bits, which the compiler turns into wide instructions: 255 * 256 + 128 just fits.
 QImage downColumns(const QImage& source, const Axis& down) {
     QImage result(source.width(), static_cast<int>(down.taps.size()), QImage::Format_RGB32);
-    std::vector<Sum> sums(static_cast<std::size_t>(source.width()));
+    const std::size_t bytes = static_cast<std::size_t>(source.width()) * 4;
+    std::vector<std::uint16_t> sums(bytes);
     int row = 0;
     for (const Taps& taps : down.taps) {
-        std::fill(sums.begin(), sums.end(), Sum());
+        std::fill(sums.begin(), sums.end(), std::uint16_t{128});
         for (int i = 0; i < taps.count; ++i) {
-            const QRgb* in = pixels(source, taps.first - down.begin + i);
-            const std::uint32_t weight = down.weights[static_cast<std::size_t>(taps.firstWeight + i)];
-            for (std::size_t x = 0; x < sums.size(); ++x)
-                sums[x].add(in[x], weight);
+            const uchar* in = source.constScanLine(taps.first - down.begin + i);
+            const auto weight =
+                static_cast<std::uint16_t>(down.weights[static_cast<std::size_t>(taps.firstWeight + i)]);
+            for (std::size_t k = 0; k < bytes; ++k)
+                sums[k] = static_cast<std::uint16_t>(sums[k] + in[k] * weight);
         }
-        auto* out = reinterpret_cast<QRgb*>(result.scanLine(row++));
-        for (std::size_t x = 0; x < sums.size(); ++x)
-            out[x] = sums[x].pixel();
+        uchar* out = result.scanLine(row++);
+        for (std::size_t k = 0; k < bytes; ++k)
+            out[k] = static_cast<uchar>(sums[k] >> 8);
     }
     return result;
 }

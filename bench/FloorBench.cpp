@@ -1,0 +1,251 @@
+// Rows D1 to D5: frames of 1920 x 1080 drawn into an image, against a painter that keeps nothing. Equal
+// pixels are checked before time is taken.
+
+#include "bench/support/PairedRounds.h"
+#include "model/Document.h"
+#include "platform/PosixFiles.h"
+#include "tests/ui/floor/PlainPainter.h"
+#include "ui/floor/FloorFrame.h"
+#include "ui/floor/FloorIndex.h"
+#include "ui/floor/IconSet.h"
+#include "ui/floor/MapTiles.h"
+#include "ui/floor/PhotoStore.h"
+
+#include <QGuiApplication>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <random>
+
+namespace {
+
+using namespace mirovane;
+
+constexpr QSize window(1920, 1080);
+constexpr QSize mapSize(2600, 1700);
+
+QImage drawnMap() {
+    QImage map(mapSize, QImage::Format_RGB32);
+    map.fill(Qt::white);
+    QPainter painter(&map);
+    painter.setPen(QPen(Qt::darkGray, 3));
+    for (int x = 40; x < map.width(); x += 170) {
+        for (int y = 40; y < map.height(); y += 130)
+            painter.drawRect(x, y, 150, 110);
+    }
+    return map;
+}
+
+void require(bool condition, const char* what) {
+    if (condition)
+        return;
+    std::fprintf(stderr, "FloorBench: %s\n", what);
+    std::exit(1);
+}
+
+/// `seen` devices spread over the map, `elsewhere` more far beside it.
+struct Site {
+    Site(int seen, int elsewhere) {
+        icons.loadWithFallback(QStringLiteral("/nowhere"));
+        require(!icons.bitmap(1, 0).isNull(), "no icons");
+        CHardware mapRecord;
+        mapRecord.Type = SpecialType::FloorMapRecord;
+        mapRecord.Name = "map.bmp";
+        doc.append(mapRecord);
+        std::mt19937 random(1);
+        const auto below = [&random](int limit) {
+            return static_cast<int>(random() % static_cast<unsigned>(limit));
+        };
+        for (int i = 0; i < seen + elsewhere; ++i) {
+            const bool visible = i < seen;
+            doc.addDevice(1 + below(12), [&](CHardware& d) {
+                d.Position = visible ? MapPoint{below(window.width() - 80), below(window.height() - 80)}
+                                     : MapPoint{10000 + below(40000), below(40000)};
+                d.State = below(3);
+                d.Name = "workstation-" + std::to_string(i);
+                d.IPAddress = "10.0." + std::to_string(i / 250) + "." + std::to_string(i % 250);
+            });
+        }
+        doc.display().PropertiesComputer = doc.display().PropertiesIPAddress = true;
+        doc.display().PropertiesUsername = false;
+        tiles.setPicture(picture);
+        state.client = window;
+        state.LabelFontHeight = 12;
+    }
+
+    FloorSources sources() { return {doc, index, icons, tiles, photos}; }
+
+    void zoom(std::int32_t percent) {
+        doc.display().ZoomPercent = doc.display().ZoomDevicesPercent = percent;
+    }
+
+    SystemClock clock;
+    PosixFiles files;
+    CMessageLog log{clock};
+    MemorySettingsStore store;
+    CSettings settings{store};
+    CMirovaneDoc doc{files, clock, log, settings, {"bench", "bench"}};
+    FloorIndex index{doc};
+    IconSet icons;
+    QImage map = drawnMap();
+    std::shared_ptr<const MapPicture> picture = std::make_shared<const MapPicture>(map);
+    MapTiles tiles;
+    PhotoStore photos{PhotoStore::Reading::Now};
+    FloorViewState state;
+};
+
+/// What the window does between two frames when it has nothing else to do.
+void prepareAll(FloorFrame& frame) {
+    while (frame.prepare(std::chrono::seconds(1))) {
+    }
+}
+
+void scrollTo(Site& site, int step) {
+    site.state.scroll = QPoint(step % 37, (step * 7) % 23);
+}
+
+void benchLaterFrames(int devices, double goal) {
+    Site site(devices, 0);
+    FloorFrame frame(site.sources());
+    test::PlainPainter plain(site.doc, site.icons, site.map);
+    QImage canvas(window, QImage::Format_RGB32);
+    frame.setView(site.state, 1);
+    frame.image();
+    prepareAll(frame);
+    for (int step = 0; step < 3; ++step) {
+        scrollTo(site, step);
+        frame.setView(site.state, 1);
+        plain.draw(canvas, site.state);
+        require(frame.image() == canvas, "kept and plain frames differ");
+    }
+    int step = 0;
+    const auto ours = [&] {
+        scrollTo(site, ++step);
+        frame.setView(site.state, 1);
+        frame.image();
+        prepareAll(frame);
+    };
+    const auto other = [&] {
+        scrollTo(site, ++step);
+        plain.draw(canvas, site.state);
+    };
+    const std::string what = std::to_string(devices) + " devices, ";
+    bench::printRow("D1", what + "scroll", bench::measurePaired(ours, other, 11), goal);
+
+    std::size_t place = 1;
+    const auto hover = [&] {
+        site.doc.setShowAll(site.doc.at(place), false);
+        place = 1 + place % static_cast<std::size_t>(devices);
+        site.doc.setShowAll(site.doc.at(place), true);
+        frame.invalidate(site.doc.at(place));
+        frame.invalidate(site.doc.at(place == 1 ? static_cast<std::size_t>(devices) : place - 1));
+        frame.image();
+    };
+    bench::printRow("D1", what + "hover", bench::measurePaired(hover, other, 11), goal);
+    const auto drag = [&] {
+        const CHardware& device = site.doc.at(5);
+        frame.invalidate(device);
+        site.doc.edit(device, [](CHardware& d) { d.Position.x = (d.Position.x + 9) % 1800; });
+        frame.invalidate(device);
+        frame.image();
+    };
+    bench::printRow("D1", what + "drag", bench::measurePaired(drag, other, 11), goal);
+    site.doc.setShowAll(site.doc.at(place), false);
+    const auto unchanged = [&] {
+        QPainter painter(&canvas);
+        painter.drawImage(0, 0, frame.image());
+    };
+    bench::printRow("D3", what + "nothing changed", bench::measurePaired(unchanged, other, 11), 0.10);
+}
+
+void benchFirstFrame(int devices, std::int32_t percent) {
+    Site site(devices, 0);
+    site.zoom(percent);
+    test::PlainPainter plain(site.doc, site.icons, site.map);
+    QImage canvas(window, QImage::Format_RGB32);
+    if (percent == 100) {
+        FloorFrame frame(site.sources());
+        frame.setView(site.state, 1);
+        plain.draw(canvas, site.state);
+        require(frame.image() == canvas, "first and plain frames differ");
+    }
+    const auto ours = [&] {
+        site.tiles.setPicture(site.picture);
+        site.icons.loadWithFallback(QStringLiteral("/nowhere"));
+        FloorFrame frame(site.sources());
+        const auto start = std::chrono::steady_clock::now();
+        frame.setView(site.state, 1);
+        frame.image();
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    };
+    const auto other = [&] {
+        plain.draw(canvas, site.state);
+    };
+    bench::printRow("D2", std::to_string(devices) + " devices, " + std::to_string(percent) + " %",
+                    bench::measurePaired(ours, other, 11), 1.3);
+}
+
+void benchMap(std::int32_t percent) {
+    MapTiles tiles;
+    tiles.setPicture(std::make_shared<const MapPicture>(drawnMap()));
+    QImage canvas(window, QImage::Format_RGB32);
+    QImage copy(window, QImage::Format_RGB32);
+    canvas.fill(Qt::white);
+    int step = 0;
+    const auto ours = [&] {
+        ++step;
+        const QPoint origin(-(step % 40), -(step % 30));
+        QPainter painter(&canvas);
+        tiles.draw(painter, canvas.rect(), origin, percent / 100.0);
+    };
+    // A smaller zoom covers less than the frame; it is measured against the whole frame's copy all the same.
+    const auto other = [&] {
+        std::memcpy(copy.bits(), std::as_const(canvas).constBits(),
+                    static_cast<std::size_t>(canvas.sizeInBytes()));
+    };
+    for (int round = 0; round < 40; ++round)
+        ours();
+    bench::printRow("D4", "map at " + std::to_string(percent) + " %, scroll",
+                    bench::measurePaired(ours, other, 21), 2.5);
+}
+
+void benchManyElsewhere() {
+    Site large(1000, 64000);
+    Site small(1000, 0);
+    FloorFrame largeFrame(large.sources());
+    FloorFrame smallFrame(small.sources());
+    int step = 0;
+    const auto frameOf = [&step](Site& site, FloorFrame& frame) {
+        scrollTo(site, ++step);
+        frame.setView(site.state, 1);
+        frame.image();
+        prepareAll(frame);
+    };
+    step = 0;
+    frameOf(large, largeFrame);
+    step = 0;
+    frameOf(small, smallFrame);
+    require(largeFrame.image() == smallFrame.image(), "devices elsewhere change the frame");
+    bench::printRow(
+        "D5", "1000 seen of 65000, scroll",
+        bench::measurePaired([&] { frameOf(large, largeFrame); }, [&] { frameOf(small, smallFrame); }, 21),
+        1.35);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    bench::printHeader();
+    benchLaterFrames(1000, 0.35);
+    benchLaterFrames(10000, 0.25);
+    for (const std::int32_t percent : {100, 50, 150, 300})
+        benchFirstFrame(1000, percent);
+    benchFirstFrame(10000, 100);
+    for (const std::int32_t percent : {33, 75, 100, 110, 150, 300, 1000})
+        benchMap(percent);
+    benchManyElsewhere();
+    return 0;
+}
