@@ -19,6 +19,7 @@ namespace mirovane {
 namespace {
 
 constexpr int startDeadlineMs = 20'000;
+constexpr int toolDeadlineMs = 2'000;
 
 std::string missingTool() {
     for (const char* tool : {"Xvfb", "openbox", "xdotool", "import"}) {
@@ -81,7 +82,10 @@ protected:
         QProcess process;
         process.setProcessEnvironment(environment);
         process.start(name, arguments);
-        process.waitForFinished(startDeadlineMs);
+        if (!process.waitForFinished(toolDeadlineMs)) {
+            process.kill(); // a search among windows that come and go may hang; it is asked again
+            process.waitForFinished();
+        }
         return process.readAllStandardOutput().trimmed();
     }
 
