@@ -40,6 +40,20 @@ std::string criteriaName(std::int32_t type) {
     return std::string(typeName(code / 20)) + " " + std::to_string(code % 20);
 }
 
+/// "0 to 3, 7" for 0, 1, 2, 3, 7.
+std::string rowList(const std::vector<int>& rows) {
+    std::string text;
+    for (std::size_t first = 0, last = 0; first < rows.size(); first = last + 1) {
+        last = first;
+        while (last + 1 < rows.size() && rows[last + 1] == rows[last] + 1)
+            ++last;
+        text += (text.empty() ? "" : ", ") + std::to_string(rows[first]);
+        if (last > first)
+            text += " to " + std::to_string(rows[last]);
+    }
+    return text;
+}
+
 class Inspector {
 public:
     explicit Inspector(const Datafile::Content& content) : content_(content) {}
@@ -81,10 +95,11 @@ private:
     }
 
     void inspectDevice(const CHardware& device) {
-        if (typeName(device.Type).empty())
-            odd("the device type " + std::to_string(device.Type) + " is unknown", device.RecID);
-        DeviceCount& count = report_.devices[floorCode(device.Type)];
+        const bool known = !typeName(device.Type).empty();
+        DeviceCount& count = report_.devices[known ? floorCode(device.Type) : device.Type];
         ++(device.inDiscovered() ? count.discovered : count.onFloor);
+        if (!known)
+            odd("the device type " + std::to_string(device.Type) + " is unknown", device.RecID);
         if (device.RecID <= 0)
             odd("the record ID " + std::to_string(device.RecID) + " is not above 0", device.RecID);
         const auto [first, isNew] = placeOfRecID_.emplace(device.RecID, place_);
@@ -170,14 +185,14 @@ private:
     void inspectMissingCriteria(std::int32_t type) {
         constexpr int toDoRow = criteriaRowCount - 1;
         const bool hasToDoRows = criteria_.contains(criteriaRecordType(DeviceType::Jack, toDoRow));
-        std::string missing;
+        std::vector<int> missing;
         for (int row = 0; row < criteriaRowCount; ++row) {
             const bool expected = row != toDoRow || hasToDoRows;
             if (expected && !criteria_.contains(criteriaRecordType(type, row)))
-                missing += (missing.empty() ? "" : ", ") + std::to_string(row);
+                missing.push_back(row);
         }
         if (!missing.empty())
-            odd("there are no criteria rows " + missing + " of " + std::string(typeName(type)));
+            odd("criteria rows " + rowList(missing) + " of " + std::string(typeName(type)) + " are missing");
     }
 
     const Datafile::Content& content_;

@@ -31,7 +31,7 @@ struct DatafileReport {
     std::int32_t fileVersion = 0;
     TimeStamp created = 0; ///< 0 where no VersionRecord says it
     std::size_t records = 0;
-    std::map<std::int32_t, DeviceCount> devices; ///< by floor code
+    std::map<std::int32_t, DeviceCount> devices; ///< by floor code, unknown ones by `Type`
     std::map<std::int32_t, std::size_t> special; ///< by type; criteria rows are counted under criteriaType
     std::vector<Oddity> oddities;                ///< in record order, then those of the whole file
 

@@ -3,11 +3,8 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,6 +19,14 @@ std::vector<char*> argumentVector(std::vector<std::string>& words) {
         argv.push_back(word.data());
     argv.push_back(nullptr);
     return argv;
+}
+
+int occurrences(std::string_view text, std::string_view part) {
+    int count = 0;
+    for (std::size_t at = text.find(part); at != std::string_view::npos;
+         at = text.find(part, at + part.size()))
+        ++count;
+    return count;
 }
 
 /// Reads what is there; false at the end.
@@ -88,9 +93,9 @@ void CliProcess::pump(int timeoutMs) {
         drain(err_, result_.err);
 }
 
-bool CliProcess::waitForOutput(std::string_view text, std::chrono::seconds deadline) {
+bool CliProcess::waitForOutput(std::string_view text, int times, std::chrono::seconds deadline) {
     const auto end = std::chrono::steady_clock::now() + deadline;
-    while (result_.out.find(text) == std::string::npos) {
+    while (occurrences(result_.out, text) < times) {
         if (out_ < 0 || std::chrono::steady_clock::now() > end)
             return false;
         pump(100);
@@ -123,14 +128,7 @@ CliResult cli(const Words& words, const std::function<void()>& arrange) {
 }
 
 CliFolder::CliFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "mirovane-cli-XXXXXX").string();
-    folder_ = ::mkdtemp(name.data());
-    std::filesystem::create_directory(folder_ / "config");
-}
-
-CliFolder::~CliFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
+    std::filesystem::create_directory(config());
 }
 
 std::string CliFolder::datafile(const std::string& name) const {
@@ -148,15 +146,6 @@ std::string CliFolder::datafile(const std::vector<Words>& devices) const {
         EXPECT_EQ(added.status, 0) << added.err;
     }
     return file;
-}
-
-std::string fileBytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-void writeBytes(const std::string& path, std::string_view bytes) {
-    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 } // namespace mirovane::test

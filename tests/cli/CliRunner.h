@@ -1,7 +1,8 @@
 #pragma once
 
+#include "tests/support/TestFolder.h"
+
 #include <chrono>
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -29,8 +30,10 @@ public:
 
     void signal(int number);
 
-    /// Reads until the results hold `text`; false when the program ends or the deadline passes first.
-    bool waitForOutput(std::string_view text, std::chrono::seconds deadline = std::chrono::seconds(30));
+    /// Reads until the results hold `text` so many times; false when the program ends or the deadline passes
+    /// first.
+    bool waitForOutput(std::string_view text, int times = 1,
+                       std::chrono::seconds deadline = std::chrono::seconds(30));
 
     /// Stops reading, as `head` does.
     void closeOutput();
@@ -54,11 +57,8 @@ CliResult cli(const Words& words, const std::function<void()>& arrange = {});
 class CliFolder {
 public:
     CliFolder();
-    ~CliFolder();
-    CliFolder(const CliFolder&) = delete;
-    CliFolder& operator=(const CliFolder&) = delete;
 
-    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    std::string path(const std::string& name) const { return folder_.file(name); }
     std::string config() const { return path("config"); }
 
     /// A new datafile.
@@ -68,10 +68,7 @@ public:
     std::string datafile(const std::vector<Words>& devices) const;
 
 private:
-    std::filesystem::path folder_;
+    TestFolder folder_;
 };
-
-std::string fileBytes(const std::string& path);
-void writeBytes(const std::string& path, std::string_view bytes);
 
 } // namespace mirovane::test

@@ -100,15 +100,16 @@ TEST(DatafileCheck, findsWhatIsWrongWithTheSpecialRecords) {
     EXPECT_THAT(texts,
                 AllOf(Contains("there is no VersionRecord"), Contains("there is no LiveStatOwnerRecord"),
                       Contains("there is no LiveDiscoverOwnerRecord"),
-                      Contains("there are no criteria rows 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10 of Wireless")));
+                      Contains("criteria rows 0 to 10 of Wireless are missing")));
 
     Datafile::Content doubled = healthy();
+    doubled.records.erase(doubled.records.begin() + 5, doubled.records.begin() + 7);
     doubled.records.erase(doubled.records.begin() + 3);
     add(doubled, criteriaRecordType(DeviceType::Computer, 4)).Name = "Pong";
     EXPECT_THAT(oddTexts(doubled),
                 ElementsAre("a second criteria row Computer 4",
                             "criteria row Computer 4 holds the action \"Pong\", which it does not offer",
-                            "there are no criteria rows 0 of Jack"));
+                            "criteria rows 0, 2 to 3 of Jack are missing"));
 }
 
 } // namespace

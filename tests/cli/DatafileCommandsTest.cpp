@@ -37,11 +37,11 @@ TEST(NewCommand, makesTheWholeDatafileOnce) {
     EXPECT_EQ(cli({"check", file}).status, 0);
 
     ASSERT_EQ(cli({"add", file, "--type", "Jack"}).status, 0);
-    const std::string before = fileBytes(file);
+    const std::string before = readBytes(file);
     const CliResult again = cli({"new", file});
     EXPECT_EQ(again.status, 3);
     EXPECT_THAT(again.err, HasSubstr("it exists already"));
-    EXPECT_EQ(fileBytes(file), before);
+    EXPECT_EQ(readBytes(file), before);
     EXPECT_EQ(cli({"new", file, "--force"}).status, 0);
     EXPECT_THAT(names({}, file), IsEmpty());
 }
@@ -69,7 +69,7 @@ TEST(RecordsCommand, jsonIsUtf8AndValidWhateverTheFileHolds) {
     const CliFolder folder;
     const std::string file =
         folder.datafile({{"Printer", "Name=caf\xE9 \x81", "Comment=tab\there \"q\" $mvN \\"}});
-    std::string bytes = fileBytes(file);
+    std::string bytes = readBytes(file);
     const std::string notANumber("\x00\x00\x00\x00\x00\x00\xF8\x7F", 8);
     // The last record ends with ReminderDate's value, an empty ToDo and the Priority.
     bytes.replace(bytes.size() - 13, 8, notANumber);
@@ -86,7 +86,7 @@ TEST(RecordsCommand, jsonIsUtf8AndValidWhateverTheFileHolds) {
     EXPECT_EQ(check.status, 1);
     EXPECT_THAT(check.out, AllOf(HasSubstr("oddities: 2"), HasSubstr("ReminderDate is no date"),
                                  HasSubstr("record 159 (RecID 1): Name holds text that is neither")));
-    EXPECT_EQ(fileBytes(file), bytes) << "reading changes nothing";
+    EXPECT_EQ(readBytes(file), bytes) << "reading changes nothing";
 }
 
 TEST(ListCommand, filtersAndSorts) {
@@ -138,7 +138,7 @@ TEST(EditCommands, printTheRecIDsAndStampThem) {
 TEST(EditCommands, anEditThatFailsAnywhereChangesNothing) {
     const CliFolder folder;
     const std::string file = folder.datafile({{"Printer", "Name=a"}, {"Printer", "Name=b"}});
-    const std::string before = fileBytes(file);
+    const std::string before = readBytes(file);
     const struct {
         Words words;
         int status;
@@ -165,14 +165,14 @@ TEST(EditCommands, anEditThatFailsAnywhereChangesNothing) {
         EXPECT_THAT(result.err, HasSubstr(wrong.why));
         EXPECT_THAT(result.out, IsEmpty()) << wrong.why;
     }
-    EXPECT_EQ(fileBytes(file), before);
+    EXPECT_EQ(readBytes(file), before);
 }
 
 TEST(EditCommands, filesThatCannotBeReadOrWrittenAreNamed) {
     const CliFolder folder;
     const std::string missing = folder.path("no/such.mv");
     const std::string damaged = folder.path("damaged.mv");
-    writeBytes(damaged, fileBytes(folder.datafile()).substr(0, 1000));
+    writeBytes(damaged, readBytes(folder.datafile()).substr(0, 1000));
     const std::string other = folder.path("other.txt");
     writeBytes(other, "this is no datafile at all, only a text of some length");
     for (const std::string& file : {missing, folder.config(), damaged, other}) {
@@ -190,14 +190,14 @@ TEST(EditCommands, filesThatCannotBeReadOrWrittenAreNamed) {
         }
     }
     EXPECT_EQ(cli({"new", missing}).status, 3);
-    EXPECT_EQ(fileBytes(damaged).size(), 1000U);
+    EXPECT_EQ(readBytes(damaged).size(), 1000U);
     EXPECT_THAT(cli({"check", damaged}).err, AllOf(HasSubstr("byte"), HasSubstr("record")));
 }
 
 TEST(EditCommands, aReadOnlyDatafileStaysAsItIs) {
     const CliFolder folder;
     const std::string file = folder.datafile({{"Printer", "Name=a"}});
-    const std::string before = fileBytes(file);
+    const std::string before = readBytes(file);
     ::chmod(file.c_str(), 0444);
     ::chmod(std::filesystem::path(file).parent_path().c_str(), 0755);
     const auto asNobody = [] {
@@ -210,7 +210,7 @@ TEST(EditCommands, aReadOnlyDatafileStaysAsItIs) {
     EXPECT_EQ(result.status, 3);
     EXPECT_THAT(result.err, HasSubstr("Permission denied"));
     EXPECT_EQ(cli({"list", file}, asNobody).status, 0);
-    EXPECT_EQ(fileBytes(file), before);
+    EXPECT_EQ(readBytes(file), before);
 }
 
 TEST(EditCommands, twentyAtOnceAllSurvive) {
@@ -229,6 +229,21 @@ TEST(EditCommands, twentyAtOnceAllSurvive) {
     EXPECT_EQ(printed.size(), 20U) << "record IDs are unique";
     const auto found = names({}, file);
     EXPECT_EQ(std::set<std::string>(found.begin(), found.end()).size(), 20U);
+}
+
+TEST(UpgradeCommand, savesEveryOlderLayoutAsTheCurrentOne) {
+    const CliFolder folder;
+    for (const std::string version : {"2002", "2003", "2004", "2008"}) {
+        const std::string golden = MIROVANE_SOURCE_DIR "/tests/golden/floor-" + version;
+        const std::string file = folder.path(version + ".mv");
+        writeBytes(file, readBytes(golden + ".mv"));
+        EXPECT_THAT(cli({"check", file}).out, StartsWith("version: " + version + "\n"));
+        EXPECT_EQ(readBytes(file), readBytes(golden + ".mv")) << "looking at it upgrades nothing";
+        const CliResult result = cli({"upgrade", file});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(result.out, "version " + version + " to 2008\n");
+        EXPECT_THAT(cli({"check", file}).out, StartsWith("version: 2008\n"));
+    }
 }
 
 TEST(CriteriaCommand, changesWhatItShows) {

@@ -1,6 +1,7 @@
 #include "model/Datafile.h"
 #include "tests/cli/CliJson.h"
 #include "tests/cli/CliRunner.h"
+#include "tests/support/TunHosts.h"
 
 #include <csignal>
 #include <gmock/gmock.h>
@@ -37,7 +38,7 @@ protected:
     }
 
     CHardware owner() const {
-        const auto content = Datafile::decode(fileBytes(file_));
+        const auto content = Datafile::decode(readBytes(file_));
         for (const auto& record : content.value().records) {
             if (record->Type == SpecialType::LiveStatOwnerRecord)
                 return *record;
@@ -47,7 +48,7 @@ protected:
 
     /// Another station says that it runs Live Stat.
     void claimForOther() const {
-        auto content = std::move(Datafile::decode(fileBytes(file_)).value());
+        auto content = std::move(Datafile::decode(readBytes(file_)).value());
         for (const auto& record : content.records) {
             if (record->Type == SpecialType::LiveStatOwnerRecord) {
                 record->State = 1;
@@ -76,7 +77,7 @@ TEST_F(StationCommand, runsLiveStatUntilItIsTold) {
     EXPECT_THAT(result.out, EndsWith("Live Stat disabled\n"));
     EXPECT_EQ(owner().State, 0);
     EXPECT_EQ(states(), (std::map<std::string, std::string>{{"here", "Active"}, {"gone", "Inactive"}}));
-    EXPECT_THAT(fileBytes(folder_.config() + "/mirovane.ini"),
+    EXPECT_THAT(readBytes(folder_.config() + "/mirovane.ini"),
                 AllOf(HasSubstr("LSRunSec=3"), HasSubstr("LSNumPerRun=30")))
         << "the options are for this run only";
 }
@@ -92,11 +93,11 @@ TEST_F(StationCommand, endsAtItsLimits) {
     EXPECT_EQ(now.status, 0);
     EXPECT_THAT(now.out, HasSubstr("Done processing selected object(s) [LS Now]"));
 
-    const std::string before = fileBytes(file_);
+    const std::string before = readBytes(file_);
     const CliResult unknown = cli(station({"--now", "2", "99"}));
     EXPECT_EQ(unknown.status, 1);
     EXPECT_THAT(unknown.err, HasSubstr("no device has the RecID 99"));
-    EXPECT_EQ(fileBytes(file_), before);
+    EXPECT_EQ(readBytes(file_), before);
 }
 
 TEST_F(StationCommand, onlyWatchesWithoutLiveStat) {
@@ -105,15 +106,15 @@ TEST_F(StationCommand, onlyWatchesWithoutLiveStat) {
     bool reloaded = false;
     for (int attempt = 0; attempt < 5 && !reloaded; ++attempt) {
         ASSERT_EQ(cli({"set", file_, "1", "State=On"}).status, 0);
-        reloaded = process.waitForOutput("Loaded from data file", std::chrono::seconds(5));
+        reloaded = process.waitForOutput("Loaded from data file", 1, std::chrono::seconds(5));
     }
     ASSERT_TRUE(reloaded);
     process.signal(SIGHUP);
-    const std::string before = fileBytes(file_);
+    const std::string before = readBytes(file_);
     process.signal(SIGINT);
     const CliResult result = process.finish();
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(fileBytes(file_), before);
+    EXPECT_EQ(readBytes(file_), before);
     EXPECT_EQ(owner().State, 0);
     for (std::size_t at = 0, end = 0; (end = result.out.find('\n', at)) != std::string::npos; at = end + 1) {
         const QJsonObject line =
@@ -125,11 +126,11 @@ TEST_F(StationCommand, onlyWatchesWithoutLiveStat) {
 
 TEST_F(StationCommand, leavesAnotherStationsLiveStatAlone) {
     claimForOther();
-    const std::string before = fileBytes(file_);
+    const std::string before = readBytes(file_);
     const CliResult refused = cli(station({"--live-stat"}));
     EXPECT_EQ(refused.status, 4);
     EXPECT_THAT(refused.err, HasSubstr("Live stat is enabled by OTHER-HOST\\somebody."));
-    EXPECT_EQ(fileBytes(file_), before);
+    EXPECT_EQ(readBytes(file_), before);
 
     CliProcess taking(station({"--live-stat", "--take-over", "--run-sec", "1"}));
     ASSERT_TRUE(taking.waitForOutput("Saved changes to data file"));
@@ -151,6 +152,29 @@ TEST_F(StationCommand, releasesLiveStatWhenNobodyReadsAnyMore) {
     EXPECT_EQ(owner().State, 0);
 }
 
+TEST_F(StationCommand, showsAHostThatStopsAnsweringAndComesBack) {
+    const OwnNetwork network;
+    if (network.refused())
+        GTEST_SKIP() << *network.refused();
+    std::atomic<bool> alive = true;
+    const TunHosts hosts([&alive](TunHosts& net, const TunHosts::Bytes& request) {
+        if (alive)
+            net.send(TunHosts::replyTo(request));
+    });
+    if (hosts.refused())
+        GTEST_SKIP() << *hosts.refused();
+    ASSERT_EQ(cli({"set", file_, "1", "Name=gate", "IPAddress=10.77.0.5"}).status, 0);
+    CliProcess process(station({"--live-stat", "--run-sec", "1"}));
+    ASSERT_TRUE(process.waitForOutput("Printer gate (10.77.0.5) is On"));
+    alive = false;
+    ASSERT_TRUE(process.waitForOutput("Printer gate (10.77.0.5) is Off"));
+    alive = true;
+    ASSERT_TRUE(process.waitForOutput("Printer gate (10.77.0.5) is On", 2));
+    process.signal(SIGTERM);
+    EXPECT_EQ(process.finish().status, 0);
+    EXPECT_EQ(states()["gate"], "Active");
+}
+
 TEST_F(StationCommand, startsWhenTheFirstDeviceArrives) {
     if (!mayPing())
         GTEST_SKIP() << "this process may not send echoes";
@@ -159,7 +183,7 @@ TEST_F(StationCommand, startsWhenTheFirstDeviceArrives) {
     bool on = false;
     for (int attempt = 0; attempt < 5 && !on; ++attempt) {
         ASSERT_EQ(cli({"add", file_, "--type", "Phone", "Name=new", "IPAddress=127.0.0.5"}).status, 0);
-        on = process.waitForOutput("Phone new (127.0.0.5) is On", std::chrono::seconds(8));
+        on = process.waitForOutput("Phone new (127.0.0.5) is On", 1, std::chrono::seconds(8));
     }
     EXPECT_TRUE(on);
     process.signal(SIGTERM);

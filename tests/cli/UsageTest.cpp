@@ -47,7 +47,7 @@ TEST(Usage, helpNamesEveryFieldAndColumn) {
 TEST(Usage, aWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
     const CliFolder folder;
     const std::string file = folder.datafile();
-    const std::string before = fileBytes(file);
+    const std::string before = readBytes(file);
     const struct {
         Words words;
         std::string why;
@@ -89,7 +89,7 @@ TEST(Usage, aWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
         EXPECT_THAT(result.err, HasSubstr(wrong.why));
         EXPECT_THAT(result.out, IsEmpty()) << wrong.why;
     }
-    EXPECT_EQ(fileBytes(file), before);
+    EXPECT_EQ(readBytes(file), before);
 }
 
 TEST(Usage, optionsStandAnywhere) {
