@@ -18,7 +18,7 @@ constexpr std::uint64_t secondPassStepsPerByte = 64;
 
 // Allowances of the second pass grow by this factor. A starting point is charged every one that it was given.
 constexpr std::uint64_t firstAllowance = 16;
-constexpr std::uint64_t allowanceGrowth = 16;
+constexpr std::uint64_t allowanceGrowth = 4;
 constexpr std::uint64_t mostSteps = 100'000'000;
 
 // Texts above this length are searched piece by piece. A step may run over the whole text (a+ does), so that
@@ -89,13 +89,14 @@ void PatternEngine::Free::operator()(pcre2_real_match_data_8* object) const {
     pcre2_match_data_free(object);
 }
 
-PatternEngine::PatternEngine(const std::string& translated, PatternUse use)
-    : code_(compile(translated)),
+PatternEngine::PatternEngine(const TranslatedPattern& translated, PatternUse use)
+    : code_(compile(translated.text)),
       limits_(allocated(pcre2_match_context_create(nullptr))),
       data_(allocated(pcre2_match_data_create(1, nullptr))) {
     pcre2_set_heap_limit(limits_.get(), heapLimitKib);
     // Where the system forbids making machine code, the pattern is interpreted: slower, otherwise the same.
-    machineCode_ = use == PatternUse::ManyTexts && pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) == 0;
+    machineCode_ = use == PatternUse::ManyTexts && translated.machineCode &&
+                   pcre2_jit_compile(code_.get(), PCRE2_JIT_COMPLETE) == 0;
 }
 
 PatternOutcome PatternEngine::search(std::string_view text, const std::stop_token& stop) {

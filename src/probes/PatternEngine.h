@@ -1,6 +1,7 @@
 #pragma once
 
 #include "probes/Pattern.h"
+#include "probes/PatternTranslator.h"
 
 #include <chrono>
 #include <cstdint>
@@ -23,9 +24,9 @@ namespace mirovane {
 /// starting points are tried one at a time with growing allowances, each charged to the text's budget.
 class PatternEngine {
 public:
-    /// `translated` is the output of translatePattern(). Throws bad_regexpr for what only the engine can
+    /// Throws bad_regexpr for what only the engine can
     /// refuse (a look-behind of no fixed length, a pattern that grows too large).
-    PatternEngine(const std::string& translated, PatternUse use);
+    PatternEngine(const TranslatedPattern& translated, PatternUse use);
 
     PatternOutcome search(std::string_view text, const std::stop_token& stop);
 

@@ -36,7 +36,7 @@ class Translator {
 public:
     explicit Translator(std::string_view pattern) : reader_(pattern) { out_.reserve(pattern.size() * 4); }
 
-    std::string translate() {
+    TranslatedPattern translate() {
         while (!reader_.atEnd()) {
             if (quoting_) {
                 quotedByte();
@@ -47,10 +47,17 @@ public:
         if (!groups_.empty()) {
             PatternReader::fail(PatternFault::Parenthesis, groups_.back().start);
         }
-        return std::move(out_);
+        return {std::string(beginning()) + out_, !atomic_};
     }
 
 private:
+    // The engine (10.42) guesses wrongly how every match must begin where a pattern begins with a look-ahead
+    // ("(?=b).*?b" finds no b) or with an item that is repeated no times and has alternatives ("(?:x|^){0}b"
+    // is taken for anchored). An empty group in front ends its guessing.
+    std::string_view beginning() const {
+        return unused_ || (lookAhead_ && !out_.starts_with('^')) ? "(?:)" : "";
+    }
+
     void item() {
         const std::size_t where = reader_.position();
         const char c = reader_.take();
@@ -173,6 +180,8 @@ private:
         if (known == std::end(all)) {
             PatternReader::fail(PatternFault::Extension, where);
         }
+        lookAhead_ = lookAhead_ || known->mark == "=";
+        atomic_ = atomic_ || known->mark == ">";
         push(std::string("(?").append(known->mark), known->kind, where);
     }
 
@@ -289,6 +298,7 @@ private:
         if (std::max(*least, most.value_or(0)) > maxCount) {
             PatternReader::fail(PatternFault::IllFormed, where);
         }
+        unused_ = unused_ || most == 0U;
     }
 
     // Stops growing far above every number that is allowed.
@@ -307,6 +317,9 @@ private:
     unsigned captures_ = 0;
     Last last_ = Last::Nothing;
     bool quoting_ = false;
+    bool lookAhead_ = false;
+    bool atomic_ = false;
+    bool unused_ = false; ///< some item is repeated no times at all
 };
 
 } // namespace
@@ -322,7 +335,7 @@ char PatternReader::takeControl(std::size_t start) {
     return static_cast<char>(letter & 0x1f);
 }
 
-std::string translatePattern(std::string_view pattern) {
+TranslatedPattern translatePattern(std::string_view pattern) {
     return Translator(pattern).translate();
 }
 

@@ -55,6 +55,7 @@ public:
 
     std::string write() {
         captures_ = 0;
+        known_.clear();
         depth_ = 0;
         return alternation();
     }
@@ -133,7 +134,7 @@ private:
                        ? quoted()
                        : std::string(dice_.of({"\\.", "\\(", "\\cj", "{", "a{x}", "]", "\\\xe4"}));
         case 4:
-            return captures_ > 0 ? "\\" + std::to_string(1 + dice_.below(captures_)) + "(?:)" : "b";
+            return known_.empty() ? "b" : "\\" + knownGroup() + "(?:)";
         case 7:
             return nested("(?:");
         case 8:
@@ -158,26 +159,38 @@ private:
 
     std::string nested(std::string_view opening) {
         ++depth_;
+        const auto before = known_;
         std::string text = std::string(opening) + alternation() + ')';
         --depth_;
+        if (opening == "(?!") {
+            known_ = before;
+        }
         return text;
     }
 
     std::string capture() {
-        ++captures_;
-        return nested("(");
+        const unsigned number = ++captures_;
+        const std::string text = nested("(");
+        known_.push_back(number);
+        return text;
+    }
+
+    // Groups that are closed and not within a negative look-ahead: Perl keeps what those found on the way to
+    // failing.
+    std::string knownGroup() {
+        return std::to_string(known_[dice_.below(static_cast<unsigned>(known_.size()))]);
     }
 
     std::string condition() {
-        if (captures_ == 0) {
+        if (known_.empty()) {
             return "1";
         }
         ++depth_;
-        std::string text = "(?(" + std::to_string(1 + dice_.below(captures_)) + ')';
+        std::string text = "(?(" + knownGroup() + ')';
         text += sequence();
-        text += (dice_.chance(60) ? '|' + sequence() : "") + ')';
+        text += dice_.chance(60) ? '|' + sequence() : "";
         --depth_;
-        return text;
+        return text + ')';
     }
 
     std::string set() {
@@ -193,6 +206,7 @@ private:
 
     Dice& dice_;
     unsigned captures_ = 0;
+    std::vector<unsigned> known_;
     unsigned depth_ = 0;
 };
 
@@ -250,6 +264,8 @@ std::string shown(const std::string& bytes) {
 struct Comparison {
     std::map<std::string, int> counts;
     std::vector<std::string> disagreements;
+    int asked = 0;
+    int undecided = 0; ///< beyond our step limit, or Perl broke down
     bool perlMissing = false;
 
     void ask(const std::vector<Pair>& pairs) {
@@ -268,7 +284,9 @@ struct Comparison {
         for (const PatternUse use : {PatternUse::OneText, PatternUse::ManyTexts}) {
             const char ours = ourAnswer(CompilePattern(pair.pattern, use), pair.text);
             ++counts[std::string("ours ") + ours + ", Perl " + perl];
-            if (ours != perl) {
+            ++asked;
+            undecided += ours == 'L' || perl == 'P' ? 1 : 0;
+            if (ours != perl && ours != 'L' && perl != 'P') {
                 disagreements.push_back(shown(pair.pattern) + " in " + shown(pair.text) + ": ours " + ours +
                                         ", Perl " + perl +
                                         (use == PatternUse::OneText ? ", interpreted" : ", machine code"));
@@ -293,13 +311,14 @@ void report(const Comparison& comparison) {
     for (const std::string& disagreement : comparison.disagreements) {
         ADD_FAILURE() << disagreement;
     }
+    EXPECT_LT(comparison.undecided, comparison.asked / 1000);
 }
 
 TEST(PatternAgreement, WrittenPatternsMatchAsInPerl) {
     Dice dice(20261122);
     PatternWriter writer(dice);
     std::vector<Pair> pairs;
-    for (int i = 0; i < 4000; ++i) {
+    for (int i = 0; i < 8000; ++i) {
         const std::string pattern = writer.write();
         ASSERT_TRUE(accepted(pattern)) << shown(pattern);
         for (int text = 0; text < 6; ++text) {
@@ -336,6 +355,39 @@ TEST(PatternAgreement, ScribbledPatternsThatPassMatchAsInPerl) {
         GTEST_SKIP() << "no perl on this computer to compare with";
     }
     report(comparison);
+}
+
+struct Disagreement {
+    const char* pattern;
+    const char* text;
+    char ours;
+    char perl;
+};
+
+// All that is known. Should Perl come to agree, the entry goes, and the writer above may use more.
+TEST(PatternAgreement, KnownDisagreementsAreStillThose) {
+    const std::vector<Disagreement> known{
+        // A group within a repeated group: Perl forgets at each turn what it caught at the turn before.
+        {"^(a(b)?)+\\2$", "abab", '1', '0'},
+        // A group of an attempt that failed: Perl still knows what it caught.
+        {"(?!()x)\\1", "", '0', '1'},
+        {"(\\S)(|)a(?:(?R)|b)|\\1\\(", "baa(-1", '0', '1'},
+        // Perl breaks down at a set without members that is repeated.
+        {"[^\\S\\W]+", "a", '0', 'P'},
+    };
+    std::vector<Pair> pairs;
+    for (const Disagreement& one : known) {
+        pairs.push_back({one.pattern, one.text});
+    }
+    const auto perl = perlAnswers(pairs);
+    if (!perl) {
+        GTEST_SKIP() << "no perl on this computer to compare with";
+    }
+    for (std::size_t i = 0; i < known.size(); ++i) {
+        EXPECT_EQ(ourAnswer(CompilePattern(known[i].pattern), known[i].text), known[i].ours)
+            << known[i].pattern;
+        EXPECT_EQ((*perl)[i], known[i].perl) << known[i].pattern;
+    }
 }
 
 } // namespace

@@ -155,6 +155,13 @@ INSTANTIATE_TEST_SUITE_P(
         Found{"(?>a+)ab", {}, {"aaab"}}, Found{"(?<=sn: )\\d+", {"sn: 12"}, {"sn 12"}},
         Found{"\x80+\\\xff", {"\x80\x80\xff"}, {"\xff"}}, Found{"[\xe0-\xef]", {"\xe4"}, {"\xf0"}}));
 
+// Patterns that the engine itself gets wrong.
+INSTANTIATE_TEST_SUITE_P(EngineFaults, PatternLanguage,
+                         testing::Values(Found{"(?=b).*?b", {"b", "ab"}, {"a"}},
+                                         Found{"(?:x|^){0}b", {"ab"}, {"a"}},
+                                         Found{"(?:|(?=b)1){0}a", {"a"}, {"b"}},
+                                         Found{"(?>\\w+?)b", {"xab"}, {"b"}}));
+
 TEST(Pattern, NulIsAByteLikeAnyOther) {
     using namespace std::string_view_literals;
     EXPECT_TRUE(finds("a\0b"sv, "xa\0b"sv));
