@@ -3,7 +3,6 @@
 #include "probes/Pattern.h"
 #include "probes/PatternTranslator.h"
 
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <stop_token>
@@ -16,40 +15,44 @@ struct pcre2_real_match_data_8;
 
 namespace mirovane {
 
-/// The search engine under a CompiledPattern: PCRE2 on bytes, held to a budget of steps.
+/// The search engine under a CompiledPattern: PCRE2 on bytes, held to a budget of steps for each text.
 ///
-/// Backtracking engines count steps per starting point of a match and forget them at the next one, so that
-/// their own limit bounds nothing for a long line. Here a first pass over the text allows each starting point
-/// a share of the budget that is small but plenty for ordinary patterns. Only where that was not enough, the
-/// starting points are tried one at a time with growing allowances, each charged to the text's budget.
+/// The engine's own limit counts the steps of one starting point and forgets them at the next, so that alone
+/// it bounds little. Here a first, quick search grants each starting point a share that is small but plenty
+/// for ordinary patterns. Where that was not enough, and for long texts, the search is repeated by a copy of
+/// the pattern that calls back at each of its items: the calls are counted over the whole text and notice a
+/// stop.
 class PatternEngine {
 public:
-    /// Throws bad_regexpr for what only the engine can
-    /// refuse (a look-behind of no fixed length, a pattern that grows too large).
-    PatternEngine(const TranslatedPattern& translated, PatternUse use);
+    /// Throws bad_regexpr for what only the engine can refuse (a look-behind of no fixed length, a pattern
+    /// that grows too large).
+    PatternEngine(TranslatedPattern translated, PatternUse use);
 
     PatternOutcome search(std::string_view text, const std::stop_token& stop);
 
 private:
-    /// One engine call that tries the starting points from `from` on, at most `starts` of them.
-    int tryFrom(std::string_view text, std::size_t from, std::size_t starts, std::uint32_t stepsPerStart);
-    int tryAt(std::string_view text, std::size_t start, std::uint32_t steps);
-    PatternOutcome searchLong(std::string_view text, const std::stop_token& stop);
-    /// `budget` is what the second pass may still spend on this text, in steps.
-    PatternOutcome stepwise(std::string_view text, std::size_t from, std::size_t starts,
-                            std::uint64_t& budget, const std::stop_token& stop);
-
-    struct Free {
+    struct Release {
         void operator()(pcre2_real_code_8* object) const;
         void operator()(pcre2_real_match_context_8* object) const;
         void operator()(pcre2_real_match_data_8* object) const;
     };
+    using Code = std::unique_ptr<pcre2_real_code_8, Release>;
 
-    std::unique_ptr<pcre2_real_code_8, Free> code_;
-    std::unique_ptr<pcre2_real_match_context_8, Free> limits_;
-    std::unique_ptr<pcre2_real_match_data_8, Free> data_;
-    bool machineCode_ = false;
-    std::uint32_t allowed_ = 0; ///< match limit that limits_ holds now
+    struct Program {
+        Code code;
+        bool machineCode = false;
+    };
+
+    Program compile(std::uint32_t options) const;
+    int run(const Program& program, std::string_view text, std::uint32_t stepsPerStart);
+    PatternOutcome searchWatched(std::string_view text, const std::stop_token& stop);
+
+    TranslatedPattern translated_;
+    PatternUse use_;
+    Program quick_;
+    Program watched_; ///< made when first needed
+    std::unique_ptr<pcre2_real_match_context_8, Release> limits_;
+    std::unique_ptr<pcre2_real_match_data_8, Release> data_;
 };
 
 } // namespace mirovane

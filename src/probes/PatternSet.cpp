@@ -1,8 +1,9 @@
 #include "probes/PatternSet.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <optional>
-#include <utility>
 
 namespace mirovane {
 
@@ -12,56 +13,54 @@ constexpr unsigned char byteOf(char c) {
     return static_cast<unsigned char>(c);
 }
 
-void addRange(PatternSet& set, unsigned char low, unsigned char high) {
-    for (unsigned code = low; code <= high; ++code) {
-        set.set(code);
-    }
-}
-
-PatternSet ranges(std::initializer_list<std::pair<unsigned char, unsigned char>> list) {
-    PatternSet set;
-    for (const auto& [low, high] : list) {
-        addRange(set, low, high);
-    }
-    return set;
-}
-
 // The kinds are spelled out instead of asked of <cctype>, whose answers change with the locale of the
 // process.
+constexpr PatternSet digits = PatternSet().add('0', '9');
+constexpr PatternSet lowers = PatternSet().add('a', 'z');
+constexpr PatternSet uppers = PatternSet().add('A', 'Z');
+constexpr PatternSet letters = PatternSet(lowers).add(uppers);
+constexpr PatternSet alphanumerics = PatternSet(letters).add(digits);
+constexpr PatternSet words = PatternSet(alphanumerics).add('_');
+constexpr PatternSet spaces = PatternSet().add('\t', '\r').add(' ');
+
+struct NamedSet {
+    std::string_view name;
+    PatternSet set;
+};
+
+constexpr std::array namedSets{
+    NamedSet{"alnum", alphanumerics},
+    NamedSet{"alpha", letters},
+    NamedSet{"cntrl", PatternSet().add(0, 31).add(127)},
+    NamedSet{"digit", digits},
+    NamedSet{"graph", PatternSet().add('!', '~')},
+    NamedSet{"lower", lowers},
+    NamedSet{"print", PatternSet().add(' ', '~')},
+    NamedSet{"punct", PatternSet().add('!', '/').add(':', '@').add('[', '`').add('{', '~')},
+    NamedSet{"space", spaces},
+    NamedSet{"upper", uppers},
+    NamedSet{"xdigit", PatternSet(digits).add('A', 'F').add('a', 'f')},
+};
+
 std::optional<PatternSet> namedSet(std::string_view name) {
-    static const std::array<std::pair<std::string_view, PatternSet>, 11> named{{
-        {"alnum", ranges({{'0', '9'}, {'A', 'Z'}, {'a', 'z'}})},
-        {"alpha", ranges({{'A', 'Z'}, {'a', 'z'}})},
-        {"cntrl", ranges({{0, 31}, {127, 127}})},
-        {"digit", ranges({{'0', '9'}})},
-        {"graph", ranges({{'!', '~'}})},
-        {"lower", ranges({{'a', 'z'}})},
-        {"print", ranges({{' ', '~'}})},
-        {"punct", ranges({{'!', '/'}, {':', '@'}, {'[', '`'}, {'{', '~'}})},
-        {"space", ranges({{'\t', '\r'}, {' ', ' '}})},
-        {"upper", ranges({{'A', 'Z'}})},
-        {"xdigit", ranges({{'0', '9'}, {'A', 'F'}, {'a', 'f'}})},
-    }};
-    for (const auto& [known, set] : named) {
-        if (known == name) {
-            return set;
-        }
-    }
-    return std::nullopt;
+    const auto* found = std::ranges::find(namedSets, name, &NamedSet::name);
+    return found == namedSets.end() ? std::nullopt : std::optional(found->set);
 }
 
 std::optional<PatternSet> escapedKind(char letter) {
     switch (letter) {
     case 'd':
-        return namedSet("digit");
+        return digits;
     case 's':
-        return namedSet("space");
+        return spaces;
     case 'w':
-        return *namedSet("alnum") | ranges({{'_', '_'}});
+        return words;
     case 'D':
+        return digits.complement();
     case 'S':
+        return spaces.complement();
     case 'W':
-        return ~*escapedKind(static_cast<char>(letter | 0x20));
+        return words.complement();
     default:
         return std::nullopt;
     }
@@ -88,7 +87,7 @@ public:
             first = false;
         }
         reader_.take();
-        return negated ? ~set_ : set_;
+        return negated ? set_.complement() : set_;
     }
 
 private:
@@ -124,25 +123,25 @@ private:
         }
         reader_.take();
         if (atClosing()) {
-            set_.set('-');
+            set_.add('-');
             return;
         }
         const Member high = readMember();
         if (!high.single) {
-            set_.set('-');
+            set_.add('-');
             add(high);
         } else if (high.byte < low.byte) {
             PatternReader::fail(PatternFault::Range, where);
         } else {
-            addRange(set_, low.byte, high.byte);
+            set_.add(low.byte, high.byte);
         }
     }
 
     void add(const Member& member) {
         if (member.single) {
-            set_.set(member.byte);
+            set_.add(member.byte);
         } else {
-            set_ |= member.kind;
+            set_.add(member.kind);
         }
     }
 
@@ -172,7 +171,7 @@ private:
         if (c == 'E') {
             PatternReader::fail(PatternFault::QuoteEnd, where);
         }
-        if (namedSet("alnum")->test(byteOf(c))) {
+        if (alphanumerics.contains(byteOf(c))) {
             PatternReader::fail(PatternFault::IllFormed, where);
         }
         return {true, byteOf(c), {}};
@@ -184,7 +183,7 @@ private:
         const std::string_view rest = reader_.rest();
         const char mark = rest.empty() ? '\0' : rest.front();
         std::size_t end = 1;
-        while (end < rest.size() && (namedSet("alpha")->test(byteOf(rest[end])) || rest[end] == '^')) {
+        while (end < rest.size() && (letters.contains(byteOf(rest[end])) || rest[end] == '^')) {
             ++end;
         }
         const bool marked = mark == ':' || mark == '.' || mark == '=';
@@ -206,24 +205,36 @@ private:
 };
 
 void appendRanges(std::string& text, const PatternSet& set) {
-    for (std::size_t low = 0; low < set.size(); ++low) {
-        if (!set.test(low)) {
-            continue;
-        }
-        std::size_t high = low;
-        while (high + 1 < set.size() && set.test(high + 1)) {
-            ++high;
-        }
-        appendHexByte(text, static_cast<unsigned char>(low));
-        if (high > low) {
+    for (unsigned low = set.next(0, true); low < PatternSet::size;) {
+        const unsigned end = set.next(low, false);
+        appendLiteral(text, static_cast<unsigned char>(low));
+        if (end > low + 1) {
             text += '-';
-            appendHexByte(text, static_cast<unsigned char>(high));
+            appendLiteral(text, static_cast<unsigned char>(end - 1));
         }
-        low = high;
+        low = set.next(end, true);
     }
 }
 
 } // namespace
+
+unsigned PatternSet::count() const {
+    int members = 0;
+    for (const std::uint64_t word : words_) {
+        members += std::popcount(word);
+    }
+    return static_cast<unsigned>(members);
+}
+
+unsigned PatternSet::next(unsigned from, bool member) const {
+    for (unsigned i = from; i < size; i = (i / 64 + 1) * 64) {
+        const std::uint64_t word = (member ? words_[i / 64] : ~words_[i / 64]) >> i % 64;
+        if (word != 0) {
+            return i + static_cast<unsigned>(std::countr_zero(word));
+        }
+    }
+    return size;
+}
 
 PatternSet readPatternSet(PatternReader& reader, std::size_t start) {
     return SetParser(reader, start).parse();
@@ -231,17 +242,25 @@ PatternSet readPatternSet(PatternReader& reader, std::size_t start) {
 
 std::string patternSetText(const PatternSet& set) {
     // Neither side of a set may be listed as nothing. The engine has a faster search for "all but this byte".
-    const bool negate = set.none() || (set.count() > set.size() / 2 && !set.all());
+    const unsigned members = set.count();
+    const bool negate = members == 0 || (members > PatternSet::size / 2 && members < PatternSet::size);
     std::string text = negate ? "[^" : "[";
-    appendRanges(text, negate ? ~set : set);
+    appendRanges(text, negate ? set.complement() : set);
     return text + ']';
 }
 
-void appendHexByte(std::string& text, unsigned char byte) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    text += "\\x";
-    text += digits[byte >> 4];
-    text += digits[byte & 15];
+void appendLiteral(std::string& text, unsigned char byte) {
+    const auto within = [byte](char first, char last) {
+        return byte >= byteOf(first) && byte <= byteOf(last);
+    };
+    if (within('a', 'z') || within('0', '9') || within('A', 'Z') || byte == ' ' || byte == '_' ||
+        byte == '/') {
+        text += static_cast<char>(byte);
+        return;
+    }
+    constexpr std::string_view figures = "0123456789abcdef";
+    const char code[] = {'\\', 'x', figures[byte >> 4], figures[byte & 15]};
+    text.append(code, sizeof code);
 }
 
 } // namespace mirovane

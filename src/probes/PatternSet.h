@@ -2,22 +2,58 @@
 
 #include "probes/PatternReader.h"
 
-#include <bitset>
+#include <array>
+#include <cstdint>
 #include <string>
 
 namespace mirovane {
 
 /// The bytes that a character set [...] stands for.
-using PatternSet = std::bitset<256>;
+class PatternSet {
+public:
+    static constexpr unsigned size = 256;
+
+    constexpr PatternSet& add(unsigned char low, unsigned char high) {
+        for (unsigned byte = low; byte <= high; ++byte) {
+            words_[byte / 64] |= std::uint64_t{1} << byte % 64;
+        }
+        return *this;
+    }
+    constexpr PatternSet& add(unsigned char byte) { return add(byte, byte); }
+    constexpr PatternSet& add(const PatternSet& other) {
+        for (std::size_t i = 0; i < words_.size(); ++i) {
+            words_[i] |= other.words_[i];
+        }
+        return *this;
+    }
+    constexpr PatternSet complement() const {
+        PatternSet set;
+        for (std::size_t i = 0; i < words_.size(); ++i) {
+            set.words_[i] = ~words_[i];
+        }
+        return set;
+    }
+
+    constexpr bool contains(unsigned char byte) const { return (words_[byte / 64] >> byte % 64 & 1) != 0; }
+    unsigned count() const;
+
+    /// The first byte from `from` on that is a member, or the first that is none; `size` when there is no
+    /// such byte.
+    unsigned next(unsigned from, bool member) const;
+
+private:
+    std::array<std::uint64_t, 4> words_{};
+};
 
 /// Reads a set whose opening bracket, at `start`, was just taken; leaves the reader behind the closing one.
 PatternSet readPatternSet(PatternReader& reader, std::size_t start);
 
-/// The set in the search engine's language, spelled with hexadecimal codes only, so that nothing in it can be
-/// taken for a construct of that engine.
+/// The set in the search engine's language, spelled so that nothing in it can be taken for a construct of
+/// that engine.
 std::string patternSetText(const PatternSet& set);
 
-/// A byte as \xHH.
-void appendHexByte(std::string& text, unsigned char byte);
+/// A byte that stands for itself, inside a set or outside: as it is where no engine ever gave it another
+/// meaning, else as a hexadecimal code.
+void appendLiteral(std::string& text, unsigned char byte);
 
 } // namespace mirovane

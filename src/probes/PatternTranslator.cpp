@@ -34,7 +34,9 @@ enum class Last { Nothing, Item, Fixed, LookAhead, Recursion, Quantified };
 
 class Translator {
 public:
-    explicit Translator(std::string_view pattern) : reader_(pattern) { out_.reserve(pattern.size() * 4); }
+    explicit Translator(std::string_view pattern) : reader_(pattern) {
+        out_.reserve(pattern.size() + pattern.size() / 2);
+    }
 
     TranslatedPattern translate() {
         while (!reader_.atEnd()) {
@@ -47,15 +49,19 @@ public:
         if (!groups_.empty()) {
             PatternReader::fail(PatternFault::Parenthesis, groups_.back().start);
         }
-        return {std::string(beginning()) + out_, !atomic_};
+        out_.insert(0, beginning());
+        return {std::move(out_), !atomic_};
     }
 
 private:
+    // The library's notion of a line end, which $ asks for, is a choice of whoever built it.
+    //
     // The engine (10.42) guesses wrongly how every match must begin where a pattern begins with a look-ahead
     // ("(?=b).*?b" finds no b) or with an item that is repeated no times and has alternatives ("(?:x|^){0}b"
     // is taken for anchored). An empty group in front ends its guessing.
-    std::string_view beginning() const {
-        return unused_ || (lookAhead_ && !out_.starts_with('^')) ? "(?:)" : "";
+    std::string beginning() const {
+        const bool misguided = unused_ || (lookAhead_ && !out_.starts_with('^'));
+        return std::string(lineEnd_ ? "(*LF)" : "") + (misguided ? "(?:)" : "");
     }
 
     void item() {
@@ -81,8 +87,10 @@ private:
         case '.':
             return put(".", Last::Item);
         case '^':
+            return put("^", Last::Fixed);
         case '$':
-            return put({&c, 1}, Last::Fixed);
+            lineEnd_ = true;
+            return put("$", Last::Fixed);
         default:
             return literal(c);
         }
@@ -94,11 +102,7 @@ private:
     }
 
     void literal(char c) {
-        if (isLetter(c) || isDigit(c)) {
-            out_ += c;
-        } else {
-            appendHexByte(out_, static_cast<unsigned char>(c));
-        }
+        appendLiteral(out_, static_cast<unsigned char>(c));
         last_ = Last::Item;
     }
 
@@ -269,17 +273,28 @@ private:
     }
 
     void brace(std::size_t where) {
-        const std::string_view rest = reader_.rest();
-        const std::string_view inside = rest.substr(0, std::min(rest.find('}'), rest.size()));
-        const bool closed = inside.size() < rest.size();
-        if (!closed || inside.find_first_not_of("0123456789, \t") != std::string_view::npos ||
-            inside.find_first_of("0123456789") == std::string_view::npos) {
-            return literal('{');
+        if (countFollows()) {
+            count(where);
+        } else {
+            literal('{');
         }
-        count(where);
     }
 
-    // Behind the brace stands something that is meant as a count.
+    // Something that is meant as a count, whether or not it is a right one.
+    bool countFollows() const {
+        bool digits = false;
+        for (const char c : reader_.rest()) {
+            if (c == '}') {
+                return digits;
+            }
+            if (!isDigit(c) && c != ',' && c != ' ' && c != '\t') {
+                return false;
+            }
+            digits = digits || isDigit(c);
+        }
+        return false;
+    }
+
     void count(std::size_t where) {
         const auto least = readNumber();
         const bool range = reader_.accept(",");
@@ -287,11 +302,12 @@ private:
         if (!least || !reader_.accept("}")) {
             PatternReader::fail(PatternFault::IllFormed, where);
         }
-        std::string text = '{' + std::to_string(*least);
-        if (range) {
-            text += ',' + (most ? std::to_string(*most) : std::string());
-        }
-        quantify(text + '}', where);
+        std::string text(1, '{');
+        text += std::to_string(*least);
+        text += range ? "," : "";
+        text += range && most ? std::to_string(*most) : "";
+        text += '}';
+        quantify(text, where);
         if (most && *least > *most) {
             PatternReader::fail(PatternFault::CountOrder, where);
         }
@@ -317,6 +333,7 @@ private:
     unsigned captures_ = 0;
     Last last_ = Last::Nothing;
     bool quoting_ = false;
+    bool lineEnd_ = false;
     bool lookAhead_ = false;
     bool atomic_ = false;
     bool unused_ = false; ///< some item is repeated no times at all
