@@ -97,11 +97,16 @@ PatternEngine::PatternEngine(TranslatedPattern translated, PatternUse use)
 PatternEngine::Program PatternEngine::compile(std::uint32_t options) const {
     constexpr std::uint32_t always =
         PCRE2_DOTALL | PCRE2_NEVER_UTF | PCRE2_NEVER_UCP | PCRE2_NEVER_BACKSLASH_C;
+    const std::unique_ptr<pcre2_compile_context, void (*)(pcre2_compile_context*)> context(
+        allocated(pcre2_compile_context_create(nullptr)), pcre2_compile_context_free);
+    // Only $ asks for it, which also matches before a line feed that ends the text. The library's own notion
+    // of a line end is a choice of whoever built it.
+    pcre2_set_newline(context.get(), PCRE2_NEWLINE_LF);
     int error = 0;
     std::size_t offset = 0;
     Program program;
     program.code.reset(pcre2_compile(unitsOf(translated_.text), translated_.text.size(), always | options,
-                                     &error, &offset, nullptr));
+                                     &error, &offset, context.get()));
     if (!program.code && error == PCRE2_ERROR_HEAP_FAILED) {
         throw std::bad_alloc();
     }

@@ -93,14 +93,8 @@ public:
 private:
     // Quote marks count for nothing themselves, wherever they stand.
     void skipQuoteMarks() {
-        for (;;) {
-            if (!quoting_ && reader_.accept("\\Q")) {
-                quoting_ = true;
-            } else if (quoting_ && reader_.accept("\\E")) {
-                quoting_ = false;
-            } else {
-                break;
-            }
+        while (reader_.at('\\') && reader_.accept(quoting_ ? "\\E" : "\\Q")) {
+            quoting_ = !quoting_;
         }
         if (reader_.atEnd()) {
             PatternReader::fail(PatternFault::SetEnd, start_);

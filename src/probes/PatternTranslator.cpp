@@ -54,14 +54,11 @@ public:
     }
 
 private:
-    // The library's notion of a line end, which $ asks for, is a choice of whoever built it.
-    //
     // The engine (10.42) guesses wrongly how every match must begin where a pattern begins with a look-ahead
     // ("(?=b).*?b" finds no b) or with an item that is repeated no times and has alternatives ("(?:x|^){0}b"
     // is taken for anchored). An empty group in front ends its guessing.
-    std::string beginning() const {
-        const bool misguided = unused_ || (lookAhead_ && !out_.starts_with('^'));
-        return std::string(lineEnd_ ? "(*LF)" : "") + (misguided ? "(?:)" : "");
+    std::string_view beginning() const {
+        return unused_ || (lookAhead_ && !out_.starts_with('^')) ? "(?:)" : "";
     }
 
     void item() {
@@ -87,10 +84,8 @@ private:
         case '.':
             return put(".", Last::Item);
         case '^':
-            return put("^", Last::Fixed);
         case '$':
-            lineEnd_ = true;
-            return put("$", Last::Fixed);
+            return put({&c, 1}, Last::Fixed);
         default:
             return literal(c);
         }
@@ -102,7 +97,12 @@ private:
     }
 
     void literal(char c) {
-        appendLiteral(out_, static_cast<unsigned char>(c));
+        constexpr std::string_view harmless = ":-,;=@%";
+        if (harmless.find(c) != std::string_view::npos) {
+            out_ += c;
+        } else {
+            appendLiteral(out_, static_cast<unsigned char>(c));
+        }
         last_ = Last::Item;
     }
 
@@ -333,7 +333,6 @@ private:
     unsigned captures_ = 0;
     Last last_ = Last::Nothing;
     bool quoting_ = false;
-    bool lineEnd_ = false;
     bool lookAhead_ = false;
     bool atomic_ = false;
     bool unused_ = false; ///< some item is repeated no times at all
