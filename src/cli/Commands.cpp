@@ -79,6 +79,12 @@ constexpr std::string_view criteriaDetails =
 constexpr std::string_view pingDetails = "Exit status 1 when any of them is silent.\n";
 constexpr std::string_view lookupDetails = "Exit status 1 when any of them is not found.\n";
 
+constexpr std::string_view matchDetails =
+    "Without TEXT each line of standard input is tested, and those that match are printed.\n"
+    "Letters match whatever their case. The pattern is searched for anywhere in the text; ^ and $ tie it to\n"
+    "the beginning and the end. A pattern that begins with - goes behind --.\n"
+    "Exit status 1 when nothing matches, 2 when the pattern is none.\n";
+
 constexpr std::string_view stationDetails =
     "Prints each line of the message log as it is written. SIGTERM and SIGINT end it: Live Stat is switched\n"
     "off and the datafile saved. SIGHUP opens the datafile again. Exit status 4 when another station runs\n"
@@ -122,6 +128,14 @@ constexpr std::array table{
             {},
             lookupDetails,
             runLookup},
+    Command{"match",
+            "test a criteria pattern against a text or lines",
+            "PATTERN [TEXT]",
+            1,
+            2,
+            {},
+            matchDetails,
+            runMatch},
 };
 
 } // namespace

@@ -35,6 +35,8 @@ const char* patternMessage(PatternFault fault);
 /// from 0, where the refused construct begins.
 class bad_regexpr : public std::runtime_error {
 public:
+    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+
     bad_regexpr(PatternFault fault, std::size_t offset)
         : std::runtime_error(patternMessage(fault)), fault_(fault), offset_(offset) {}
 

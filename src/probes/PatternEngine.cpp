@@ -111,7 +111,7 @@ PatternEngine::Program PatternEngine::compile(std::uint32_t options) const {
         throw std::bad_alloc();
     }
     if (!program.code) {
-        throw bad_regexpr(PatternFault::IllFormed, 0);
+        throw bad_regexpr(PatternFault::IllFormed, bad_regexpr::npos);
     }
     // Where the system forbids making machine code, the pattern is interpreted: slower, otherwise the same.
     program.machineCode = use_ == PatternUse::ManyTexts && translated_.machineCode &&

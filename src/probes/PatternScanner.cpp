@@ -77,8 +77,10 @@ void PatternScanner::searchLine(std::string_view original, std::string_view lowe
     ++lines_;
     switch (pattern_.search(lowered, stop)) {
     case PatternOutcome::Match:
-        line_ = original;
-        state_ = State::Hit;
+        if (!onHit_ || !onHit_(original)) {
+            line_ = original;
+            state_ = State::Hit;
+        }
         break;
     case PatternOutcome::Stopped:
         state_ = State::Stopped;

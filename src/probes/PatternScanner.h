@@ -3,9 +3,11 @@
 #include "probes/Pattern.h"
 
 #include <cstdint>
+#include <functional>
 #include <stop_token>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace mirovane {
 
@@ -31,7 +33,12 @@ public:
     /// A line is held in memory; one that is longer is searched in parts of this size.
     static constexpr std::size_t longestLine = 16 * 1024 * 1024;
 
-    explicit PatternScanner(const CompiledPattern& pattern) : pattern_(pattern) {}
+    /// Sees a line that matches, as it stands in the text; true to look for more.
+    using HitHandler = std::function<bool(std::string_view line)>;
+
+    /// Without a handler the first hit is the last.
+    explicit PatternScanner(const CompiledPattern& pattern, HitHandler onHit = {})
+        : pattern_(pattern), onHit_(std::move(onHit)) {}
 
     /// Searches all lines that end in this block. Once the state is not More, blocks are ignored.
     State feed(std::string_view block, const std::stop_token& stop = {});
@@ -42,7 +49,7 @@ public:
 
     State state() const { return state_; }
 
-    /// The line that matched, as it stands in the text, not lower-cased.
+    /// The line that ended the scan, as it stands in the text, not lower-cased.
     const std::string& line() const { return line_; }
 
     /// Number of that line, counted from 1; without a hit the number of lines searched.
@@ -57,6 +64,7 @@ private:
     void searchPending(const std::stop_token& stop);
 
     const CompiledPattern& pattern_;
+    HitHandler onHit_;
     State state_ = State::More;
     std::string pending_; ///< beginning of a line whose end is in a later block
     std::string lowered_; ///< working memory, kept from block to block

@@ -23,7 +23,7 @@ while (my $line = <STDIN>) {
         $last = $pattern;
         my $source = resolved(pack("H*", $pattern));
         # The second alternative, which never matches, keeps Perl (5.36) from a wrong guess at how every match must begin:
-        # it finds no match of (?=x?)a in "a". It also keeps an empty pattern from meaning the last one that matched.
+        # it finds no match of (?=x?)\w in "a". It also keeps an empty pattern from meaning the last one that matched.
         $compiled = eval { qr/$source|(?!)/sa };
     }
     my $found = defined $compiled ? eval { pack("H*", $text) =~ $compiled ? 1 : 0 } : undef;

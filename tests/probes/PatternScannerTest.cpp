@@ -57,6 +57,18 @@ TEST(PatternScanner, EmptyLinesAreLines) {
     EXPECT_EQ(scan(none, "", 100), State::Ended) << "an empty text has no line that could match";
 }
 
+TEST(PatternScanner, AHandlerMayAskForMore) {
+    const CompiledPattern pattern = CompilePattern("^b");
+    std::string seen;
+    PatternScanner scanner(pattern, [&seen](std::string_view line) {
+        seen += std::string(line) + ';';
+        return line != "B3";
+    });
+    EXPECT_EQ(scan(scanner, "B1\na\nb2\r\nB3\nb4\n", 4), State::Hit);
+    EXPECT_EQ(seen, "B1;b2;B3;");
+    EXPECT_EQ(scanner.lineNumber(), 4u);
+}
+
 TEST(PatternScanner, UndecidedLinesDoNotHideLaterOnes) {
     const CompiledPattern pattern = CompilePattern("(a+)+$");
     PatternScanner scanner(pattern);

@@ -95,13 +95,14 @@ TEST(Pattern, RefusalNamesThePlace) {
         } catch (const bad_regexpr& error) {
             return error.offset();
         }
-        return std::string_view::npos;
+        return std::size_t{999};
     };
     EXPECT_EQ(offset("ab(cd"), 2u);
     EXPECT_EQ(offset("ab[cz-d]"), 4u);
     EXPECT_EQ(offset("ab+*"), 3u);
     EXPECT_EQ(offset("a(?i)"), 1u);
     EXPECT_EQ(offset("ab\\p{L}"), 2u);
+    EXPECT_EQ(offset("ab(?<=c+)"), bad_regexpr::npos);
 }
 
 TEST(Pattern, DeepNestingIsRefusedNotFollowed) {

@@ -1,0 +1,91 @@
+#include "cli/MatchCommand.h"
+
+#include "cli/Commands.h"
+#include "model/Text.h"
+#include "probes/PatternScanner.h"
+
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <unistd.h>
+#include <vector>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::size_t blockSize = 128 * 1024;
+
+constexpr std::string_view tooManySteps =
+    "the pattern takes too many steps; Live Stat counts that as no match (repeats within repeats do it)";
+
+std::optional<CompiledPattern> compiled(const std::string& pattern, PatternUse use, Output& out) {
+    try {
+        return CompilePattern(lowerCasedPattern(pattern), use);
+    } catch (const bad_regexpr& error) {
+        std::string why = error.what();
+        if (error.offset() != bad_regexpr::npos)
+            why += ", at byte " + std::to_string(error.offset() + 1);
+        out.diagnose("bad pattern " + printable(pattern.substr(0, 300)), why);
+        return std::nullopt;
+    }
+}
+
+// A terminal obeys control characters; into a pipe or a file the line goes as it is.
+void printMatch(std::string_view line, Output& out) {
+    out.printLine(out.terminalWidth() > 0 ? printable(line) : displayText(line));
+}
+
+} // namespace
+
+ExitStatus matchText(const CompiledPattern& pattern, std::string_view text, Output& out) {
+    const PatternOutcome outcome = pattern.search(lowerCased(text));
+    const bool match = outcome == PatternOutcome::Match;
+    out.printLine(match ? "match" : "no match");
+    if (outcome == PatternOutcome::LimitReached)
+        out.diagnose("cannot decide", tooManySteps);
+    return match ? ExitStatus::Done : ExitStatus::No;
+}
+
+ExitStatus matchLines(const CompiledPattern& pattern, int input, Output& out) {
+    bool any = false;
+    PatternScanner scanner(pattern, [&any, &out](std::string_view line) {
+        any = true;
+        printMatch(line, out);
+        return !out.failed();
+    });
+    std::vector<char> block(blockSize);
+    for (;;) {
+        const ssize_t size = read(input, block.data(), block.size());
+        if (size < 0 && errno == EINTR)
+            continue;
+        if (size < 0) {
+            out.diagnose("cannot read standard input", std::strerror(errno));
+            return ExitStatus::FileFailed;
+        }
+        if (size == 0)
+            break;
+        scanner.feed({block.data(), static_cast<std::size_t>(size)});
+        if (!out.flush())
+            break;
+    }
+    scanner.finish();
+    if (scanner.undecidedLines() > 0)
+        out.diagnose("cannot decide " + std::to_string(scanner.undecidedLines()) + " of " +
+                         std::to_string(scanner.lineNumber()) + " lines",
+                     tooManySteps);
+    return any ? ExitStatus::Done : ExitStatus::No;
+}
+
+ExitStatus runMatch(CommandContext& context) {
+    const std::vector<std::string>& words = context.arguments.positionals;
+    const bool oneText = words.size() > 1;
+    const auto pattern =
+        compiled(words[0], oneText ? PatternUse::OneText : PatternUse::ManyTexts, context.out);
+    if (!pattern)
+        return ExitStatus::Usage;
+    return oneText ? matchText(*pattern, words[1], context.out)
+                   : matchLines(*pattern, STDIN_FILENO, context.out);
+}
+
+} // namespace mirovane
