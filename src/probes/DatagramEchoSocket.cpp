@@ -63,6 +63,7 @@ public:
         : descriptor_(std::move(descriptor)), identifier_(identifier) {}
 
     std::string kind() const override { return "unprivileged ICMP socket"; }
+    std::size_t receiveCapacity() const override { return repliesThatFit(descriptor_.get()); }
     int descriptor() const override { return descriptor_.get(); }
 
     std::size_t send(std::span<const EchoRequest> requests, int& error) override;

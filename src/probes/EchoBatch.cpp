@@ -168,4 +168,14 @@ bool prepareEchoSocket(int descriptor) {
     return true;
 }
 
+std::size_t repliesThatFit(int descriptor) {
+    constexpr int kernelMemoryOfShortPacket = 2304; // as network cards deliver it; loopback takes a third
+    int bytes = 0;
+    socklen_t length = sizeof bytes;
+    if (::getsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &bytes, &length) != 0) {
+        return 1;
+    }
+    return static_cast<std::size_t>(std::max(bytes / kernelMemoryOfShortPacket, 1));
+}
+
 } // namespace mirovane

@@ -80,4 +80,7 @@ private:
 /// buffers stay as large as the system allows.
 bool prepareEchoSocket(int descriptor);
 
+/// How many short packets fit into the receive buffer.
+std::size_t repliesThatFit(int descriptor);
+
 } // namespace mirovane

@@ -17,9 +17,11 @@ namespace {
 /// How soon requests that found the buffers full are tried again.
 constexpr std::chrono::milliseconds retryPause{1};
 
-/// A default receive buffer holds a few hundred replies. No more requests than this go out before somebody
-/// has read.
-constexpr std::size_t sendsPerReceive = 192;
+/// No more requests than this go out before somebody has read; fewer where the receive buffer is small.
+constexpr std::size_t mostSendsPerReceive = 192;
+
+/// Replies keep coming in while callbacks wake their waiters.
+constexpr std::size_t callsPerReceive = 16;
 
 /// Twice as many messages as there can be probes: a flood does not keep the thread from its deadlines.
 constexpr std::size_t mostBatches = 2 * 65536 / echoBatch;
@@ -73,6 +75,9 @@ void EchoCore::open() {
         try {
             const BlockedSignals noSignals;
             socket_ = std::move(opening.socket);
+            const std::size_t capacity = socket_->receiveCapacity();
+            budget_.setCapacity(capacity);
+            sendsPerReceive_ = std::clamp<std::size_t>(capacity / 8, 16, mostSendsPerReceive);
             thread_ = std::thread([this] { run(); });
         } catch (const std::system_error& error) {
             socket_.reset();
@@ -121,13 +126,14 @@ bool EchoCore::startBatch(std::span<const std::uint32_t> addresses, const EchoOp
         }
         const Time now = std::chrono::steady_clock::now();
         for (const std::uint32_t address : addresses) {
-            const EchoTable::Added added = table_.add(address, options, callback, now);
+            const bool mayLeave = table_.inLine() == 0 && budget_.take(now);
+            const EchoTable::Added added = table_.add(address, options, callback, now, mayLeave);
             ids.push_back(added.id);
             if (added.request) {
                 departures[count++] = {added.id, *added.request};
             }
         }
-        wake = now + std::chrono::milliseconds(options.timeoutMs) < wakesAt_;
+        wake = std::min(now + std::chrono::milliseconds(options.timeoutMs), nextLook(now)) < wakesAt_;
         if (!heldBack_.empty()) { // those who came first go first
             holdBackLocked(std::span(departures).first(count), EAGAIN);
             count = 0;
@@ -202,8 +208,8 @@ void EchoCore::holdBackLocked(std::span<const Departure> rest, int error) {
 
 /// Somebody who sends faster than the engine's thread gets to read does the reading himself: replies that no
 /// buffer holds are lost, and a lost reply shows a living device as Off.
-void EchoCore::relieveReceiveBuffer(std::size_t sent) {
-    if (sentSinceReceive_.fetch_add(sent, std::memory_order_relaxed) + sent < sendsPerReceive) {
+void EchoCore::relieveReceiveBuffer(std::size_t requests) {
+    if (sentSinceReceive_.fetch_add(requests, std::memory_order_relaxed) + requests < sendsPerReceive_) {
         return;
     }
     receiveAll();
@@ -268,13 +274,18 @@ void EchoCore::waitForWork() {
     }
 }
 
+/// When to try again what could not leave yet. With the mutex held.
+EchoCore::Time EchoCore::nextLook(Time now) const {
+    const bool somebodyMayLeave = !heldBack_.empty() || (table_.inLine() > 0 && table_.canAdmit());
+    return somebodyMayLeave ? now + retryPause : Time::max();
+}
+
 int EchoCore::pollTimeout(Time now) {
     const std::lock_guard lock(mutex_);
     if (closing_ || !completed_.empty()) {
         return 0;
     }
-    wakesAt_ = heldBack_.empty() ? table_.nextDeadline().value_or(Time::max())
-                                 : std::min(now + retryPause, table_.nextDeadline().value_or(Time::max()));
+    wakesAt_ = std::min(nextLook(now), table_.nextDeadline().value_or(Time::max()));
     if (wakesAt_ == Time::max()) {
         return -1;
     }
@@ -316,7 +327,8 @@ std::vector<EchoCore::Departure> EchoCore::departuresDue(Time now) {
         }
     }
     heldBack_.clear();
-    while (const auto request = table_.admitOne(now)) {
+    while (table_.inLine() > 0 && table_.canAdmit() && budget_.take(now)) {
+        const auto request = table_.admitOne(now);
         departures.push_back({table_.holder(request->sequence), *request});
     }
     return departures;
@@ -328,8 +340,12 @@ void EchoCore::callBack() {
         const std::lock_guard lock(mutex_);
         completed.swap(completed_);
     }
+    std::size_t called = 0;
     for (const EchoCompletion& completion : completed) {
         (*completion.callback)(completion.result);
+        if (++called % callsPerReceive == 0) {
+            receiveAll();
+        }
     }
 }
 

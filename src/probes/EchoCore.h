@@ -2,6 +2,7 @@
 
 #include "probes/Descriptor.h"
 #include "probes/IcmpEngine.h"
+#include "probes/SendBudget.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -27,6 +28,11 @@ public:
                std::vector<ProbeId>& ids);
     bool cancel(ProbeId id);
 
+    /// For threads that have sent requests or were woken by a reply: reads the socket once there were enough
+    /// of them since the last reading. They may be what keeps the engine's thread from running, and replies
+    /// that no buffer holds are lost: a living device would be shown as Off.
+    void relieveReceiveBuffer(std::size_t requests);
+
     const std::string& reason() const { return reason_; }
     const EchoSocket* socket() const { return socket_.get(); }
 
@@ -45,10 +51,10 @@ private:
     void departureFailed(std::span<const Departure> rest, int error);
     void holdBack(std::span<const Departure> rest, int error);
     void holdBackLocked(std::span<const Departure> rest, int error);
-    void relieveReceiveBuffer(std::size_t sent);
 
     void run();
     void waitForWork();
+    Time nextLook(Time now) const;
     int pollTimeout(Time now);
     void receiveAll();
     void endOverdue(Time now);
@@ -67,10 +73,12 @@ private:
     std::mutex receiving_; ///< one reader of the socket at a time; taken before mutex_
     std::vector<EchoArrival> arrivals_;
     std::atomic<std::size_t> sentSinceReceive_{0};
+    std::size_t sendsPerReceive_ = 0; ///< set by open()
     std::atomic<int> bulkSenders_{0};
 
     std::mutex mutex_; ///< guards what follows
     EchoTable table_;
+    SendBudget budget_;
     std::vector<EchoCompletion> completed_;
     std::vector<Departure> heldBack_; ///< requests that the system could not take yet, in order
     Time wakesAt_ = Time::max();      ///< when the thread will look again by itself

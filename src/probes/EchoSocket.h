@@ -35,6 +35,9 @@ public:
     /// For people: which kind of socket this is.
     virtual std::string kind() const = 0;
 
+    /// How many replies it holds until they are read; what comes beyond is lost.
+    virtual std::size_t receiveCapacity() const = 0;
+
     /// What to poll for arrivals.
     virtual int descriptor() const = 0;
 

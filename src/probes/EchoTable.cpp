@@ -30,13 +30,13 @@ EchoKind judge(const EchoMessage& message, std::uint8_t payloadSize) {
 EchoTable::EchoTable(std::size_t capacity) : probes_(std::min<std::size_t>(capacity, numberMask + 1)) {}
 
 EchoTable::Added EchoTable::add(std::uint32_t address, const EchoOptions& options,
-                                std::shared_ptr<const EchoCallback> callback, Time now) {
+                                std::shared_ptr<const EchoCallback> callback, Time now, bool mayLeave) {
     auto probe = std::make_unique<Probe>();
     probe->address = address;
     probe->options = options;
     probe->callback = std::move(callback);
     const ProbeId serial = nextSerial_++ << numberBits;
-    if (inFlight_ == probes_.size() || !line_.empty()) {
+    if (!mayLeave || !canAdmit() || !line_.empty()) {
         probe->id = serial;
         line_.push_back(std::move(probe));
         return {serial, std::nullopt};
@@ -71,7 +71,7 @@ std::uint16_t EchoTable::takeNumber() {
 }
 
 std::optional<EchoRequest> EchoTable::admitOne(Time now) {
-    if (line_.empty() || inFlight_ == probes_.size()) {
+    if (line_.empty() || !canAdmit()) {
         return std::nullopt;
     }
     auto probe = std::move(line_.front());

@@ -34,13 +34,14 @@ public:
 
     explicit EchoTable(std::size_t capacity = 65536); ///< numbers that may be in flight, at most 65,536
 
-    /// Adds a probe. Its request is to be sent now, unless it has to stand in line.
+    /// Adds a probe. Its request is to be sent now, unless it has to stand in line: because it may not leave
+    /// yet, no number is free or others stand there already.
     struct Added {
         ProbeId id = 0;
         std::optional<EchoRequest> request;
     };
     Added add(std::uint32_t address, const EchoOptions& options, std::shared_ptr<const EchoCallback> callback,
-              Time now);
+              Time now, bool mayLeave = true);
 
     /// Ends the probe that the message is for, if it is for one.
     std::optional<EchoCompletion> match(const EchoArrival& arrival);
@@ -67,6 +68,7 @@ public:
     /// When to call expireOne() next.
     std::optional<Time> nextDeadline();
 
+    bool canAdmit() const { return inFlight_ < probes_.size(); } ///< a number is free
     std::size_t inFlight() const { return inFlight_; }
     std::size_t inLine() const { return line_.size(); }
 

@@ -70,7 +70,11 @@ EchoResult IcmpEngine::echo(std::uint32_t address, const EchoOptions& options, s
     core->start(
         std::span(&address, 1), options, [&wait](const EchoResult& result) { wait.finish(result); }, ids);
     const std::stop_callback cancelling(stop, [&core, &ids] { core->cancel(ids.front()); });
-    return wait.wait();
+    const EchoResult result = wait.wait();
+    if (result.answered()) {
+        core->relieveReceiveBuffer(1);
+    }
+    return result;
 }
 
 std::optional<std::string> IcmpEngine::unusable() {

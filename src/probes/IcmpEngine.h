@@ -24,12 +24,13 @@ class EchoCore;
 /// The socket is opened once, by the first call that needs it, in the network namespace of the calling
 /// thread. When that fails the engine stays unusable: every probe ends at once as NotPermitted.
 ///
-/// Up to 65,536 probes are in flight; more stand in line and their time-out starts when they are sent. A
-/// request that the system can't take for the moment (full buffers) is tried again until its deadline.
+/// Up to 65,536 probes are in flight, and no more leave at once than the receive buffer takes replies for;
+/// the others stand in line and their time-out starts when they are sent. A request that the system can't
+/// take for the moment (full buffers) is tried again until its deadline.
 ///
-/// Callbacks run one at a time on the engine's own thread, each exactly once. They must not block, must not
-/// throw and must not destroy the engine; they may start and cancel probes. Only an engine that is unusable
-/// or going away calls back from inside start().
+/// Callbacks run one at a time on the engine's own thread, each exactly once, maybe before start() has
+/// returned. They must not block, must not throw and must not destroy the engine; they may start and cancel
+/// probes. Only an engine that is unusable or going away calls back from inside start().
 class IcmpEngine {
 public:
     explicit IcmpEngine(EchoSocketOpener opener = openEchoSocket);

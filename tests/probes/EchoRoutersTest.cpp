@@ -164,6 +164,17 @@ TEST_P(EchoRouters, RoutersThatRefuseEndTheProbeAtOnce) {
     EXPECT_EQ(echo("10.88.0.2").kind, EchoKind::Reply) << "the error of one probe is not another one's";
 }
 
+TEST_P(EchoRouters, OwnAddressAnsweringForASilentNeighbourIsNoReply) {
+    build(2);
+    if (!engine_) {
+        return;
+    }
+    ASSERT_TRUE(OwnNetwork::set("ipv4/neigh/right/retrans_time_ms", "20"));
+    const EchoResult nobody = echo("10.88.0.77");
+    EXPECT_EQ(nobody.kind, EchoKind::Unreachable);
+    EXPECT_EQ(formatAddress(nobody.reporter), "10.88.0.1") << "this computer itself reports it";
+}
+
 TEST_P(EchoRouters, HostWhoseCableIsPulledAndPluggedIn) {
     build(2);
     if (!engine_) {

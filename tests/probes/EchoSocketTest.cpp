@@ -82,18 +82,22 @@ TEST(EchoSocket, FailedStartUpIsNotTriedAgain) {
     EXPECT_EQ(attempts, 1);
 }
 
-/// A network device with full buffers: takes a request only now and then. Whatever it takes is answered.
+constexpr const char* forbidden = "10.0.0.99"; ///< by a local filter
+
+/// A network device with full buffers: refuses a number of requests in a row before it takes the next.
+/// Whatever it takes is answered.
 class ReluctantSocket final : public EchoSocket {
 public:
-    ReluctantSocket(int refusals, int refusal, std::uint32_t forbidden)
-        : refusals_(refusals), refusal_(refusal), forbidden_(forbidden) {}
+    ReluctantSocket(int refusals, int refusal, std::size_t capacity)
+        : refusals_(refusals), refusalsEach_(refusals), refusal_(refusal), capacity_(capacity) {}
 
     std::string kind() const override { return "reluctant"; }
+    std::size_t receiveCapacity() const override { return capacity_; }
     int descriptor() const override { return arrived_.get(); }
 
     std::size_t send(std::span<const EchoRequest> requests, int& error) override {
         const std::lock_guard lock(mutex_);
-        if (requests.front().address == forbidden_) {
+        if (requests.front().address == addressOf(forbidden)) {
             error = EPERM;
             return 0;
         }
@@ -102,7 +106,7 @@ public:
             error = refusal_;
             return 0;
         }
-        refusals_ = 2;
+        refusals_ = refusalsEach_;
         answer(requests.front());
         return 1;
     }
@@ -132,29 +136,41 @@ private:
     std::mutex mutex_;
     std::vector<EchoArrival> answers_;
     int refusals_;
-    int refusal_;
-    std::uint32_t forbidden_;
+    const int refusalsEach_;
+    const int refusal_;
+    const std::size_t capacity_;
     Descriptor arrived_{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
 };
 
-EchoSocketOpener reluctant(int refusals, int refusal, const char* forbidden = "10.0.0.99") {
+EchoSocketOpener reluctant(int refusals, int refusal, std::size_t capacity = 100000) {
     return [=] {
-        return EchoSocketOpening{std::make_unique<ReluctantSocket>(refusals, refusal, addressOf(forbidden)),
-                                 {}};
+        return EchoSocketOpening{std::make_unique<ReluctantSocket>(refusals, refusal, capacity), {}};
     };
 }
 
 TEST(EchoSocket, FullBuffersLoseNoProbe) {
     for (const int refusal : {EAGAIN, ENOBUFS, ENOMEM}) {
-        IcmpEngine engine(reluctant(5, refusal));
+        IcmpEngine engine(reluctant(2, refusal));
         std::vector<std::uint32_t> addresses(100, addressOf("10.0.0.1"));
-        addresses[50] = addressOf("10.0.0.99");
+        addresses[50] = addressOf(forbidden);
         Results results;
         engine.startAll(addresses, within(30000), results.callback());
         EXPECT_EQ(results.waitFor(100).size(), 100U);
         EXPECT_EQ(results.count(EchoKind::Reply), 99U);
         EXPECT_EQ(results.count(EchoKind::SendFailed), 1U) << "only the one that a filter forbids";
     }
+}
+
+TEST(EchoSocket, SmallReceiveBufferSlowsSendingButCutsNoTimeOut) {
+    // Two at once, then three in two milliseconds: far longer than the time-out, which counts from the
+    // sending.
+    IcmpEngine engine(reluctant(0, 0, 8));
+    Results results;
+    const auto begin = std::chrono::steady_clock::now();
+    engine.startAll(std::vector<std::uint32_t>(450, addressOf("10.0.0.1")), within(100), results.callback());
+    EXPECT_EQ(results.waitFor(450).size(), 450U);
+    EXPECT_EQ(results.count(EchoKind::Reply), 450U);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(250));
 }
 
 TEST(EchoSocket, BuffersThatStayFullAreTheReasonAtTheDeadline) {
