@@ -1,12 +1,11 @@
 #include "platform/qt/IniSettingsStore.h"
 
 #include <QByteArray>
+#include <QFile>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QString>
 #include <QVariant>
-
-#include <algorithm>
 
 namespace mirovane {
 
@@ -49,7 +48,7 @@ std::string textOf(const QVariant& value) {
 
 QString iniFile(const std::string& folder) {
     if (!folder.empty())
-        return QString::fromStdString(folder) + QStringLiteral("/mirovane.ini");
+        return QFile::decodeName(bytesOf(folder)) + QStringLiteral("/mirovane.ini");
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
            QStringLiteral("/mirovane/mirovane.ini");
 }
@@ -100,7 +99,7 @@ void IniSettingsStore::writeRecentFiles(const std::vector<std::string>& paths) {
 }
 
 std::string IniSettingsStore::fileName() const {
-    return settings_->fileName().toStdString();
+    return QFile::encodeName(settings_->fileName()).toStdString();
 }
 
 } // namespace mirovane

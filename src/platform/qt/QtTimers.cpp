@@ -39,15 +39,14 @@ public:
     bool active() const override { return timer_->isActive(); }
 
 private:
+    /// Qt lets no timer tick within its own tick, but another one's tick may destroy this timer there.
     void tick() {
         bool destroyed = false;
-        bool* const outer = std::exchange(destroyed_, &destroyed);
+        destroyed_ = &destroyed;
         const std::function<void()> onTick = onTick_;
         onTick();
         if (!destroyed)
-            destroyed_ = outer;
-        else if (outer)
-            *outer = true;
+            destroyed_ = nullptr;
     }
 
     QTimer* timer_;
