@@ -4,6 +4,7 @@
 #include "model/ByteWriter.h"
 
 #include <array>
+#include <span>
 #include <utility>
 
 namespace mirovane::Datafile {
@@ -23,7 +24,7 @@ struct Layout {
     std::int32_t version;
     std::size_t emptyRecordSize; ///< with all eleven texts empty: no record is smaller
     bool typeFirst;
-    int ruleStamps;
+    std::size_t ruleStamps;
     bool hasPriority;
 };
 
@@ -80,36 +81,42 @@ void readTag(ByteReader& reader, std::size_t record) {
         reader.fail(start, "no record begins here");
 }
 
-void readRecord(ByteReader& reader, const Layout& layout, CHardware& record) {
-    const std::int32_t first = reader.readInt32();
-    const std::int32_t second = reader.readInt32();
-    record.State = layout.typeFirst ? second : first;
-    record.Type = layout.typeFirst ? first : second;
-    record.Position.x = reader.readInt32();
-    record.Position.y = reader.readInt32();
-    record.ToJack = reader.readText();
-    record.Name = reader.readText();
-    record.IPAddress = reader.readText();
-    record.MACAddress = reader.readText();
-    record.Username = reader.readText();
-    record.Comment = reader.readText();
-    record.RecID = reader.readInt32();
-    record.Modified = reader.readInt32();
-    record.StampsModified = reader.readInt32();
-    for (std::size_t row = 0; row < static_cast<std::size_t>(layout.ruleStamps); ++row)
-        record.RuleStamps[row] = reader.readInt32();
-    record.SlashText = reader.readText();
-    record.BackslashText = reader.readText();
-    record.HorzText = reader.readText();
-    record.VertText = reader.readText();
-    record.SlashDraw = reader.readInt32();
-    record.BackslashDraw = reader.readInt32();
-    record.VertDraw = reader.readInt32();
-    record.HorzDraw = reader.readInt32();
-    record.ReminderOn = reader.readInt32();
-    record.ReminderDate.status = reader.readInt32();
+void readFlagsAndReminder(ByteReader& reader, CHardware& record) {
+    std::array<std::int32_t, 6> flags = {};
+    reader.readInt32s(flags);
+    record.SlashDraw = flags[0];
+    record.BackslashDraw = flags[1];
+    record.VertDraw = flags[2];
+    record.HorzDraw = flags[3];
+    record.ReminderOn = flags[4];
+    record.ReminderDate.status = flags[5];
     record.ReminderDate.value = reader.readDouble();
-    record.ToDo = reader.readText();
+    reader.readText(record.ToDo);
+}
+
+void readRecord(ByteReader& reader, const Layout& layout, CHardware& record) {
+    std::array<std::int32_t, 4> head = {};
+    reader.readInt32s(head);
+    record.State = head[layout.typeFirst ? 1 : 0];
+    record.Type = head[layout.typeFirst ? 0 : 1];
+    record.Position = {head[2], head[3]};
+    reader.readText(record.ToJack);
+    reader.readText(record.Name);
+    reader.readText(record.IPAddress);
+    reader.readText(record.MACAddress);
+    reader.readText(record.Username);
+    reader.readText(record.Comment);
+    std::array<std::int32_t, 3> stamps = {};
+    reader.readInt32s(stamps);
+    record.RecID = stamps[0];
+    record.Modified = stamps[1];
+    record.StampsModified = stamps[2];
+    reader.readInt32s(std::span(record.RuleStamps).first(layout.ruleStamps));
+    reader.readText(record.SlashText);
+    reader.readText(record.BackslashText);
+    reader.readText(record.HorzText);
+    reader.readText(record.VertText);
+    readFlagsAndReminder(reader, record);
     record.Priority = layout.hasPriority ? reader.readInt32() : priorityOfOlderVersions;
 }
 
@@ -172,7 +179,7 @@ Result<Content, Error> decodeRecords(std::string_view bytes, const Layout& layou
         return damaged(reader, 0);
     content.records.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
-        auto record = std::make_unique<CHardware>();
+        auto record = std::make_unique_for_overwrite<CHardware>(); // not zeroed twice
         readTag(reader, i);
         readRecord(reader, layout, *record);
         if (reader.failed())

@@ -143,12 +143,9 @@ std::optional<Datafile::Error> CMirovaneDoc::reload() {
     return std::nullopt;
 }
 
+/// The run-time flags need no clearing: every record is fresh.
 void CMirovaneDoc::runPostLoadPass() {
     exportAuto_ = readExportAuto(settings_, path_);
-    for (const auto& record : records_) {
-        record->LSNowMark = 0;
-        record->ReminderDue = 0;
-    }
     addMissingRecords();
     upgradeVersion();
     if (!holdsSpecial(firstToDoRow))

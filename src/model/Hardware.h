@@ -74,32 +74,21 @@ constexpr int criteriaRowCount = 12;
 /// document owns the records of a datafile and alone changes them, on the main thread; everyone else reads or
 /// holds copies. Texts are the bytes of the datafile, whatever code page the station that wrote them used.
 struct CHardware {
-    // Stored in the datafile.
+    // Stored in the datafile. What walks over the list look at comes first, and numbers stand together: a site has
+    // tens of thousands of these.
     std::int32_t Type = 0;
-    std::int32_t State = DeviceState::Def;
-    MapPoint Position;
-    std::string ToJack;
-    std::string Name;
-    std::string IPAddress;
-    std::string MACAddress;
-    std::string Username;
-    std::string Comment;
     std::int32_t RecID = 0;
+    std::int32_t State = DeviceState::Def;
+    std::int32_t Priority = 1; ///< 1 to 5
+    MapPoint Position;
     TimeStamp Modified = 0;
     TimeStamp StampsModified = 0;                            ///< the Modified for which RuleStamps hold
     std::array<TimeStamp, criteriaRowCount> RuleStamps = {}; ///< by row: age of the text file last searched
-    std::string SlashText;
-    std::string BackslashText;
-    std::string HorzText;
-    std::string VertText;
     std::int32_t SlashDraw = 0;
     std::int32_t BackslashDraw = 0;
     std::int32_t VertDraw = 0;
     std::int32_t HorzDraw = 0;
     std::int32_t ReminderOn = 0;
-    DateTime ReminderDate;
-    std::string ToDo;
-    std::int32_t Priority = 1; ///< 1 to 5
 
     // Live only while the program runs.
     std::int32_t ShowAll = 0;
@@ -107,6 +96,20 @@ struct CHardware {
     std::int32_t SortPending = 0;
     std::int32_t Selected = 0;
     std::int32_t LSNowMark = 0;
+
+    // Stored in the datafile.
+    DateTime ReminderDate;
+    std::string ToJack;
+    std::string Name;
+    std::string IPAddress;
+    std::string MACAddress;
+    std::string Username;
+    std::string Comment;
+    std::string SlashText;
+    std::string BackslashText;
+    std::string HorzText;
+    std::string VertText;
+    std::string ToDo;
 
     bool operator==(const CHardware&) const = default;
 

@@ -24,6 +24,9 @@ public:
     void reserve(std::size_t count);
     std::optional<Entry> find(std::int32_t key) const;
 
+    /// Another record with this key stands at `place`.
+    void add(std::int32_t key, std::uint32_t place);
+
     /// Sets or replaces.
     void put(std::int32_t key, Entry entry);
     void erase(std::int32_t key);
@@ -38,6 +41,7 @@ private:
     };
 
     std::size_t slotFor(std::int32_t key) const;
+    Slot& slotToFill(std::int32_t key);
     void grow(std::size_t capacity);
 
     std::vector<Slot> slots_;
