@@ -1,7 +1,6 @@
 #include "model/ByteReader.h"
 
-#include "model/Text.h"
-
+#include <bit>
 #include <utility>
 
 namespace mirovane {
@@ -50,16 +49,15 @@ std::uint32_t ByteReader::readCount() {
     return count == 0xFFFF ? readUint32() : count;
 }
 
-void ByteReader::readLongText(std::string& to) {
+ByteReader::Text ByteReader::readLongText() {
     const std::size_t start = offset_ - 1;
     const std::uint16_t length = readUint16();
     if (length == wideForm)
-        readWideText(to);
-    else
-        keep(readTextBytes(start, length == longestForm ? readUint32() : length, 1), to);
+        return readWideText();
+    return {readTextBytes(start, length == longestForm ? readUint32() : length, 1)};
 }
 
-void ByteReader::readWideText(std::string& to) {
+ByteReader::Text ByteReader::readWideText() {
     const std::size_t start = offset_;
     std::uint64_t length = readUint8();
     if (length == longForm) {
@@ -69,7 +67,7 @@ void ByteReader::readWideText(std::string& to) {
         else if (length == longestForm)
             length = readUint32();
     }
-    to = bytesFromUtf16Le(readTextBytes(start, length, 2));
+    return {readTextBytes(start, length, 2), true};
 }
 
 } // namespace mirovane

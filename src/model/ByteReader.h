@@ -1,6 +1,7 @@
 #pragma once
 
-#include <bit>
+#include "model/Text.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -9,10 +10,10 @@
 
 namespace mirovane {
 
-/// A cursor over bytes of unknown origin. Never reads past the end and trusts no length before it has compared it with
-/// what remains. The first error sticks: from then on every read gives 0 or an empty text and moves nothing, so a
-/// caller may read a whole record and ask once. Integers are little-endian. The small reads are inline: loading a
-/// large datafile is forty of them for each record.
+/// A cursor over bytes of unknown origin. Never reads past the end and trusts no length before it has
+/// compared it with what remains. The first error sticks: from then on every read gives 0 or an empty text
+/// and moves nothing, so a caller may read a whole record and ask once. Integers are little-endian. The small
+/// reads are inline: loading a large datafile is forty of them for each record.
 class ByteReader {
 public:
     explicit ByteReader(std::string_view bytes) : bytes_(bytes) {}
@@ -34,15 +35,22 @@ public:
         }
     }
 
-    /// A length in any of its forms, then that many bytes, into an empty text. The wide form comes out in this
-    /// platform's 8-bit text.
-    void readText(std::string& to) {
+    /// A text where it lies, valid as long as the bytes are.
+    struct Text {
+        std::string_view bytes;
+        bool wide = false; ///< UTF-16LE code units
+
+        /// In this platform's 8-bit text.
+        std::string string() const { return wide ? bytesFromUtf16Le(bytes) : std::string(bytes); }
+    };
+
+    /// A length in any of its forms, then that many bytes or code units.
+    Text readText() {
         const std::size_t start = offset_;
         const std::uint8_t length = readUint8();
-        if (length == longForm)
-            readLongText(to);
-        else
-            keep(readTextBytes(start, length, 1), to);
+        if (length == longForm) [[unlikely]]
+            return readLongText();
+        return {readTextBytes(start, length, 1)};
     }
 
     /// A record count: 16 bits, or 0xFFFF and 32 bits.
@@ -67,16 +75,10 @@ private:
     static constexpr std::uint8_t longForm = 0xFF;
 
     static std::uint32_t uint32At(const char* p) {
-        const auto byte = [p](int i) { return static_cast<std::uint32_t>(static_cast<std::uint8_t>(p[i])); };
+        const auto byte = [p](int i) {
+            return static_cast<std::uint32_t>(static_cast<std::uint8_t>(p[i]));
+        };
         return byte(0) | byte(1) << 8 | byte(2) << 16 | byte(3) << 24;
-    }
-
-    /// A text of its own takes just the memory it needs; assigned to an empty one it would take up to twice as much.
-    static void keep(std::string_view bytes, std::string& to) {
-        if (bytes.size() <= to.capacity())
-            to.assign(bytes);
-        else
-            to = std::string(bytes);
     }
 
     /// Once failed, nothing is left to be had.
@@ -101,8 +103,8 @@ private:
     }
     void failAtEnd();
     void failAtText(std::size_t start, std::uint64_t count);
-    void readLongText(std::string& to);
-    void readWideText(std::string& to);
+    Text readLongText();
+    Text readWideText();
 
     std::string_view bytes_;
     std::size_t offset_ = 0;

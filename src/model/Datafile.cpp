@@ -81,43 +81,65 @@ void readTag(ByteReader& reader, std::size_t record) {
         reader.fail(start, "no record begins here");
 }
 
-void readFlagsAndReminder(ByteReader& reader, CHardware& record) {
+/// A record as its bytes lie in the file. Only when all of it is known to be there the record is made, in one
+/// go: its eleven texts are never empty first.
+struct RawRecord {
+    std::array<std::int32_t, 4> head = {};
+    std::array<ByteReader::Text, 6> texts;
+    std::array<std::int32_t, 3> stamps = {};
+    std::array<TimeStamp, criteriaRowCount> ruleStamps = {};
+    std::array<ByteReader::Text, 4> labels;
     std::array<std::int32_t, 6> flags = {};
-    reader.readInt32s(flags);
-    record.SlashDraw = flags[0];
-    record.BackslashDraw = flags[1];
-    record.VertDraw = flags[2];
-    record.HorzDraw = flags[3];
-    record.ReminderOn = flags[4];
-    record.ReminderDate.status = flags[5];
-    record.ReminderDate.value = reader.readDouble();
-    reader.readText(record.ToDo);
+    double reminder = 0.0;
+    ByteReader::Text toDo;
+    std::int32_t priority = priorityOfOlderVersions;
+};
+
+RawRecord readRecord(ByteReader& reader, const Layout& layout) {
+    RawRecord raw;
+    reader.readInt32s(raw.head);
+    for (ByteReader::Text& text : raw.texts)
+        text = reader.readText();
+    reader.readInt32s(raw.stamps);
+    reader.readInt32s(std::span(raw.ruleStamps).first(layout.ruleStamps));
+    for (ByteReader::Text& text : raw.labels)
+        text = reader.readText();
+    reader.readInt32s(raw.flags);
+    raw.reminder = reader.readDouble();
+    raw.toDo = reader.readText();
+    if (layout.hasPriority)
+        raw.priority = reader.readInt32();
+    return raw;
 }
 
-void readRecord(ByteReader& reader, const Layout& layout, CHardware& record) {
-    std::array<std::int32_t, 4> head = {};
-    reader.readInt32s(head);
-    record.State = head[layout.typeFirst ? 1 : 0];
-    record.Type = head[layout.typeFirst ? 0 : 1];
-    record.Position = {head[2], head[3]};
-    reader.readText(record.ToJack);
-    reader.readText(record.Name);
-    reader.readText(record.IPAddress);
-    reader.readText(record.MACAddress);
-    reader.readText(record.Username);
-    reader.readText(record.Comment);
-    std::array<std::int32_t, 3> stamps = {};
-    reader.readInt32s(stamps);
-    record.RecID = stamps[0];
-    record.Modified = stamps[1];
-    record.StampsModified = stamps[2];
-    reader.readInt32s(std::span(record.RuleStamps).first(layout.ruleStamps));
-    reader.readText(record.SlashText);
-    reader.readText(record.BackslashText);
-    reader.readText(record.HorzText);
-    reader.readText(record.VertText);
-    readFlagsAndReminder(reader, record);
-    record.Priority = layout.hasPriority ? reader.readInt32() : priorityOfOlderVersions;
+std::unique_ptr<CHardware> makeRecord(const RawRecord& raw, const Layout& layout) {
+    return std::unique_ptr<CHardware>(new CHardware{
+        .Type = raw.head[layout.typeFirst ? 0 : 1],
+        .RecID = raw.stamps[0],
+        .State = raw.head[layout.typeFirst ? 1 : 0],
+        .Priority = raw.priority,
+        .Position = {raw.head[2], raw.head[3]},
+        .Modified = raw.stamps[1],
+        .StampsModified = raw.stamps[2],
+        .RuleStamps = raw.ruleStamps,
+        .SlashDraw = raw.flags[0],
+        .BackslashDraw = raw.flags[1],
+        .VertDraw = raw.flags[2],
+        .HorzDraw = raw.flags[3],
+        .ReminderOn = raw.flags[4],
+        .ReminderDate = {raw.flags[5], raw.reminder},
+        .ToJack = raw.texts[0].string(),
+        .Name = raw.texts[1].string(),
+        .IPAddress = raw.texts[2].string(),
+        .MACAddress = raw.texts[3].string(),
+        .Username = raw.texts[4].string(),
+        .Comment = raw.texts[5].string(),
+        .SlashText = raw.labels[0].string(),
+        .BackslashText = raw.labels[1].string(),
+        .HorzText = raw.labels[2].string(),
+        .VertText = raw.labels[3].string(),
+        .ToDo = raw.toDo.string(),
+    });
 }
 
 void writeRecord(ByteWriter& writer, const CHardware& record) {
@@ -179,12 +201,11 @@ Result<Content, Error> decodeRecords(std::string_view bytes, const Layout& layou
         return damaged(reader, 0);
     content.records.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
-        auto record = std::make_unique_for_overwrite<CHardware>(); // not zeroed twice
         readTag(reader, i);
-        readRecord(reader, layout, *record);
+        const RawRecord raw = readRecord(reader, layout);
         if (reader.failed())
             return damaged(reader, i);
-        content.records.push_back(std::move(record));
+        content.records.push_back(makeRecord(raw, layout));
     }
     const std::size_t extra = reader.remaining();
     if (extra > 0) {

@@ -74,8 +74,8 @@ constexpr int criteriaRowCount = 12;
 /// document owns the records of a datafile and alone changes them, on the main thread; everyone else reads or
 /// holds copies. Texts are the bytes of the datafile, whatever code page the station that wrote them used.
 struct CHardware {
-    // Stored in the datafile. What walks over the list look at comes first, and numbers stand together: a site has
-    // tens of thousands of these.
+    // Stored in the datafile. What walks over the list look at comes first, and numbers stand together: a
+    // site has tens of thousands of these.
     std::int32_t Type = 0;
     std::int32_t RecID = 0;
     std::int32_t State = DeviceState::Def;

@@ -11,8 +11,8 @@ namespace {
 constexpr std::size_t smallestTable = 256;
 constexpr std::size_t prefetchDistance = 16;
 
-/// Record IDs run from 1 upwards: such numbers stay neighbours, so that filling the table runs along memory. Others are
-/// spread by their upper half.
+/// Record IDs run from 1 upwards: such numbers stay neighbours, so that filling the table runs along memory.
+/// Others are spread by their upper half.
 std::size_t hashOf(std::int32_t key) {
     const auto number = static_cast<std::uint32_t>(key);
     return number + (number >> 16) * 0x9E3779B1U;
