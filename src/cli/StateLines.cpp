@@ -8,11 +8,13 @@ namespace {
 
 std::string stateLine(const CHardware& device) {
     std::string line(typeName(device.Type));
-    if (!device.Name.empty())
-        line += " " + device.Name;
+    const bool isJack = floorCode(device.Type) == DeviceType::Jack;
+    const std::string& name = isJack ? device.ToJack : device.Name;
+    if (!name.empty())
+        line += " " + name;
     if (!device.IPAddress.empty())
         line += " (" + device.IPAddress + ")";
-    if (device.Name.empty() && device.IPAddress.empty())
+    if (name.empty() && device.IPAddress.empty())
         line += " with the RecID " + std::to_string(device.RecID);
     return line + (device.State == DeviceState::On ? " is On" : " is Off");
 }
