@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes the golden datafiles beside this script: the same few records in each of the four layouts, and what the layouts
-before 2008 become when they are written again. Independent of the program's own writer on purpose; run it only when a
-record is added here, and look at the difference."""
+before 2008 become when they are written again; and small seeds for the fuzzer. Independent of the program's own writer on
+purpose; run it only when a record is added here, and look at the difference."""
 
 import pathlib
 import struct
@@ -93,6 +93,14 @@ def main():
             for r in records:
                 r["RuleStamps"] = list(r.get("RuleStamps", [0] * 12))[:11] + [0]
         (folder / f"floor-{version}-again.mv").write_bytes(file_bytes(records, 2008, again=True))
+
+
+    seeds = folder.parent.parent / "fuzz" / "corpus" / "datafile"
+    seeds.mkdir(parents=True, exist_ok=True)
+    for version in (2002, 2003, 2004, 2008):
+        first, device = records_of(version)[0], {"Type": 1, "RecID": 1, "Name": "w\u00e4nd", "Comment": b"c" * 255}
+        (seeds / f"small-{version}.mv").write_bytes(file_bytes([first, device], version))
+    (seeds / "long-count.mv").write_bytes(b"\xff\xff" + file_bytes([records_of(2008)[0]], 2008)[:40])
 
 
 if __name__ == "__main__":
