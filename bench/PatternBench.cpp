@@ -23,7 +23,7 @@ using namespace mirovane;
 namespace {
 
 constexpr std::size_t textSize = 100'000'000;
-constexpr std::size_t blockSize = 128 * 1024;
+constexpr std::size_t blockSize = std::size_t{128} * 1024;
 
 /// Lines as a switch or a DHCP server writes them to its log.
 std::size_t writeLog(const std::string& path) {

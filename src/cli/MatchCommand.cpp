@@ -14,7 +14,7 @@ namespace mirovane {
 
 namespace {
 
-constexpr std::size_t blockSize = 128 * 1024;
+constexpr std::size_t blockSize = std::size_t{128} * 1024;
 
 constexpr std::string_view tooManySteps =
     "the pattern takes too many steps; Live Stat counts that as no match (repeats within repeats do it)";

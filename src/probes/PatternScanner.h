@@ -31,7 +31,7 @@ public:
     };
 
     /// A line is held in memory; one that is longer is searched in parts of this size.
-    static constexpr std::size_t longestLine = 16 * 1024 * 1024;
+    static constexpr std::size_t longestLine = std::size_t{16} * 1024 * 1024;
 
     /// Sees a line that matches, as it stands in the text; true to look for more.
     using HitHandler = std::function<bool(std::string_view line)>;

@@ -13,9 +13,13 @@ class PatternSet {
 public:
     static constexpr unsigned size = 256;
 
+    /// `low` is not above `high`.
     constexpr PatternSet& add(unsigned char low, unsigned char high) {
-        for (unsigned byte = low; byte <= high; ++byte) {
-            words_[byte / 64] |= std::uint64_t{1} << byte % 64;
+        constexpr std::uint64_t all = ~std::uint64_t{0};
+        for (unsigned word = low / 64; word <= high / 64U; ++word) {
+            const unsigned first = word == low / 64U ? low % 64U : 0;
+            const unsigned last = word == high / 64U ? high % 64U : 63;
+            words_[word] |= (all << first) & (all >> (63 - last));
         }
         return *this;
     }

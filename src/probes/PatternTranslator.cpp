@@ -34,9 +34,7 @@ enum class Last { Nothing, Item, Fixed, LookAhead, Recursion, Quantified };
 
 class Translator {
 public:
-    explicit Translator(std::string_view pattern) : reader_(pattern) {
-        out_.reserve(pattern.size() + pattern.size() / 2);
-    }
+    explicit Translator(std::string_view pattern) : reader_(pattern) { out_.reserve(pattern.size() * 2); }
 
     TranslatedPattern translate() {
         while (!reader_.atEnd()) {
@@ -173,11 +171,13 @@ private:
     void extension(std::size_t where) {
         struct Known {
             std::string_view mark;
+            std::string_view opening;
             GroupKind kind;
         };
         static constexpr Known all[]{
-            {":", GroupKind::Plain},     {">", GroupKind::Plain},       {"=", GroupKind::LookAhead},
-            {"!", GroupKind::LookAhead}, {"<=", GroupKind::LookBehind}, {"<!", GroupKind::LookBehind},
+            {":", "(?:", GroupKind::Plain},        {">", "(?>", GroupKind::Plain},
+            {"=", "(?=", GroupKind::LookAhead},    {"!", "(?!", GroupKind::LookAhead},
+            {"<=", "(?<=", GroupKind::LookBehind}, {"<!", "(?<!", GroupKind::LookBehind},
         };
         const auto* known =
             std::ranges::find_if(all, [this](const Known& k) { return reader_.accept(k.mark); });
@@ -186,7 +186,7 @@ private:
         }
         lookAhead_ = lookAhead_ || known->mark == "=";
         atomic_ = atomic_ || known->mark == ">";
-        push(std::string("(?").append(known->mark), known->kind, where);
+        push(known->opening, known->kind, where);
     }
 
     void push(std::string_view text, GroupKind kind, std::size_t where) {
