@@ -17,6 +17,8 @@ public:
     std::size_t position() const { return position_; }
     std::string_view rest() const { return text_.substr(position_); }
 
+    std::string_view since(std::size_t start) const { return text_.substr(start, position_ - start); }
+
     /// Only where atEnd() is false.
     char take() { return text_[position_++]; }
 

@@ -302,12 +302,8 @@ private:
         if (!least || !reader_.accept("}")) {
             PatternReader::fail(PatternFault::IllFormed, where);
         }
-        std::string text(1, '{');
-        text += std::to_string(*least);
-        text += range ? "," : "";
-        text += range && most ? std::to_string(*most) : "";
-        text += '}';
-        quantify(text, where);
+        // Nothing but digits and a comma stands between the braces: the engine reads it the same way.
+        quantify(reader_.since(where), where);
         if (most && *least > *most) {
             PatternReader::fail(PatternFault::CountOrder, where);
         }
