@@ -1,4 +1,5 @@
-// Any bytes as a datafile: an error that points into the file, or content that is written and read again unchanged.
+// Any bytes as a datafile: an error that points into the file, or content that is written and read again as
+// it was.
 
 #include "model/Datafile.h"
 #include "model/RecordIndex.h"

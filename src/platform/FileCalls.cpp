@@ -9,6 +9,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <memory>
+#include <sys/xattr.h>
 #include <thread>
 #include <unistd.h>
 
@@ -95,6 +96,15 @@ int FileCalls::setMode(int fd, mode_t mode) {
 
 int FileCalls::setOwner(int fd, uid_t user, gid_t group) {
     return ::fchown(fd, user, group);
+}
+
+int FileCalls::copyAccessList(int from, int to) {
+    constexpr const char* name = "system.posix_acl_access";
+    std::array<char, 65536> list;
+    const ssize_t size = ::fgetxattr(from, name, list.data(), list.size());
+    if (size < 0)
+        return errno == ENODATA || errno == ENOTSUP || errno == ENOSYS ? 0 : -1;
+    return ::fsetxattr(to, name, list.data(), static_cast<std::size_t>(size), 0);
 }
 
 int FileCalls::makeFolder(const std::string& path, mode_t mode) {

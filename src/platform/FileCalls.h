@@ -30,6 +30,9 @@ public:
     virtual int statusAt(const std::string& path, struct stat& status);
     virtual int setMode(int fd, mode_t mode);
     virtual int setOwner(int fd, uid_t user, gid_t group);
+
+    /// The access list beyond the mode, where the file system has one; 0 also where there is none to copy.
+    virtual int copyAccessList(int from, int to);
     virtual int makeFolder(const std::string& path, mode_t mode);
 
     virtual int rename(const std::string& from, const std::string& to);

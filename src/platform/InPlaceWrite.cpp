@@ -50,7 +50,7 @@ bool InPlaceWrite::makeBackupFolder() const {
 
 bool InPlaceWrite::keepCopy(const std::string& copy, std::string_view content) {
     calls_.remove(copy);
-    SafeReplace replacement(calls_, copy, nullptr);
+    SafeReplace replacement(calls_, copy);
     const bool made = replacement.run(content).has_value() && flushFolder(calls_, folder_);
     if (!made && replacement.error().code != 0)
         errno = replacement.error().code;

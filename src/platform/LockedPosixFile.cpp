@@ -33,7 +33,8 @@ Result<std::string, FileError> LockedPosixFile::read() {
 }
 
 Result<FileIdentity, FileError> LockedPosixFile::replace(std::string_view content) {
-    SafeReplace replacement(calls_, target_, file_ ? &status_ : nullptr);
+    SafeReplace replacement =
+        file_ ? SafeReplace(calls_, target_, file_.fd(), status_) : SafeReplace(calls_, target_);
     std::optional<OpenFile> made = replacement.run(content);
     if (!made && file_ && replacement.folderRefused())
         return writeInPlace(content);

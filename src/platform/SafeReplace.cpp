@@ -41,7 +41,7 @@ std::optional<OpenFile> SafeReplace::run(std::string_view content) {
     std::optional<OpenFile> file = makeTemporary();
     if (!file)
         return std::nullopt;
-    if (!writeWhole(calls_, file->fd(), content) || !keepOwnerAndMode(file->fd()) ||
+    if (!writeWhole(calls_, file->fd(), content) || !keepAccess(file->fd()) ||
         calls_.flush(file->fd()) != 0 || !putInPlace()) {
         if (error_.sentence.empty())
             failed(errno);
@@ -93,7 +93,7 @@ bool SafeReplace::removeLeftover() {
 }
 
 /// The owner stays where the system lets this user give files away (root), the group where he is a member.
-bool SafeReplace::keepOwnerAndMode(int fd) {
+bool SafeReplace::keepAccess(int fd) {
     if (!old_)
         return true;
     struct stat made = {};
@@ -103,7 +103,7 @@ bool SafeReplace::keepOwnerAndMode(int fd) {
         if (calls_.setOwner(fd, old_->st_uid, old_->st_gid) != 0)
             calls_.setOwner(fd, static_cast<uid_t>(-1), old_->st_gid);
     }
-    return calls_.setMode(fd, old_->st_mode & 07777) == 0;
+    return calls_.setMode(fd, old_->st_mode & 07777) == 0 && calls_.copyAccessList(oldFile_, fd) == 0;
 }
 
 bool SafeReplace::putInPlace() {

@@ -15,10 +15,12 @@ namespace mirovane {
 /// lock can be had) removes it, so savers that were killed leave at most one such file, until the next save.
 class SafeReplace {
 public:
-    /// `path` has no symbolic link in its last part. `old` is the file that stands there, null when there is
-    /// none.
-    SafeReplace(FileCalls& calls, std::string path, const struct stat* old)
-        : calls_(calls), path_(std::move(path)), old_(old) {}
+    /// A new file at `path`, which has no symbolic link in its last part.
+    SafeReplace(FileCalls& calls, std::string path) : calls_(calls), path_(std::move(path)) {}
+
+    /// In place of the file that is open as `oldFile`, with its mode, its owner and its access list.
+    SafeReplace(FileCalls& calls, std::string path, int oldFile, const struct stat& old)
+        : calls_(calls), path_(std::move(path)), oldFile_(oldFile), old_(&old) {}
 
     /// The new file, open and under an exclusive lock; the old one is untouched when it is not there.
     std::optional<OpenFile> run(std::string_view content);
@@ -34,13 +36,14 @@ public:
 private:
     std::optional<OpenFile> makeTemporary();
     bool removeLeftover();
-    bool keepOwnerAndMode(int fd);
+    bool keepAccess(int fd);
     bool putInPlace();
     void failed(int code);
 
     FileCalls& calls_;
     std::string path_;
-    const struct stat* old_;
+    int oldFile_ = -1;
+    const struct stat* old_ = nullptr;
     std::string temporary_;
     FileError error_;
     bool folderRefused_ = false;

@@ -69,6 +69,9 @@ public:
     int setOwner(int fd, uid_t user, gid_t group) override {
         return fails("owner") ? -1 : FileCalls::setOwner(fd, user, group);
     }
+    int copyAccessList(int from, int to) override {
+        return fails("access list") ? -1 : FileCalls::copyAccessList(from, to);
+    }
     int rename(const std::string& from, const std::string& to) override {
         return fails("rename") || refuses(to) ? -1 : FileCalls::rename(from, to);
     }

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace mirovane {
@@ -78,6 +79,27 @@ TEST_F(PosixFilesTest, ReplacedFileKeepsModeOwnerAndLink) {
     EXPECT_EQ(now.st_gid, old.st_gid);
     EXPECT_EQ(files.status(path).value(), identity.value());
     EXPECT_EQ(filesIn(folder.path()), 2U);
+}
+
+/// Without its list, a mode that only names the list's upper bound would let the whole group write.
+TEST_F(PosixFilesTest, ReplacedFileKeepsItsAccessList) {
+    writeBytes(path, before);
+    const std::string list("\2\0\0\0"
+                           "\1\0\6\0\xFF\xFF\xFF\xFF"
+                           "\2\0\6\0\xD2\4\0\0"
+                           "\4\0\4\0\xFF\xFF\xFF\xFF"
+                           "\x10\0\6\0\xFF\xFF\xFF\xFF"
+                           "\x20\0\0\0\xFF\xFF\xFF\xFF",
+                           44);
+    constexpr const char* name = "system.posix_acl_access";
+    if (setxattr(path.c_str(), name, list.data(), list.size(), 0) != 0)
+        GTEST_SKIP() << "this file system has no access lists";
+    ASSERT_FALSE(save(files, path, after));
+    std::string found(list.size() * 2, '\0');
+    const ssize_t size = getxattr(path.c_str(), name, found.data(), found.size());
+    ASSERT_GT(size, 0);
+    found.resize(static_cast<std::size_t>(size));
+    EXPECT_EQ(found, list);
 }
 
 TEST_F(PosixFilesTest, NewFilesOfAnyNameAreMade) {
