@@ -24,13 +24,13 @@ constexpr std::chrono::milliseconds longestPause{50};
 std::string followLinks(FileCalls& calls, const std::string& path) {
     std::string at = path;
     for (int link = 0; link < mostLinks; ++link) {
-        const std::string real = calls.realPath(at);
+        std::string real = calls.realPath(at);
         if (!real.empty())
             return real;
         const std::string target = calls.linkTarget(at);
         if (target.empty())
             return at;
-        at = target.front() == '/' ? target : folderOf(at) + "/" + target;
+        at = target.front() == '/' ? target : folderOf(at).append("/").append(target);
     }
     return at;
 }
@@ -72,6 +72,9 @@ public:
             return failed(errno);
         if (!S_ISREG(status_.st_mode))
             return notAFile();
+        // Only root gets here; whoever took every right to write away meant him, too.
+        if (access_ == FileAccess::Write && (status_.st_mode & 0222) == 0)
+            return failed(EACCES);
         if (calls_.tryLock(file_.fd(), access_ == FileAccess::Write) != 0 && !locksUnsupported(errno))
             return errno == EAGAIN || errno == EACCES ? Outcome::Busy : failed(errno);
         return stillThere();

@@ -328,12 +328,22 @@ private:
     bool wasRoot_ = false;
 };
 
-TEST_F(UnprivilegedTest, FileMarkedReadOnlyStaysUntouched) {
+void expectReadOnlyStays(Files& files, const std::string& path, const std::string& content) {
     fs::permissions(path, fs::perms(0444));
-    const auto error = save(files, path, after);
+    const auto error = save(files, path, "other");
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind, FileError::Kind::Denied);
-    EXPECT_EQ(readBytes(path), before);
+    EXPECT_EQ(readBytes(path), content);
+    EXPECT_TRUE(files.lock(path, FileAccess::Read, patience));
+}
+
+TEST_F(PosixFilesTest, FileMarkedReadOnlyStaysUntouched) {
+    writeBytes(path, before);
+    expectReadOnlyStays(files, path, before);
+}
+
+TEST_F(UnprivilegedTest, FileMarkedReadOnlyStaysUntouched) {
+    expectReadOnlyStays(files, path, before);
 }
 
 TEST_F(UnprivilegedTest, FolderWithoutWriteAccessStillTakesTheContent) {
