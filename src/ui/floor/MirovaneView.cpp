@@ -46,12 +46,7 @@ CMirovaneView::CMirovaneView(CStation& station, QWidget* parent)
     connect(&photos_, &PhotoStore::arrived, this, &CMirovaneView::redraw);
     idle_.setSingleShot(true);
     connect(&idle_, &QTimer::timeout, this, &CMirovaneView::prepareSlice);
-    station_.onRedraw = [self = QPointer<CMirovaneView>(this), before = station_.onRedraw] {
-        if (before)
-            before();
-        if (self)
-            self->redraw();
-    };
+    watchStation();
     document_.addObserver(*this);
     documentReplaced();
 }
@@ -69,6 +64,32 @@ void CMirovaneView::setUpWidget() {
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     horizontalScrollBar()->setSingleStep(lineStep);
     verticalScrollBar()->setSingleStep(lineStep);
+}
+
+/// The station may outlive the view by a while.
+void CMirovaneView::watchStation() {
+    const auto chain = [this](std::function<void()>& callback) {
+        callback = [self = QPointer<CMirovaneView>(this), before = callback] {
+            if (before)
+                before();
+            if (self)
+                self->refreshRings();
+        };
+    };
+    chain(station_.onRedraw);
+    chain(station_.onIndicators);
+}
+
+void CMirovaneView::refreshRings() {
+    rings_.clear();
+    redraw();
+}
+
+bool CMirovaneView::showsRing(std::int32_t recID) {
+    const auto [entry, added] = rings_.try_emplace(recID, false);
+    if (added)
+        entry->second = station_.liveStat().holdsDevice(recID);
+    return entry->second;
 }
 
 // ---- what changed
@@ -110,6 +131,7 @@ void CMirovaneView::orderChanged() {
 /// corner.
 void CMirovaneView::documentReplaced() {
     frame_.forgetAll();
+    rings_.clear();
     photos_.clear();
     extentStale_ = true;
     state_.FindNothingFound = true;
@@ -193,8 +215,8 @@ void CMirovaneView::syncState() {
     state_.client = viewport()->size();
     const CLiveStatScheduler& liveStat = station_.liveStat();
     if (liveStat.enabled() || liveStat.nowActive())
-        state_.liveStatHolds = [&liveStat](std::int32_t recID) {
-            return liveStat.holdsDevice(recID);
+        state_.liveStatHolds = [this](std::int32_t recID) {
+            return showsRing(recID);
         };
     else
         state_.liveStatHolds = nullptr;

@@ -11,7 +11,8 @@
 #include <QTimer>
 
 #include <cstdint>
-#include <optional>
+#include <functional>
+#include <unordered_map>
 
 namespace mirovane {
 
@@ -52,8 +53,12 @@ public:
     bool settled() const;
 
 public Q_SLOTS:
-    /// Something that the document does not tell about changed: Live Stat's rings, icons, labels' state.
+    /// Something that the document does not tell about changed: icons, the state of labels.
     void redraw();
+
+    /// Other devices may be held by Live Stat's job slots now. Between two calls the rings stay where they
+    /// are, however often parts of the floor are drawn.
+    void refreshRings();
 
     /// Reads the floor map again if its file changed.
     void reloadFloorMap();
@@ -87,6 +92,8 @@ private:
     void documentReplaced() override;
 
     void setUpWidget();
+    void watchStation();
+    bool showsRing(std::int32_t recID);
     void scheduleFlush();
     void flush();
     void syncState();
@@ -112,6 +119,7 @@ private:
     DisplaySettings painted_; ///< display settings of the last frame
     QSize extent_;
     QString datafile_;
+    std::unordered_map<std::int32_t, bool> rings_; ///< as looked up since the last refresh
     bool extentStale_ = true;
     bool flushPending_ = false;
     QTimer idle_;

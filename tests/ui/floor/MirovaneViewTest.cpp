@@ -1,0 +1,223 @@
+#include "ui/floor/MirovaneView.h"
+
+#include "tests/station/StationFixture.h"
+#include "tests/ui/floor/FloorFixture.h"
+
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWheelEvent>
+
+namespace mirovane {
+
+namespace {
+
+class MirovaneViewTest : public testing::Test {
+protected:
+    MirovaneViewTest() {
+        site.station->newDatafile();
+        site.doc().display().PropertiesUsername = false;
+        view.resize(500, 400);
+        view.show();
+    }
+
+    const CHardware& add(std::int32_t type, MapPoint at, const std::string& name = {}) {
+        return *site.doc().addDevice(type, [&](CHardware& d) {
+            d.Position = at;
+            d.Name = name;
+        });
+    }
+
+    void settle() {
+        ASSERT_TRUE(QTest::qWaitFor([this] { return view.settled(); }, 10000));
+    }
+
+    /// What the user sees, without scroll bars.
+    QImage shown() {
+        settle();
+        return view.viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    }
+
+    /// The same drawn at once, with nothing kept.
+    QImage expected() {
+        FloorMap map;
+        const CMirovaneDoc& doc = site.doc();
+        map.loadNow(QString::fromStdString(doc.floorMapPath()), QString::fromStdString(doc.path()));
+        PhotoStore photos(PhotoStore::Reading::Now);
+        FloorFrame frame({doc, view.index(), view.icons(), map.tiles(), photos});
+        frame.setView(view.state(), view.devicePixelRatioF());
+        return frame.image().copy();
+    }
+
+    /// Between the screen and what it should show; empty when equal.
+    std::string difference() {
+        const QImage screen = shown();
+        return test::firstDifference(screen, expected());
+    }
+
+    void moveTo(QPoint at) {
+        QMouseEvent move(QEvent::MouseMove, at, view.viewport()->mapToGlobal(at), Qt::NoButton, Qt::NoButton,
+                         {});
+        QCoreApplication::sendEvent(view.viewport(), &move);
+    }
+
+    std::string saveMap(int width, int height) {
+        QImage map(width, height, QImage::Format_RGB32);
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x)
+                map.setPixel(x, y, qRgb(200 + x % 50, 200 + y % 50, 220));
+        }
+        EXPECT_TRUE(map.save(QString::fromStdString(folder.file("map.bmp"))));
+        return folder.file("map.bmp");
+    }
+
+    test::TestFolder folder;
+    test::FakeClock clock;
+    test::FakeTimers timers{clock};
+    test::Site site{clock, timers, {"HOST", "user"}, false};
+    CMirovaneView view{*site.station};
+};
+
+TEST_F(MirovaneViewTest, ShowsEveryChangeOfTheDocument) {
+    const CHardware& a = add(DeviceType::Computer, {40, 50}, "a");
+    const CHardware& b = add(DeviceType::Printer, {60, 60}, "b");
+    EXPECT_EQ(difference(), "");
+    site.doc().edit(a, [](CHardware& d) {
+        d.Position = {200, 100};
+        d.State = DeviceState::On;
+    });
+    EXPECT_EQ(difference(), "");
+    site.doc().display().PropertiesComputer = true;
+    view.viewport()->update();
+    EXPECT_EQ(difference(), "") << "a toggle needs no more than an update";
+    site.doc().remove(b);
+    EXPECT_EQ(difference(), "");
+    site.doc().display().ZoomPercent = site.doc().display().ZoomDevicesPercent = 150;
+    view.viewport()->update();
+    EXPECT_EQ(difference(), "");
+    site.station->newDatafile();
+    settle();
+    EXPECT_EQ(view.index().size(), 0U);
+}
+
+TEST_F(MirovaneViewTest, MapGivesTheScrollRangeAndDevicesWidenIt) {
+    site.doc().setFloorMapPath(saveMap(1200, 900));
+    settle();
+    EXPECT_EQ(view.mapExtent(), QSize(1200, 900));
+    EXPECT_EQ(view.horizontalScrollBar()->maximum(), 1200 - view.viewport()->width());
+    EXPECT_EQ(difference(), "");
+    add(DeviceType::Computer, {1300, 100});
+    settle();
+    const int icon = view.icons().sizes().of(DeviceType::Computer).width();
+    EXPECT_EQ(view.mapExtent(), QSize(1300 + icon, 900));
+    view.horizontalScrollBar()->setValue(700);
+    view.verticalScrollBar()->setValue(123);
+    EXPECT_EQ(difference(), "");
+    EXPECT_EQ(view.state().scroll, QPoint(700, 123));
+}
+
+TEST_F(MirovaneViewTest, WheelAndKeysScroll) {
+    site.doc().setFloorMapPath(saveMap(1200, 900));
+    settle();
+    const QPoint middle(100, 100);
+    const auto wheel = [&](Qt::KeyboardModifiers held) {
+        QWheelEvent event(middle, view.viewport()->mapToGlobal(middle), {}, {0, -120}, Qt::NoButton, held,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(view.viewport(), &event);
+    };
+    wheel(Qt::NoModifier);
+    EXPECT_GT(view.verticalScrollBar()->value(), 0);
+    wheel(Qt::ShiftModifier);
+    EXPECT_GT(view.horizontalScrollBar()->value(), 0);
+    QTest::keyClick(&view, Qt::Key_End, Qt::ControlModifier);
+    EXPECT_EQ(view.verticalScrollBar()->value(), view.verticalScrollBar()->maximum());
+    QTest::keyClick(&view, Qt::Key_Home, Qt::ControlModifier);
+    EXPECT_EQ(view.state().scroll, QPoint(0, 0));
+    QTest::keyClick(&view, Qt::Key_Right);
+    EXPECT_EQ(view.horizontalScrollBar()->value(), 20);
+}
+
+TEST_F(MirovaneViewTest, PointerShowsAllOfADeviceAndLeavingHidesIt) {
+    const CHardware& device = add(DeviceType::Computer, {40, 50}, "pc");
+    moveTo({50, 60});
+    EXPECT_EQ(device.ShowAll, 1);
+    EXPECT_EQ(difference(), "");
+    moveTo({300, 60});
+    EXPECT_EQ(device.ShowAll, 0);
+    moveTo({50, 60});
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(view.viewport(), &leave);
+    EXPECT_EQ(device.ShowAll, 0);
+    EXPECT_EQ(difference(), "");
+}
+
+TEST_F(MirovaneViewTest, PointerInAMarkedAreaShowsIt) {
+    const CHardware& marker = add(DeviceType::LocationMarker, {300, 300});
+    site.doc().edit(marker, [](CHardware& d) { d.ToJack = "50,50,200,50,200,200,50,200,"; });
+    QSignalSpy changes(&view, &CMirovaneView::selectedMarkerChanged);
+    moveTo({100, 100});
+    EXPECT_EQ(view.SelectedMarker(), marker.RecID);
+    EXPECT_EQ(shown().pixelColor(120, 50), QColor(240, 240, 0));
+    moveTo({400, 100});
+    EXPECT_EQ(view.SelectedMarker(), 0);
+    EXPECT_NE(shown().pixelColor(120, 50), QColor(240, 240, 0));
+    EXPECT_EQ(changes.size(), 2);
+}
+
+TEST_F(MirovaneViewTest, ClickSelectsTheTopmostDeviceAndCtrlClickAddsToIt) {
+    const CHardware& a = add(DeviceType::Computer, {40, 50}, "a");
+    const CHardware& b = add(DeviceType::Computer, {45, 55}, "b");
+    const CHardware& c = add(DeviceType::Computer, {200, 50}, "c");
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, {60, 70});
+    EXPECT_EQ((std::vector{a.Selected, b.Selected, c.Selected}), (std::vector{0, 1, 0}));
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::ControlModifier, {210, 60});
+    EXPECT_EQ((std::vector{a.Selected, b.Selected, c.Selected}), (std::vector{0, 1, 1}));
+    EXPECT_EQ(difference(), "");
+    QTest::mousePress(view.viewport(), Qt::LeftButton, Qt::ControlModifier, {60, 70});
+    EXPECT_EQ(b.Selected, 0);
+    EXPECT_EQ(difference(), "") << "no labels while the button is down";
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, {60, 70});
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, {400, 300});
+    EXPECT_TRUE(view.index().selected().empty());
+}
+
+TEST_F(MirovaneViewTest, RingsStayWhereTheyAreUntilLiveStatTellsOfOthers) {
+    add(DeviceType::Computer, {40, 50}, "a");
+    add(DeviceType::Computer, {70, 50}, "b");
+    site.station->toggleLiveStat();
+    for (int i = 0; i < 5000 && !site.liveStat().holdsDevice(2); ++i) {
+        QCoreApplication::processEvents(); // what the last tick asked for is drawn before the next one
+        timers.advance(std::chrono::milliseconds(1));
+    }
+    ASSERT_TRUE(site.liveStat().holdsDevice(2)) << "Live Stat never got to the device";
+    const QColor blue(0, 0, 255);
+    site.doc().setShowAll(*site.doc().findDevice(2), true);
+    settle();
+    EXPECT_NE(shown().pixelColor(70, 66), blue);
+    view.refreshRings();
+    EXPECT_EQ(shown().pixelColor(70, 66), blue);
+}
+
+TEST_F(MirovaneViewTest, MissingMapIsToldOnceAndADamagedOneIsLogged) {
+    QSignalSpy failed(&view, &CMirovaneView::floorMapFailed);
+    site.doc().setFloorMapPath(folder.file("none.bmp"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return failed.size() == 1; }, 10000));
+    EXPECT_EQ(failed[0][0].toString().toStdString(),
+              "Floor map file " + folder.file("none.bmp") + " does not exist!");
+    EXPECT_TRUE(failed[0][1].toBool());
+    test::writeBytes(folder.file("text.bmp"), "text");
+    site.doc().setFloorMapPath(folder.file("text.bmp"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return failed.size() == 2; }, 10000));
+    EXPECT_NE(site.log.lines().back().find("cannot be shown"), std::string::npos);
+}
+
+TEST_F(MirovaneViewTest, EmptyFloorTellsHowToBegin) {
+    EXPECT_NE(difference(), "") << "a hint that is on the screen only";
+    add(DeviceType::Jack, {10, 10});
+    EXPECT_EQ(difference(), "");
+}
+
+} // namespace
+
+} // namespace mirovane
