@@ -30,42 +30,54 @@ struct BadArgument {
     throw BadArgument{QStringLiteral("--%1 %2: expected %3").arg(option, value, expected)};
 }
 
-int integer(const QString& text, int least, int most, const QString& option, const QString& expected) {
-    bool ok = false;
-    const int value = text.toInt(&ok);
-    if (!ok || value < least || value > most)
-        refuse(option, text, expected);
-    return value;
-}
+/// What an option was given and what it wants.
+struct Value {
+    QString option;
+    QString text;
+    QString expected;
+
+    /// One number of the text, which may be all of it.
+    int integer(const QString& part, int least, int most) const {
+        bool ok = false;
+        const int number = part.toInt(&ok);
+        if (!ok || number < least || number > most)
+            refuse(option, text, expected);
+        return number;
+    }
+};
 
 QSize sizeOf(const QString& text) {
-    const QString expected = QStringLiteral("width and height in pixels, such as 1920x1080, at most %1 each")
-                                 .arg(largestRenderSide);
+    const Value value{
+        QStringLiteral("size"), text,
+        QStringLiteral("width and height in pixels, such as 1920x1080, at most %1 each and %2 million "
+                       "pixels together")
+            .arg(largestRenderSide)
+            .arg(mostRenderPixels / 1000000)};
     const QStringList parts = text.split(u'x', Qt::KeepEmptyParts, Qt::CaseInsensitive);
     if (parts.size() != 2)
-        refuse(QStringLiteral("size"), text, expected);
-    const QSize size(integer(parts[0], 1, largestRenderSide, QStringLiteral("size"), expected),
-                     integer(parts[1], 1, largestRenderSide, QStringLiteral("size"), expected));
+        refuse(value.option, text, value.expected);
+    const QSize size(value.integer(parts[0], 1, largestRenderSide),
+                     value.integer(parts[1], 1, largestRenderSide));
     if (qint64{size.width()} * size.height() > mostRenderPixels)
-        refuse(QStringLiteral("size"), text,
-               QStringLiteral("at most %1 million pixels").arg(mostRenderPixels / 1000000));
+        refuse(value.option, text, value.expected);
     return size;
 }
 
 QPoint scrollOf(const QString& text) {
-    const QString expected = QStringLiteral("two whole numbers from 0 up, such as 300,200");
+    const Value value{QStringLiteral("scroll"), text,
+                      QStringLiteral("two whole numbers from 0 up, such as 300,200")};
     const QStringList parts = text.split(u',');
     if (parts.size() != 2)
-        refuse(QStringLiteral("scroll"), text, expected);
-    return {integer(parts[0], 0, coordinateLimit, QStringLiteral("scroll"), expected),
-            integer(parts[1], 0, coordinateLimit, QStringLiteral("scroll"), expected)};
+        refuse(value.option, text, value.expected);
+    return {value.integer(parts[0], 0, coordinateLimit), value.integer(parts[1], 0, coordinateLimit)};
 }
 
-std::vector<std::int32_t> recordIDs(const QString& text, const QString& option) {
+std::vector<std::int32_t> recordIDs(const QString& text) {
+    const Value value{QStringLiteral("select"), text,
+                      QStringLiteral("record IDs with commas between, such as 3,17")};
     std::vector<std::int32_t> ids;
     for (const QString& part : text.split(u','))
-        ids.push_back(integer(part, INT_MIN, INT_MAX, option,
-                              QStringLiteral("record IDs with commas between, such as 3,17")));
+        ids.push_back(value.integer(part, INT_MIN, INT_MAX));
     return ids;
 }
 
@@ -89,8 +101,9 @@ void readValues(const QCommandLineParser& parser, RenderOptions& options) {
         return parser.value(QString::fromLatin1(name));
     };
     const auto percent = [&](const char* name) {
-        return integer(value(name), smallestZoom, largestZoom, QString::fromLatin1(name),
-                       QStringLiteral("a percentage from %1 to %2").arg(smallestZoom).arg(largestZoom));
+        const Value zoom{QString::fromLatin1(name), value(name),
+                         QStringLiteral("a percentage from %1 to %2").arg(smallestZoom).arg(largestZoom)};
+        return zoom.integer(zoom.text, smallestZoom, largestZoom);
     };
     if (given("size"))
         options.size = sizeOf(value("size"));
@@ -101,9 +114,11 @@ void readValues(const QCommandLineParser& parser, RenderOptions& options) {
     if (given("scroll"))
         options.scroll = scrollOf(value("scroll"));
     if (given("select"))
-        options.selected = recordIDs(value("select"), QStringLiteral("select"));
-    if (given("hover"))
-        options.hovered = recordIDs(value("hover"), QStringLiteral("hover")).front();
+        options.selected = recordIDs(value("select"));
+    if (given("hover")) {
+        const Value hover{QStringLiteral("hover"), value("hover"), QStringLiteral("one record ID")};
+        options.hovered = hover.integer(hover.text, INT_MIN, INT_MAX);
+    }
     if (given("show"))
         options.shown = labelNames(value("show"));
 }
