@@ -95,8 +95,7 @@ struct RawRecord {
     std::int32_t priority = priorityOfOlderVersions;
 };
 
-RawRecord readRecord(ByteReader& reader, const Layout& layout) {
-    RawRecord raw;
+void readRecord(ByteReader& reader, const Layout& layout, RawRecord& raw) {
     reader.readInt32s(raw.head);
     for (ByteReader::Text& text : raw.texts)
         text = reader.readText();
@@ -109,7 +108,6 @@ RawRecord readRecord(ByteReader& reader, const Layout& layout) {
     raw.toDo = reader.readText();
     if (layout.hasPriority)
         raw.priority = reader.readInt32();
-    return raw;
 }
 
 std::unique_ptr<CHardware> makeRecord(const RawRecord& raw, const Layout& layout) {
@@ -200,9 +198,10 @@ Result<Content, Error> decodeRecords(std::string_view bytes, const Layout& layou
     if (reader.failed())
         return damaged(reader, 0);
     content.records.reserve(count);
+    RawRecord raw; // one for all: what a layout lacks stays at its default
     for (std::size_t i = 0; i < count; ++i) {
         readTag(reader, i);
-        const RawRecord raw = readRecord(reader, layout);
+        readRecord(reader, layout, raw);
         if (reader.failed())
             return damaged(reader, i);
         content.records.push_back(makeRecord(raw, layout));
