@@ -140,8 +140,11 @@ bool assignNumber(CHardware& device, const RecordField& field, std::string_view 
 
 std::string stampsValue(const CHardware& record) {
     std::string text;
-    for (const TimeStamp stamp : record.RuleStamps)
-        text += (text.empty() ? "" : " ") + std::to_string(stamp);
+    for (const TimeStamp stamp : record.RuleStamps) {
+        if (!text.empty())
+            text += ' ';
+        text += std::to_string(stamp);
+    }
     return text;
 }
 

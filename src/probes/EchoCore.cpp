@@ -24,7 +24,7 @@ constexpr std::size_t mostSendsPerReceive = 192;
 constexpr std::size_t callsPerReceive = 16;
 
 /// Twice as many messages as there can be probes: a flood does not keep the thread from its deadlines.
-constexpr std::size_t mostBatches = 2 * 65536 / echoBatch;
+constexpr std::size_t mostBatches = std::size_t{2} * 65536 / echoBatch;
 
 bool temporary(int error) {
     return error == EAGAIN || error == ENOBUFS || error == ENOMEM;

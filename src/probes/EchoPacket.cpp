@@ -40,7 +40,7 @@ std::optional<std::size_t> icmpHeaderStart(std::span<const std::byte> packet) {
         byteAt(packet, protocolOffset) != IPPROTO_ICMP) {
         return std::nullopt;
     }
-    const std::size_t length = (byteAt(packet, 0) & 0x0fU) * 4;
+    const std::size_t length = (byteAt(packet, 0) & std::size_t{0x0f}) * 4;
     if (length < shortestIpHeader || packet.size() < length + echoHeaderSize) {
         return std::nullopt;
     }

@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <utility>
 
 namespace mirovane {
 
@@ -69,7 +70,7 @@ EchoResult IcmpEngine::echo(std::uint32_t address, const EchoOptions& options, s
     std::vector<ProbeId> ids;
     core->start(
         std::span(&address, 1), options, [&wait](const EchoResult& result) { wait.finish(result); }, ids);
-    const std::stop_callback cancelling(stop, [&core, &ids] { core->cancel(ids.front()); });
+    const std::stop_callback cancelling(std::move(stop), [&core, &ids] { core->cancel(ids.front()); });
     const EchoResult result = wait.wait();
     if (result.answered()) {
         core->relieveReceiveBuffer(1);

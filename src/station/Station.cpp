@@ -107,14 +107,14 @@ std::optional<FileError> CStation::saveDatafile() {
     lastSaveError_ = doc_->save();
     if (!lastSaveError_ && !doc_->path().empty())
         doc_->setPendingChanges(false);
-    const auto error = lastSaveError_;
+    auto error = lastSaveError_;
     if (error && error->kind == FileError::Kind::Changed)
         reloadNow();
     return error;
 }
 
 std::optional<FileError> CStation::saveDatafileAs(const std::string& path) {
-    const auto error = doc_->saveAs(path);
+    auto error = doc_->saveAs(path);
     if (!error)
         doc_->setPendingChanges(false);
     return error;
@@ -143,7 +143,7 @@ std::optional<FileError> CStation::deleteDevices(std::span<const std::int32_t> r
     if (liveStat_->enabled() && doc_->deviceCount() == 0)
         liveStat_->toggle();
     busy_ = false;
-    const auto error = saveDatafile();
+    auto error = saveDatafile();
     redraw();
     watchTimer_->start(watchPeriod);
     return error;
@@ -164,7 +164,7 @@ std::optional<FileError> CStation::updateDevices(std::span<const std::int32_t> r
     }
     services_.log.LogMessage("Updated Item(s)", true);
     busy_ = false;
-    const auto error = saveDatafile();
+    auto error = saveDatafile();
     redraw();
     watchTimer_->start(watchPeriod);
     return error;
@@ -199,7 +199,7 @@ void CStation::failUser(const std::string& text) {
 SaveResult CStation::saveDatafile(const std::string& note) {
     if (!note.empty())
         doc_->setSaveNote(note);
-    const auto error = saveDatafile();
+    auto error = saveDatafile();
     if (!error)
         return SaveResult::Saved;
     // Within a reload the file is not read a second time; the next watch tick sees that it changed again.
