@@ -41,8 +41,6 @@ public:
     /// Work that makes later frames quicker; false when nothing is left to do.
     bool prepare(std::chrono::microseconds budget) { return painter_.labels().prepare(budget); }
 
-    const FloorViewState& state() const { return state_; }
-
 private:
     void gatherChanged();
 

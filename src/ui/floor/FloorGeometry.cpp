@@ -51,11 +51,6 @@ MapPoint ToMap(QPoint windowPoint, QPoint scroll, std::int32_t ZoomPercent) {
             unscaled(sum(windowPoint.y(), scroll.y()), ZoomPercent)};
 }
 
-QRect mapSourceRect(QPoint scroll, QSize client, std::int32_t ZoomPercent) {
-    return {unscaled(scroll.x(), ZoomPercent), unscaled(scroll.y(), ZoomPercent),
-            unscaled(client.width(), ZoomPercent), unscaled(client.height(), ZoomPercent)};
-}
-
 bool insideCull(QPoint scaledPosition, QPoint scroll, QSize client) {
     const auto inside = [](std::int32_t at, std::int32_t start, std::int32_t length) {
         return at > std::int64_t{start} - cullMargin && at < std::int64_t{start} + length;

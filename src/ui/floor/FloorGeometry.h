@@ -48,9 +48,6 @@ QPoint toScaled(MapPoint point, std::int32_t ZoomPercent);
 QPoint ToWindow(MapPoint point, QPoint scroll, std::int32_t ZoomPercent);
 MapPoint ToMap(QPoint windowPoint, QPoint scroll, std::int32_t ZoomPercent);
 
-/// The part of the map bitmap that a client area of this size shows.
-QRect mapSourceRect(QPoint scroll, QSize client, std::int32_t ZoomPercent);
-
 /// How far left of or above the window a device may start and still be drawn: its icon and labels may reach
 /// inside.
 constexpr std::int32_t cullMargin = 200;

@@ -30,7 +30,7 @@ void FloorPainter::Draw(QImage& canvas, QRect clip, const FloorViewState& state,
 }
 
 /// The map is laid on the same scaled pixels as the devices, whatever the scroll position. Cutting the shown
-/// part out of the bitmap in whole map pixels instead (mapSourceRect) would shift it by up to one of them
+/// part out of the bitmap in whole map pixels instead would shift it by up to one of them
 /// against the devices, a different shift at every scroll position.
 void FloorPainter::drawMap(QPainter& painter, QRect clip, const FloorViewState& state,
                            qreal devicePixelRatio) {

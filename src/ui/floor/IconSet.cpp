@@ -87,7 +87,6 @@ int IconSet::LoadIcons(const QString& folder) {
             sizes_.set(static_cast<std::int32_t>(slot / 3) + 1, bitmaps_[slot].size());
     }
     if (loaded > 0) {
-        ++revision_;
         copies_.clear();
         copiedBytes_ = 0;
     }

@@ -35,9 +35,6 @@ public:
 
     const IconSizes& sizes() const { return sizes_; }
 
-    /// Grows with every load: scaled copies made before are stale.
-    std::uint64_t revision() const { return revision_; }
-
     /// The loaded bitmap; null when there is none for this type and state.
     QImage bitmap(std::int32_t type, std::int32_t state) const;
 
@@ -71,7 +68,6 @@ private:
 
     std::array<QImage, slotCount> bitmaps_;
     IconSizes sizes_;
-    std::uint64_t revision_ = 0;
     std::unordered_map<Key, QImage, KeyHash> copies_;
     qsizetype copiedBytes_ = 0;
 };

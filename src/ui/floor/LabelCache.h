@@ -63,8 +63,6 @@ public:
     /// make.
     bool prepare(std::chrono::microseconds budget);
 
-    std::size_t size() const { return blocks_.size(); }
-
 private:
     void layOut(Block& block, const CHardware& device) const;
     void makeImage(Block& block) const;

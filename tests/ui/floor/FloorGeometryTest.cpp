@@ -42,7 +42,6 @@ TEST(FloorGeometryTest, HostileNumbersStopAtTheLimit) {
 TEST(FloorGeometryTest, WindowAndMapAreEachOthersReverse) {
     EXPECT_EQ(ToWindow({100, 40}, {30, 50}, 150), QPoint(120, 10));
     EXPECT_EQ(ToMap({120, 10}, {30, 50}, 150), (MapPoint{100, 40}));
-    EXPECT_EQ(mapSourceRect({31, 10}, {1000, 500}, 300), QRect(10, 3, 333, 166));
 }
 
 TEST(FloorGeometryTest, CullEdgesAreOutside) {
