@@ -122,7 +122,7 @@ private:
 
     const CMirovaneDoc& document_;
     const IconSet& icons_;
-    const QImage& map_;
+    QImage map_;
     const FloorViewState* state_ = nullptr;
     const LabelFont* font_ = nullptr;
     FloorZoom zoom_;
