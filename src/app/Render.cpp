@@ -1,6 +1,7 @@
 #include "app/Render.h"
 
 #include "app/RenderOptions.h"
+#include "model/Dates.h"
 #include "model/Document.h"
 #include "model/Text.h"
 #include "platform/PosixFiles.h"
@@ -12,7 +13,6 @@
 #include "ui/floor/IconSet.h"
 #include "ui/floor/PhotoStore.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
@@ -116,15 +116,10 @@ private:
 
     /// A picture shows what the window shows while it blinks: due reminders are seen.
     void markDueReminders() {
-        const QDateTime epoch(QDate(1899, 12, 30), QTime(0, 0), Qt::UTC);
-        QDateTime now = QDateTime::currentDateTime();
-        now = QDateTime(now.date(), now.time(), Qt::UTC);
-        const double days = static_cast<double>(epoch.msecsTo(now)) / 86'400'000.0;
+        const DateTime now = localDateTime(document_.now());
         for (std::size_t i = 0; i < document_.size(); ++i) {
             const CHardware& record = document_.at(i);
-            if (record.isDevice() && record.ReminderOn && record.ReminderDate.status == DateTime::valid &&
-                record.ReminderDate.value <= days)
-                document_.setReminderDue(record, true);
+            document_.setReminderDue(record, record.isDevice() && isReminderDue(record, now));
         }
         state_.labels.ReminderPhase = true;
     }

@@ -2,22 +2,11 @@
 
 #include "livestat/Engine.h"
 #include "livestat/Placeholders.h"
-
-#include <ctime>
+#include "model/Dates.h"
 
 namespace mirovane {
 
 namespace {
-
-/// Reminders are local time by their nature.
-DateTime localDateTime(TimeStamp stamp) {
-    constexpr double daysTo1970 = 25569.0;
-    constexpr double secondsPerDay = 86400.0;
-    const std::time_t time = stamp;
-    std::tm local{};
-    localtime_r(&time, &local);
-    return {DateTime::valid, daysTo1970 + static_cast<double>(timegm(&local)) / secondsPerDay};
-}
 
 bool applyState(CHardware& device, std::int32_t state, TimeStamp now) {
     if (device.State == state)

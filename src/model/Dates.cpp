@@ -159,4 +159,17 @@ std::optional<DateTime> dateTimeFromIso(std::string_view text) {
     return dateTime;
 }
 
+DateTime localDateTime(TimeStamp stamp) {
+    constexpr double daysTo1970 = 25569.0;
+    const std::time_t time = stamp;
+    std::tm local{};
+    localtime_r(&time, &local);
+    return {DateTime::valid, daysTo1970 + static_cast<double>(timegm(&local)) / secondsPerDay};
+}
+
+bool isReminderDue(const CHardware& device, const DateTime& now) {
+    return device.ReminderOn != 0 && device.ReminderDate.status == DateTime::valid &&
+           device.ReminderDate.value <= now.value;
+}
+
 } // namespace mirovane

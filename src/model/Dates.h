@@ -25,4 +25,10 @@ std::optional<DateTime> dateTimeFromIso(std::string_view text);
 /// True when status and value name a moment that a calendar knows.
 bool isCalendarDate(const DateTime& dateTime);
 
+/// The moment on the wall clock of this station: reminders are local time by their nature.
+DateTime localDateTime(TimeStamp stamp);
+
+/// True when the device has a reminder and its date and time have been reached. `now` is a local date-time.
+bool isReminderDue(const CHardware& device, const DateTime& now);
+
 } // namespace mirovane

@@ -36,6 +36,7 @@ CStation::CStation(StationServices services) : services_(std::move(services)) {
     liveStatSettings_.readAll(services_.settings);
     doc_ = std::make_unique<CMirovaneDoc>(services_.files, services_.clock, services_.log, services_.settings,
                                           services_.identity);
+    reminders_ = std::make_unique<CReminderCheck>(*doc_);
     if (!services_.workers)
         ownWorkers_ = std::make_unique<CWorkerPool>(1); // the scheduler sets the limit
     Workers& workers = services_.workers ? *services_.workers : *ownWorkers_;
@@ -81,6 +82,7 @@ void CStation::leaveDatafile() {
 
 void CStation::begin() {
     liveStat_->reset();
+    reminders_->reset();
     busy_ = reloadWaiting_ = unreadable_ = false;
     saveTicks_ = doc_->upgradePending() ? upgradeSaveTicks : 0;
     startTimers(firstReminderPeriod);

@@ -10,6 +10,7 @@
 #include "platform/Host.h"
 #include "platform/Timers.h"
 #include "probes/HostProbes.h"
+#include "station/ReminderCheck.h"
 
 #include <chrono>
 #include <cstdint>
@@ -63,6 +64,7 @@ public:
     const CMirovaneDoc& document() const { return *doc_; }
     CLiveStatScheduler& liveStat() { return *liveStat_; }
     const CLiveStatScheduler& liveStat() const { return *liveStat_; }
+    const CReminderCheck& reminders() const { return *reminders_; }
     CMessageLog& log() { return services_.log; }
     CSettings& settings() { return services_.settings; }
 
@@ -118,6 +120,9 @@ public:
     /// Live Stat went on or off, a run ended (other devices are held now), or the status text changed.
     std::function<void()> onIndicators;
 
+    /// A reminder check found due reminders, or found that none is due any more.
+    std::function<void()> onReminders;
+
     /// Track Live Stat is on and the check of this device begins.
     std::function<void(std::int32_t recID)> onTrack;
 
@@ -153,11 +158,14 @@ private:
     void readAgain();
     void reportUnreadable(const Datafile::Error& error);
     void reminderTick();
+    void checkReminders();
+    void keepOwnerAlive();
     bool wantsLiveStat() const { return services_.autoStart && liveStatSettings_.LSAutoStart; }
 
     StationServices services_;
     LiveStatSettings liveStatSettings_;
     std::unique_ptr<CMirovaneDoc> doc_;
+    std::unique_ptr<CReminderCheck> reminders_;
     std::unique_ptr<Workers> ownWorkers_;
     std::unique_ptr<CLiveStatScheduler> liveStat_;
     std::unique_ptr<Timer> watchTimer_;

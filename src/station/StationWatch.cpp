@@ -9,6 +9,8 @@ namespace {
 
 constexpr std::chrono::milliseconds reloadRetryPeriod{100};
 constexpr std::chrono::milliseconds reminderPeriodAfterReload{4000};
+constexpr std::chrono::milliseconds reminderPeriod{5000};
+constexpr std::chrono::milliseconds reminderHiddenPeriod{2000};
 
 /// Background changes wait for the sixth tick, so that a busy Live Stat does not make every station reload
 /// every 3 s.
@@ -139,11 +141,29 @@ void CStation::reportUnreadable(const Datafile::Error& error) {
     unreadable_ = true;
 }
 
-/// Keeps the sign of life fresh while Live Stat runs here, and replaces an owner that has been silent for
-/// hours.
 void CStation::reminderTick() {
     if (holdsStill())
         return;
+    checkReminders();
+    keepOwnerAlive();
+}
+
+/// What is due is shown for longer than it is hidden.
+void CStation::checkReminders() {
+    const bool wasDue = reminders_->DueCount() > 0;
+    reminders_->run();
+    const bool due = reminders_->DueCount() > 0;
+    if (due)
+        reminderTimer_->start(reminders_->ReminderPhase() ? reminderPeriod : reminderHiddenPeriod);
+    else if (wasDue)
+        reminderTimer_->start(reminderPeriod);
+    if ((due || wasDue) && onReminders)
+        onReminders();
+}
+
+/// Keeps the sign of life fresh while Live Stat runs here, and replaces an owner that has been silent for
+/// hours.
+void CStation::keepOwnerAlive() {
     const std::int64_t silent = LiveStatOwner::silentHours(*doc_);
     if (silent >= takeOverHours && !liveStat_->enabled() && doc_->deviceCount() > 0 && wantsLiveStat()) {
         LiveStatOwner::signOfLife(*doc_);

@@ -78,6 +78,18 @@ void CMirovaneView::watchStation() {
     };
     chain(station_.onRedraw);
     chain(station_.onIndicators);
+    station_.onReminders = [self = QPointer<CMirovaneView>(this), before = station_.onReminders] {
+        if (before)
+            before();
+        if (self)
+            self->showReminders();
+    };
+}
+
+void CMirovaneView::showReminders() {
+    state_.labels.ReminderPhase = station_.reminders().ReminderPhase();
+    if (document_.display().ReminderDeviceShow)
+        redraw();
 }
 
 void CMirovaneView::refreshRings() {

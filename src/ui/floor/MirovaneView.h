@@ -93,6 +93,7 @@ private:
 
     void setUpWidget();
     void watchStation();
+    void showReminders();
     bool showsRing(std::int32_t recID);
     void scheduleFlush();
     void flush();

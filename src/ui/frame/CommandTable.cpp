@@ -48,6 +48,8 @@ constexpr std::array commands = {
                       .text = "&Status Bar", .help = "Show or hide the status bar", .checkable = true},
     displayToggle(view, "LSStatusDeviceShow", "LS Status on Devices", "",
                   "Draw a ring around devices that Live Stat is checking", true),
+    displayToggle(view, "ReminderTitlebarShow", "Reminder on Title Bar", "",
+                  "Count due reminders in the window's title", false),
     displayToggle(view, "ReminderDeviceShow", "Reminder on Devices", "",
                   "Show the to-do text under devices whose reminder is due", false),
     CommandDefinition{.id = CommandId::ViewMessageLogs, .name = "viewMessageLogs", .menu = view,

@@ -119,6 +119,12 @@ void CMainFrame::connectStation() {
             if (frame && toStatusBar)
                 frame->panes_.SetStatusText(QString::fromStdString(displayText(line)));
         });
+    station_.onReminders = [frame = QPointer<CMainFrame>(this), before = station_.onReminders] {
+        if (before)
+            before();
+        if (frame && frame->showsReminder())
+            QApplication::alert(frame);
+    };
     connect(floor_, &CMirovaneView::floorMapFailed, this, [this](const QString& sentence, bool missing) {
         if (missing)
             dialogs_.fail(sentence.toStdString());
@@ -137,9 +143,17 @@ void CMainFrame::placeWindow() {
 }
 
 void CMainFrame::showTitle() {
-    const QString title = QString::fromStdString(mirovane::windowTitle(station_.document().path()));
+    const QString title = showsReminder()
+                              ? QStringLiteral("Reminder Due:%1").arg(station_.reminders().DueCount())
+                              : QString::fromStdString(mirovane::windowTitle(station_.document().path()));
     if (title != QMainWindow::windowTitle())
         setWindowTitle(title);
+}
+
+bool CMainFrame::showsReminder() const {
+    const CReminderCheck& reminders = station_.reminders();
+    return reminders.DueCount() > 0 && reminders.ReminderPhase() &&
+           station_.document().display().ReminderTitlebarShow;
 }
 
 CommandState CMainFrame::commandState() {
@@ -148,6 +162,7 @@ CommandState CMainFrame::commandState() {
 
 IndicatorState CMainFrame::indicatorState() const {
     IndicatorState state;
+    state.remindersDue = station_.reminders().DueCount();
     state.liveStatText = QString::fromStdString(station_.liveStat().statusText());
     state.anyTypeHidden = station_.document().display().VisibleTypes != -1;
     if (keyboard_)

@@ -54,6 +54,7 @@ private:
     void connectStation();
     void placeWindow();
     void showTitle();
+    bool showsReminder() const;
     CommandState commandState();
     IndicatorState indicatorState() const;
 
