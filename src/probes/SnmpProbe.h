@@ -1,0 +1,61 @@
+#pragma once
+
+#include "probes/SNMPManager.h"
+
+#include <cstdint>
+#include <stop_token>
+#include <string>
+
+namespace mirovane {
+
+constexpr std::uint32_t snmpTimeoutMs = 1000; ///< what Live Stat waits for an answer
+
+struct SnmpQuery {
+    std::string host; ///< address or name
+    std::string community;
+    std::string oid;
+    std::uint32_t port = 0; ///< 0: the protocol's own
+    std::uint32_t timeoutMs = snmpTimeoutMs;
+};
+
+struct SnmpAnswer {
+    enum class Kind {
+        Value,       ///< `text` is the value as a device field shows it
+        ErrorStatus, ///< the agent refused: `errorStatus` says why (2: no such name)
+        TimedOut,
+        Stopped,
+        Failed, ///< nothing was asked: `text` says why
+    };
+
+    Kind kind = Kind::Failed;
+    std::string text;
+    std::int32_t errorStatus = 0;
+
+    bool hasValue() const { return kind == Kind::Value; }
+};
+
+/// One value of one agent, as Live Stat asks for it. Any thread, any number at once; each call blocks its
+/// caller until the answer, the time-out (after the look-up of a name, which has its own) or a stop request.
+/// Never throws but for want of memory.
+class SnmpProbe {
+public:
+    virtual ~SnmpProbe() = default;
+    virtual SnmpAnswer SnmpGet(const SnmpQuery& query, std::stop_token stop) = 0;
+};
+
+/// Over the network: each query has its own agent and session.
+class SystemSnmpProbe final : public SnmpProbe {
+public:
+    /// The manager outlives this; queries fail until it has been started.
+    explicit SystemSnmpProbe(SNMPManager& manager) : manager_(manager) {}
+
+    SnmpAnswer SnmpGet(const SnmpQuery& query, std::stop_token stop) override;
+
+private:
+    SNMPManager& manager_;
+};
+
+/// For people: "no answer within 1000 ms", "error status 2 (no such name)"; empty for a value.
+std::string describeSnmpAnswer(const SnmpAnswer& answer, const SnmpQuery& query);
+
+} // namespace mirovane
