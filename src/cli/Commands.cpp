@@ -79,6 +79,13 @@ constexpr std::string_view criteriaDetails =
 constexpr std::string_view pingDetails = "Exit status 1 when any of them is silent.\n";
 constexpr std::string_view lookupDetails = "Exit status 1 when any of them is not found.\n";
 
+constexpr std::string_view snmpGetDetails =
+    "Prints the text of each value as a device field shows it, one line each, in the order given. What has "
+    "no\n"
+    "value is told on standard error: the agent's error status, or that nobody answered within a second.\n"
+    "Exit status 1 when any of them has no value.\n"
+    "OID: numbers joined by dots, such as 1.3.6.1.2.1.1.5.0.\n";
+
 constexpr std::string_view matchDetails =
     "Without TEXT each line of standard input is tested, and those that match are printed.\n"
     "Letters match whatever their case. The pattern is searched for anywhere in the text; ^ and $ tie it to\n"
@@ -128,6 +135,14 @@ constexpr std::array table{
             {},
             lookupDetails,
             runLookup},
+    Command{"snmpget",
+            "ask an SNMP agent for values, as Live Stat does",
+            "HOST[:PORT] COMMUNITY OID...",
+            3,
+            anyNumber,
+            {},
+            snmpGetDetails,
+            runSnmpGet},
     Command{"match",
             "test a criteria pattern against a text or lines",
             "PATTERN [TEXT]",

@@ -47,6 +47,7 @@ ExitStatus runCriteria(CommandContext& context);
 ExitStatus runStation(CommandContext& context);
 ExitStatus runPing(CommandContext& context);
 ExitStatus runLookup(CommandContext& context);
+ExitStatus runSnmpGet(CommandContext& context);
 ExitStatus runMatch(CommandContext& context);
 
 /// Reports a wrong command line and names the way out.

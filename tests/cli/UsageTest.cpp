@@ -14,8 +14,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-const std::vector<std::string> allCommands{"new", "records", "list",     "check",   "upgrade", "add",
-                                           "set", "delete",  "criteria", "station", "ping",    "lookup"};
+const std::vector<std::string> allCommands{"new",  "records", "list",   "check",    "upgrade",
+                                           "add",  "set",     "delete", "criteria", "station",
+                                           "ping", "lookup",  "snmpget"};
 
 TEST(Usage, helpNamesEveryCommandAndEachHasItsOwn) {
     const CliResult overall = cli({"--help"});
