@@ -29,8 +29,8 @@ std::string SNMPException::ChainText() const {
     return FullText() + (cause_ ? "\n    " + cause_->ChainText() : "");
 }
 
-void raiseSnmp(const char* source, const char* message, std::int32_t code, std::source_location where) {
-    throw new SNMPException(message, source, where.line(), code);
+void raiseSnmp(const char* source, const char* message, std::int32_t code, int line) {
+    throw new SNMPException(message, source, static_cast<unsigned>(line), code);
 }
 
 } // namespace mirovane

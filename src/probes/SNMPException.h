@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <source_location>
 #include <string>
 #include <string_view>
 
@@ -44,8 +43,8 @@ private:
     std::unique_ptr<SNMPException> cause_;
 };
 
-/// Throws an error raised by the class named `source`.
+/// Throws an error raised by the class named `source`, on the caller's line.
 [[noreturn]] void raiseSnmp(const char* source, const char* message, std::int32_t code,
-                            std::source_location where = std::source_location::current());
+                            int line = __builtin_LINE());
 
 } // namespace mirovane

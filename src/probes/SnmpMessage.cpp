@@ -82,12 +82,16 @@ public:
 
     /// The content of any string-like thing.
     bool takeOctets(std::string& octets) {
+        if (left_ == 0) {
+            return false;
+        }
         std::size_t rest = left_;
         std::uint8_t type = 0;
         octets.resize(left_);
         std::size_t length = octets.size();
+        const auto parse = this->type() == ASN_BIT_STR ? asn_parse_bitstring : asn_parse_string;
         std::uint8_t* next =
-            asn_parse_string(at_, &rest, &type, reinterpret_cast<std::uint8_t*>(octets.data()), &length);
+            parse(at_, &rest, &type, reinterpret_cast<std::uint8_t*>(octets.data()), &length);
         if (!moveTo(next, rest)) {
             return false;
         }
