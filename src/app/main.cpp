@@ -2,6 +2,7 @@
 #include "app/DisplayGuard.h"
 #include "app/EndSignals.h"
 #include "app/Render.h"
+#include "platform/StandardDescriptors.h"
 #include "ui/frame/Desktop.h"
 
 #include <QApplication>
@@ -66,6 +67,7 @@ int runWindow(const CommandLine& line) {
 } // namespace
 
 int main(int argc, char** argv) {
+    fillStandardDescriptors();
     if (const auto status = runWithoutWindow(argumentList(argc, argv)))
         return *status;
     const auto application = makeApplication(argc, argv);

@@ -1,4 +1,5 @@
 #include "cli/Cli.h"
+#include "platform/StandardDescriptors.h"
 
 #include <clocale>
 #include <csignal>
@@ -24,6 +25,7 @@ void takeLocale() {
 } // namespace
 
 int main(int argc, char** argv) {
+    mirovane::fillStandardDescriptors();
     takeLocale();
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is a failed write, not a death with work in hand
     const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
