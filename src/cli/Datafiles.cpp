@@ -103,6 +103,10 @@ ExitStatus viewDatafile(Output& out, const std::string& path,
 }
 
 ExitStatus createDatafile(Output& out, const std::string& path, bool replace) {
+    if (path.empty()) {
+        out.diagnose("cannot create a datafile", "its name is empty");
+        return ExitStatus::Usage;
+    }
     PosixFiles system;
     ExclusiveFiles files(system);
     std::error_code unknown;

@@ -24,7 +24,9 @@ std::string milliseconds(std::chrono::nanoseconds span) {
 
 std::string pingLine(const std::string& host, const PingOutcome& outcome, const EchoOptions& options) {
     if (!outcome.found)
-        return host + " - unknown host";
+        return host + " - " +
+               (outcome.echo.kind == EchoKind::NotPermitted ? describeEcho(outcome.echo, options)
+                                                            : "unknown host");
     const std::string line = host + " " + formatAddress(outcome.address) + " ";
     return line +
            (outcome.answered() ? milliseconds(outcome.echo.roundTrip) : describeEcho(outcome.echo, options));

@@ -190,8 +190,24 @@ TEST(EditCommands, filesThatCannotBeReadOrWrittenAreNamed) {
         }
     }
     EXPECT_EQ(cli({"new", missing}).status, 3);
+    EXPECT_EQ(cli({"new", ""}).status, 2);
     EXPECT_EQ(readBytes(damaged).size(), 1000U);
     EXPECT_THAT(cli({"check", damaged}).err, AllOf(HasSubstr("byte"), HasSubstr("record")));
+}
+
+TEST(EditCommands, closedStandardDescriptorsDoNotLetMessagesIntoTheDatafile) {
+    const CliFolder folder;
+    const std::string file = folder.datafile({{"Printer", "Name=a"}});
+    const std::string before = readBytes(file);
+    const auto withoutAny = [] {
+        for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            ::close(descriptor);
+    };
+    EXPECT_EQ(cli({"delete", file, "99"}, [] { ::close(STDERR_FILENO); }).status, 1);
+    EXPECT_EQ(cli({"delete", file, "99"}, withoutAny).status, 1);
+    EXPECT_EQ(readBytes(file), before);
+    EXPECT_EQ(cli({"set", file, "1", "Name=b"}, withoutAny).status, 3) << "its result reached nobody";
+    EXPECT_EQ(cli({"check", file}).status, 0);
 }
 
 TEST(EditCommands, aReadOnlyDatafileStaysAsItIs) {

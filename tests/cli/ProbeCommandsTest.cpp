@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <sstream>
+#include <unistd.h>
 
 namespace mirovane::test {
 namespace {
@@ -49,6 +51,20 @@ TEST(PingCommand, oneLineForEachHostInTheOrderGiven) {
     EXPECT_EQ(found[2], "10.1 - unknown host") << "half an address must not reach anybody";
     EXPECT_THAT(found[3], HasSubstr("hhh - unknown host"));
     EXPECT_EQ(answeringHost(found[4]), "127.0.0.1");
+}
+
+TEST(PingCommand, aNameThatWasNotLookedUpIsNotCalledUnknown) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "needs root, to give the right to send echoes away";
+    const auto withoutTheRight = [] {
+        if (::unshare(CLONE_NEWNET) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0)
+            ::_exit(126);
+    };
+    const CliResult result = cli({"ping", "localhost"}, withoutTheRight);
+    if (result.status > 1)
+        GTEST_SKIP() << "no network of its own, or the build folder is closed to the user \"nobody\"";
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "localhost - echoes can't be sent on this computer\n");
 }
 
 TEST(LookupCommand, bothWays) {
