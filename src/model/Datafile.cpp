@@ -4,6 +4,7 @@
 #include "model/ByteWriter.h"
 
 #include <array>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -227,9 +228,14 @@ Result<Content, Error> decode(std::string_view bytes) {
         probe.fail(bytes.size(), "the file ends before the version of its first record");
         return damaged(probe, 0);
     }
-    if (const Layout* layout = layoutOf(version))
+    const Layout* layout = layoutOf(version);
+    if (!layout)
+        return unknownVersion(bytes, version);
+    try {
         return decodeRecords(bytes, *layout);
-    return unknownVersion(bytes, version);
+    } catch (const std::bad_alloc&) {
+        return Error{Error::Kind::CannotRead, 0, 0, "Out of memory"};
+    }
 }
 
 std::string encode(const RecordList& records) {

@@ -39,7 +39,7 @@ struct Content {
 };
 
 /// Decodes a whole file. Never trusts a length or a count before it has compared it with the bytes that
-/// remain, and never returns part of a file. Out of memory is the only exception that leaves it.
+/// remain, and never returns part of a file. Out of memory is an error of kind CannotRead.
 Result<Content, Error> decode(std::string_view bytes);
 
 /// The 2008 layout, whatever the file was.

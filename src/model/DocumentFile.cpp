@@ -1,7 +1,9 @@
 #include "model/Criteria.h"
 #include "model/Document.h"
 
+#include <cerrno>
 #include <filesystem>
+#include <new>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -210,7 +212,12 @@ std::optional<FileError> CMirovaneDoc::write(const std::string& path) {
     const bool ownFile = path == path_;
     if (auto error = bringVersionToFront(path))
         return error;
-    const std::string bytes = Datafile::encode(records_);
+    std::string bytes;
+    try {
+        bytes = Datafile::encode(records_);
+    } catch (const std::bad_alloc&) {
+        return FileError{FileError::Kind::Other, ENOMEM, "cannot write " + path + ": Out of memory"};
+    }
     auto locked = files_.lock(path, FileAccess::Write, lockPatience);
     if (!locked)
         return locked.error();

@@ -33,6 +33,8 @@ Result<std::string, FileError> LockedPosixFile::read() {
 }
 
 Result<FileIdentity, FileError> LockedPosixFile::replace(std::string_view content) {
+    if (content.size() > largestFile)
+        return fileError("cannot write", path_, EFBIG);
     SafeReplace replacement =
         file_ ? SafeReplace(calls_, target_, file_.fd(), status_) : SafeReplace(calls_, target_);
     std::optional<OpenFile> made = replacement.run(content);

@@ -1,7 +1,9 @@
 #include "platform/OpenFile.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <fcntl.h>
+#include <new>
 
 namespace mirovane {
 
@@ -18,7 +20,17 @@ std::optional<std::string> readWhole(FileCalls& calls, int fd) {
     struct stat status = {};
     if (calls.statusOf(fd, status) != 0)
         return std::nullopt;
-    std::string content(static_cast<std::size_t>(status.st_size), '\0');
+    if (static_cast<std::uint64_t>(status.st_size) > largestFile) {
+        errno = EFBIG;
+        return std::nullopt;
+    }
+    std::string content;
+    try {
+        content.resize(static_cast<std::size_t>(status.st_size));
+    } catch (const std::bad_alloc&) {
+        errno = ENOMEM;
+        return std::nullopt;
+    }
     std::size_t done = 0;
     while (done < content.size()) {
         const ssize_t got =

@@ -35,6 +35,10 @@ private:
     int fd_ = -1;
 };
 
+/// Hundreds of times what a full datafile takes. A larger one is not a datafile, and to read it would bring
+/// the computer to its knees before anybody could say so.
+constexpr std::size_t largestFile = std::size_t{1} << 31;
+
 /// The whole content; nothing, and errno, when it cannot be read.
 std::optional<std::string> readWhole(FileCalls& calls, int fd);
 

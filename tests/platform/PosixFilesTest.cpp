@@ -1,5 +1,6 @@
 #include "platform/PosixFiles.h"
 
+#include "platform/OpenFile.h"
 #include "tests/platform/FaultyCalls.h"
 #include "tests/support/TestFolder.h"
 
@@ -301,6 +302,19 @@ TEST_F(PosixFilesTest, OddPathsAreErrorsWithASentence) {
     for (const char* name : {"folder.mv", "pipe.mv", "none/floor.mv"})
         EXPECT_TRUE(save(files, folder.file(name), after)) << name;
     EXPECT_EQ(save(files, folder.file("none/floor.mv"), after)->kind, FileError::Kind::NotFound);
+}
+
+TEST_F(PosixFilesTest, AFileThatNoMemoryHoldsIsAnErrorAndCanBeReplaced) {
+    fs::resize_file(path, std::uintmax_t{largestFile} + 1); // sparse: takes no room
+    auto file = files.lock(path, FileAccess::Read, patience);
+    ASSERT_TRUE(file);
+    const auto content = file.value()->read();
+    file.value().reset();
+    ASSERT_FALSE(content);
+    EXPECT_EQ(content.error().kind, FileError::Kind::TooLarge);
+    EXPECT_NE(content.error().sentence.find(path), std::string::npos) << content.error().sentence;
+    EXPECT_FALSE(save(files, path, after)) << "a file of a size that can be read replaces it";
+    EXPECT_EQ(readBytes(path), after);
 }
 
 /// Refusals of the real system, as a user without privileges meets them.
