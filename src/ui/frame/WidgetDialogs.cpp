@@ -129,6 +129,7 @@ std::optional<std::string> WidgetDialogs::chooseFileToOpen(const FileChoice& cho
 std::optional<std::string> WidgetDialogs::chooseFileToSave(const FileChoice& choice) {
     QFileDialog dialog(parent_, QString::fromStdString(choice.title));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setLabelText(QFileDialog::LookIn, QStringLiteral("Save in:"));
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
     prepare(dialog, choice);
     return chosenFile(dialog);
