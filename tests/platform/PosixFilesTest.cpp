@@ -305,6 +305,7 @@ TEST_F(PosixFilesTest, OddPathsAreErrorsWithASentence) {
 }
 
 TEST_F(PosixFilesTest, AFileThatNoMemoryHoldsIsAnErrorAndCanBeReplaced) {
+    writeBytes(path, before);
     fs::resize_file(path, std::uintmax_t{largestFile} + 1); // sparse: takes no room
     auto file = files.lock(path, FileAccess::Read, patience);
     ASSERT_TRUE(file);
