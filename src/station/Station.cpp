@@ -183,7 +183,12 @@ std::optional<FileError> CStation::shutDown() {
     if (doc_->pendingChanges())
         saveDatafile();
     stopTimers();
-    return lastSaveError_;
+    const auto error = lastSaveError_;
+    if (error) { // the user may decide to stay: then the datafile must be watched as before
+        shutDown_ = false;
+        startTimers(firstReminderPeriod);
+    }
+    return error;
 }
 
 // ---- what the scheduler asks for

@@ -130,7 +130,8 @@ public:
     std::function<void()> onWaiting;
 
     /// Switches Live Stat off, waits for the jobs (milliseconds: they are told to stop), releases the owner
-    /// record and saves. Returns the save's error. The destructor does the same when nobody did.
+    /// record and saves. Returns the save's error: then the station goes on without Live Stat and may be shut
+    /// down again. The destructor does the same when nobody did.
     std::optional<FileError> shutDown();
 
 private:

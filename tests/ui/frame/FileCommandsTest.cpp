@@ -146,6 +146,13 @@ TEST_F(FileCommands, closingAsksWhenTheLastSaveFails) {
     EXPECT_FALSE(files->close());
     ASSERT_FALSE(dialogs.questions.empty());
     EXPECT_NE(dialogs.questions.back().find("leave it all the same"), std::string::npos);
+
+    EXPECT_FALSE(logged("Error reading/loading from datafile!"));
+    timers.advance(std::chrono::seconds(4)); // the user stays: the datafile is still watched
+    EXPECT_TRUE(logged("Error reading/loading from datafile!"));
+    dialogs.files = {inFolder("rescued.mv")};
+    EXPECT_TRUE(files->saveAs());
+    EXPECT_TRUE(files->close());
 }
 
 } // namespace
