@@ -119,7 +119,7 @@ bool CFileCommands::openPath(const std::string& givenPath) {
         if (!fileExists(path))
             recent_.remove(path);
         onDocument_();
-        dialogs_.fail("The datafile could not be opened.\n\n" + error->sentence + "\n\n" +
+        dialogs_.fail("The datafile " + path + " could not be opened.\n\n" + error->sentence + "\n\n" +
                       openRemedy(*error));
         return false;
     }

@@ -105,7 +105,7 @@ TEST_F(FileCommands, anOpenThatFailsLeavesTheOpenDatafileAlone) {
         EXPECT_EQ(document().path(), good);
         EXPECT_EQ(document().deviceCount(), 1u);
         ASSERT_FALSE(dialogs.failures.empty());
-        EXPECT_NE(dialogs.failures.back().find("could not be opened"), std::string::npos);
+        EXPECT_NE(dialogs.failures.back().find(path + " could not be opened"), std::string::npos);
     }
     EXPECT_EQ(dialogs.failures.size(), 3u);
     EXPECT_TRUE(files->save());
