@@ -1,0 +1,36 @@
+#pragma once
+
+#include "probes/LoggedOnUser.h"
+
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace mirovane {
+
+/// The look-ups in the registries of computers, as Live Stat asks for them. Any thread, any number at once;
+/// each blocks its caller until it knows, until its time-out or until `stop` is requested. Never throws,
+/// shows nothing: what cannot be read is not found.
+class RegistryProbes {
+public:
+    virtual ~RegistryProbes() = default;
+
+    /// `path` is "\\<Hostname>\<Key>\..\<Valuename>"; without a host it means this computer, whose name is
+    /// `localComputerName` (no backslashes).
+    virtual std::optional<std::string> ReadRegistryValue(const std::string& path,
+                                                         const std::string& localComputerName,
+                                                         std::stop_token stop) = 0;
+
+    /// `host` carries its two leading backslashes.
+    virtual LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop) = 0;
+
+    /// Empty when it cannot be read. `computerName` has no backslashes.
+    virtual std::string GetDefaultUserName(const std::string& computerName, std::stop_token stop) = 0;
+
+    /// Why no other computer can be asked at all and what to do about it (Samba is missing, the credentials
+    /// file is open to others), one line each, for the log. Each is handed out once in the object's life.
+    virtual std::vector<std::string> takeTroubles() = 0;
+};
+
+} // namespace mirovane

@@ -1,0 +1,265 @@
+#include "probes/RegistryRemote.h"
+
+#include "probes/Descriptor.h"
+#include "probes/RegistryOutput.h"
+#include "probes/RegistryPath.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mirovane {
+
+namespace {
+
+/// Names and addresses of computers; anything else is not even tried.
+bool mayBeHost(const std::string& host) {
+    constexpr std::size_t longestHostName = 255;
+    return !host.empty() && host.size() <= longestHostName &&
+           std::all_of(host.begin(), host.end(), [](char c) {
+               return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                      std::strchr(".-_:", c) != nullptr || (static_cast<unsigned char>(c) & 0x80U) != 0;
+           });
+}
+
+bool holdsZero(const std::string& text) {
+    return text.find('\0') != text.npos;
+}
+
+void appendComponents(std::string& path, const std::string& subKey) {
+    std::size_t begin = 0;
+    while (begin < subKey.size()) {
+        const std::size_t end = std::min(subKey.find('\\', begin), subKey.size());
+        if (end > begin)
+            path.append("\\").append(subKey, begin, end - begin);
+        begin = end + 1;
+    }
+}
+
+std::string lastLine(const std::string& text) {
+    const std::size_t end = text.find_last_not_of("\r\n ");
+    if (end == text.npos)
+        return {};
+    const std::size_t before = text.find_last_of('\n', end);
+    const std::size_t begin = before == text.npos ? 0 : before + 1;
+    return text.substr(begin, end + 1 - begin);
+}
+
+std::string ticketCache() {
+    const char* const named = std::getenv("KRB5CCNAME");
+    return named && *named ? named : "FILE:/tmp/krb5cc_" + std::to_string(getuid());
+}
+
+bool exists(const std::string& path) {
+    struct stat status {};
+    return !path.empty() && stat(path.c_str(), &status) == 0;
+}
+
+} // namespace
+
+std::optional<std::string> credentialsTrouble(const std::string& path) {
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!file || fstat(file.get(), &status) != 0)
+        return path + " cannot be read: " + std::strerror(errno);
+    if (!S_ISREG(status.st_mode))
+        return path + " is no file";
+    if (status.st_uid != geteuid())
+        return path + " belongs to somebody else";
+    if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+        return path + " can be read by others; chmod 600 it";
+    return std::nullopt;
+}
+
+RegistryRemote::RegistryRemote(RegistryRemoteOptions options, std::stop_token stop)
+    : options_(std::move(options)),
+      stop_(std::move(stop)),
+      deadline_(std::chrono::steady_clock::now() + options_.deadline),
+      ticket_(!exists(options_.credentialsFile)) {
+    if (ticket_)
+        return;
+    if (const auto wrong = credentialsTrouble(options_.credentialsFile)) {
+        trouble_ = {"no registry of another computer is read: the credentials file " + *wrong, *wrong};
+        unreachable_ = RegistryStatus::CallFailed;
+    }
+}
+
+RegistryHandle RegistryRemote::hold(Key key) {
+    open_.emplace(++lastHandle_, std::move(key));
+    return lastHandle_;
+}
+
+RegistryStatus RegistryRemote::RegConnectRegistryA(const std::string& machineName, RegistryRoot root,
+                                                   RegistryHandle& key) {
+    if (unreachable_)
+        return *unreachable_;
+    Key made{machineName.starts_with("\\\\") ? machineName.substr(2) : "",
+             std::string(registryRootName(root)), std::nullopt};
+    if (!mayBeHost(made.host)) {
+        trouble_.last = "this is no name of a computer";
+        return RegistryStatus::NetPathNotFound;
+    }
+    if (root == RegistryRoot::Users) {
+        if (const auto status = list(made); status != RegistryStatus::Success)
+            return status;
+    }
+    key = hold(std::move(made));
+    return RegistryStatus::Success;
+}
+
+RegistryStatus RegistryRemote::RegOpenKeyExA(RegistryHandle parent, const std::string& subKey,
+                                             std::uint32_t /*access*/, RegistryHandle& key) {
+    const auto found = open_.find(parent);
+    if (found == open_.end())
+        return RegistryStatus::InvalidHandle;
+    if (holdsZero(subKey))
+        return RegistryStatus::FileNotFound;
+    Key made{found->second.host, found->second.path, std::nullopt};
+    appendComponents(made.path, subKey);
+    key = hold(std::move(made));
+    return RegistryStatus::Success;
+}
+
+RegistryStatus RegistryRemote::RegQueryValueExA(RegistryHandle key, const std::string& valueName,
+                                                std::span<char> buffer, std::size_t& size) {
+    const auto found = open_.find(key);
+    if (found == open_.end())
+        return RegistryStatus::InvalidHandle;
+    if (holdsZero(valueName))
+        return RegistryStatus::FileNotFound;
+    const Read read = query(found->second, valueName);
+    if (read.status != RegistryStatus::Success)
+        return read.status;
+    if (read.data.size() > buffer.size()) {
+        trouble_.last = "the value is longer than " + std::to_string(buffer.size()) + " bytes";
+        return RegistryStatus::MoreData;
+    }
+    std::copy(read.data.begin(), read.data.end(), buffer.begin());
+    size = read.data.size();
+    return RegistryStatus::Success;
+}
+
+RegistryStatus RegistryRemote::RegEnumKeyA(RegistryHandle key, std::uint32_t index, std::string& name) {
+    const auto found = open_.find(key);
+    if (found == open_.end())
+        return RegistryStatus::InvalidHandle;
+    if (!found->second.subKeys) {
+        if (const auto status = list(found->second); status != RegistryStatus::Success)
+            return status;
+    }
+    if (index >= found->second.subKeys->size())
+        return RegistryStatus::NoMoreItems;
+    name = (*found->second.subKeys)[index];
+    return RegistryStatus::Success;
+}
+
+void RegistryRemote::RegCloseKey(RegistryHandle key) {
+    open_.erase(key);
+}
+
+RegistryStatus RegistryRemote::list(Key& key) {
+    const ProcessResult result = run(key, {"enumerate", key.path});
+    if (result.end != ProcessEnd::Exited || result.exitStatus != 0)
+        return failure(result);
+    key.subKeys = parseSubKeys(result.output);
+    if (key.subKeys)
+        return RegistryStatus::Success;
+    trouble_.last = "the answer makes no sense";
+    return RegistryStatus::CallFailed;
+}
+
+RegistryRemote::Read RegistryRemote::query(const Key& key, const std::string& valueName) {
+    const ProcessResult result = run(key, {"getvalue", key.path, valueName});
+    if (result.end != ProcessEnd::Exited || result.exitStatus != 0)
+        return {failure(result), {}};
+    auto value = parsePrintedValue(result.output);
+    if (value && value->data)
+        return {RegistryStatus::Success, std::move(*value->data)};
+    if (value)
+        return queryExported(key, valueName);
+    trouble_.last = "the answer makes no sense";
+    return {};
+}
+
+/// Of binary data and rare types getvalue prints the size only. Exporting goes on with the sub-keys, so it is
+/// ended as soon as the value has come.
+RegistryRemote::Read RegistryRemote::queryExported(const Key& key, const std::string& valueName) {
+    const ProcessResult result =
+        run(key, {"export", key.path, "/dev/stdout"}, [&valueName](std::string_view output) {
+            return parseExportedValue(output, valueName).has_value();
+        });
+    auto data = parseExportedValue(result.output, valueName);
+    if (data)
+        return {RegistryStatus::Success, std::move(*data)};
+    return {failure(result), {}};
+}
+
+ProcessResult RegistryRemote::run(const Key& key, std::vector<std::string> words,
+                                  std::function<bool(std::string_view)> enough) {
+    if (unreachable_)
+        return {};
+    return runRegistryProcess({commandLine(key.host, std::move(words)), deadline_, stop_, std::move(enough)});
+}
+
+std::vector<std::string> RegistryRemote::commandLine(const std::string& host,
+                                                     std::vector<std::string> words) const {
+    std::vector<std::string> line{options_.program, "--server=" + host};
+    if (options_.smbPort != 0)
+        line.push_back("--port=" + std::to_string(options_.smbPort));
+    line.push_back(ticket_ ? "--use-krb5-ccache=" + ticketCache()
+                           : "--authentication-file=" + options_.credentialsFile);
+    // Behind "--" nothing is taken for an option, whatever a key or a value is called.
+    line.insert(line.end(), {"--", "rpc", "registry"});
+    line.insert(line.end(), std::make_move_iterator(words.begin()), std::make_move_iterator(words.end()));
+    return line;
+}
+
+RegistryStatus RegistryRemote::failure(const ProcessResult& result) {
+    if (unreachable_)
+        return *unreachable_;
+    return result.end == ProcessEnd::Exited ? netFailure(result.diagnostics) : processFailure(result);
+}
+
+RegistryStatus RegistryRemote::processFailure(const ProcessResult& result) {
+    unreachable_ = RegistryStatus::NetPathNotFound;
+    switch (result.end) {
+    case ProcessEnd::NotStarted:
+        trouble_.last = options_.program + " cannot be run: " + std::strerror(result.error);
+        if (result.error == ENOENT || result.error == EACCES)
+            trouble_.setUp = "no registry of another computer is read: Samba's " + trouble_.last +
+                             "; install samba-common-bin";
+        break;
+    case ProcessEnd::TimedOut:
+        trouble_.last = "no answer in time";
+        break;
+    case ProcessEnd::Stopped:
+        trouble_.last = "stopped";
+        break;
+    default:
+        trouble_.last = "the answer is too long";
+    }
+    return *unreachable_;
+}
+
+RegistryStatus RegistryRemote::netFailure(const std::string& diagnostics) {
+    trouble_.last = lastLine(diagnostics);
+    if (diagnostics.find("registry_") != diagnostics.npos) {
+        trouble_.last = "there is no such key or value, or no right to read it";
+        return RegistryStatus::FileNotFound;
+    }
+    unreachable_ = RegistryStatus::NetPathNotFound;
+    if (diagnostics.find("NT_STATUS_LOGON_FAILURE") != diagnostics.npos)
+        trouble_.last = "the user name or password was refused";
+    if (diagnostics.find("krb5 credentials cache") != diagnostics.npos) {
+        trouble_.last = "no credentials file and no Kerberos ticket";
+        trouble_.setUp = "no registry of another computer is read: there is neither a credentials file (" +
+                         options_.credentialsFile + ") nor a Kerberos ticket (" + ticketCache() + ")";
+    }
+    return *unreachable_;
+}
+
+} // namespace mirovane

@@ -1,0 +1,89 @@
+#include "probes/SystemRegistryProbes.h"
+
+#include "probes/RegistryPath.h"
+#include "probes/RegistryRead.h"
+
+#include <algorithm>
+
+namespace mirovane {
+
+namespace {
+
+/// Stands for the security identifier of the user who runs the program, as long as a real one.
+constexpr const char* ownHive = "S-1-5-21-0000000000-0000000000-0000000000-1000";
+
+} // namespace
+
+void fillRegistryOfThisComputer(RegistryInMemory& registry, const StationIdentity& station) {
+    const std::string& computer = station.computerName;
+    const std::string version = "Software\\Microsoft\\Windows NT\\CurrentVersion";
+    registry.setValue(computer, RegistryRoot::LocalMachine, version, "CurrentVersion", "6.3");
+    registry.setKey(computer, RegistryRoot::Users, ownHive);
+    if (station.userName.empty())
+        return;
+    const std::string environment = "Volatile Environment";
+    registry.setValue(computer, RegistryRoot::LocalMachine, version + "\\Winlogon", "DefaultUserName",
+                      station.userName);
+    registry.setValue(computer, RegistryRoot::CurrentUser, environment, "USERNAME", station.userName);
+    registry.setValue(computer, RegistryRoot::Users, ownHive + ("\\" + environment), "USERNAME",
+                      station.userName);
+}
+
+std::optional<std::string> SystemRegistryProbes::ReadRegistryValue(const std::string& path,
+                                                                   const std::string& localComputerName,
+                                                                   std::stop_token stop) {
+    std::optional<std::string> value;
+    withRegistryOf(splitRegistryPath(path, localComputerName).host, std::move(stop), [&](Registry& registry) {
+        value = mirovane::ReadRegistryValue(registry, path, localComputerName);
+    });
+    return value;
+}
+
+LoggedOnUser SystemRegistryProbes::LookUpLoggedOnUser(const std::string& host, std::stop_token stop) {
+    LoggedOnUser user;
+    withRegistryOf(host, std::move(stop),
+                   [&](Registry& registry) { user = mirovane::LookUpLoggedOnUser(registry, host); });
+    return user;
+}
+
+std::string SystemRegistryProbes::GetDefaultUserName(const std::string& computerName, std::stop_token stop) {
+    std::string name;
+    withRegistryOf("\\\\" + computerName, std::move(stop),
+                   [&](Registry& registry) { name = mirovane::GetDefaultUserName(registry, computerName); });
+    return name;
+}
+
+void SystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_token stop,
+                                          const std::function<void(Registry&)>& lookUp) {
+    if (sameRegistryName(host, "\\\\" + station_.computerName)) {
+        RegistryInMemory registry;
+        fillRegistryOfThisComputer(registry, station_);
+        lookUp(registry);
+        note({});
+        return;
+    }
+    RegistryRemote registry(options_, std::move(stop));
+    lookUp(registry);
+    note(registry.trouble());
+}
+
+void SystemRegistryProbes::note(const RegistryTrouble& trouble) {
+    const std::lock_guard lock(mutex_);
+    last_ = trouble.last;
+    if (trouble.setUp.empty() || std::find(told_.begin(), told_.end(), trouble.setUp) != told_.end())
+        return;
+    told_.push_back(trouble.setUp);
+    untold_.push_back(trouble.setUp);
+}
+
+std::vector<std::string> SystemRegistryProbes::takeTroubles() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(untold_, {});
+}
+
+std::string SystemRegistryProbes::lastTrouble() const {
+    const std::lock_guard lock(mutex_);
+    return last_;
+}
+
+} // namespace mirovane
