@@ -44,6 +44,11 @@ constexpr std::array pingOptions{
     OptionDefinition{"-v", 0, "", "say first by which kind of socket, or what to do when none is allowed"},
 };
 
+constexpr std::array registryOptions{
+    OptionDefinition{"--credentials", 1, "FILE", "Samba authentication file that only its owner can read"},
+    OptionDefinition{"--smb-port", 1, "N", "ask on this port instead of 445"},
+};
+
 constexpr std::array stationOptions{
     OptionDefinition{"--live-stat", 0, "", "run Live Stat; without it the station only watches"},
     OptionDefinition{"--take-over", 0, "", "answer Yes when another station runs Live Stat"},
@@ -91,6 +96,23 @@ constexpr std::string_view matchDetails =
     "Letters match whatever their case. The pattern is searched for anywhere in the text; ^ and $ tie it to\n"
     "the beginning and the end. A pattern that begins with - goes behind --.\n"
     "Exit status 1 when nothing matches, 2 when the pattern is none.\n";
+
+constexpr std::string_view registryDetails =
+    "PATH: '\\\\HOST\\HIVE\\KEY\\...\\VALUE', without HOST this computer. HIVE is one of "
+    "HKEY_LOCAL_MACHINE,\n"
+    "HKEY_USERS, HKEY_CLASSES_ROOT and HKEY_CURRENT_USER; the latter of another computer is that of the "
+    "first\n"
+    "user logged on there who has the value. A path that ends in \\ names a key's default value.\n"
+    "Prints the value's text up to the first zero byte. Exit status 1 when it is not found.\n"
+    "The credentials file has the lines \"username = NAME\", \"password = TEXT\" and, for a domain account,\n"
+    "\"domain = NAME\"; its mode is 0600. Without --credentials it is samba-credentials beside the settings\n"
+    "(~/.config/mirovane); where that is missing too, the user's Kerberos ticket serves.\n"
+    "Needs Samba's net (package samba-common-bin).\n";
+
+constexpr std::string_view loggedOnDetails =
+    "Prints the user's name; of several the first, with their number: anna(2).\n"
+    "Exit status 1 when nobody is logged on or the computer cannot be asked.\n"
+    "Credentials: as for `mirovanectl registry --help`.\n";
 
 constexpr std::string_view stationDetails =
     "Prints each line of the message log as it is written. SIGTERM and SIGINT end it: Live Stat is switched\n"
@@ -143,6 +165,10 @@ constexpr std::array table{
             {},
             snmpGetDetails,
             runSnmpGet},
+    Command{"registry", "read a value of a computer's registry", "PATH [--credentials FILE] [--smb-port N]",
+            1, 1, registryOptions, registryDetails, runRegistry},
+    Command{"loggedon", "tell who is logged on to a computer", "HOST [--credentials FILE] [--smb-port N]", 1,
+            1, registryOptions, loggedOnDetails, runLoggedOn},
     Command{"match",
             "test a criteria pattern against a text or lines",
             "PATTERN [TEXT]",

@@ -48,6 +48,8 @@ ExitStatus runStation(CommandContext& context);
 ExitStatus runPing(CommandContext& context);
 ExitStatus runLookup(CommandContext& context);
 ExitStatus runSnmpGet(CommandContext& context);
+ExitStatus runRegistry(CommandContext& context);
+ExitStatus runLoggedOn(CommandContext& context);
 ExitStatus runMatch(CommandContext& context);
 
 /// Reports a wrong command line and names the way out.

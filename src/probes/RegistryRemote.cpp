@@ -59,6 +59,13 @@ bool exists(const std::string& path) {
     return !path.empty() && stat(path.c_str(), &status) == 0;
 }
 
+/// Only of a cache in a file it is known without asking Kerberos.
+bool mayHoldTicket(const std::string& cache) {
+    const std::string prefix = "FILE:";
+    const bool inFile = cache.starts_with(prefix) || cache.starts_with('/');
+    return !inFile || exists(cache.starts_with(prefix) ? cache.substr(prefix.size()) : cache);
+}
+
 } // namespace
 
 std::optional<std::string> credentialsTrouble(const std::string& path) {
@@ -80,12 +87,17 @@ RegistryRemote::RegistryRemote(RegistryRemoteOptions options, std::stop_token st
       stop_(std::move(stop)),
       deadline_(std::chrono::steady_clock::now() + options_.deadline),
       ticket_(!exists(options_.credentialsFile)) {
-    if (ticket_)
+    constexpr const char* nobodyAsked = "no registry of another computer is read: ";
+    if (ticket_ && !mayHoldTicket(ticketCache())) {
+        const std::string missing = "there is neither a credentials file (" + options_.credentialsFile +
+                                    ") nor a Kerberos ticket (" + ticketCache() + ")";
+        trouble_ = {nobodyAsked + missing, missing};
+    } else if (const auto wrong = ticket_ ? std::nullopt : credentialsTrouble(options_.credentialsFile)) {
+        trouble_ = {nobodyAsked + ("the credentials file " + *wrong), "the credentials file " + *wrong};
+    } else {
         return;
-    if (const auto wrong = credentialsTrouble(options_.credentialsFile)) {
-        trouble_ = {"no registry of another computer is read: the credentials file " + *wrong, *wrong};
-        unreachable_ = RegistryStatus::CallFailed;
     }
+    unreachable_ = RegistryStatus::CallFailed;
 }
 
 RegistryHandle RegistryRemote::hold(Key key) {
@@ -254,11 +266,6 @@ RegistryStatus RegistryRemote::netFailure(const std::string& diagnostics) {
     unreachable_ = RegistryStatus::NetPathNotFound;
     if (diagnostics.find("NT_STATUS_LOGON_FAILURE") != diagnostics.npos)
         trouble_.last = "the user name or password was refused";
-    if (diagnostics.find("krb5 credentials cache") != diagnostics.npos) {
-        trouble_.last = "no credentials file and no Kerberos ticket";
-        trouble_.setUp = "no registry of another computer is read: there is neither a credentials file (" +
-                         options_.credentialsFile + ") nor a Kerberos ticket (" + ticketCache() + ")";
-    }
     return *unreachable_;
 }
 

@@ -14,9 +14,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-const std::vector<std::string> allCommands{"new",  "records", "list",   "check",    "upgrade",
-                                           "add",  "set",     "delete", "criteria", "station",
-                                           "ping", "lookup",  "snmpget"};
+const std::vector<std::string> allCommands{"new",  "records", "list",    "check",    "upgrade",
+                                           "add",  "set",     "delete",  "criteria", "station",
+                                           "ping", "lookup",  "snmpget", "registry", "loggedon"};
 
 TEST(Usage, helpNamesEveryCommandAndEachHasItsOwn) {
     const CliResult overall = cli({"--help"});

@@ -21,6 +21,13 @@ using testing::HasSubstr;
 constexpr const char* anna = "S-1-5-21-1004336348-1177238915-682003330-1001";
 constexpr const char* ben = "S-1-5-21-1004336348-1177238915-682003330-1002";
 
+std::string credentialsIn(const test::TestFolder& folder) {
+    std::string file = folder.file("credentials");
+    test::writeBytes(file, "username = root\npassword = Secret-1\n");
+    chmod(file.c_str(), 0600);
+    return file;
+}
+
 /// Look-ups as the station makes them, of a server on a port of 127.0.0.1.
 struct Asking {
     explicit Asking(std::uint16_t port, const std::string& credentials = {}) {
@@ -171,9 +178,7 @@ TEST_F(RegistryServerTest, CredentialsThatDoNotServe) {
 
 TEST(RegistryRemoteTest, AComputerThatIsOff) {
     const test::TestFolder folder;
-    test::writeBytes(folder.file("credentials"), "username = root\npassword = x\n");
-    chmod(folder.file("credentials").c_str(), 0600);
-    Asking asking(test::freeLoopbackPort(), folder.file("credentials"));
+    Asking asking(test::freeLoopbackPort(), credentialsIn(folder));
     if (system("command -v net >/dev/null") != 0)
         GTEST_SKIP() << "Samba's net is not installed";
     EXPECT_FALSE(asking.user().reached);
@@ -186,16 +191,14 @@ TEST(RegistryRemoteTest, AServerThatNeverAnswersIsLeftAtTheDeadlineOrWhenTold) {
         GTEST_SKIP() << "Samba's net is not installed";
     const test::SilentServer silent;
     const test::TestFolder folder;
-    test::writeBytes(folder.file("credentials"), "username = root\npassword = x\n");
-    chmod(folder.file("credentials").c_str(), 0600);
-    Asking brief(silent.port(), folder.file("credentials"));
+    Asking brief(silent.port(), credentialsIn(folder));
     brief.options.deadline = milliseconds(300);
     const auto begin = steady_clock::now();
     EXPECT_FALSE(brief.user().reached);
     EXPECT_LT(steady_clock::now() - begin, seconds(10)) << "one deadline for both connections";
     EXPECT_EQ(brief.probes().lastTrouble(), "no answer in time");
 
-    Asking patient(silent.port(), folder.file("credentials"));
+    Asking patient(silent.port(), credentialsIn(folder));
     patient.options.deadline = seconds(600);
     std::stop_source stop;
     std::jthread stopper([&stop] { stop.request_stop(); });
@@ -204,7 +207,8 @@ TEST(RegistryRemoteTest, AServerThatNeverAnswersIsLeftAtTheDeadlineOrWhenTold) {
 }
 
 TEST(RegistryRemoteTest, WhatIsMissingHereIsSaidOnce) {
-    Asking asking(1);
+    const test::TestFolder folder;
+    Asking asking(1, credentialsIn(folder));
     asking.options.program = "/nonexistent/net";
     EXPECT_FALSE(asking.user().reached);
     EXPECT_EQ(asking.read(R"(HKEY_LOCAL_MACHINE\x)"), std::nullopt);
@@ -237,9 +241,7 @@ TEST(RegistryRemoteTest, TextsOfTheUserAreNeverOptions) {
     test::writeBytes(program, "#!/bin/sh\nprintf '%s\\n' \"$@\" >>" + folder.file("words") +
                                   "\necho 'registry_openkey failed' >&2\nexit 255\n");
     chmod(program.c_str(), 0700);
-    test::writeBytes(folder.file("credentials"), "username = root\npassword = Secret-1\n");
-    chmod(folder.file("credentials").c_str(), 0600);
-    SystemRegistryProbes probes({program, folder.file("credentials"), 4450, seconds(60)}, {"here", "carla"});
+    SystemRegistryProbes probes({program, credentialsIn(folder), 4450, seconds(60)}, {"here", "carla"});
     for (const char* host : {R"(\\a b)", R"(\\a;b)", R"(\\--option=x)", R"(\\a%b)", R"(\\)", ""})
         EXPECT_FALSE(probes.LookUpLoggedOnUser(host, {}).reached) << host;
     EXPECT_EQ(test::readBytes(folder.file("words")), "") << "no names of computers";

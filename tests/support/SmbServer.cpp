@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <functional>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -92,6 +93,11 @@ int boundSocket(std::uint16_t& port) {
     getsockname(bound, reinterpret_cast<sockaddr*>(&address), &size);
     port = ntohs(address.sin_port);
     return bound;
+}
+
+bool becomesReadable(int descriptor) {
+    pollfd waiting{descriptor, POLLIN, 0};
+    return poll(&waiting, 1, 30000) > 0;
 }
 
 bool listensOn(std::uint16_t port) {
@@ -198,6 +204,23 @@ SilentServer::SilentServer() : socket_(boundSocket(port_)) {
 
 SilentServer::~SilentServer() {
     close(socket_);
+    if (client_ >= 0)
+        close(client_);
+}
+
+bool SilentServer::waitForClient() {
+    if (becomesReadable(socket_))
+        client_ = accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC);
+    return client_ >= 0;
+}
+
+bool SilentServer::waitForLeaving() const {
+    std::array<char, 4096> ignored{};
+    while (becomesReadable(client_)) {
+        if (recv(client_, ignored.data(), ignored.size(), 0) <= 0)
+            return true;
+    }
+    return false;
 }
 
 } // namespace mirovane::test

@@ -55,9 +55,15 @@ public:
     SilentServer& operator=(const SilentServer&) = delete;
     std::uint16_t port() const { return port_; }
 
+    /// Waits for the first client; false when none comes within half a minute.
+    bool waitForClient();
+    /// Waits until that client has gone.
+    bool waitForLeaving() const;
+
 private:
     std::uint16_t port_ = 0;
     int socket_ = -1;
+    int client_ = -1;
 };
 
 } // namespace mirovane::test
