@@ -63,18 +63,18 @@ bool succeeds(pid_t child) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-/// Ends the session that began with `head`; true when nothing of it is left.
-bool endSession(pid_t head) {
+/// Ends the session that began with `head`. What it started becomes our child when its parent goes, and is
+/// waited for here.
+void endSession(pid_t head) {
     kill(-head, SIGTERM);
-    int status = 0;
-    const auto soft = steady_clock::now() + std::chrono::seconds(5);
-    const bool left = waitFor([&] {
+    const auto soft = steady_clock::now() + std::chrono::seconds(2);
+    waitFor([&] {
         if (steady_clock::now() > soft)
             kill(-head, SIGKILL);
-        return waitpid(head, &status, WNOHANG) != 0;
+        return waitpid(head, nullptr, WNOHANG) != 0;
     });
     kill(-head, SIGKILL);
-    return left && waitFor([head] { return kill(-head, 0) != 0 && errno == ESRCH; });
+    waitFor([head] { return waitpid(-head, nullptr, WNOHANG) < 0 && errno == ECHILD; });
 }
 
 sockaddr_in loopback(std::uint16_t port) {
@@ -126,6 +126,7 @@ std::string SmbServer::start() {
         if (access(program, X_OK) != 0)
             return std::string(program) + " is not installed";
     }
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
     port_ = freeLoopbackPort();
     writeConfiguration();
     const std::string log = folder_.file("log");
