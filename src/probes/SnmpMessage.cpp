@@ -111,6 +111,7 @@ public:
         if (!moveTo(next, rest)) {
             return false;
         }
+        count = std::max<std::size_t>(count, MIN_OID_LEN); // an empty identifier is 0.0, and counted as one
         value.resize(count);
         std::transform(parts.begin(), parts.begin() + static_cast<std::ptrdiff_t>(count), value.begin(),
                        [](oid part) { return static_cast<std::uint32_t>(part); });
