@@ -86,7 +86,9 @@ void SNMPRequest::Send(SNMPRemoteAgent& agent) {
 }
 
 void SNMPRequest::Wait(std::uint32_t timeoutMs, const std::stop_token& stop) {
-    const SnmpEvent::WaitResult result = event_->wait(std::chrono::milliseconds(timeoutMs), stop);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+    const SnmpEvent::WaitResult result =
+        transport_ != nullptr ? transport_->wait(*event_, deadline, stop) : event_->wait(deadline, stop);
     event_->reset();
     const SNMPSession::Gate gate = gate_ ? gate_ : std::make_shared<std::mutex>();
     const std::lock_guard lock(*gate);

@@ -13,12 +13,14 @@ namespace mirovane {
 /// The hand-over between a request's thread and the callback: stays set until it is reset.
 class SnmpEvent {
 public:
+    using Deadline = std::chrono::steady_clock::time_point;
     enum class WaitResult { Signalled, TimedOut, Stopped, Failed };
 
     virtual ~SnmpEvent() = default;
     virtual void set() = 0;
     virtual void reset() = 0;
-    virtual WaitResult wait(std::chrono::milliseconds timeout, const std::stop_token& stop) = 0;
+    virtual bool isSet() = 0;
+    virtual WaitResult wait(Deadline deadline, const std::stop_token& stop) = 0;
 };
 
 using SnmpEventMaker = std::function<std::unique_ptr<SnmpEvent>()>; ///< null when none can be made
@@ -34,10 +36,14 @@ public:
         const std::lock_guard lock(mutex_);
         set_ = false;
     }
-    WaitResult wait(std::chrono::milliseconds timeout, const std::stop_token& stop) override {
+    bool isSet() override {
+        const std::lock_guard lock(mutex_);
+        return set_;
+    }
+    WaitResult wait(Deadline deadline, const std::stop_token& stop) override {
         try {
             std::unique_lock lock(mutex_);
-            if (changed_.wait_for(lock, stop, timeout, [this] { return set_; })) {
+            if (changed_.wait_until(lock, stop, deadline, [this] { return set_; })) {
                 return WaitResult::Signalled;
             }
             return stop.stop_requested() ? WaitResult::Stopped : WaitResult::TimedOut;

@@ -2,7 +2,7 @@
 
 #include "probes/SnmpTransportSession.h"
 
-#include <algorithm>
+#include <iterator>
 
 namespace mirovane {
 
@@ -37,12 +37,14 @@ bool SnmpRequestTable::expect(std::int32_t id, SnmpOutstanding request) {
         return false;
     }
     ++request.session->outstanding;
+    ++waiting_;
     entry->second.waiting = std::move(request);
     return true;
 }
 
 SnmpRequestTable::Entries::iterator SnmpRequestTable::stopWaiting(Entries::iterator entry) {
     --entry->second.waiting->session->outstanding;
+    --waiting_;
     entry->second.waiting.reset();
     return entry->second.pduExists ? std::next(entry) : entries_.erase(entry);
 }
@@ -69,6 +71,7 @@ void SnmpRequestTable::forgetAll(const SnmpTransportSession* session) {
 void SnmpRequestTable::clear() {
     const std::lock_guard lock(mutex_);
     entries_.clear();
+    waiting_ = 0;
 }
 
 std::optional<SnmpOutstanding> SnmpRequestTable::match(std::int32_t id, const SnmpPeer& peer,
@@ -88,13 +91,6 @@ std::optional<SnmpOutstanding> SnmpRequestTable::match(std::int32_t id, const Sn
     std::optional<SnmpOutstanding> match(waiting);
     stopWaiting(entry);
     return match;
-}
-
-std::size_t SnmpRequestTable::outstanding() const {
-    const std::lock_guard lock(mutex_);
-    return static_cast<std::size_t>(std::count_if(entries_.begin(), entries_.end(), [](const auto& entry) {
-        return entry.second.waiting.has_value();
-    }));
 }
 
 } // namespace mirovane

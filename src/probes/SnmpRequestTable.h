@@ -3,6 +3,7 @@
 #include "probes/SnmpPeer.h"
 #include "probes/SnmpTypes.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -49,7 +50,7 @@ public:
     std::optional<SnmpOutstanding> match(std::int32_t id, const SnmpPeer& peer, const std::string& community,
                                          bool answers);
 
-    std::size_t outstanding() const;
+    std::size_t outstanding() const { return waiting_; }
 
 private:
     struct Entry {
@@ -63,6 +64,7 @@ private:
     mutable std::mutex mutex_;
     Entries entries_;
     std::uint32_t next_;
+    std::atomic<std::size_t> waiting_{0};
 };
 
 } // namespace mirovane

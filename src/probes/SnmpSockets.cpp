@@ -43,8 +43,10 @@ Descriptor openSocket(int family) {
     return socket;
 }
 
+} // namespace
+
 /// Buffers for one call's datagrams, used again for the next.
-class Batch {
+class SnmpSockets::Batch {
 public:
     Batch() {
         for (unsigned i = 0; i < batch; ++i) {
@@ -52,8 +54,8 @@ public:
         }
     }
 
-    /// Hands out what is there without waiting; false when that was nothing.
-    bool take(int socket, const SnmpSockets::Handler& handler) {
+    /// Hands out what is there, up to a batch, without waiting.
+    void take(int socket, const SnmpSockets::Handler& handler) {
         for (unsigned i = 0; i < batch; ++i) {
             headers_[i] = {};
             headers_[i].msg_hdr.msg_name = &peers_[i];
@@ -67,7 +69,6 @@ public:
             handler(SnmpPeer(peers_[index], headers_[index].msg_hdr.msg_namelen),
                     {bytes_.data() + index * longestDatagram, headers_[index].msg_len});
         }
-        return count == static_cast<int>(batch);
     }
 
 private:
@@ -77,7 +78,9 @@ private:
     std::array<mmsghdr, batch> headers_{};
 };
 
-} // namespace
+SnmpSockets::SnmpSockets() : batch_(std::make_unique<Batch>()) {}
+
+SnmpSockets::~SnmpSockets() = default;
 
 bool SnmpSockets::open() {
     wake_ = Descriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
@@ -100,26 +103,24 @@ bool SnmpSockets::send(const SnmpPeer& peer, std::span<const std::uint8_t> messa
     return sent == static_cast<ssize_t>(message.size());
 }
 
-void SnmpSockets::receive(const Handler& handler) {
-    Batch datagrams;
+void SnmpSockets::read(std::chrono::milliseconds timeout, const Handler& handler) {
     std::array<pollfd, 3> waits{
         {{wake_.get(), POLLIN, 0}, {ipv4_.get(), POLLIN, 0}, {ipv6_.get(), POLLIN, 0}}};
-    while (true) {
-        if (::poll(waits.data(), waits.size(), -1) < 0) {
-            continue; // interrupted; nothing else can befall descriptors of our own
-        }
-        if (waits[0].revents != 0) {
-            return;
-        }
-        for (std::size_t i = 1; i < waits.size(); ++i) {
-            if (waits[i].revents != 0) {
-                datagrams.take(waits[i].fd, handler);
-            }
+    if (::poll(waits.data(), waits.size(), static_cast<int>(timeout.count())) <= 0) {
+        return;
+    }
+    if (waits[0].revents != 0) {
+        std::uint64_t calls = 0;
+        [[maybe_unused]] const ssize_t taken = ::read(wake_.get(), &calls, sizeof calls);
+    }
+    for (std::size_t i = 1; i < waits.size(); ++i) {
+        if (waits[i].revents != 0) {
+            batch_->take(waits[i].fd, handler);
         }
     }
 }
 
-void SnmpSockets::stop() {
+void SnmpSockets::wake() {
     const std::uint64_t one = 1;
     [[maybe_unused]] const ssize_t written = ::write(wake_.get(), &one, sizeof one);
 }

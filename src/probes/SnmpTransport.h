@@ -1,5 +1,6 @@
 #pragma once
 
+#include "probes/SnmpEvent.h"
 #include "probes/SnmpTypes.h"
 
 #include <functional>
@@ -39,8 +40,9 @@ struct SnmpReceived {
 using SnmpCallback = std::function<void(std::uint32_t status, std::int32_t requestId)>;
 
 /// What the SNMP layer asks of a transport: messages to and from agents. Handles of 0 and false mean failure,
-/// and the last-error code says which. Any thread may call it. Callbacks come from a thread of the
-/// transport's own, one at a time, never from inside a call.
+/// and the last-error code says which. Any thread may call it. Callbacks come one at
+/// a time, from a thread of the transport's own or from one that waits in wait(), never from inside another
+/// call.
 class SnmpTransport {
 public:
     virtual ~SnmpTransport() = default;
@@ -86,6 +88,12 @@ public:
 
     /// Forgets an outstanding request: a reply that comes later is nobody's. Does not wait for a callback.
     virtual bool SnmpCancelMsg(SnmpSessionHandle session, std::int32_t requestId) = 0;
+
+    /// Waits for an event that a callback sets. The caller holds no lock that a callback takes.
+    virtual SnmpEvent::WaitResult wait(SnmpEvent& event, SnmpEvent::Deadline deadline,
+                                       const std::stop_token& stop) {
+        return event.wait(deadline, stop);
+    }
 
     /// The session's last error, or that of calls without one.
     virtual SnmpError SnmpGetLastError(SnmpSessionHandle session) = 0;

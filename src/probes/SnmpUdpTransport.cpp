@@ -25,9 +25,17 @@ bool SnmpUdpTransport::fail(SnmpSessionHandle session, SnmpError error) {
     return false;
 }
 
-std::shared_ptr<SnmpSockets> SnmpUdpTransport::sockets() const {
+SnmpUdpTransport::Network::Network(SnmpUdpTransport& owner)
+    : reading(
+          sockets,
+          [&owner](const SnmpPeer& peer, std::span<const std::uint8_t> bytes) {
+              owner.onDatagram(peer, bytes);
+          },
+          [&owner] { return owner.requests_.outstanding() > 0; }) {}
+
+std::shared_ptr<SnmpUdpTransport::Network> SnmpUdpTransport::network() const {
     const std::lock_guard lock(lifeMutex_);
-    return sockets_;
+    return network_;
 }
 
 std::size_t SnmpUdpTransport::handlesInUse() const {
@@ -36,22 +44,18 @@ std::size_t SnmpUdpTransport::handlesInUse() const {
 
 bool SnmpUdpTransport::SnmpStartup(SnmpStartupInfo& info) {
     const std::lock_guard lock(lifeMutex_);
-    if (!sockets_) {
-        const auto sockets = std::make_shared<SnmpSockets>();
-        if (!sockets->open()) {
+    if (!network_) {
+        const auto network = std::make_shared<Network>(*this);
+        if (!network->sockets.open()) {
             return fail({}, SnmpError::NoSocket);
         }
         try {
             const BlockedSignals noSignals;
-            receiver_ = std::thread([this, sockets] {
-                sockets->receive([this](const SnmpPeer& peer, std::span<const std::uint8_t> bytes) {
-                    onDatagram(peer, bytes);
-                });
-            });
+            receiver_ = std::thread([network] { network->reading.run(); });
         } catch (const std::system_error&) {
             return fail({}, SnmpError::Other);
         }
-        sockets_ = sockets;
+        network_ = network;
     }
     constexpr std::uint32_t v1Only = 1;
     info = {1, 0, v1Only, snmpUntranslatedV1, snmpRetransmitOff};
@@ -70,12 +74,12 @@ bool SnmpUdpTransport::SnmpCleanup() {
     std::thread receiver;
     {
         const std::lock_guard lock(lifeMutex_);
-        if (!sockets_) {
+        if (!network_) {
             return fail({}, SnmpError::NotInitialized);
         }
-        sockets_->stop();
+        network_->reading.stop();
         receiver.swap(receiver_);
-        sockets_.reset();
+        network_.reset();
     }
     receiver.join();
     requests_.clear();
@@ -88,7 +92,7 @@ bool SnmpUdpTransport::SnmpCleanup() {
 }
 
 SnmpSessionHandle SnmpUdpTransport::SnmpCreateSession(SnmpCallback callback) {
-    if (!sockets()) {
+    if (!network()) {
         fail({}, SnmpError::NotInitialized);
         return {};
     }
@@ -240,9 +244,9 @@ bool SnmpUdpTransport::SnmpSendMsg(SnmpSessionHandle session, SnmpEntityHandle d
     const auto entity = entities_.find(destination);
     const auto community = contexts_.find(context);
     const auto content = pdus_.find(pdu);
-    const auto sockets = this->sockets();
-    if (!sender || !entity || !community || !content || !sockets) {
-        return fail(session, !sockets     ? SnmpError::NotInitialized
+    const auto network = this->network();
+    if (!sender || !entity || !community || !content || !network) {
+        return fail(session, !network     ? SnmpError::NotInitialized
                              : !sender    ? SnmpError::SessionInvalid
                              : !entity    ? SnmpError::EntityInvalid
                              : !community ? SnmpError::ContextInvalid
@@ -262,7 +266,7 @@ bool SnmpUdpTransport::SnmpSendMsg(SnmpSessionHandle session, SnmpEntityHandle d
                           {sender, entity->peer, community->community, destination, context})) {
         return fail(session, SnmpError::PduInvalid);
     }
-    if (!sockets->send(entity->peer, *bytes)) {
+    if (!network->sockets.send(entity->peer, *bytes)) {
         requests_.forget(sender.get(), message.requestId);
         return fail(session, SnmpError::NotSent);
     }
@@ -288,6 +292,12 @@ bool SnmpUdpTransport::SnmpCancelMsg(SnmpSessionHandle session, std::int32_t req
         return fail({}, SnmpError::SessionInvalid);
     }
     return requests_.forget(known.get(), requestId) || fail(session, SnmpError::PduInvalid);
+}
+
+SnmpEvent::WaitResult SnmpUdpTransport::wait(SnmpEvent& event, SnmpEvent::Deadline deadline,
+                                             const std::stop_token& stop) {
+    const auto network = this->network();
+    return network ? network->reading.wait(event, deadline, stop) : event.wait(deadline, stop);
 }
 
 SnmpError SnmpUdpTransport::SnmpGetLastError(SnmpSessionHandle session) {

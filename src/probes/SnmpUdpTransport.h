@@ -2,6 +2,7 @@
 
 #include "probes/SnmpHandles.h"
 #include "probes/SnmpMessage.h"
+#include "probes/SnmpReading.h"
 #include "probes/SnmpRequestTable.h"
 #include "probes/SnmpSockets.h"
 #include "probes/SnmpTransport.h"
@@ -47,6 +48,8 @@ public:
                      SnmpPduHandle pdu) override;
     bool SnmpRecvMsg(SnmpSessionHandle session, SnmpReceived& message) override;
     bool SnmpCancelMsg(SnmpSessionHandle session, std::int32_t requestId) override;
+    SnmpEvent::WaitResult wait(SnmpEvent& event, SnmpEvent::Deadline deadline,
+                               const std::stop_token& stop) override;
     SnmpError SnmpGetLastError(SnmpSessionHandle session) override;
 
     /// Requests that wait for a reply, and things that were made and not freed; for tests.
@@ -75,9 +78,17 @@ private:
 
     /// Notes the error for the session, if there is one, and for the transport. Always false.
     bool fail(SnmpSessionHandle session, SnmpError error);
+    /// What exists while started.
+    struct Network {
+        explicit Network(SnmpUdpTransport& owner);
+
+        SnmpSockets sockets;
+        SnmpReading reading;
+    };
+
     void onDatagram(const SnmpPeer& peer, std::span<const std::uint8_t> bytes);
     SnmpPduHandle keepReceived(SnmpMessage&& message);
-    std::shared_ptr<SnmpSockets> sockets() const;
+    std::shared_ptr<Network> network() const;
 
     SnmpRequestTable requests_;
     SnmpHandles<SnmpSessionHandle, SnmpTransportSession> sessions_;
@@ -88,7 +99,7 @@ private:
     std::atomic<SnmpError> lastError_{SnmpError::None};
 
     mutable std::mutex lifeMutex_;
-    std::shared_ptr<SnmpSockets> sockets_; ///< while started
+    std::shared_ptr<Network> network_;
     std::thread receiver_;
 };
 

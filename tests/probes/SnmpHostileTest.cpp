@@ -283,6 +283,41 @@ TEST_F(SnmpHostileTest, RepliesThatMeetTheEndOfTheirRequest) {
     EXPECT_EQ(transport_.handlesInUse(), 0U);
 }
 
+/// A caller that waits may be the one who reads the sockets: for others too, and not for ever.
+TEST_F(SnmpHostileTest, RepliesArriveWhoeverReads) {
+    const test::LoopbackSocket silentHost;
+    const ScriptedAgent scripted([](ScriptedAgent& self, const ScriptedAgent::Asked& asked) {
+        self.send(asked, wireReply{asked.request.requestId}.bytes());
+    });
+    for (int i = 0; i < 50; ++i) { // one by one: callers come to read for themselves
+        ASSERT_EQ(ask(scripted).text, "0,0:0:0.250");
+    }
+    std::stop_source stop;
+    std::jthread reader([&] {
+        const SnmpAnswer answer =
+            probe_.SnmpGet({"127.0.0.1", "public", upTime, silentHost.port(), 60000}, stop.get_token());
+        EXPECT_EQ(answer.kind, Kind::Stopped);
+    });
+    ASSERT_TRUE(silentHost.receive(30000));
+    EXPECT_EQ(ask(scripted).kind, Kind::Value) << "while the other waits for a silent host";
+    const auto stopped = std::chrono::steady_clock::now();
+    stop.request_stop();
+    reader.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - stopped, std::chrono::seconds(10));
+    EXPECT_EQ(ask(scripted).kind, Kind::Value);
+
+    SNMPRemoteAgent agent(manager_, "127.0.0.1", "public", scripted.port());
+    const SNMPObject object(upTime);
+    SNMPRequest unattended(SnmpPduType::GetRequest, {&object, 1});
+    unattended.Send(agent);
+    const auto deadline = stopped + std::chrono::seconds(60);
+    while (unattended.status() == SNMPRequest::Status::ONGOING &&
+           std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(unattended.status(), SNMPRequest::Status::SUCCEEDED) << "though nobody waits";
+}
+
 TEST_F(SnmpHostileTest, ThousandsOutstandingEachGetTheirOwn) {
     constexpr std::size_t count = 2000;
     constexpr std::size_t ahead = 100; // more would not fit into every socket's buffer

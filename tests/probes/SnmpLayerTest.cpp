@@ -261,9 +261,8 @@ TEST_F(SnmpLayerTest, EventsThatFail) {
     class FailingEvent final : public SnmpEvent {
         void set() override {}
         void reset() override {}
-        WaitResult wait(std::chrono::milliseconds, const std::stop_token&) override {
-            return WaitResult::Failed;
-        }
+        bool isSet() override { return false; }
+        WaitResult wait(Deadline, const std::stop_token&) override { return WaitResult::Failed; }
     };
     manager_.Startup();
     const SNMPObject object("1.3.6.1.2.1.1.3.0");
