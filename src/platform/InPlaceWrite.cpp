@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <unistd.h>
 #include <utility>
 
 namespace mirovane {
@@ -45,7 +46,20 @@ bool InPlaceWrite::makeBackupFolder() const {
     for (std::size_t slash = folder_.find('/', 1); slash != std::string::npos;
          slash = folder_.find('/', slash + 1))
         calls_.makeFolder(folder_.substr(0, slash), 0700);
-    return calls_.makeFolder(folder_, 0700) == 0 || errno == EEXIST;
+    if (calls_.makeFolder(folder_, 0700) != 0 && errno != EEXIST)
+        return false;
+    if (isOurFolder())
+        return true;
+    errno = EPERM;
+    return false;
+}
+
+/// Where a user has no home, the folder lies in one that all write to. Whoever made it before him could put
+/// copies there that a recovery would take for his own.
+bool InPlaceWrite::isOurFolder() const {
+    struct stat status = {};
+    return calls_.statusAt(folder_, status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
+           (status.st_mode & S_IWOTH) == 0;
 }
 
 bool InPlaceWrite::keepCopy(const std::string& copy, std::string_view content) {
@@ -62,12 +76,14 @@ std::optional<FileError> InPlaceWrite::run(int fd, std::string_view content) {
     if (!before)
         return fileError("cannot read", target_, errno);
     // The old copy comes last: when it is there, both are whole.
-    if (!makeBackupFolder() || !keepCopy(newCopy_, content) || !keepCopy(oldCopy_, *before)) {
+    const bool folderMade = makeBackupFolder();
+    if (!folderMade || !keepCopy(newCopy_, content) || !keepCopy(oldCopy_, *before)) {
         FileError error = fileError("cannot write", target_, errno);
         error.sentence +=
             " (its folder takes no new file, and the copy that a write in place needs could not be kept in " +
             folder_ + ")";
-        calls_.remove(newCopy_);
+        if (folderMade) // else what lies there, if anything, is not this save's
+            calls_.remove(newCopy_);
         return error;
     }
     if (overwrite(fd, content, before->size())) {
@@ -96,7 +112,7 @@ bool InPlaceWrite::overwrite(int fd, std::string_view content, std::size_t sizeN
 
 bool InPlaceWrite::leftBehind() const {
     struct stat status = {};
-    return calls_.statusAt(oldCopy_, status) == 0;
+    return calls_.statusAt(oldCopy_, status) == 0 && isOurFolder();
 }
 
 std::optional<std::string> InPlaceWrite::readCopy(const std::string& copy) const {

@@ -29,6 +29,7 @@ public:
 
 private:
     bool makeBackupFolder() const;
+    bool isOurFolder() const;
     bool keepCopy(const std::string& copy, std::string_view content);
     bool overwrite(int fd, std::string_view content, std::size_t sizeNow);
     std::optional<std::string> readCopy(const std::string& copy) const;

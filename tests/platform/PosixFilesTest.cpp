@@ -238,6 +238,32 @@ TEST_F(PosixFilesTest, CutOffWriteIsNotCompletedOverSomebodyElsesFile) {
     EXPECT_EQ(locked.value()->read().value(), "another station's");
 }
 
+TEST_F(PosixFilesTest, CopiesInAFolderThatAllWriteToAreNotTrusted) {
+    writeBytes(path, before);
+    FaultyCalls dying;
+    dying.refuseFolder(folder.path());
+    PosixFiles station(dying, backup.path());
+    ASSERT_FALSE(save(station, path, after)); // a rehearsal: the same calls as below
+    writeBytes(path, before);
+    const auto& trace = dying.trace();
+    const auto end = std::find(trace.begin(), trace.end(), "truncate") - trace.begin();
+    dying.killAt(trace.size() + static_cast<std::size_t>(end) - 2);
+    EXPECT_THROW(save(station, path, after), test::Killed);
+    const std::string half = readBytes(path);
+    ASSERT_TRUE(half != before && half != after);
+
+    dying.heal();
+    fs::permissions(backup.path(), fs::perms(0777));
+    ASSERT_TRUE(station.lock(path, FileAccess::Read, patience));
+    EXPECT_TRUE(readBytes(path) == half) << "anybody could have put the copies there";
+    EXPECT_TRUE(save(station, path, after)) << "nor are new ones put there";
+    EXPECT_TRUE(readBytes(path) == half);
+
+    fs::permissions(backup.path(), fs::perms(0700));
+    ASSERT_TRUE(station.lock(path, FileAccess::Read, patience));
+    EXPECT_TRUE(readBytes(path) == after);
+}
+
 TEST_F(PosixFilesTest, LocksExcludeForABoundedTime) {
     writeBytes(path, before);
     PosixFiles other(calls, backup.path());
