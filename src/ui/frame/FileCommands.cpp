@@ -166,35 +166,38 @@ bool CFileCommands::saveUnderNewName(const std::string& path) {
 }
 
 bool CFileCommands::close() {
-    if (!mayLeaveDocument())
+    const Leaving leaving = leaveDocument();
+    if (leaving == Leaving::Stay)
         return false;
     std::optional<FileError> error;
     {
         const WaitCursor wait;
         error = station_.shutDown();
     }
-    return !error || mayLose(*error);
+    return !error || leaving == Leaving::Unsaved || mayLose(*error); // the user is asked once
 }
 
-bool CFileCommands::mayLeaveDocument() {
+CFileCommands::Leaving CFileCommands::leaveDocument() {
     const CMirovaneDoc& document = station_.document();
     if (!document.modified())
-        return true;
+        return Leaving::Saved;
     if (!document.path().empty()) { // an earlier save failed
         const auto error = saveWaiting();
-        return !error || mayLose(*error);
+        if (!error)
+            return Leaving::Saved;
+        return mayLose(*error) ? Leaving::Unsaved : Leaving::Stay;
     }
     switch (dialogs_.askToSave(
         "Do you want to save the new datafile?\n\nIt has no file yet. What is on its floor is "
         "lost if you don't save it.")) {
     case SaveAnswer::Save:
-        return saveAs();
+        return saveAs() ? Leaving::Saved : Leaving::Stay;
     case SaveAnswer::Discard:
-        return true;
+        return Leaving::Unsaved;
     case SaveAnswer::Cancel:
         break;
     }
-    return false;
+    return Leaving::Stay;
 }
 
 std::optional<FileError> CFileCommands::saveWaiting() {

@@ -34,7 +34,10 @@ public:
     bool close();
 
 private:
-    bool mayLeaveDocument();
+    enum class Leaving { Stay, Saved, Unsaved };
+
+    Leaving leaveDocument();
+    bool mayLeaveDocument() { return leaveDocument() != Leaving::Stay; }
     bool saveUnderNewName(const std::string& path);
     std::optional<FileError> saveWaiting();
     bool mayLose(const FileError& error);

@@ -155,5 +155,19 @@ TEST_F(FileCommands, closingAsksWhenTheLastSaveFails) {
     EXPECT_TRUE(files->close());
 }
 
+TEST_F(FileCommands, whoLeavesWithoutSavingIsAskedOnce) {
+    fs::create_directory(inFolder("share"));
+    const std::string path = makeDatafile("share/live.mv");
+    ASSERT_TRUE(files->openPath(path));
+    station->toggleLiveStat();
+    fs::remove_all(inFolder("share"));
+    addComputer();
+    ASSERT_TRUE(station->saveDatafile()); // the device is not on disk, and Live Stat's release won't be
+    dialogs.questions.clear();
+    dialogs.answers = {true};
+    EXPECT_TRUE(files->close());
+    EXPECT_EQ(dialogs.questions.size(), 1u);
+}
+
 } // namespace
 } // namespace mirovane
