@@ -1,5 +1,7 @@
 #include "ui/floor/FloorMap.h"
 
+#include "ui/floor/BitmapFile.h"
+
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
@@ -9,10 +11,8 @@
 #include <QMetaObject>
 #include <QPointer>
 #include <QThreadPool>
-#include <QtEndian>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace mirovane {
 
@@ -51,19 +51,6 @@ QString sizeProblem(const QString& path, QSize size, QImage::Format format) {
     return {};
 }
 
-/// As the header of a bitmap file states it; invalid for any other file.
-QSize statedBitmapSize(const QString& path) {
-    QFile file(path);
-    QByteArray head;
-    if (file.open(QIODevice::ReadOnly))
-        head = file.read(26);
-    if (head.size() < 26 || !head.startsWith("BM"))
-        return {};
-    const auto width = qFromLittleEndian<qint32>(head.constData() + 18);
-    const auto height = qFromLittleEndian<qint32>(head.constData() + 22);
-    return {width, height == INT32_MIN ? 0 : std::abs(height)};
-}
-
 QString stampOf(const QString& path) {
     const QFileInfo info(path);
     const qint64 modified = info.exists() ? info.lastModified().toMSecsSinceEpoch() : 0;
@@ -85,11 +72,16 @@ LoadedMap readPicture(const QString& path) {
     QImageReader reader(path);
     reader.setDecideFormatFromContent(true);
     const QSize stated = reader.size();
-    const QSize size = stated.isValid() ? stated : statedBitmapSize(path);
+    const QSize size = stated.isValid() ? stated : readBitmapHeader(path).size;
     if (size.isValid()) {
         map.problem = sizeProblem(path, size, reader.imageFormat());
         if (!map.problem.isEmpty())
             return map;
+    }
+    if (isCutShort(path)) {
+        map.problem =
+            QStringLiteral("Floor map file %1 cannot be shown: it is damaged, its end is missing").arg(path);
+        return map;
     }
     QImage bitmap = reader.read();
     if (bitmap.isNull())

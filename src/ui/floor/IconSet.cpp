@@ -1,5 +1,7 @@
 #include "ui/floor/IconSet.h"
 
+#include "ui/floor/BitmapFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -26,7 +28,7 @@ constexpr QRgb highlightBlue = 0xFF0000FF;
 QImage readIcon(const QString& path) {
     QImageReader reader(path);
     const QSize size = reader.size();
-    if (size.width() > largestIcon || size.height() > largestIcon)
+    if (size.width() > largestIcon || size.height() > largestIcon || isCutShort(path))
         return {};
     QImage image = reader.read();
     if (image.isNull())

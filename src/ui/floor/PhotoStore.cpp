@@ -1,5 +1,7 @@
 #include "ui/floor/PhotoStore.h"
 
+#include "ui/floor/BitmapFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QImageReader>
@@ -19,7 +21,7 @@ constexpr qsizetype keptPhotos = 32;
 QImage readPhoto(const QString& path) {
     QImageReader reader(path);
     const QSize size = reader.size();
-    if (size.width() > largestPhotoSide || size.height() > largestPhotoSide)
+    if (size.width() > largestPhotoSide || size.height() > largestPhotoSide || isCutShort(path))
         return {};
     QImage image = reader.read();
     image.setDevicePixelRatio(1);

@@ -140,6 +140,11 @@ TEST_F(FloorMapTest, ADamagedFileKeepsTheMapThatWasShown) {
     map.loadNow(path);
     EXPECT_EQ(failed.size(), 1);
     EXPECT_EQ(map.size(), QSize(300, 200));
+    saved("floor.bmp", pattern(400, 400));
+    QFile(path).resize(5000);
+    map.loadNow(path);
+    EXPECT_EQ(failed.size(), 2) << "half a map";
+    EXPECT_EQ(map.size(), QSize(300, 200));
     map.loadNow(QStringLiteral("/nowhere/other.bmp"));
     EXPECT_EQ(map.size(), QSize(0, 0)) << "another floor's map is not this floor's";
 }
@@ -199,10 +204,14 @@ TEST_F(FloorMapTest, IconsThatCannotBeReadKeepTheirSlots) {
     saved("RJ45Def.bmp", own);
     saved("LocationMarker.bmp", own);
     written("PCOn.bmp", "damaged");
+    saved("PrinterOn.bmp", own);
+    const QImage printer = icons.bitmap(DeviceType::Printer, DeviceState::On);
+    QFile(QString::fromStdString(folder.file("PrinterOn.bmp"))).resize(200); // the copy was interrupted
     EXPECT_EQ(icons.LoadIcons(QString::fromStdString(folder.path())), 2);
     EXPECT_EQ(icons.sizes().of(DeviceType::Jack), QSize(40, 20));
     EXPECT_EQ(icons.sizes().of(DeviceType::LocationMarker), QSize(40, 20));
     EXPECT_EQ(icons.bitmap(DeviceType::Computer, DeviceState::On), before);
+    EXPECT_EQ(icons.bitmap(DeviceType::Printer, DeviceState::On), printer);
     EXPECT_EQ(icons.stretched(DeviceType::Jack, DeviceState::Def, {80, 40}).pixelColor(3, 3),
               QColor(Qt::red));
     EXPECT_TRUE(icons.bitmap(14, 0).isNull());
