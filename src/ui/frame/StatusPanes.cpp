@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 #include <QStatusBar>
+#include <QTextDocument>
 
 namespace mirovane {
 
@@ -24,6 +25,8 @@ constexpr std::array<PaneDefinition, indicatorCount> panes = {{
 
 /// Blank space left and right of a pane's text.
 constexpr int padding = 6;
+
+constexpr qsizetype longestToolTip = 1000;
 
 QLabel* makePane(const PaneDefinition& definition) {
     auto* pane = new QLabel;
@@ -61,8 +64,13 @@ MessagePane::MessagePane(QWidget* parent) : QLabel(parent) {
     setIndent(padding);
 }
 
+/// One line, whatever a device or a file calls itself.
 void MessagePane::setMessage(const QString& message) {
     message_ = message;
+    for (QChar& c : message_) {
+        if (c < QChar(u' ') || c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
+            c = u' ';
+    }
     setAccessibleName(message);
     elide();
 }
@@ -79,7 +87,8 @@ void MessagePane::resizeEvent(QResizeEvent* event) {
 void MessagePane::elide() {
     const QString shown = fontMetrics().elidedText(message_, Qt::ElideRight, width() - 2 * padding);
     setText(shown);
-    setToolTip(shown == message_ ? QString() : message_);
+    // A tool tip takes what looks like markup for markup.
+    setToolTip(shown == message_ ? QString() : Qt::convertFromPlainText(message_.left(longestToolTip)));
 }
 
 CStatusPanes::CStatusPanes(QStatusBar& bar) : message_(new MessagePane) {

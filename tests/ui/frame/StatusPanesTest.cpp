@@ -64,6 +64,20 @@ TEST(StatusPanes, aLongMessageNeverMakesTheWindowWider) {
     EXPECT_LT(message->text().size(), 200);
 }
 
+TEST(StatusPanes, aMessageIsOneLineOfPlainText) {
+    QMainWindow window;
+    CStatusPanes panes(*window.statusBar());
+    window.resize(500, 300);
+    window.show();
+    const int before = window.statusBar()->sizeHint().height();
+    panes.SetStatusText(QStringLiteral("pc\r\n1\n2\n3\n4 is On"));
+    EXPECT_EQ(window.statusBar()->sizeHint().height(), before);
+    panes.SetStatusText(QStringLiteral("<img src=x>").repeated(300));
+    const QString tip = window.findChild<MessagePane*>()->toolTip();
+    EXPECT_FALSE(tip.isEmpty());
+    EXPECT_FALSE(tip.contains(QStringLiteral("<img")));
+}
+
 TEST(KeyboardLights, readsTheLightsOfAllKeyboards) {
     const QTemporaryDir folder;
     const auto light = [&folder](const char* name, const char* brightness) {
