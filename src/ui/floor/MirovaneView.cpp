@@ -316,7 +316,10 @@ void CMirovaneView::resizeEvent(QResizeEvent* event) {
     scheduleFlush();
 }
 
+/// Another device may come to lie under a pointer that rests.
 void CMirovaneView::scrollContentsBy(int, int) {
+    if (pointer_)
+        hover(*pointer_, false);
     viewport()->update();
 }
 

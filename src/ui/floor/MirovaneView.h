@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <unordered_map>
 
 namespace mirovane {
@@ -120,6 +121,7 @@ private:
     DisplaySettings painted_; ///< display settings of the last frame
     QSize extent_;
     QString datafile_;
+    std::optional<QPoint> pointer_;                ///< where it rests over the floor, in window coordinates
     std::unordered_map<std::int32_t, bool> rings_; ///< as looked up since the last refresh
     bool extentStale_ = true;
     bool flushPending_ = false;

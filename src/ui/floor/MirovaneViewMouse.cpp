@@ -25,14 +25,19 @@ void CMirovaneView::clearHover() {
 }
 
 void CMirovaneView::mouseMoveEvent(QMouseEvent* event) {
-    if (event->buttons() == Qt::NoButton)
-        hover(event->position().toPoint(), false);
+    pointer_.reset();
+    if (event->buttons() != Qt::NoButton)
+        return;
+    pointer_ = event->position().toPoint();
+    hover(*pointer_, false);
 }
 
 /// The pointer has left: nothing is under it any more.
 bool CMirovaneView::viewportEvent(QEvent* event) {
-    if (event->type() == QEvent::Leave)
+    if (event->type() == QEvent::Leave) {
+        pointer_.reset();
         clearHover();
+    }
     return QAbstractScrollArea::viewportEvent(event);
 }
 

@@ -152,6 +152,21 @@ TEST_F(MirovaneViewTest, PointerShowsAllOfADeviceAndLeavingHidesIt) {
     EXPECT_EQ(difference(), "");
 }
 
+TEST_F(MirovaneViewTest, ScrollingShowsWhatComesUnderAPointerThatRests) {
+    const CHardware& device = add(DeviceType::Computer, {40, 50}, "pc");
+    const CHardware& below = add(DeviceType::Computer, {40, 250}, "pc below");
+    add(DeviceType::Computer, {2000, 2000});
+    settle();
+    moveTo({50, 60});
+    view.verticalScrollBar()->setValue(200);
+    EXPECT_EQ((std::vector{device.ShowAll, below.ShowAll}), (std::vector{0, 1}));
+    EXPECT_EQ(difference(), "");
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(view.viewport(), &leave);
+    view.verticalScrollBar()->setValue(0);
+    EXPECT_EQ(device.ShowAll, 0);
+}
+
 TEST_F(MirovaneViewTest, PointerInAMarkedAreaShowsIt) {
     const CHardware& marker = add(DeviceType::LocationMarker, {300, 300});
     site.doc().edit(marker, [](CHardware& d) { d.ToJack = "50,50,200,50,200,200,50,200,"; });
