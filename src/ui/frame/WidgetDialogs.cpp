@@ -91,6 +91,8 @@ bool WidgetDialogs::ask(const std::string& question) {
     QMessageBox box(parent_);
     prepare(box, QMessageBox::Question, question);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    // Yes replaces a file, loses changes or takes Live Stat from a colleague: not for a stray Enter.
+    box.setDefaultButton(QMessageBox::No);
     return box.exec() == QMessageBox::Yes;
 }
 
