@@ -146,8 +146,10 @@ void CMainFrame::showTitle() {
     const QString title = showsReminder()
                               ? QStringLiteral("Reminder Due:%1").arg(station_.reminders().DueCount())
                               : QString::fromStdString(mirovane::windowTitle(station_.document().path()));
-    if (title != QMainWindow::windowTitle())
-        setWindowTitle(title);
+    // Doubled, or a file named so would lose it: alone it is where a window title marks changes.
+    const QString literal = QString(title).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+    if (literal != QMainWindow::windowTitle())
+        setWindowTitle(literal);
 }
 
 bool CMainFrame::showsReminder() const {

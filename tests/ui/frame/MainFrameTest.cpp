@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
+#include <QWindow>
 
 namespace mirovane {
 namespace {
@@ -208,6 +209,10 @@ TEST_F(MainFrame, titleAndRecentFilesFollowTheDocument) {
     EXPECT_TRUE(entry->text().startsWith(QStringLiteral("&1 R&&D plan.mv ["))) << entry->text().toStdString();
     ASSERT_TRUE(frame->files().newFile());
     EXPECT_EQ(frame->windowTitle(), QStringLiteral("Untitled - Mirovane"));
+    dialogs.files = {inFolder("plan[*].mv")};
+    ASSERT_TRUE(frame->files().saveAs());
+    frame->show();
+    EXPECT_EQ(frame->windowHandle()->title(), QStringLiteral("plan[*].mv - Mirovane"));
 }
 
 TEST_F(MainFrame, closingAnUnsavedFloorCanBeCalledOff) {
