@@ -15,6 +15,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QSaveFile>
 
@@ -168,6 +169,12 @@ private:
     FloorViewState state_;
 };
 
+/// True when the picture would be written over the datafile.
+bool sameFile(const QString& picture, const QString& datafile) {
+    const QString canonical = QFileInfo(picture).canonicalFilePath();
+    return !canonical.isEmpty() && canonical == QFileInfo(datafile).canonicalFilePath();
+}
+
 /// The old picture stays when the new one cannot be written.
 bool writePicture(const QImage& picture, const QString& path) {
     QSaveFile file(path);
@@ -188,6 +195,11 @@ int runRender(const QStringList& arguments) {
     if (options.value().help) {
         std::fputs(renderUsage().toLocal8Bit().constData(), stdout);
         return Written;
+    }
+    if (sameFile(options.value().output, options.value().datafile)) {
+        complain(QStringLiteral("%1 is the datafile itself: give the picture another name")
+                     .arg(options.value().output));
+        return UsageError;
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qInstallMessageHandler(dropRemarks);

@@ -113,13 +113,16 @@ TEST_F(RenderTest, UsageErrorsAreNamedAndWriteNothing) {
          "--hover 1,2: expected one"},
         {{render, picture, file, QStringLiteral("--show"), QStringLiteral("Name")}, "--show Name: expected"},
         {{render, picture, file, QStringLiteral("--shine")}, "Unknown option 'shine'"},
+        {{render, file, file}, "is the datafile itself"},
     };
+    const auto written = std::filesystem::last_write_time(datafile);
     for (const auto& [arguments, text] : cases) {
         EXPECT_EQ(run(arguments), 2) << text;
         EXPECT_TRUE(said.contains(text)) << said.toStdString();
         EXPECT_TRUE(said.startsWith("mirovane: "));
     }
     EXPECT_FALSE(std::filesystem::exists(picture.toStdString()));
+    EXPECT_EQ(std::filesystem::last_write_time(datafile), written);
     EXPECT_EQ(run({render, QStringLiteral("--help")}), 0);
     EXPECT_TRUE(printed.contains("PropertiesBackslashDraw"));
 }
