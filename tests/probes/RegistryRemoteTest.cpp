@@ -251,5 +251,27 @@ TEST(RegistryRemoteTest, TextsOfTheUserAreNeverOptions) {
                   "\n--\nrpc\nregistry\ngetvalue\nHKEY_LOCAL_MACHINE\\-k $(id)\\`x`\n--y 'z'\n");
 }
 
+TEST(RegistryRemoteTest, ManyLookUpsAtOnceKeepTheirAnswersApart) {
+    const test::TestFolder folder;
+    const std::string program = folder.file("net");
+    test::writeBytes(program, "#!/bin/sh\nfor name in \"$@\"; do :; done\n"
+                              "printf 'Type       = REG_SZ\\nValue      = \"of %s\"\\n' \"$name\"\n");
+    chmod(program.c_str(), 0700);
+    SystemRegistryProbes probes({program, credentialsIn(folder), 0, seconds(60)}, {"here", "carla"});
+    constexpr int count = 8;
+    std::vector<std::jthread> workers;
+    workers.reserve(count);
+    for (int worker = 0; worker < count; ++worker) {
+        workers.emplace_back([&probes, worker] {
+            for (int round = 0; round < 5; ++round) {
+                const std::string name = std::to_string(worker * 10 + round);
+                EXPECT_EQ(probes.ReadRegistryValue(R"(\\127.0.0.1\HKEY_LOCAL_MACHINE\x\)" + name, "here", {}),
+                          "of " + name);
+                EXPECT_TRUE(probes.takeTroubles().empty());
+            }
+        });
+    }
+}
+
 } // namespace
 } // namespace mirovane

@@ -30,6 +30,7 @@ constexpr std::chrono::seconds patience{20};
 /// Starts a program as the head of a session of its own, so that what it starts can be ended with it.
 pid_t startProgram(std::vector<std::string> words, const std::string& inputFile, const std::string& log) {
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);
@@ -89,9 +90,9 @@ int boundSocket(std::uint16_t& port) {
     const int bound = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address = loopback(0);
     socklen_t size = sizeof address;
-    bind(bound, reinterpret_cast<const sockaddr*>(&address), size);
-    getsockname(bound, reinterpret_cast<sockaddr*>(&address), &size);
-    port = ntohs(address.sin_port);
+    if (bind(bound, reinterpret_cast<const sockaddr*>(&address), size) == 0 &&
+        getsockname(bound, reinterpret_cast<sockaddr*>(&address), &size) == 0)
+        port = ntohs(address.sin_port);
     return bound;
 }
 
