@@ -123,6 +123,7 @@ LoadedMap readMap(const MapRequest& request) {
 /// Nothing when no map is to be shown.
 std::optional<MapRequest> FloorMap::begin(const QString& named, const QString& datafile, bool again) {
     named_ = named;
+    datafile_ = datafile;
     ++number_;
     loading_ = !named.isEmpty();
     if (!loading_) {
@@ -162,9 +163,14 @@ void FloorMap::finish(std::uint64_t number, const LoadedMap& map) {
     if (map.unchanged)
         return;
     stamp_ = map.stamp;
-    if (map.picture || named_ != shown_)
+    // A file that cannot be shown keeps what was there, unless that was another site's floor.
+    const bool damaged = !map.picture && !map.missing && !named_.isEmpty();
+    if (named_ != shown_ && !(damaged && datafile_ == shownFor_))
+        tiles_.setPicture(nullptr);
+    if (map.picture)
         tiles_.setPicture(map.picture);
     shown_ = named_;
+    shownFor_ = datafile_;
     Q_EMIT changed();
     if (!map.problem.isEmpty())
         Q_EMIT failed(map.problem, map.missing);

@@ -73,7 +73,9 @@ private:
     MapTiles tiles_;
     QString named_;
     QString stamp_;
-    QString shown_; ///< the name whose picture is shown
+    QString shown_;    ///< the name whose picture is shown
+    QString datafile_; ///< of the map that was asked for last
+    QString shownFor_; ///< the datafile of the map that was loaded last
     bool loading_ = false;
     std::uint64_t number_ = 0;
 };

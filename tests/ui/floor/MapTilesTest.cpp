@@ -145,8 +145,15 @@ TEST_F(FloorMapTest, ADamagedFileKeepsTheMapThatWasShown) {
     map.loadNow(path);
     EXPECT_EQ(failed.size(), 2) << "half a map";
     EXPECT_EQ(map.size(), QSize(300, 200));
+    map.loadNow(written("chosen.bmp", "no picture"));
+    EXPECT_EQ(map.size(), QSize(300, 200)) << "a bad choice of the user";
+    map.loadNow(written("foreign.bmp", "no picture"), QStringLiteral("/other/site.mv"));
+    EXPECT_EQ(map.size(), QSize(0, 0)) << "another site's map is not this one's";
+    saved("floor.bmp", pattern(300, 200));
+    map.loadNow(path);
+    ASSERT_EQ(map.size(), QSize(300, 200));
     map.loadNow(QStringLiteral("/nowhere/other.bmp"));
-    EXPECT_EQ(map.size(), QSize(0, 0)) << "another floor's map is not this floor's";
+    EXPECT_EQ(map.size(), QSize(0, 0)) << "a map that is not there";
 }
 
 /// A BMP file header for a picture of this size, with no pixels behind it.
