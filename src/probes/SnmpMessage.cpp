@@ -1,6 +1,7 @@
 #include "probes/SnmpMessage.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
@@ -220,45 +221,49 @@ void readBindings(Reader& reader, SnmpMessage& message) {
     }
 }
 
-/// Grows from its end towards its front, as the library builds.
-struct BackwardBuffer {
-    std::uint8_t* bytes = nullptr;
-    std::size_t size = 0;
-    std::size_t used = 0;
-
-    BackwardBuffer() = default;
+/// Written from its end towards its front, as the library builds: what stands last in the message comes
+/// first. Every function is false when memory runs out.
+class BackwardBuffer {
+public:
+    BackwardBuffer() : bytes_(static_cast<std::uint8_t*>(std::malloc(usualSize))) {
+        size_ = bytes_ != nullptr ? usualSize : 0;
+    }
+    ~BackwardBuffer() { std::free(bytes_); }
     BackwardBuffer(const BackwardBuffer&) = delete;
     BackwardBuffer& operator=(const BackwardBuffer&) = delete;
-    ~BackwardBuffer() { std::free(bytes); }
 
-    SnmpBytes content() const { return {bytes + size - used, bytes + size}; }
-};
-
-/// The library's record of a request, on memory of our own.
-class LibraryPdu {
-public:
-    explicit LibraryPdu(const SnmpMessage& message)
-        : names_(message.bindings.size()), variables_(message.bindings.size()) {
-        pdu_.command = message.type;
-        pdu_.reqid = message.requestId;
-        pdu_.errstat = message.errorStatus;
-        pdu_.errindex = message.errorIndex;
-        for (std::size_t i = 0; i < variables_.size(); ++i) {
-            names_[i].assign(message.bindings[i].name.begin(), message.bindings[i].name.end());
-            variables_[i].name = names_[i].data();
-            variables_[i].name_length = names_[i].size();
-            variables_[i].type = ASN_NULL;
-            variables_[i].next_variable = i + 1 < variables_.size() ? &variables_[i + 1] : nullptr;
-        }
-        pdu_.variables = variables_.empty() ? nullptr : variables_.data();
+    bool integer(long value) {
+        return asn_realloc_rbuild_int(&bytes_, &size_, &used_, 1, ASN_INTEGER, &value, sizeof value) != 0;
+    }
+    bool octets(const std::string& text) {
+        return asn_realloc_rbuild_string(&bytes_, &size_, &used_, 1, ASN_OCTET_STR,
+                                         reinterpret_cast<const std::uint8_t*>(text.data()),
+                                         text.size()) != 0;
+    }
+    bool nullOf(const SnmpOid& name) {
+        std::array<oid, MAX_OID_LEN> parts{};
+        std::copy(name.begin(), name.end(), parts.begin());
+        const std::size_t end = used_;
+        return asn_realloc_rbuild_null(&bytes_, &size_, &used_, 1, ASN_NULL) != 0 &&
+               asn_realloc_rbuild_objid(&bytes_, &size_, &used_, 1, ASN_OBJECT_ID, parts.data(),
+                                        name.size()) != 0 &&
+               around(sequenceTag, end);
     }
 
-    netsnmp_pdu* get() { return &pdu_; }
+    /// The header for what was written since `end` was used().
+    bool around(std::uint8_t tag, std::size_t end) {
+        return asn_realloc_rbuild_sequence(&bytes_, &size_, &used_, 1, tag, used_ - end) != 0;
+    }
+
+    std::size_t used() const { return used_; }
+    SnmpBytes content() const { return {bytes_ + size_ - used_, bytes_ + size_}; }
 
 private:
-    std::vector<std::vector<oid>> names_;
-    std::vector<netsnmp_variable_list> variables_;
-    netsnmp_pdu pdu_{};
+    static constexpr std::size_t usualSize = 256;
+
+    std::uint8_t* bytes_; ///< the library's to move
+    std::size_t size_ = 0;
+    std::size_t used_ = 0;
 };
 
 bool encodable(const SnmpMessage& message) {
@@ -274,17 +279,17 @@ std::optional<SnmpBytes> encodeSnmpMessage(const SnmpMessage& message) {
     if (!encodable(message)) {
         return std::nullopt;
     }
-    LibraryPdu pdu(message);
     BackwardBuffer out;
-    const auto* community = reinterpret_cast<const std::uint8_t*>(message.community.data());
-    const long version = snmpMessageVersion;
     const auto turn = libraryTurn();
-    if (snmp_pdu_realloc_rbuild(&out.bytes, &out.size, &out.used, pdu.get()) == 0 ||
-        asn_realloc_rbuild_string(&out.bytes, &out.size, &out.used, 1, ASN_OCTET_STR, community,
-                                  message.community.size()) == 0 ||
-        asn_realloc_rbuild_int(&out.bytes, &out.size, &out.used, 1, ASN_INTEGER, &version, sizeof version) ==
-            0 ||
-        asn_realloc_rbuild_sequence(&out.bytes, &out.size, &out.used, 1, sequenceTag, out.used) == 0) {
+    bool built = true;
+    for (auto binding = message.bindings.rbegin(); binding != message.bindings.rend() && built; ++binding) {
+        built = out.nullOf(binding->name);
+    }
+    built = built && out.around(sequenceTag, 0) && out.integer(message.errorIndex) &&
+            out.integer(message.errorStatus) && out.integer(message.requestId) &&
+            out.around(static_cast<std::uint8_t>(message.type), 0) && out.octets(message.community) &&
+            out.integer(snmpMessageVersion) && out.around(sequenceTag, 0);
+    if (!built) {
         return std::nullopt;
     }
     return out.content();
