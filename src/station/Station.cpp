@@ -3,6 +3,7 @@
 #include "livestat/WorkerPool.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace mirovane {
 
@@ -116,9 +117,16 @@ std::optional<FileError> CStation::saveDatafile() {
 }
 
 std::optional<FileError> CStation::saveDatafileAs(const std::string& path) {
+    // The file that is left must not go on naming this station as the one that runs Live Stat on it.
+    const bool leaving = liveStat_->enabled() && !doc_->path().empty() &&
+                         std::filesystem::absolute(path).string() != doc_->path();
+    if (leaving)
+        liveStat_->disableNow();
     auto error = doc_->saveAs(path);
     if (!error)
         doc_->setPendingChanges(false);
+    if (leaving)
+        liveStat_->toggle();
     return error;
 }
 
@@ -183,7 +191,7 @@ std::optional<FileError> CStation::shutDown() {
     if (doc_->pendingChanges())
         saveDatafile();
     stopTimers();
-    const auto error = lastSaveError_;
+    auto error = lastSaveError_;
     if (error) { // the user may decide to stay: then the datafile must be watched as before
         shutDown_ = false;
         startTimers(firstReminderPeriod);

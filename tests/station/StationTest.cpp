@@ -176,6 +176,22 @@ TEST_F(StationTest, LeavingADatafileReleasesItAndAFailedOpenLeavesNothing) {
     EXPECT_EQ(b.owner().State, 0);
 }
 
+TEST_F(StationTest, SaveAsTakesLiveStatAlongAndReleasesTheFileThatIsLeft) {
+    open(a);
+    a.station->toggleLiveStat();
+    pass(4000);
+    EXPECT_FALSE(a.station->saveDatafileAs(folder.file("copy.mv")));
+    EXPECT_TRUE(a.liveStat().enabled());
+    EXPECT_EQ(a.owner().Name, "A-HOST");
+    open(b); // the file that was left
+    EXPECT_EQ(b.owner().State, 0);
+    EXPECT_EQ(b.owner().Name, "");
+
+    EXPECT_TRUE(a.station->saveDatafileAs(folder.file("nowhere/copy.mv")));
+    EXPECT_TRUE(a.liveStat().enabled());
+    EXPECT_EQ(a.doc().path(), folder.file("copy.mv"));
+}
+
 TEST_F(StationTest, DeletingAndUpdatingWaitForTheJobsAndSave) {
     open(a);
     a.station->toggleLiveStat();

@@ -11,8 +11,8 @@ namespace {
 constexpr qsizetype largestCopyPixels = 32 << 20;
 constexpr int smallestCopySide = 256;
 
-/// Averages squares of `by` x `by` pixels. Reads the bitmap in bands, so that a one-bit drawing of 20,000 x
-/// 20,000 pixels never stands in memory with 32 bits a pixel.
+/// Averages squares of `by` x `by` pixels. Reads the bitmap in bands, so that a large one-bit drawing never
+/// stands in memory with 32 bits a pixel.
 QImage reduced(const QImage& bitmap, int by) {
     const QSize size(bitmap.width() / by, bitmap.height() / by);
     QImage result(size, QImage::Format_RGB32);
