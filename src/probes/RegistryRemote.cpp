@@ -16,6 +16,8 @@ namespace mirovane {
 
 namespace {
 
+constexpr const char* nobodyAsked = "no registry of another computer is read: ";
+
 /// Names and addresses of computers; anything else is not even tried.
 bool mayBeHost(const std::string& host) {
     constexpr std::size_t longestHostName = 255;
@@ -87,7 +89,6 @@ RegistryRemote::RegistryRemote(RegistryRemoteOptions options, std::stop_token st
       stop_(std::move(stop)),
       deadline_(std::chrono::steady_clock::now() + options_.deadline),
       ticket_(!exists(options_.credentialsFile)) {
-    constexpr const char* nobodyAsked = "no registry of another computer is read: ";
     if (ticket_ && !mayHoldTicket(ticketCache())) {
         const std::string missing = "there is neither a credentials file (" + options_.credentialsFile +
                                     ") nor a Kerberos ticket (" + ticketCache() + ")";
@@ -240,10 +241,11 @@ RegistryStatus RegistryRemote::processFailure(const ProcessResult& result) {
     unreachable_ = RegistryStatus::NetPathNotFound;
     switch (result.end) {
     case ProcessEnd::NotStarted:
-        trouble_.last = options_.program + " cannot be run: " + std::strerror(result.error);
-        if (result.error == ENOENT || result.error == EACCES)
-            trouble_.setUp = "no registry of another computer is read: Samba's " + trouble_.last +
-                             "; install samba-common-bin";
+        trouble_.last = "Samba's " + options_.program + " cannot be run: " + std::strerror(result.error);
+        if (result.error == ENOENT || result.error == EACCES) {
+            trouble_.last += "; install samba-common-bin";
+            trouble_.setUp = nobodyAsked + trouble_.last;
+        }
         break;
     case ProcessEnd::TimedOut:
         trouble_.last = "no answer in time";

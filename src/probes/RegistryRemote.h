@@ -47,6 +47,10 @@ public:
 
     const RegistryTrouble& trouble() const { return trouble_; }
 
+    /// The computer does not answer, no longer answers or was not asked to the end: what was not found may
+    /// be there.
+    bool unreachable() const { return unreachable_.has_value(); }
+
     RegistryStatus RegConnectRegistryA(const std::string& machineName, RegistryRoot root,
                                        RegistryHandle& key) override;
     RegistryStatus RegOpenKeyExA(RegistryHandle parent, const std::string& subKey, std::uint32_t access,

@@ -41,9 +41,11 @@ std::optional<std::string> SystemRegistryProbes::ReadRegistryValue(const std::st
 
 LoggedOnUser SystemRegistryProbes::LookUpLoggedOnUser(const std::string& host, std::stop_token stop) {
     LoggedOnUser user;
-    withRegistryOf(host, std::move(stop),
-                   [&](Registry& registry) { user = mirovane::LookUpLoggedOnUser(registry, host); });
-    return user;
+    const bool answered = withRegistryOf(host, std::move(stop), [&](Registry& registry) {
+        user = mirovane::LookUpLoggedOnUser(registry, host);
+    });
+    // A look-up that broke off before it found somebody does not tell that nobody is logged on.
+    return answered || !user.name.empty() ? user : LoggedOnUser();
 }
 
 std::string SystemRegistryProbes::GetDefaultUserName(const std::string& computerName, std::stop_token stop) {
@@ -53,18 +55,19 @@ std::string SystemRegistryProbes::GetDefaultUserName(const std::string& computer
     return name;
 }
 
-void SystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_token stop,
+bool SystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_token stop,
                                           const std::function<void(Registry&)>& lookUp) {
     if (sameRegistryName(host, "\\\\" + station_.computerName)) {
         RegistryInMemory registry;
         fillRegistryOfThisComputer(registry, station_);
         lookUp(registry);
         note({});
-        return;
+        return true;
     }
     RegistryRemote registry(options_, std::move(stop));
     lookUp(registry);
     note(registry.trouble());
+    return !registry.unreachable();
 }
 
 void SystemRegistryProbes::note(const RegistryTrouble& trouble) {

@@ -32,7 +32,8 @@ public:
     std::string lastTrouble() const;
 
 private:
-    void withRegistryOf(const std::string& host, std::stop_token stop,
+    /// False when the computer did not answer to the end.
+    bool withRegistryOf(const std::string& host, std::stop_token stop,
                         const std::function<void(Registry&)>& lookUp);
     void note(const RegistryTrouble& trouble);
 

@@ -111,6 +111,10 @@ TEST_F(RegistryServerTest, ValuesOfEveryType) {
              {"", "the default"},
          })
         EXPECT_EQ(asking.read(path + name), text) << name << ": " << asking.probes().lastTrouble();
+    ASSERT_TRUE(server_.setText("HKEY_USERS", "Of the root", "yes"));
+    EXPECT_EQ(asking.read("HKEY_USERS\\Of the root"), "yes") << "no key between the root and the value";
+    ASSERT_TRUE(server_.import("[HKEY_CLASSES_ROOT\\.txt]\n\"PerceivedType\"=\"text\"\n\n"));
+    EXPECT_EQ(asking.read(R"(hkey_classes_root\.txt\PerceivedType)"), "text");
     EXPECT_EQ(asking.read(path + "Too long"), std::nullopt);
     EXPECT_EQ(asking.read(path + "None"), std::nullopt);
     EXPECT_EQ(asking.read(path + "None\\Version"), std::nullopt);
@@ -215,6 +219,7 @@ TEST(RegistryRemoteTest, WhatIsMissingHereIsSaidOnce) {
     const auto troubles = asking.probes().takeTroubles();
     ASSERT_EQ(troubles.size(), 1U);
     EXPECT_THAT(troubles[0], HasSubstr("install samba-common-bin"));
+    EXPECT_THAT(asking.probes().lastTrouble(), HasSubstr("install samba-common-bin"));
     EXPECT_FALSE(asking.user().reached);
     EXPECT_TRUE(asking.probes().takeTroubles().empty());
 }
@@ -233,6 +238,28 @@ TEST(RegistryRemoteTest, CredentialsThatOthersCanReadAreNotUsed) {
         << "before any process";
     chmod(file.c_str(), 0600);
     EXPECT_EQ(credentialsTrouble(file), std::nullopt);
+}
+
+TEST(RegistryRemoteTest, ALookUpThatBreaksOffDoesNotTellThatNobodyIsThere) {
+    const test::TestFolder folder;
+    const std::string program = folder.file("net");
+    const auto answersReads = [&](const std::string& command) {
+        test::writeBytes(program,
+                         "#!/bin/sh\ncase \"$*\" in\n*enumerate*) printf 'Keyname   = " + std::string(anna) +
+                             "\\nModtime   = now\\n\\n' ;;\n*) " + command + " ;;\nesac\n");
+        chmod(program.c_str(), 0700);
+        SystemRegistryProbes probes({program, credentialsIn(folder), 4450, seconds(60)}, {"here", "carla"});
+        return probes.LookUpLoggedOnUser(R"(\\127.0.0.1)", {});
+    };
+    const std::string noKey = "echo 'registry_openkey failed: WERR_FILE_NOT_FOUND' >&2; exit 255";
+    EXPECT_EQ(answersReads(noKey), (LoggedOnUser{"", 0, true}));
+    const std::string gone = "echo 'Connection failed: NT_STATUS_CONNECTION_RESET' >&2; exit 255";
+    EXPECT_EQ(answersReads("case \"$*\" in *Volatile*) " + gone + " ;; *) " + noKey + " ;; esac"),
+              (LoggedOnUser{"", 0, true}))
+        << "an old computer is not asked for it";
+    const std::string version = "printf 'Type       = REG_SZ\\nValue      = \"6.1\"\\n'";
+    EXPECT_EQ(answersReads("case \"$*\" in *Volatile*) " + gone + " ;; *) " + version + " ;; esac"),
+              (LoggedOnUser{"", 0, false}));
 }
 
 TEST(RegistryRemoteTest, TextsOfTheUserAreNeverOptions) {
