@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QFile>
 
+#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -68,6 +69,7 @@ int runWindow(const CommandLine& line) {
 
 int main(int argc, char** argv) {
     fillStandardDescriptors();
+    std::signal(SIGCHLD, SIG_DFL); // a parent's "ignore" would hide how our own children end
     if (const auto status = runWithoutWindow(argumentList(argc, argv)))
         return *status;
     const auto application = makeApplication(argc, argv);

@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
     mirovane::fillStandardDescriptors();
     takeLocale();
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is a failed write, not a death with work in hand
+    std::signal(SIGCHLD, SIG_DFL); // a parent's "ignore" would hide how our own children end
     const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
     mirovane::Output out(stdout, stderr);
     return mirovane::runCli(words, out);

@@ -63,6 +63,19 @@ TEST(RegistryCommand, thisComputerAnswersItself) {
     EXPECT_THAT(hive.err, HasSubstr("its hive is none of HKEY_LOCAL_MACHINE"));
 }
 
+TEST(RegistryCommand, aParentThatIgnoredItsChildrenDoesNotHideWhatWasRead) {
+    const CliFolder folder;
+    writeBytes(folder.path("net"), "#!/bin/sh\nprintf 'Type       = REG_SZ\\nValue      = \"1.2\"\\n'\n");
+    chmod(folder.path("net").c_str(), 0700);
+    const std::string credentials = privateFile(folder.path("credentials"), "username = a\n");
+    const CliResult value = cli(
+        {"registry", R"(\\127.0.0.1\HKEY_LOCAL_MACHINE\Key\Value)", "--credentials", credentials}, [&folder] {
+            setenv("PATH", (folder.path("") + ":" + getenv("PATH")).c_str(), 1);
+            std::signal(SIGCHLD, SIG_IGN);
+        });
+    EXPECT_EQ(value.out, "1.2\n") << value.err;
+}
+
 TEST(RegistryCommand, optionsThatDoNotServe) {
     const CliFolder folder;
     writeBytes(folder.path("open"), "username = root\n");
