@@ -63,14 +63,8 @@ void printListJson(Output& out, const std::vector<const CHardware*>& rows) {
     printer.end();
 }
 
-struct ListRequest {
-    ListFilter filter;
-    ListColumn column = ListColumn::Modified;
-    bool greatestFirst = false;
-};
-
-Result<ListRequest, UsageError> listRequest(const Arguments& arguments) {
-    ListRequest request;
+Result<ListViewState, UsageError> listRequest(const Arguments& arguments) {
+    ListViewState request;
     const bool both = arguments.has("--floor") == arguments.has("--misc");
     request.filter.floor = both || arguments.has("--floor");
     request.filter.discovered = both || arguments.has("--misc");

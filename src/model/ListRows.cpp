@@ -1,6 +1,7 @@
 #include "model/ListRows.h"
 
 #include "model/Dates.h"
+#include "model/Document.h"
 #include "model/Text.h"
 
 #include <algorithm>
@@ -155,6 +156,16 @@ void sortListRows(std::vector<const CHardware*>& rows, ListColumn column, bool g
             return upperCase(listCellText(row, column));
         });
     }
+}
+
+std::vector<const CHardware*> listViewRows(const CMirovaneDoc& document, const ListViewState& state) {
+    std::vector<const CHardware*> rows;
+    for (std::size_t i = 0; i < document.size(); ++i) {
+        if (state.filter.shows(document.at(i)))
+            rows.push_back(&document.at(i));
+    }
+    sortListRows(rows, state.column, state.greatestFirst);
+    return rows;
 }
 
 } // namespace mirovane

@@ -11,6 +11,8 @@
 
 namespace mirovane {
 
+class CMirovaneDoc;
+
 /// The columns of the List View, in their order.
 enum class ListColumn {
     ID,
@@ -57,8 +59,19 @@ struct ListFilter {
     bool shows(const CHardware& record) const;
 };
 
+/// What the List View shows and in which order. One per station: the window changes it, the automatic export
+/// writes the rows that it describes, also where no window is open.
+struct ListViewState {
+    ListFilter filter;
+    ListColumn column = ListColumn::Modified;
+    bool greatestFirst = false;
+};
+
 /// Sorts rows that stand in list order; rows with equal keys keep that order in both directions. Every key is
 /// made once, so 65,000 rows take tens of milliseconds even by a text column.
 void sortListRows(std::vector<const CHardware*>& rows, ListColumn column, bool greatestFirst);
+
+/// The rows of the List View from top to bottom. The pointers live as long as records of the document do.
+std::vector<const CHardware*> listViewRows(const CMirovaneDoc& document, const ListViewState& state);
 
 } // namespace mirovane

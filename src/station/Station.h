@@ -3,6 +3,7 @@
 #include "livestat/Scheduler.h"
 #include "livestat/Workers.h"
 #include "model/Document.h"
+#include "model/ListRows.h"
 #include "model/MessageLog.h"
 #include "model/Settings.h"
 #include "platform/Clock.h"
@@ -67,6 +68,10 @@ public:
     const CReminderCheck& reminders() const { return *reminders_; }
     CMessageLog& log() { return services_.log; }
     CSettings& settings() { return services_.settings; }
+
+    /// What the List View shows, and what the automatic export writes.
+    ListViewState& listView() { return listView_; }
+    const ListViewState& listView() const { return listView_; }
 
     /// Leaves the datafile (see openDatafile), empties the document and fills it anew.
     void newDatafile();
@@ -165,6 +170,7 @@ private:
 
     StationServices services_;
     LiveStatSettings liveStatSettings_;
+    ListViewState listView_;
     std::unique_ptr<CMirovaneDoc> doc_;
     std::unique_ptr<CReminderCheck> reminders_;
     std::unique_ptr<Workers> ownWorkers_;
