@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdio>
 #include <ctime>
+#include <limits>
+#include <utility>
 
 namespace mirovane {
 
@@ -42,6 +44,62 @@ Calendar calendarOf(double value) {
 std::string inLocaleForm(const std::tm& time) {
     std::array<char, 256> text{};
     return {text.data(), std::strftime(text.data(), text.size(), "%c", &time)};
+}
+
+std::tm brokenDown(const Calendar& calendar) {
+    std::tm time{};
+    time.tm_year = static_cast<int>(calendar.date.year()) - 1900;
+    time.tm_mon = static_cast<int>(static_cast<unsigned>(calendar.date.month())) - 1;
+    time.tm_mday = static_cast<int>(static_cast<unsigned>(calendar.date.day()));
+    time.tm_hour = static_cast<int>(calendar.time.hours().count());
+    time.tm_min = static_cast<int>(calendar.time.minutes().count());
+    time.tm_sec = static_cast<int>(calendar.time.seconds().count());
+    time.tm_wday = static_cast<int>(std::chrono::weekday{calendar.day}.c_encoding());
+    time.tm_yday = static_cast<int>((calendar.day - sys_days{calendar.date.year() / 1 / 1}).count());
+    time.tm_isdst = -1;
+    return time;
+}
+
+/// `timeOfDay` in seconds. Nothing before the year 100.
+std::optional<DateTime> dateTimeOf(sys_days date, int timeOfDay) {
+    const double day = static_cast<double>((date - epoch).count());
+    const double fraction = timeOfDay / secondsPerDay;
+    if (day < firstDay)
+        return std::nullopt;
+    return DateTime{DateTime::valid, day < 0 ? day - fraction : day + fraction};
+}
+
+/// Reads what strftime wrote with the same format; the whole text must be used up.
+bool readWith(const std::string& text, const char* format, std::tm& time) {
+    time = {};
+    const char* end = strptime(text.c_str(), format, &time);
+    return end && static_cast<std::size_t>(end - text.c_str()) == text.size();
+}
+
+/// Date and seconds since midnight.
+std::optional<std::pair<sys_days, int>> fromLocaleForm(std::string_view text) {
+    const std::string whole(text);
+    std::tm time{};
+    if (!readWith(whole, "%c", time) && !readWith(whole, "%a %b %e %H:%M:%S %Y", time))
+        return std::nullopt;
+    const year_month_day date{year{time.tm_year + 1900},
+                              std::chrono::month(static_cast<unsigned>(time.tm_mon) + 1),
+                              std::chrono::day(static_cast<unsigned>(time.tm_mday))};
+    if (!date.ok() || time.tm_sec > 59)
+        return std::nullopt;
+    return std::pair(sys_days{date}, (time.tm_hour * 60 + time.tm_min) * 60 + time.tm_sec);
+}
+
+/// `summerTime` as in tm_isdst. Nothing for what a stamp cannot hold.
+std::optional<TimeStamp> stampOf(const Calendar& calendar, int summerTime) {
+    std::tm time = brokenDown(calendar);
+    time.tm_isdst = summerTime;
+    time.tm_wday = -1; // mktime sets it, unless it fails
+    const std::time_t stamp = std::mktime(&time);
+    if (time.tm_wday == -1 || stamp < std::numeric_limits<TimeStamp>::min() ||
+        stamp > std::numeric_limits<TimeStamp>::max())
+        return std::nullopt;
+    return static_cast<TimeStamp>(stamp);
 }
 
 /// Takes exactly `digits` digits off the front.
@@ -114,18 +172,7 @@ bool isCalendarDate(const DateTime& dateTime) {
 std::string dateTimeText(const DateTime& dateTime) {
     if (!isCalendarDate(dateTime))
         return {};
-    const Calendar calendar = calendarOf(dateTime.value);
-    std::tm time{};
-    time.tm_year = static_cast<int>(calendar.date.year()) - 1900;
-    time.tm_mon = static_cast<int>(static_cast<unsigned>(calendar.date.month())) - 1;
-    time.tm_mday = static_cast<int>(static_cast<unsigned>(calendar.date.day()));
-    time.tm_hour = static_cast<int>(calendar.time.hours().count());
-    time.tm_min = static_cast<int>(calendar.time.minutes().count());
-    time.tm_sec = static_cast<int>(calendar.time.seconds().count());
-    time.tm_wday = static_cast<int>(std::chrono::weekday{calendar.day}.c_encoding());
-    time.tm_yday = static_cast<int>((calendar.day - sys_days{calendar.date.year() / 1 / 1}).count());
-    time.tm_isdst = -1;
-    return inLocaleForm(time);
+    return inLocaleForm(brokenDown(calendarOf(dateTime.value)));
 }
 
 std::string isoDateTimeText(const DateTime& dateTime) {
@@ -151,12 +198,31 @@ std::optional<DateTime> dateTimeFromIso(std::string_view text) {
     const auto timeOfDay = takeTimeOfDay(text);
     if (!timeOfDay || !text.empty())
         return std::nullopt;
-    const double day = static_cast<double>((*date - epoch).count());
-    const double fraction = *timeOfDay / secondsPerDay;
-    const DateTime dateTime{DateTime::valid, day < 0 ? day - fraction : day + fraction};
-    if (day < firstDay)
+    return dateTimeOf(*date, *timeOfDay);
+}
+
+std::optional<DateTime> dateTimeFromText(std::string_view text) {
+    const auto time = fromLocaleForm(text);
+    if (!time)
+        return dateTimeFromIso(text);
+    const auto [date, timeOfDay] = *time;
+    return dateTimeOf(date, timeOfDay);
+}
+
+std::optional<TimeStamp> stampFromText(std::string_view text) {
+    const auto local = dateTimeFromText(text);
+    if (!local)
         return std::nullopt;
-    return dateTime;
+    const Calendar calendar = calendarOf(local->value);
+    std::optional<TimeStamp> found;
+    for (const int summerTime : {1, 0, -1}) {
+        const auto stamp = stampOf(calendar, summerTime);
+        if (stamp && stampText(*stamp) == text)
+            return stamp;
+        if (stamp && isoDateTimeText(localDateTime(*stamp)) == isoDateTimeText(*local) && !found)
+            found = stamp;
+    }
+    return found ? found : stampOf(calendar, -1);
 }
 
 DateTime localDateTime(TimeStamp stamp) {

@@ -22,6 +22,12 @@ std::string isoDateTimeText(const DateTime& dateTime);
 /// 30 February or 24:00.
 std::optional<DateTime> dateTimeFromIso(std::string_view text);
 
+/// stampText() and dateTimeText() the other way: in the locale's form, in that of the C locale, or as for
+/// dateTimeFromIso(). Nothing for anything else. A local time that a clock change repeats is taken for the
+/// one whose text is the same, else for the earlier.
+std::optional<TimeStamp> stampFromText(std::string_view text);
+std::optional<DateTime> dateTimeFromText(std::string_view text);
+
 /// True when status and value name a moment that a calendar knows.
 bool isCalendarDate(const DateTime& dateTime);
 
