@@ -176,6 +176,10 @@ public:
     /// "Auto export on changes", as this user set it for this datafile; read when it is opened.
     bool exportAuto() const { return exportAuto_; }
 
+    /// Devices that discovery added since the datafile was opened.
+    std::size_t discovered() const { return discovered_; }
+    void countDiscovered() { ++discovered_; }
+
     DisplaySettings& display() { return display_; }
     const DisplaySettings& display() const { return display_; }
     CSettings& settings() { return settings_; }
@@ -230,6 +234,7 @@ private:
     bool upgradePending_ = false;
     bool loading_ = false;
     bool exportAuto_ = false;
+    std::size_t discovered_ = 0;
     bool mustReload_ = false; ///< a reload failed: what is in memory must not go over the file
 
     std::vector<DocumentObserver*> observers_;

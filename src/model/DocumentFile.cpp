@@ -70,6 +70,7 @@ void CMirovaneDoc::newDatafile() {
     fileVersion_ = Datafile::currentVersion;
     saveNote_.clear();
     loading_ = pendingChanges_ = upgradePending_ = mustReload_ = exportAuto_ = false;
+    discovered_ = 0;
     fillNewDatafile();
     creationTime_ = findSpecial(SpecialType::VersionRecord)->Modified;
     modified_ = false;
@@ -131,6 +132,7 @@ std::optional<Datafile::Error> CMirovaneDoc::open(const std::string& path) {
         return error;
     saveNote_.clear();
     loading_ = pendingChanges_ = upgradePending_ = false;
+    discovered_ = 0;
     runPostLoadPass();
     tellReplaced();
     return std::nullopt;
