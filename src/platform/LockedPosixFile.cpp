@@ -6,6 +6,7 @@
 #include "platform/SafeReplace.h"
 
 #include <cerrno>
+#include <fcntl.h>
 #include <utility>
 
 namespace mirovane {
@@ -40,6 +41,8 @@ Result<FileIdentity, FileError> LockedPosixFile::replace(std::string_view conten
     std::optional<OpenFile> made = replacement.run(content);
     if (!made && file_ && replacement.folderRefused())
         return writeInPlace(content);
+    if (!made && replacement.folderRefused())
+        made = createDirectly(content);
     if (!made)
         return replacement.error();
     file_ = std::move(*made);
@@ -48,6 +51,19 @@ Result<FileIdentity, FileError> LockedPosixFile::replace(std::string_view conten
     if (!flushFolder(calls_, folderOf(target_)))
         return fileError("cannot write", path_, errno);
     return identity();
+}
+
+/// A share that knows neither a link nor a rename that spares what is there can still make a new file under
+/// its own name. Nothing is lost when that breaks off: there was no file before.
+std::optional<OpenFile> LockedPosixFile::createDirectly(std::string_view content) {
+    OpenFile file(calls_, calls_.openFile(target_, O_RDWR | O_CREAT | O_EXCL, 0666));
+    if (!file)
+        return std::nullopt;
+    if (writeWhole(calls_, file.fd(), content) && calls_.flush(file.fd()) == 0)
+        return file;
+    file = OpenFile();
+    calls_.remove(target_);
+    return std::nullopt;
 }
 
 Result<FileIdentity, FileError> LockedPosixFile::writeInPlace(std::string_view content) {

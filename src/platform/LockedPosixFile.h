@@ -4,7 +4,9 @@
 #include "platform/Files.h"
 #include "platform/OpenFile.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace mirovane {
 
@@ -22,6 +24,7 @@ public:
     Result<FileIdentity, FileError> replace(std::string_view content) override;
 
 private:
+    std::optional<OpenFile> createDirectly(std::string_view content);
     Result<FileIdentity, FileError> writeInPlace(std::string_view content);
 
     FileCalls& calls_;

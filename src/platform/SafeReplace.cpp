@@ -45,6 +45,7 @@ std::optional<OpenFile> SafeReplace::run(std::string_view content) {
         calls_.flush(file->fd()) != 0 || !putInPlace()) {
         if (error_.sentence.empty())
             failed(errno);
+        file.reset(); // as in removeLeftover
         calls_.remove(temporary_);
         return std::nullopt;
     }
@@ -76,7 +77,7 @@ std::optional<OpenFile> SafeReplace::makeTemporary() {
 
 /// True when the temporary name may be free now.
 bool SafeReplace::removeLeftover() {
-    const OpenFile file(calls_, calls_.openFile(temporary_, O_RDWR, 0));
+    OpenFile file(calls_, calls_.openFile(temporary_, O_RDWR, 0));
     if (!file)
         return errno == ENOENT;
     struct stat opened = {};
@@ -89,6 +90,9 @@ bool SafeReplace::removeLeftover() {
         return true;
     if (!locked && std::time(nullptr) - opened.st_mtime < leftoverAge)
         return false;
+    if (calls_.remove(temporary_) == 0)
+        return true;
+    file.close(); // some shares do not remove a file that is open
     return calls_.remove(temporary_) == 0;
 }
 

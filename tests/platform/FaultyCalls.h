@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -30,6 +31,10 @@ public:
 
     /// No new file and no new name in this folder.
     void refuseFolder(const std::string& folder) { refused_ = folder; }
+
+    /// This folder is a mounted SMB share: no links, and what is open is neither renamed, replaced nor
+    /// removed.
+    void behaveAsShare(const std::string& folder) { share_ = folder; }
 
     /// Runs each time somebody waits for a lock.
     std::function<void()> onPause;
@@ -73,12 +78,18 @@ public:
         return fails("access list") ? -1 : FileCalls::copyAccessList(from, to);
     }
     int rename(const std::string& from, const std::string& to) override {
-        return fails("rename") || refuses(to) ? -1 : FileCalls::rename(from, to);
+        return fails("rename") || refuses(to) || busy(from) || busy(to) ? -1 : FileCalls::rename(from, to);
     }
     int renameToNew(const std::string& from, const std::string& to) override {
+        if (onShare(to)) {
+            errno = EPERM;
+            return -1;
+        }
         return fails("rename") || refuses(to) ? -1 : FileCalls::renameToNew(from, to);
     }
-    int remove(const std::string& path) override { return fails("remove") ? -1 : FileCalls::remove(path); }
+    int remove(const std::string& path) override {
+        return fails("remove") || busy(path) ? -1 : FileCalls::remove(path);
+    }
     int tryLock(int fd, bool exclusive) override {
         return fails("lock") ? -1 : FileCalls::tryLock(fd, exclusive);
     }
@@ -102,6 +113,19 @@ private:
         errno = code_;
         return true;
     }
+    bool onShare(const std::string& path) const { return !share_.empty() && path.starts_with(share_ + "/"); }
+    bool busy(const std::string& path) const {
+        if (!onShare(path))
+            return false;
+        for (const auto& open : std::filesystem::directory_iterator("/proc/self/fd")) {
+            std::error_code ignored;
+            if (std::filesystem::read_symlink(open, ignored) == path) {
+                errno = EBUSY;
+                return true;
+            }
+        }
+        return false;
+    }
     bool refuses(const std::string& path) const {
         if (refused_.empty() || path.rfind(refused_ + "/", 0) != 0)
             return false;
@@ -111,6 +135,7 @@ private:
 
     std::size_t failAt_ = never;
     int code_ = 0;
+    std::string share_;
     std::string refused_;
     std::vector<std::string> trace_;
     std::chrono::steady_clock::time_point now_{};

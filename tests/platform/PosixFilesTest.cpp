@@ -317,6 +317,17 @@ TEST_F(PosixFilesTest, LeftoverOfAKilledSaverGoesAndALivingOneStays) {
     living.closeFile(fd);
 }
 
+TEST_F(PosixFilesTest, ShareThatRenamesNothingOpenTakesTheContent) {
+    calls.behaveAsShare(folder.path());
+    ASSERT_FALSE(save(files, path, before)); // a new file
+    EXPECT_EQ(readBytes(path), before);
+    writeBytes(folder.file(".floor.mv.saving"), "left by a killed saver");
+    const auto error = save(files, path, after);
+    ASSERT_FALSE(error) << error->sentence;
+    EXPECT_EQ(readBytes(path), after);
+    EXPECT_EQ(filesIn(folder.path()), 1U);
+}
+
 TEST_F(PosixFilesTest, OddPathsAreErrorsWithASentence) {
     fs::create_directory(folder.file("folder.mv"));
     ASSERT_EQ(mkfifo(folder.file("pipe.mv").c_str(), 0600), 0);
