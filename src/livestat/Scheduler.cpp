@@ -1,6 +1,6 @@
 #include "livestat/Scheduler.h"
 
-#include "livestat/LiveStatOwner.h"
+#include "livestat/FeatureOwner.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -12,9 +12,6 @@ namespace {
 constexpr std::chrono::milliseconds disablePeriod{300};
 constexpr std::chrono::milliseconds waitSlice{10};
 constexpr std::string_view outOfTimers = "System is out of timer resource!";
-
-/// Each try loses against a station that saved in the very moment; three in a row do not happen to people.
-constexpr int claimTries = 3;
 
 /// A settings file edited by hand must not bring the computer down.
 constexpr std::int32_t maxSlots = 10'000;
@@ -77,7 +74,7 @@ void CLiveStatScheduler::enable() {
         host_.failUser(std::string(outOfTimers));
         return;
     }
-    if (!claim()) {
+    if (!FeatureOwner::takeOver(document_, Feature::LiveStat, host_)) {
         if (!wasActive)
             timer_->stop();
         return;
@@ -90,19 +87,6 @@ void CLiveStatScheduler::enable() {
     arm(runPeriod());
     reportEchoTrouble();
     host_.indicatorsChanged();
-}
-
-/// Makes this station the owner, asking where another one is. False when the user says No.
-bool CLiveStatScheduler::claim() {
-    for (int i = 0; i < claimTries; ++i) {
-        if (LiveStatOwner::isElsewhere(document_) &&
-            !host_.askUser(LiveStatOwner::takeOverQuestion(document_)))
-            return false;
-        LiveStatOwner::claim(document_);
-        if (host_.saveDatafile({}) != SaveResult::Reloaded)
-            break; // a save that failed was reported; Live Stat works on what is in memory
-    }
-    return true;
 }
 
 void CLiveStatScheduler::disable() {
@@ -138,7 +122,7 @@ void CLiveStatScheduler::finishDisabling() {
         return;
     }
     freeAllSlots();
-    release();
+    FeatureOwner::giveUp(document_, Feature::LiveStat, host_);
     timer_->stop();
     disabling_ = false;
     document_.log().LogMessage("Live Stat disabled", true);
@@ -146,15 +130,6 @@ void CLiveStatScheduler::finishDisabling() {
         host_.redraw();
     changed_ = false;
     host_.indicatorsChanged();
-}
-
-/// Only what is ours: another station may have taken Live Stat over while the last jobs ended.
-void CLiveStatScheduler::release() {
-    for (int i = 0; i < claimTries && !LiveStatOwner::isElsewhere(document_); ++i) {
-        LiveStatOwner::release(document_);
-        if (host_.saveDatafile({}) != SaveResult::Reloaded)
-            return;
-    }
 }
 
 /// The user left Live Stat to another station: nothing is released, the record names that one.
@@ -187,9 +162,9 @@ void CLiveStatScheduler::afterReload() {
         return;
     if (document_.deviceCount() == 0) {
         disable();
-    } else if (!LiveStatOwner::isHere(document_)) {
+    } else if (!FeatureOwner::isHere(document_, Feature::LiveStat)) {
         // Also when the record names nobody: the other station came and went while this one kept running.
-        if (!claim())
+        if (!FeatureOwner::takeOver(document_, Feature::LiveStat, host_))
             stopHere();
     }
 }

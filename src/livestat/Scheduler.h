@@ -1,6 +1,7 @@
 #pragma once
 
 #include "livestat/DevicePicker.h"
+#include "livestat/FeatureHost.h"
 #include "livestat/JackIndex.h"
 #include "livestat/StepJobs.h"
 #include "model/Document.h"
@@ -16,40 +17,6 @@
 #include <vector>
 
 namespace mirovane {
-
-enum class SaveResult {
-    Saved,
-    Failed,   ///< reported in the log; what is in memory stays
-    Reloaded, ///< another station had saved meanwhile: the file was read again, what was to be saved is gone
-};
-
-/// What the scheduler asks of the station that it runs in. Main thread.
-class LiveStatHost {
-public:
-    virtual ~LiveStatHost() = default;
-
-    virtual bool askUser(const std::string& question) = 0;
-    virtual void failUser(const std::string& text) = 0;
-
-    /// True while a reload, an update or a delete is under way or a question is open: no step is started or
-    /// applied.
-    virtual bool holdsStill() const = 0;
-
-    /// `note` goes between "Saved " and "changes to data file".
-    virtual SaveResult saveDatafile(const std::string& note) = 0;
-
-    /// Records changed that are seen. At most once a run.
-    virtual void redraw() = 0;
-
-    /// Live Stat went on or off, or the status text changed.
-    virtual void indicatorsChanged() = 0;
-
-    /// Tracking is on and this device's check begins: bring it into view.
-    virtual void track(std::int32_t recID) = 0;
-
-    /// Called every few milliseconds while the main thread waits for jobs that were told to stop.
-    virtual void waiting() = 0;
-};
 
 /// Checks the devices one after the other in the background: which device is next, which of its criteria
 /// rows, in which job slot, and when. Main thread only; the steps themselves run on `workers`, which see
@@ -139,9 +106,7 @@ private:
 
     void enable();
     void disable();
-    bool claim();
     void stopHere();
-    void release();
 
     void tick();
     void finishDisabling();

@@ -1,5 +1,5 @@
 #include "livestat/Engine.h"
-#include "livestat/LiveStatOwner.h"
+#include "livestat/FeatureOwner.h"
 #include "livestat/Outcome.h"
 #include "livestat/Scheduler.h"
 
@@ -69,7 +69,7 @@ void CLiveStatScheduler::reportRun() {
 void CLiveStatScheduler::publishChanges() {
     changed_ = false;
     document_.setPendingChanges(true);
-    LiveStatOwner::signOfLife(document_);
+    LiveStatHeartbeat::signOfLife(document_);
     if (nowActive_)
         host_.saveDatafile("Live Stat ");
     host_.redraw();

@@ -1,4 +1,4 @@
-#include "livestat/LiveStatOwner.h"
+#include "livestat/FeatureOwner.h"
 #include "station/Station.h"
 
 #include <vector>
@@ -164,13 +164,13 @@ void CStation::checkReminders() {
 /// Keeps the sign of life fresh while Live Stat runs here, and replaces an owner that has been silent for
 /// hours.
 void CStation::keepOwnerAlive() {
-    const std::int64_t silent = LiveStatOwner::silentHours(*doc_);
+    const std::int64_t silent = LiveStatHeartbeat::silentHours(*doc_);
     if (silent >= takeOverHours && !liveStat_->enabled() && doc_->deviceCount() > 0 && wantsLiveStat()) {
-        LiveStatOwner::signOfLife(*doc_);
+        LiveStatHeartbeat::signOfLife(*doc_);
         doc_->setPendingChanges(true);
         liveStat_->toggle();
     } else if (silent >= heartbeatHours && liveStat_->enabled()) {
-        LiveStatOwner::signOfLife(*doc_);
+        LiveStatHeartbeat::signOfLife(*doc_);
         doc_->setPendingChanges(true);
     }
 }

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "livestat/FeatureHost.h"
+#include "model/Document.h"
+
+#include <string>
+
+namespace mirovane {
+
+/// What only one of the stations on a datafile runs.
+enum class Feature { LiveStat, LiveDiscover };
+
+/// Each of them has a record that tells all stations on the datafile which one runs it: `State` above 0,
+/// `Name` and `Username`. Main thread.
+namespace FeatureOwner {
+
+/// Null in a damaged datafile until somebody claims it.
+const CHardware* record(const CMirovaneDoc& document, Feature feature);
+
+/// On at a station that is not this one.
+bool isElsewhere(const CMirovaneDoc& document, Feature feature);
+
+/// On, and the record names this station.
+bool isHere(const CMirovaneDoc& document, Feature feature);
+
+/// What the user is asked before this station takes it over.
+std::string takeOverQuestion(const CMirovaneDoc& document, Feature feature);
+
+/// Names this station. A datafile that lost its owner record gets one.
+void claim(CMirovaneDoc& document, Feature feature);
+
+/// Nobody runs it any more.
+void release(CMirovaneDoc& document, Feature feature);
+
+/// Makes this station the owner and saves, asking where another one is. False when the user says No. A save
+/// that failed was reported: the feature then works on what is in memory.
+bool takeOver(CMirovaneDoc& document, Feature feature, FeatureHost& host);
+
+/// Releases and saves, unless another station took it over meanwhile: then the record is that one's.
+void giveUp(CMirovaneDoc& document, Feature feature, FeatureHost& host);
+
+} // namespace FeatureOwner
+
+/// `Modified` of Live Stat's owner record is the owner's sign of life. (Live Discover's is the time of its
+/// last discovery.)
+namespace LiveStatHeartbeat {
+
+/// Modified = now.
+void signOfLife(CMirovaneDoc& document);
+
+/// Whole hours since the last sign of life; 0 without an owner record.
+std::int64_t silentHours(const CMirovaneDoc& document);
+
+} // namespace LiveStatHeartbeat
+
+} // namespace mirovane
