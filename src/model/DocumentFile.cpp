@@ -1,5 +1,6 @@
 #include "model/Criteria.h"
 #include "model/Document.h"
+#include "platform/FilePaths.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -27,11 +28,6 @@ std::string absolutePath(const std::string& path) {
 bool existsOnDisk(const std::filesystem::path& path) {
     std::error_code failed;
     return std::filesystem::exists(path, failed);
-}
-
-bool isSameFile(const std::string& a, const std::string& b) {
-    std::error_code failed;
-    return a == b || std::filesystem::equivalent(a, b, failed);
 }
 
 bool looksLikeWindowsPath(std::string_view path) {
@@ -269,7 +265,10 @@ std::optional<FileError> CMirovaneDoc::saveAs(const std::string& path) {
     const std::string target = absolutePath(path);
     if (isSameFile(target, path_))
         return save();
-    return reportSave(target, write(target));
+    auto error = reportSave(target, write(target));
+    if (!error)
+        exportAuto_ = readExportAuto(settings_, path_);
+    return error;
 }
 
 // ---- the floor map's record

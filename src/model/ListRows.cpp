@@ -32,15 +32,36 @@ constexpr std::array<ListColumnDefinition, listColumnCount> columns{{
     {"| Text", 110, "VertText"},
 }};
 
-std::string stateText(std::int32_t state) {
+std::string_view stateText(std::int32_t state) {
     if (state == DeviceState::Def)
         return {};
     return state == DeviceState::On ? "Active" : "Inactive";
 }
 
-/// A marker keeps the outline of its area where other devices keep their jack.
-std::string jackText(const CHardware& device) {
-    return floorCode(device.Type) == DeviceType::LocationMarker ? std::string() : device.ToJack;
+/// The columns that show a text field as it is.
+std::string CHardware::*textOf(ListColumn column) {
+    switch (column) {
+    case ListColumn::ToDo:
+        return &CHardware::ToDo;
+    case ListColumn::Name:
+        return &CHardware::Name;
+    case ListColumn::IPAddress:
+        return &CHardware::IPAddress;
+    case ListColumn::Username:
+        return &CHardware::Username;
+    case ListColumn::MACAddress:
+        return &CHardware::MACAddress;
+    case ListColumn::SlashText:
+        return &CHardware::SlashText;
+    case ListColumn::BackslashText:
+        return &CHardware::BackslashText;
+    case ListColumn::HorzText:
+        return &CHardware::HorzText;
+    case ListColumn::VertText:
+        return &CHardware::VertText;
+    default:
+        return &CHardware::Comment;
+    }
 }
 
 std::string upperCase(std::string text) {
@@ -89,43 +110,39 @@ std::optional<ListColumn> listColumnFromName(std::string_view name) {
 }
 
 std::string listCellText(const CHardware& device, ListColumn column) {
+    std::string text;
+    appendListCell(text, device, column);
+    return text;
+}
+
+void appendListCell(std::string& text, const CHardware& device, ListColumn column) {
     switch (column) {
     case ListColumn::ID:
-        return std::to_string(device.RecID);
+        text += std::to_string(device.RecID);
+        break;
     case ListColumn::Modified:
-        return stampText(device.Modified);
+        text += stampText(device.Modified);
+        break;
     case ListColumn::LS:
-        return stateText(device.State);
+        text += stateText(device.State);
+        break;
     case ListColumn::Priority:
-        return std::to_string(device.Priority);
+        text += std::to_string(device.Priority);
+        break;
     case ListColumn::Reminder:
-        return device.ReminderOn == 1 ? dateTimeText(device.ReminderDate) : std::string();
-    case ListColumn::ToDo:
-        return device.ToDo;
+        if (device.ReminderOn == 1)
+            text += dateTimeText(device.ReminderDate);
+        break;
     case ListColumn::Device:
-        return std::string(typeName(device.Type));
-    case ListColumn::Name:
-        return device.Name;
-    case ListColumn::IPAddress:
-        return device.IPAddress;
-    case ListColumn::Username:
-        return device.Username;
-    case ListColumn::MACAddress:
-        return device.MACAddress;
-    case ListColumn::ToJack:
-        return jackText(device);
-    case ListColumn::Comment:
-        return device.Comment;
-    case ListColumn::SlashText:
-        return device.SlashText;
-    case ListColumn::BackslashText:
-        return device.BackslashText;
-    case ListColumn::HorzText:
-        return device.HorzText;
-    case ListColumn::VertText:
-        return device.VertText;
+        text += typeName(device.Type);
+        break;
+    case ListColumn::ToJack: // a marker keeps the outline of its area there
+        if (floorCode(device.Type) != DeviceType::LocationMarker)
+            text += device.ToJack;
+        break;
+    default:
+        text += device.*textOf(column);
     }
-    return {};
 }
 
 bool ListFilter::shows(const CHardware& record) const {

@@ -49,6 +49,7 @@ std::optional<ListColumn> listColumnFromName(std::string_view name);
 
 /// What the cell shows, in the record's own bytes.
 std::string listCellText(const CHardware& device, ListColumn column);
+void appendListCell(std::string& text, const CHardware& device, ListColumn column);
 
 /// Which records have a row.
 struct ListFilter {

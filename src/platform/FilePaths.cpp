@@ -1,6 +1,8 @@
 #include "platform/FilePaths.h"
 
 #include <cstdint>
+#include <filesystem>
+#include <system_error>
 
 namespace mirovane {
 
@@ -13,6 +15,11 @@ std::string folderOf(const std::string& path) {
 
 std::string nameOf(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code failed;
+    return a == b || std::filesystem::equivalent(a, b, failed);
 }
 
 std::string fingerprintOf(std::string_view text) {

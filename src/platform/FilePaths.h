@@ -9,6 +9,9 @@ namespace mirovane {
 std::string folderOf(const std::string& path);
 std::string nameOf(const std::string& path);
 
+/// Both paths lead to one file, be it by way of links; also for one path where no file stands yet.
+bool isSameFile(const std::string& a, const std::string& b);
+
 /// Sixteen hexadecimal digits that tell texts apart in file names.
 std::string fingerprintOf(std::string_view text);
 

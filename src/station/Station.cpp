@@ -1,6 +1,7 @@
 #include "station/Station.h"
 
 #include "livestat/WorkerPool.h"
+#include "station/ExportWriter.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -78,7 +79,13 @@ std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
 void CStation::leaveDatafile() {
     liveStat_->disableNow();
     if (doc_->pendingChanges())
-        saveDatafile();
+        saveBackgroundChanges();
+}
+
+/// What Live Stat changed goes into the export, too, before the datafile is left.
+void CStation::saveBackgroundChanges() {
+    refillListView();
+    save();
 }
 
 void CStation::begin() {
@@ -88,6 +95,7 @@ void CStation::begin() {
     saveTicks_ = doc_->upgradePending() ? upgradeSaveTicks : 0;
     startTimers(firstReminderPeriod);
     redraw();
+    refillListView();
     if (wantsLiveStat())
         liveStat_->toggle();
 }
@@ -105,6 +113,14 @@ void CStation::stopTimers() {
 }
 
 std::optional<FileError> CStation::saveDatafile() {
+    if (busy_)
+        return std::nullopt;
+    auto error = save();
+    refillListView();
+    return error;
+}
+
+std::optional<FileError> CStation::save() {
     if (busy_)
         return std::nullopt;
     lastSaveError_ = doc_->save();
@@ -127,6 +143,8 @@ std::optional<FileError> CStation::saveDatafileAs(const std::string& path) {
         doc_->setPendingChanges(false);
     if (leaving)
         liveStat_->toggle();
+    if (!error)
+        refillListView();
     return error;
 }
 
@@ -189,7 +207,7 @@ std::optional<FileError> CStation::shutDown() {
     lastSaveError_.reset();
     liveStat_->disableNow();
     if (doc_->pendingChanges())
-        saveDatafile();
+        saveBackgroundChanges();
     stopTimers();
     auto error = lastSaveError_;
     if (error) { // the user may decide to stay: then the datafile must be watched as before
@@ -214,7 +232,9 @@ void CStation::failUser(const std::string& text) {
 SaveResult CStation::saveDatafile(const std::string& note) {
     if (!note.empty())
         doc_->setSaveNote(note);
-    auto error = saveDatafile();
+    auto error = save();
+    if (!note.empty()) // devices were checked; otherwise only an owner record changed
+        refillListView();
     if (!error)
         return SaveResult::Saved;
     // Within a reload the file is not read a second time; the next watch tick sees that it changed again.

@@ -23,6 +23,8 @@
 
 namespace mirovane {
 
+class CExportWriter;
+
 /// Yes/No questions to the user, and hard failures shown to him. The desktop program answers with message
 /// boxes (the station's timers do not tick while one is open), the headless station with No unless it was
 /// told to take over.
@@ -50,6 +52,9 @@ struct StationServices {
 
     /// Where the steps run; null: on a pool of threads of the station's own.
     Workers* workers = nullptr;
+
+    /// Where automatic exports are written, on a thread of their own; null: the system's files.
+    std::shared_ptr<Files> exportFiles = nullptr;
 };
 
 /// One station on one datafile: document, datafile watch with periodic save, and Live Stat, driven by timers.
@@ -85,6 +90,14 @@ public:
     /// error says so. Does nothing while a reload waits for Live Stat.
     std::optional<FileError> saveDatafile();
     std::optional<FileError> saveDatafileAs(const std::string& path);
+
+    /// Devices changed: has the List View filled anew, then writes the automatic export where this user wants
+    /// it for this datafile. What this class itself saves or loads, it follows up; whoever changes devices
+    /// through the document calls this, or saveDatafile().
+    void refillListView();
+
+    /// Why the last automatic export failed; nothing when it did not. The log does not tell.
+    std::optional<FileError> exportError() const;
 
     void toggleLiveStat() { liveStat_->toggle(); }
 
@@ -122,6 +135,9 @@ public:
     /// Once a Live Stat run or a reload changed what is seen; never more often than the runs.
     std::function<void()> onRedraw;
 
+    /// The List View's rows are to be made anew.
+    std::function<void()> onListRefill;
+
     /// Live Stat went on or off, a run ended (other devices are held now), or the status text changed.
     std::function<void()> onIndicators;
 
@@ -150,6 +166,9 @@ private:
     void track(std::int32_t recID) override;
     void waiting() override;
 
+    void autoExport();
+    std::optional<FileError> save();
+    void saveBackgroundChanges();
     void leaveDatafile();
     void begin();
     void startTimers(std::chrono::milliseconds reminderPeriod);
@@ -177,6 +196,7 @@ private:
     std::unique_ptr<CLiveStatScheduler> liveStat_;
     std::unique_ptr<Timer> watchTimer_;
     std::unique_ptr<Timer> reminderTimer_;
+    std::unique_ptr<CExportWriter> exportWriter_;
 
     bool busy_ = false;          ///< a reload, an update or a delete is under way; nothing is saved
     bool reloadWaiting_ = false; ///< busy_, because a reload waits for Live Stat's jobs

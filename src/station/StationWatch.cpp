@@ -61,7 +61,8 @@ void CStation::periodicSave() {
     if (saveTicks_ < ticksOfLiveStat)
         doc_->setSaveNote("Live Stat ");
     saveTicks_ = 0;
-    const auto error = saveDatafile();
+    refillListView();
+    const auto error = save();
     if (!error || error->kind != FileError::Kind::Changed)
         doc_->setPendingChanges(false);
 }
@@ -102,6 +103,7 @@ void CStation::finishReload() {
     readAgain();
     busy_ = false;
     if (!unreadable_) {
+        refillListView();
         liveStat_->afterReload();
         redraw();
     }
