@@ -71,4 +71,9 @@ std::optional<std::string> Resolver::nameOf(std::uint32_t address, Milliseconds 
                                   [address](NameService& service) { return service.nameOf(address); });
 }
 
+void Resolver::startNameOf(std::uint32_t address, std::function<void(std::optional<std::string>)> done) {
+    pool_->run(std::make_shared<LookUpPool::Job>(
+        [address, done = std::move(done)](NameService& service) { done(service.nameOf(address)); }));
+}
+
 } // namespace mirovane
