@@ -4,7 +4,6 @@
 #include "probes/HostAddress.h"
 
 #include <arpa/inet.h>
-#include <optional>
 
 namespace mirovane {
 
@@ -12,8 +11,9 @@ namespace {
 
 constexpr std::string_view keptByUser = ">>";
 
-/// Nothing for what is no device and for devices without an address.
-std::optional<std::uint32_t> addressOf(const CHardware& record) {
+} // namespace
+
+std::optional<std::uint32_t> deviceAddress(const CHardware& record) {
     if (!record.isDevice() || record.IPAddress.empty())
         return std::nullopt;
     std::string_view text = record.IPAddress;
@@ -22,8 +22,6 @@ std::optional<std::uint32_t> addressOf(const CHardware& record) {
     const auto address = parseDottedAddress(text);
     return address ? std::optional<std::uint32_t>(ntohl(*address)) : std::nullopt;
 }
-
-} // namespace
 
 CKnownAddresses::CKnownAddresses(CMirovaneDoc& document) : document_(document) {
     document_.addObserver(*this);
@@ -47,12 +45,12 @@ void CKnownAddresses::build() {
 }
 
 void CKnownAddresses::insert(const CHardware& record) {
-    if (const auto address = addressOf(record))
+    if (const auto address = deviceAddress(record))
         ++devices_[*address];
 }
 
 void CKnownAddresses::erase(const CHardware& record) {
-    const auto address = addressOf(record);
+    const auto address = deviceAddress(record);
     const auto found = address ? devices_.find(*address) : devices_.end();
     if (found != devices_.end() && --found->second == 0)
         devices_.erase(found);

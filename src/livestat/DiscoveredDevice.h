@@ -4,15 +4,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
 namespace mirovane {
 
-/// Answers "does a device already have this address?" in constant time, however many devices there are. The
-/// address field of a device counts without its trailing ">>" (text that the user keeps) and as a number:
-/// "010.0.0.5" is 10.0.0.5. Built at the first question, then kept up with the document. Main thread only;
-/// the document outlives it.
+/// The address that a device has, in host byte order. Its address field counts without its trailing ">>"
+/// (text that the user keeps) and as a number: "010.0.0.5" is 10.0.0.5. Nothing for what is no device and for
+/// devices without an address.
+std::optional<std::uint32_t> deviceAddress(const CHardware& record);
+
+/// Answers "does a device already have this address?" in constant time, however many devices there are. Built
+/// at the first question, then kept up with the document. Main thread only; the document outlives it.
 class CKnownAddresses final : public DocumentObserver {
 public:
     explicit CKnownAddresses(CMirovaneDoc& document);

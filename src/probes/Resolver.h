@@ -39,6 +39,10 @@ public:
     /// The name of an address; nothing when it has none, when the time is up or a stop was requested.
     std::optional<std::string> nameOf(std::uint32_t address, Milliseconds timeout, std::stop_token stop);
 
+    /// The same without waiting: `done` gets the name, or nothing, on a worker's thread when the system has
+    /// answered. Never called when no worker can be had or the resolver goes away first.
+    void startNameOf(std::uint32_t address, std::function<void(std::optional<std::string>)> done);
+
 private:
     std::shared_ptr<LookUpPool> pool_;
 };
