@@ -41,7 +41,7 @@ private:
 };
 
 /// Every host lives but each seventh, in turn, so that states keep changing.
-class QuickProbes final : public HostProbes {
+class QuickProbes final : public HostProbes, public SnmpProbe, public RegistryProbes {
 public:
     bool PingHost(const std::string&, PingReply&, std::optional<std::uint32_t>&, std::uint8_t, std::uint32_t,
                   std::uint8_t, std::stop_token) override {
@@ -51,6 +51,15 @@ public:
         return false;
     }
     std::optional<std::string> echoUnusable() override { return std::nullopt; }
+    SnmpAnswer SnmpGet(const SnmpQuery&, std::stop_token) override { return {}; }
+    std::optional<std::string> snmpUnusable() override { return std::nullopt; }
+    std::optional<std::string> ReadRegistryValue(const std::string&, const std::string&,
+                                                 std::stop_token) override {
+        return std::nullopt;
+    }
+    LoggedOnUser LookUpLoggedOnUser(const std::string&, std::stop_token) override { return {}; }
+    std::string GetDefaultUserName(const std::string&, std::stop_token) override { return {}; }
+    std::vector<std::string> takeTroubles() override { return {}; }
 
 private:
     std::atomic<unsigned> count_ = 0;
@@ -80,7 +89,8 @@ public:
             });
         LiveStatSettings settings;
         settings.LSNumPerRun = slots;
-        scheduler_ = std::make_unique<CLiveStatScheduler>(doc_, probes_, workers_, timers_, host_, settings);
+        scheduler_ = std::make_unique<CLiveStatScheduler>(doc_, StepProbes{probes_, probes_, probes_},
+                                                          workers_, timers_, host_, settings);
         scheduler_->toggle();
     }
 

@@ -2,12 +2,9 @@
 
 #include "cli/Commands.h"
 #include "platform/Host.h"
+#include "platform/qt/ConfigFolder.h"
 #include "probes/RegistryPath.h"
 #include "probes/SystemRegistryProbes.h"
-
-#include <QFile>
-#include <QStandardPaths>
-#include <QString>
 
 #include <csignal>
 #include <ctime>
@@ -60,7 +57,19 @@ private:
     std::jthread watcher_;
 };
 
-/// Nothing when the command cannot run; then `status` says how it ends.
+std::string reason(const SystemRegistryProbes& probes) {
+    const std::string trouble = probes.lastTrouble();
+    return trouble.empty() ? "there is no such key or value" : trouble;
+}
+
+std::string reason(const SystemRegistryProbes& probes, const std::string& path) {
+    if (registryRoot(splitRegistryPath(path, {}).hive))
+        return reason(probes);
+    return "its hive is none of HKEY_LOCAL_MACHINE, HKEY_USERS, HKEY_CLASSES_ROOT and HKEY_CURRENT_USER";
+}
+
+} // namespace
+
 std::optional<RegistryRemoteOptions> remoteOptions(CommandContext& context, ExitStatus& status) {
     RegistryRemoteOptions options;
     options.credentialsFile = usualCredentialsFile(context.configFolder);
@@ -81,27 +90,6 @@ std::optional<RegistryRemoteOptions> remoteOptions(CommandContext& context, Exit
         }
     }
     return options;
-}
-
-std::string reason(const SystemRegistryProbes& probes) {
-    const std::string trouble = probes.lastTrouble();
-    return trouble.empty() ? "there is no such key or value" : trouble;
-}
-
-std::string reason(const SystemRegistryProbes& probes, const std::string& path) {
-    if (registryRoot(splitRegistryPath(path, {}).hive))
-        return reason(probes);
-    return "its hive is none of HKEY_LOCAL_MACHINE, HKEY_USERS, HKEY_CLASSES_ROOT and HKEY_CURRENT_USER";
-}
-
-} // namespace
-
-std::string usualCredentialsFile(const std::string& configFolder) {
-    const std::string name = "/samba-credentials";
-    if (!configFolder.empty())
-        return configFolder + name;
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return QFile::encodeName(folder).toStdString() + "/mirovane" + name;
 }
 
 ExitStatus runRegistry(CommandContext& context) {

@@ -1,11 +1,15 @@
 #pragma once
 
-#include <string>
+#include "cli/Commands.h"
+#include "probes/RegistryRemote.h"
+
+#include <optional>
 
 namespace mirovane {
 
-/// The user's own credentials file, whether it exists or not: samba-credentials beside the settings.
-/// `configFolder` is that of --config; empty for the user's own.
-std::string usualCredentialsFile(const std::string& configFolder);
+/// How other computers' registries are asked: --credentials and --smb-port, where the command has them, and
+/// the user's own credentials file. Nothing when the command cannot run; then it has been said why, and
+/// `status` says how it ends.
+std::optional<RegistryRemoteOptions> remoteOptions(CommandContext& context, ExitStatus& status);
 
 } // namespace mirovane

@@ -2,12 +2,13 @@
 #include "cli/Datafiles.h"
 #include "cli/OverlaySettings.h"
 #include "cli/RecordJson.h"
+#include "cli/RegistryCommands.h"
 #include "cli/Signals.h"
 #include "cli/StationRun.h"
+#include "livestat/SystemStepProbes.h"
 #include "platform/PosixFiles.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
-#include "probes/SystemHostProbes.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -111,7 +112,8 @@ void printLogLine(Output& out, const std::string& line, bool json) {
     out.flush();
 }
 
-ExitStatus runStationWith(CommandContext& context, const StationOptions& options) {
+ExitStatus runStationWith(CommandContext& context, const StationOptions& options,
+                          const RegistryRemoteOptions& registry) {
     std::array<char, 12> name{"mirovanectl"};
     std::array<char*, 2> argv{name.data(), nullptr};
     int argc = 1;
@@ -132,9 +134,9 @@ ExitStatus runStationWith(CommandContext& context, const StationOptions& options
     log.addListener([&](const std::string& line, bool) { printLogLine(context.out, line, options.json); });
     PosixFiles files;
     QtTimerFactory timers;
-    SystemHostProbes probes;
+    SystemStepProbes probes(registry, thisStation());
     HeadlessDialogs dialogs(context.out, options.request.takeOver);
-    CStation station({files, clock, timers, settings, log, dialogs, probes, thisStation()});
+    CStation station({files, clock, timers, settings, log, dialogs, probes.all(), thisStation()});
     StationRun stationRun(context.out, station, dialogs, options.request);
     run = &stationRun;
     return stationRun.run();
@@ -148,7 +150,9 @@ ExitStatus runStation(CommandContext& context) {
         return usageError(context, options.error().sentence);
     if (const auto refused = refuseUnknown(context.out, options.value().request))
         return *refused;
-    return runStationWith(context, options.value());
+    ExitStatus status = ExitStatus::Done;
+    const auto registry = remoteOptions(context, status);
+    return registry ? runStationWith(context, options.value(), *registry) : status;
 }
 
 } // namespace mirovane

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "livestat/Step.h"
-#include "probes/HostProbes.h"
+#include "livestat/StepProbes.h"
 
 #include <string>
 #include <string_view>
@@ -17,16 +17,13 @@ bool actionAvailable(std::string_view command);
 /// writes is not one that the user keeps for himself (text that ends in ">>").
 bool rowCounts(const CHardware& device, int row, const CriteriaRow& criteria);
 
-/// Splits an expanded argument at blanks; double quotes group and are not part of a token; empty tokens are
-/// skipped.
-std::vector<std::string> argumentTokens(std::string_view argument);
-
 /// Condition of a field rule against the state that the device has now. Row 0 and the actions that decide a
 /// state always run.
 bool conditionAllows(const CHardware& device, int row, const CriteriaRow& criteria);
 
 /// Runs one criteria row for one device: values in, values out. Blocks for as long as its probe does; a
 /// worker calls it. Never throws but for want of memory; every failure of a probe is an ordinary no-match.
-StepOutcome runStep(const StepInput& input, HostProbes& probes);
+/// `answer`, where given, receives what the probes said, as lines for people.
+StepOutcome runStep(const StepInput& input, const StepProbes& probes, std::string* answer = nullptr);
 
 } // namespace mirovane

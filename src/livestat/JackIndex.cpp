@@ -6,17 +6,17 @@ namespace mirovane {
 
 namespace {
 
-bool isPlugged(const CHardware& record) {
-    const std::int32_t code = floorCode(record.Type);
-    return record.isDevice() && code != DeviceType::Jack && code != DeviceType::LocationMarker &&
-           !record.ToJack.empty();
-}
-
 std::size_t keyOf(const std::string& jackNumber) {
     return std::hash<std::string>{}(jackNumber);
 }
 
 } // namespace
+
+bool isPlugged(const CHardware& record) {
+    const std::int32_t code = floorCode(record.Type);
+    return record.isDevice() && code != DeviceType::Jack && code != DeviceType::LocationMarker &&
+           !record.ToJack.empty();
+}
 
 CJackIndex::CJackIndex(CMirovaneDoc& document) : document_(document) {
     document_.addObserver(*this);

@@ -9,6 +9,9 @@
 
 namespace mirovane {
 
+/// Names a jack that it is plugged into; jacks and location markers are not plugged anywhere.
+bool isPlugged(const CHardware& record);
+
 /// Answers "which device is plugged into this jack?" without walking the list. Built at the first question,
 /// because many sites have no jack at all, then kept up with the document. Main thread only.
 class CJackIndex final : public DocumentObserver {

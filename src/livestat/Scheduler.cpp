@@ -19,7 +19,7 @@ constexpr std::int32_t maxRunSeconds = 24 * 60 * 60;
 
 } // namespace
 
-CLiveStatScheduler::CLiveStatScheduler(CMirovaneDoc& document, HostProbes& probes, Workers& workers,
+CLiveStatScheduler::CLiveStatScheduler(CMirovaneDoc& document, const StepProbes& probes, Workers& workers,
                                        TimerFactory& timers, LiveStatHost& host,
                                        const LiveStatSettings& settings)
     : document_(document),
@@ -85,7 +85,7 @@ void CLiveStatScheduler::enable() {
     slotCursor_.reset();
     picker_.startLoops();
     arm(runPeriod());
-    reportEchoTrouble();
+    reportProbeTroubles();
     host_.indicatorsChanged();
 }
 
@@ -195,9 +195,11 @@ void CLiveStatScheduler::resume() {
         arm(disablePeriod);
 }
 
-/// Without echoes every device turns Off; the user must know why.
-void CLiveStatScheduler::reportEchoTrouble() {
-    if (const auto trouble = probes_.echoUnusable())
+/// Without echoes every device turns Off, without SNMP many a field is emptied; the user must know why.
+void CLiveStatScheduler::reportProbeTroubles() {
+    if (const auto trouble = probes_.hosts.echoUnusable())
+        document_.log().LogMessage(*trouble, true);
+    if (const auto trouble = probes_.snmp.snmpUnusable())
         document_.log().LogMessage(*trouble, true);
 }
 
@@ -226,7 +228,7 @@ void CLiveStatScheduler::performNow() {
         }
         devicesThisRun_ = 0;
         slotCursor_.reset();
-        reportEchoTrouble();
+        reportProbeTroubles();
     }
     document_.log().LogMessage("Processing Live Stat Now on " + std::to_string(count) +
                                " selected object(s)...");

@@ -30,8 +30,8 @@ namespace mirovane {
 class CLiveStatScheduler {
 public:
     /// All references must outlive the scheduler. The destructor stops the jobs and waits for them.
-    CLiveStatScheduler(CMirovaneDoc& document, HostProbes& probes, Workers& workers, TimerFactory& timers,
-                       LiveStatHost& host, const LiveStatSettings& settings);
+    CLiveStatScheduler(CMirovaneDoc& document, const StepProbes& probes, Workers& workers,
+                       TimerFactory& timers, LiveStatHost& host, const LiveStatSettings& settings);
     ~CLiveStatScheduler();
     CLiveStatScheduler(const CLiveStatScheduler&) = delete;
     CLiveStatScheduler& operator=(const CLiveStatScheduler&) = delete;
@@ -131,12 +131,12 @@ private:
     std::size_t wantedSlots() const;
     std::chrono::milliseconds runPeriod() const;
     void arm(std::chrono::milliseconds period);
-    void reportEchoTrouble();
+    void reportProbeTroubles();
     void setStatusText(int count);
 
     CMirovaneDoc& document_;
     LiveStatHost& host_;
-    HostProbes& probes_;
+    StepProbes probes_;
     LiveStatSettings settings_;
     CStepJobs jobs_;
     CDevicePicker picker_;

@@ -46,6 +46,8 @@ void CLiveStatScheduler::endRun() {
         reportRun();
     devicesThisRun_ = 0;
     slotCursor_.reset();
+    for (const std::string& trouble : probes_.registry.takeTroubles())
+        document_.log().LogMessage(trouble, true);
     if (changed_)
         publishChanges();
     host_.indicatorsChanged();

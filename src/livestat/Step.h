@@ -21,6 +21,9 @@ struct StepInput {
     /// when the step starts; nothing when no device names the jack.
     std::optional<std::int32_t> matchedState;
 
+    /// For "Registry": the computer that a path without a host means; no backslashes.
+    std::string computerName;
+
     std::stop_token stop;
 };
 

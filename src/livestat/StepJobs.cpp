@@ -12,7 +12,7 @@ std::shared_ptr<StepJob> CStepJobs::start(StepInput input, std::size_t slot) {
     job->input.stop = job->stop.get_token();
     job->slot = slot;
     ++inbox_->inProgress;
-    const bool started = workers_.start([job, inbox = inbox_, &probes = probes_] {
+    const bool started = workers_.start([job, inbox = inbox_, probes = probes_] {
         work(*job, probes);
         const std::lock_guard lock(inbox->mutex);
         inbox->finished.push_back(job);
@@ -26,7 +26,7 @@ std::shared_ptr<StepJob> CStepJobs::start(StepInput input, std::size_t slot) {
     return job;
 }
 
-void CStepJobs::work(StepJob& job, HostProbes& probes) {
+void CStepJobs::work(StepJob& job, const StepProbes& probes) {
     job.takenUp = true;
     try {
         job.outcome = runStep(job.input, probes);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "livestat/Step.h"
+#include "livestat/StepProbes.h"
 #include "livestat/Workers.h"
-#include "probes/HostProbes.h"
 
 #include <atomic>
 #include <chrono>
@@ -28,7 +28,7 @@ struct StepJob {
 /// outlive this object; the probes must outlive the jobs.
 class CStepJobs {
 public:
-    CStepJobs(HostProbes& probes, Workers& workers) : probes_(probes), workers_(workers) {}
+    CStepJobs(const StepProbes& probes, Workers& workers) : probes_(probes), workers_(workers) {}
 
     /// Null when the system has no thread for it.
     std::shared_ptr<StepJob> start(StepInput input, std::size_t slot);
@@ -55,9 +55,9 @@ private:
         std::atomic<std::size_t> inProgress = 0;
     };
 
-    static void work(StepJob& job, HostProbes& probes);
+    static void work(StepJob& job, const StepProbes& probes);
 
-    HostProbes& probes_;
+    StepProbes probes_;
     Workers& workers_;
     std::shared_ptr<Inbox> inbox_ = std::make_shared<Inbox>();
     std::shared_ptr<StepJob> newest_;

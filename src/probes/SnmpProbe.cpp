@@ -6,6 +6,7 @@
 #include "probes/SNMPRequest.h"
 
 #include <array>
+#include <memory>
 
 namespace mirovane {
 
@@ -47,6 +48,7 @@ std::string nameOfStatus(std::int32_t status) {
 
 SnmpAnswer SystemSnmpProbe::SnmpGet(const SnmpQuery& query, std::stop_token stop) {
     try {
+        manager_.Startup();
         SNMPRemoteAgent agent(manager_, query.host, query.community, query.port, nullptr, stop);
         SNMPObject object("");
         object.SetOid(query.oid);
@@ -60,6 +62,17 @@ SnmpAnswer SystemSnmpProbe::SnmpGet(const SnmpQuery& query, std::stop_token stop
             return {SnmpAnswer::Kind::Stopped, "", 0};
         }
         return {SnmpAnswer::Kind::Failed, continued(owned->message()), 0};
+    }
+}
+
+std::optional<std::string> SystemSnmpProbe::snmpUnusable() {
+    try {
+        manager_.Startup();
+        return std::nullopt;
+    } catch (SNMPException* raised) {
+        const std::unique_ptr<SNMPException> owned(raised);
+        return "SNMP cannot be used: no socket can be opened (code " + std::to_string(owned->code()) +
+               "); every SNMPGet row fails until this station is started again.";
     }
 }
 

@@ -3,6 +3,7 @@
 #include "probes/SNMPManager.h"
 
 #include <cstdint>
+#include <optional>
 #include <stop_token>
 #include <string>
 
@@ -41,15 +42,20 @@ class SnmpProbe {
 public:
     virtual ~SnmpProbe() = default;
     virtual SnmpAnswer SnmpGet(const SnmpQuery& query, std::stop_token stop) = 0;
+
+    /// Why no agent can be asked from this computer, one line; nothing while queries work. Starts the service
+    /// if that has not happened yet.
+    virtual std::optional<std::string> snmpUnusable() = 0;
 };
 
 /// Over the network: each query has its own agent and session.
 class SystemSnmpProbe final : public SnmpProbe {
 public:
-    /// The manager outlives this; queries fail until it has been started.
+    /// The manager outlives this; the first query starts it.
     explicit SystemSnmpProbe(SNMPManager& manager) : manager_(manager) {}
 
     SnmpAnswer SnmpGet(const SnmpQuery& query, std::stop_token stop) override;
+    std::optional<std::string> snmpUnusable() override;
 
 private:
     SNMPManager& manager_;

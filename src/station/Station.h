@@ -1,6 +1,7 @@
 #pragma once
 
 #include "livestat/Scheduler.h"
+#include "livestat/StepProbes.h"
 #include "livestat/Workers.h"
 #include "model/Document.h"
 #include "model/ListRows.h"
@@ -10,7 +11,6 @@
 #include "platform/Files.h"
 #include "platform/Host.h"
 #include "platform/Timers.h"
-#include "probes/HostProbes.h"
 #include "station/ReminderCheck.h"
 
 #include <chrono>
@@ -43,7 +43,7 @@ struct StationServices {
     CSettings& settings;
     CMessageLog& log;
     StationDialogs& dialogs;
-    HostProbes& probes;
+    StepProbes probes;
     StationIdentity identity;
 
     /// False: LSAutoStart is ignored, at open and when another owner falls silent. For a headless station

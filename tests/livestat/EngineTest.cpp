@@ -1,5 +1,6 @@
 #include "livestat/Engine.h"
 
+#include "livestat/Actions.h"
 #include "probes/HostAddress.h"
 #include "tests/support/ScriptedProbes.h"
 

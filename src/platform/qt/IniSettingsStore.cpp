@@ -1,9 +1,10 @@
 #include "platform/qt/IniSettingsStore.h"
 
+#include "platform/qt/ConfigFolder.h"
+
 #include <QByteArray>
 #include <QFile>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QString>
 #include <QVariant>
 
@@ -47,10 +48,7 @@ std::string textOf(const QVariant& value) {
 }
 
 QString iniFile(const std::string& folder) {
-    if (!folder.empty())
-        return QFile::decodeName(bytesOf(folder)) + QStringLiteral("/mirovane.ini");
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/mirovane/mirovane.ini");
+    return QFile::decodeName(bytesOf(configFolder(folder))) + QStringLiteral("/mirovane.ini");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "ui/frame/Desktop.h"
 
 #include "platform/Host.h"
+#include "platform/qt/ConfigFolder.h"
 #include "ui/floor/MirovaneView.h"
 
 #include <QDateTime>
@@ -22,6 +23,12 @@ std::string rescuePath(const QDateTime& now) {
     return QFile::encodeName(folder.filePath(name)).toStdString();
 }
 
+RegistryRemoteOptions registryOptions(const std::string& configFolder) {
+    RegistryRemoteOptions options;
+    options.credentialsFile = usualCredentialsFile(configFolder);
+    return options;
+}
+
 } // namespace
 
 CDesktop::CDesktop(const Options& options)
@@ -29,10 +36,11 @@ CDesktop::CDesktop(const Options& options)
       recent_(store_),
       settings_(store_),
       log_(clock_),
-      dialogs_(options.version, [this](bool open) { pauseStation(open); }) {
+      dialogs_(options.version, [this](bool open) { pauseStation(open); }),
+      probes_(registryOptions(options.configFolder), thisStation()) {
     settings_.initialise();
     station_ = std::make_unique<CStation>(
-        StationServices{files_, clock_, timers_, settings_, log_, dialogs_, probes_, thisStation()});
+        StationServices{files_, clock_, timers_, settings_, log_, dialogs_, probes_.all(), thisStation()});
     frame_ = std::make_unique<CMainFrame>(*station_, dialogs_, recent_, new CMirovaneView(*station_));
     dialogs_.setParent(frame_.get());
 }

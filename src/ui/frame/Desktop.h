@@ -1,12 +1,12 @@
 #pragma once
 
+#include "livestat/SystemStepProbes.h"
 #include "model/MessageLog.h"
 #include "model/Settings.h"
 #include "platform/Clock.h"
 #include "platform/PosixFiles.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
-#include "probes/SystemHostProbes.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/frame/RecentFiles.h"
 #include "ui/frame/WidgetDialogs.h"
@@ -56,7 +56,7 @@ private:
     CSettings settings_;
     CMessageLog log_;
     WidgetDialogs dialogs_;
-    SystemHostProbes probes_;
+    SystemStepProbes probes_;
     std::unique_ptr<CStation> station_;
     std::unique_ptr<CMainFrame> frame_;
     std::optional<CStation::Pause> pause_;

@@ -5,6 +5,7 @@
 #include "platform/PosixFiles.h"
 #include "station/Station.h"
 #include "tests/support/FakeTime.h"
+#include "tests/support/ScriptedProbes.h"
 #include "tests/ui/frame/ScriptedDialogs.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/frame/RecentFiles.h"
@@ -17,19 +18,6 @@
 
 namespace mirovane::test {
 
-/// Hosts that never answer, at once.
-class SilentProbes final : public HostProbes {
-public:
-    bool PingHost(const std::string&, PingReply&, std::optional<std::uint32_t>&, std::uint8_t, std::uint32_t,
-                  std::uint8_t, std::stop_token) override {
-        return false;
-    }
-    bool ResolveHost(const std::string&, std::uint32_t&, std::string&, std::stop_token) override {
-        return false;
-    }
-    std::optional<std::string> echoUnusable() override { return std::nullopt; }
-};
-
 /// A station on real files in a folder of its own, with a user who answers by script.
 class FrameFixture : public testing::Test {
 protected:
@@ -41,7 +29,7 @@ protected:
     CSettings settings{store};
     CMessageLog log{clock};
     ScriptedDialogs dialogs;
-    SilentProbes probes;
+    ScriptedProbes probes; ///< nobody answers
     CRecentFiles recent{store};
     std::unique_ptr<CStation> station;
 

@@ -1,0 +1,107 @@
+#include "livestat/Actions.h"
+#include "probes/HostAddress.h"
+
+#include <optional>
+
+namespace mirovane {
+
+namespace {
+
+bool answers(ActionRun& run, const std::string& host) {
+    PingReply reply;
+    std::optional<std::uint32_t> resolved;
+    const bool answered = run.probes.hosts.PingHost(host, reply, resolved, pingTtl, pingTimeoutMs,
+                                                    pingPayloadSize, run.input.stop);
+    run.say([&] {
+        const std::string shown = resolved ? host + " (" + formatAddress(*resolved) + ")" : host;
+        if (answered)
+            return shown + ": reply from " + formatAddress(reply.address) + " after " +
+                   std::to_string(reply.roundTripMs) + " ms";
+        if (!resolved && !parseDottedAddress(host))
+            return shown + ": unknown host";
+        return shown + ": no reply within " + std::to_string(pingTimeoutMs) + " ms";
+    });
+    return answered;
+}
+
+std::string addressOf(ActionRun& run, const std::string& name) {
+    std::uint32_t address = 0;
+    std::string unused;
+    if (parseDottedAddress(name)) {
+        run.say([&] { return name + ": is an address already, not looked up"; });
+        return {};
+    }
+    const bool found = run.probes.hosts.ResolveHost(name, address, unused, run.input.stop) && address != 0;
+    run.say([&] { return name + ": " + (found ? formatAddress(address) : "no IPv4 address is known"); });
+    return found ? formatAddress(address) : std::string();
+}
+
+std::string nameOf(ActionRun& run, const std::string& address) {
+    std::uint32_t unused = 0;
+    std::string name;
+    if (!parseDottedAddress(address)) {
+        run.say([&] { return address + ": is no IPv4 address, not looked up"; });
+        return {};
+    }
+    if (!run.probes.hosts.ResolveHost(address, unused, name, run.input.stop))
+        name.clear();
+    run.say([&] { return address + ": " + (name.empty() ? "no name is known" : name); });
+    return name;
+}
+
+/// Every token is looked up and the last one decides; with no token at all the field keeps its text.
+template <typename LookUp>
+void lookUpAll(ActionRun& run, LookUp one) {
+    run.outcome.failed = false;
+    for (const std::string& host : argumentTokens(run.argument)) {
+        run.outcome.result = one(run, host);
+        run.outcome.failed = run.outcome.result.empty();
+        if (run.stopRequested()) {
+            run.outcome.cancelled = true;
+            return;
+        }
+    }
+}
+
+} // namespace
+
+/// One token after the other until one answers; the name may be unknown to the resolver while the address
+/// lives.
+void pingHosts(ActionRun& run) {
+    run.outcome.failed = true;
+    for (const std::string& host : argumentTokens(run.argument)) {
+        if (answers(run, host)) {
+            run.outcome.failed = false;
+            return;
+        }
+        if (run.stopRequested()) {
+            run.outcome.cancelled = true;
+            return;
+        }
+    }
+}
+
+void lookUpAddresses(ActionRun& run) {
+    lookUpAll(run, addressOf);
+}
+
+void lookUpNames(ActionRun& run) {
+    lookUpAll(run, nameOf);
+}
+
+void matchToJack(ActionRun& run) {
+    const auto& matched = run.input.matchedState;
+    run.outcome.failed = !matched;
+    run.outcome.stateIfMatch = matched.value_or(DeviceState::Def);
+    run.outcome.stateIfNoMatch = DeviceState::Def;
+    run.say([&] {
+        return std::string(matched ? "a device is plugged into this jack" : "no device names this jack");
+    });
+}
+
+void setValue(ActionRun& run) {
+    run.outcome.result = run.argument;
+    run.outcome.failed = false;
+}
+
+} // namespace mirovane

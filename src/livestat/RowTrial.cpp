@@ -1,0 +1,85 @@
+#include "livestat/RowTrial.h"
+
+#include "livestat/Engine.h"
+#include "livestat/JackIndex.h"
+#include "livestat/Outcome.h"
+#include "livestat/Placeholders.h"
+#include "model/FieldNames.h"
+
+namespace mirovane {
+
+namespace {
+
+/// The index that Live Stat keeps for this follows the document; one question does not pay for it.
+std::optional<std::int32_t> stateAtJack(const CMirovaneDoc& document, const std::string& jackNumber) {
+    for (std::size_t i = 0; i < document.size() && !jackNumber.empty(); ++i) {
+        const CHardware& record = document.at(i);
+        if (isPlugged(record) && record.ToJack == jackNumber)
+            return record.State;
+    }
+    return std::nullopt;
+}
+
+/// Modified follows from the others, and the stamps are Live Stat's memory, not the user's.
+bool isShown(const RecordField& field) {
+    return field.kind != FieldKind::Stamp && field.kind != FieldKind::RuleStamps;
+}
+
+std::vector<RowTrial::Change> changesBetween(const CHardware& before, const CHardware& after) {
+    std::vector<RowTrial::Change> changes;
+    for (const RecordField& field : recordFields()) {
+        const std::string was = fieldValue(before, field);
+        const std::string is = fieldValue(after, field);
+        if (isShown(field) && was != is)
+            changes.push_back({std::string(field.name), was, is});
+    }
+    return changes;
+}
+
+std::string whyPassedOver(const StepInput& input) {
+    if (input.criteria.Command.empty() || input.criteria.Command == Action::DoNothing)
+        return "the row does nothing";
+    return "the field ends in >>: it is kept as it is";
+}
+
+TimeStamp stampOf(const Clock& clock) {
+    return static_cast<TimeStamp>(std::chrono::system_clock::to_time_t(clock.wall()));
+}
+
+} // namespace
+
+StepInput trialInput(const CMirovaneDoc& document, const CHardware& device, int row, std::stop_token stop) {
+    StepInput input;
+    input.device = device;
+    input.row = row;
+    if (const CHardware* record = document.criteria(device.Type, row))
+        input.criteria = criteriaFromRecord(*record);
+    input.matchedState = stateAtJack(document, device.ToJack);
+    input.computerName = document.station().computerName;
+    input.stop = std::move(stop);
+    return input;
+}
+
+RowTrial tryRow(const StepInput& input, const StepProbes& probes, const Clock& clock) {
+    RowTrial trial;
+    trial.row = input.row;
+    trial.command = input.criteria.Command;
+    trial.expandedArgument = Expand(input.criteria.Argument, input.device, ExpandMode::Argument);
+    trial.expandedPattern = Expand(input.criteria.SearchFor, input.device, ExpandMode::Pattern);
+    trial.conditionAllows = conditionAllows(input.device, input.row, input.criteria);
+    trial.passedOver = !rowCounts(input.device, input.row, input.criteria);
+    if (trial.passedOver) {
+        trial.answer = whyPassedOver(input);
+        return trial;
+    }
+    const StepOutcome outcome = runStep(input, probes, &trial.answer);
+    trial.acted = outcome.acted;
+    trial.failed = outcome.failed;
+    trial.cancelled = outcome.cancelled;
+    CHardware after = input.device;
+    applyOutcome(after, input, outcome, stampOf(clock));
+    trial.changes = changesBetween(input.device, after);
+    return trial;
+}
+
+} // namespace mirovane
