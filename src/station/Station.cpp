@@ -10,7 +10,6 @@ namespace mirovane {
 
 namespace {
 
-constexpr std::chrono::milliseconds watchPeriod{3000};
 constexpr std::chrono::milliseconds firstReminderPeriod{5000};
 
 /// So high that the next watch tick saves, and that it does not call the changes Live Stat's.
@@ -45,6 +44,12 @@ CStation::CStation(StationServices services) : services_(std::move(services)) {
     LiveStatHost& host = *this;
     liveStat_ = std::make_unique<CLiveStatScheduler>(*doc_, services_.probes, workers, services_.timers, host,
                                                      liveStatSettings_);
+    if (!services_.workers)
+        discoverWorkers_ = std::make_unique<CWorkerPool>(1);
+    LiveDiscoverHost& discoverHost = *this;
+    liveDiscover_ = std::make_unique<CLiveDiscover>(
+        *doc_, services_.probes.hosts, services_.workers ? *services_.workers : *discoverWorkers_,
+        services_.timers, discoverHost);
     watchTimer_ = services_.timers.makeTimer([this] { watchTick(); });
     reminderTimer_ = services_.timers.makeTimer([this] { reminderTick(); });
 }
@@ -61,7 +66,7 @@ void CStation::newDatafile() {
 
 std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
     std::optional<Datafile::Error> error;
-    if (liveStat_->enabled() || doc_->pendingChanges())
+    if (liveStat_->enabled() || liveDiscover_->enabled() || doc_->pendingChanges())
         error = whyNotReadable(services_.files, path);
     if (!error) {
         leaveDatafile();
@@ -75,9 +80,10 @@ std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
     return std::nullopt;
 }
 
-/// Other stations must not go on believing that this one runs Live Stat on a datafile that it has left.
+/// Other stations must not go on believing that this one works on a datafile that it has left.
 void CStation::leaveDatafile() {
     liveStat_->disableNow();
+    liveDiscover_->disableNow();
     if (doc_->pendingChanges())
         saveBackgroundChanges();
 }
@@ -90,6 +96,7 @@ void CStation::saveBackgroundChanges() {
 
 void CStation::begin() {
     liveStat_->reset();
+    liveDiscover_->reset();
     reminders_->reset();
     busy_ = reloadWaiting_ = unreadable_ = false;
     saveTicks_ = doc_->upgradePending() ? upgradeSaveTicks : 0;
@@ -133,16 +140,21 @@ std::optional<FileError> CStation::save() {
 }
 
 std::optional<FileError> CStation::saveDatafileAs(const std::string& path) {
-    // The file that is left must not go on naming this station as the one that runs Live Stat on it.
-    const bool leaving = liveStat_->enabled() && !doc_->path().empty() &&
-                         std::filesystem::absolute(path).string() != doc_->path();
-    if (leaving)
+    // The file that is left must not go on naming this station as the one that works on it.
+    const bool leaving = !doc_->path().empty() && std::filesystem::absolute(path).string() != doc_->path();
+    const bool takesLiveStat = leaving && liveStat_->enabled();
+    const bool takesDiscover = leaving && liveDiscover_->enabled();
+    if (takesLiveStat)
         liveStat_->disableNow();
+    if (takesDiscover)
+        liveDiscover_->disableNow();
     auto error = doc_->saveAs(path);
     if (!error)
         doc_->setPendingChanges(false);
-    if (leaving)
+    if (takesLiveStat)
         liveStat_->toggle();
+    if (takesDiscover)
+        liveDiscover_->toggle();
     if (!error)
         refillListView();
     return error;
@@ -206,6 +218,7 @@ std::optional<FileError> CStation::shutDown() {
     busy_ = reloadWaiting_ = false;
     lastSaveError_.reset();
     liveStat_->disableNow();
+    liveDiscover_->disableNow();
     if (doc_->pendingChanges())
         saveBackgroundChanges();
     stopTimers();

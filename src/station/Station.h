@@ -1,5 +1,6 @@
 #pragma once
 
+#include "livestat/Discover.h"
 #include "livestat/Scheduler.h"
 #include "livestat/StepProbes.h"
 #include "livestat/Workers.h"
@@ -57,9 +58,10 @@ struct StationServices {
     std::shared_ptr<Files> exportFiles = nullptr;
 };
 
-/// One station on one datafile: document, datafile watch with periodic save, and Live Stat, driven by timers.
+/// One station on one datafile: document, datafile watch with periodic save, Live Stat and Live Discover,
+/// driven by timers.
 /// The desktop program and the headless station are both thin shells over it. Main thread only.
-class CStation final : private LiveStatHost {
+class CStation final : private LiveStatHost, private LiveDiscoverHost {
 public:
     explicit CStation(StationServices services);
     ~CStation() override;
@@ -70,6 +72,7 @@ public:
     const CMirovaneDoc& document() const { return *doc_; }
     CLiveStatScheduler& liveStat() { return *liveStat_; }
     const CLiveStatScheduler& liveStat() const { return *liveStat_; }
+    const CLiveDiscover& liveDiscover() const { return *liveDiscover_; }
     const CReminderCheck& reminders() const { return *reminders_; }
     CMessageLog& log() { return services_.log; }
     CSettings& settings() { return services_.settings; }
@@ -100,6 +103,7 @@ public:
     std::optional<FileError> exportError() const;
 
     void toggleLiveStat() { liveStat_->toggle(); }
+    void toggleLiveDiscover() { liveDiscover_->toggle(); }
 
     /// Live Stat Now on the selected devices.
     void liveStatNow() { liveStat_->performNow(); }
@@ -138,7 +142,8 @@ public:
     /// The List View's rows are to be made anew.
     std::function<void()> onListRefill;
 
-    /// Live Stat went on or off, a run ended (other devices are held now), or the status text changed.
+    /// Live Stat or Live Discover went on or off, a device was discovered, a run ended (other devices are
+    /// held now), or the status text changed.
     std::function<void()> onIndicators;
 
     /// A reminder check found due reminders, or found that none is due any more.
@@ -151,8 +156,8 @@ public:
     std::function<void()> onWaiting;
 
     /// Switches Live Stat off, waits for the jobs (milliseconds: they are told to stop), releases the owner
-    /// record and saves. Returns the save's error: then the station goes on without Live Stat and may be shut
-    /// down again. The destructor does the same when nobody did.
+    /// record and saves; then the same with Live Discover. Returns the save's error: then the station goes on
+    /// without them and may be shut down again. The destructor does the same when nobody did.
     std::optional<FileError> shutDown();
 
 private:
@@ -165,6 +170,9 @@ private:
     void indicatorsChanged() override;
     void track(std::int32_t recID) override;
     void waiting() override;
+
+    // LiveDiscoverHost
+    void deviceDiscovered() override;
 
     void autoExport();
     std::optional<FileError> save();
@@ -187,13 +195,18 @@ private:
     void keepOwnerAlive();
     bool wantsLiveStat() const { return services_.autoStart && liveStatSettings_.LSAutoStart; }
 
+    static constexpr std::chrono::milliseconds watchPeriod{3000};
+
     StationServices services_;
     LiveStatSettings liveStatSettings_;
     ListViewState listView_;
     std::unique_ptr<CMirovaneDoc> doc_;
     std::unique_ptr<CReminderCheck> reminders_;
     std::unique_ptr<Workers> ownWorkers_;
+    std::unique_ptr<Workers>
+        discoverWorkers_; ///< whoever waits for Live Stat's steps waits for no ping of a walk
     std::unique_ptr<CLiveStatScheduler> liveStat_;
+    std::unique_ptr<CLiveDiscover> liveDiscover_;
     std::unique_ptr<Timer> watchTimer_;
     std::unique_ptr<Timer> reminderTimer_;
     std::unique_ptr<CExportWriter> exportWriter_;

@@ -105,6 +105,7 @@ void CStation::finishReload() {
     if (!unreadable_) {
         refillListView();
         liveStat_->afterReload();
+        liveDiscover_->afterReload();
         redraw();
     }
     reloading_ = false;
