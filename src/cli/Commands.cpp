@@ -26,6 +26,23 @@ constexpr std::array listOptions{
     OptionDefinition{"--descending", 0, "", "greatest first"},
 };
 
+constexpr std::array importOptions{
+    OptionDefinition{"--misc", 0, "", "put them into the Discovered/Misc window instead of on the floor map"},
+    OptionDefinition{"--position", 1, "X,Y", "where they stand on the floor map (usually 0,0)"},
+};
+
+constexpr std::array exportOptions{
+    OptionDefinition{"--delimiter", 1, "TEXT", "between two fields, instead of a TAB"},
+    OptionDefinition{"--quote-all", 0, "", "every field in double quotes"},
+    OptionDefinition{"--quote-comment", 0, "", "the comment in double quotes"},
+    OptionDefinition{"--header", 0, "", "begin with a line of column names"},
+    OptionDefinition{"--floor", 0, "", "devices on the floor map only"},
+    OptionDefinition{"--misc", 0, "", "devices in the Discovered/Misc window only"},
+    OptionDefinition{"--type", 1, "NAME", "devices of this type only; may be repeated"},
+    OptionDefinition{"--sort", 1, "COLUMN", "by this column's title or field (usually Modified)"},
+    OptionDefinition{"--descending", 0, "", "greatest first"},
+};
+
 constexpr std::array checkOptions{json};
 
 constexpr std::array addOptions{
@@ -69,6 +86,22 @@ constexpr std::string_view listDetails =
 
 constexpr std::string_view checkDetails =
     "Exit status 1 when anything is odd, 3 when the file cannot be read at all.\n";
+
+constexpr std::string_view copyDetails =
+    "Without RECID all devices are copied. A line has 19 fields with a TAB between them: Modified, state\n"
+    "(Active, Inactive), reminder, to do, type, name, IP address, user name, MAC address, to jack, comment,\n"
+    "then \"Check\" and text of the /, \\, - and | line. `import` reads them back.\n";
+
+constexpr std::string_view importDetails =
+    "TEXTFILE holds a line per device as `copy` prints it; - is standard input. The fifth field, the type,\n"
+    "must be there, every other may be empty. Dates are in the locale's form or as 2026-11-22 14:30; "
+    "without\n"
+    "one Modified is now. All devices are added, or none when a line makes no sense.\n";
+
+constexpr std::string_view exportDetails =
+    "OUT is replaced whole where it exists; - is standard output. A line per device: Modified, LS, Pri,\n"
+    "Reminder, To Do, Device, Name, IP Address, Username, MAC Address, to Jack/#, Comment, / Text, \\Text,\n"
+    "- Text, | Text. Lines end with CR LF. Line breaks in the comment become blanks, nothing is escaped.\n";
 
 constexpr std::string_view fieldDetails =
     "Fields: Type, State, Position, Name, IPAddress, MACAddress, Username, ToJack, Comment, SlashText,\n"
@@ -140,6 +173,20 @@ constexpr std::array table{
             fieldDetails,
             runSet},
     Command{"delete", "delete devices", "FILE RECID...", 2, anyNumber, {}, "", runDelete},
+    Command{"copy",
+            "print devices in the clipboard's text form",
+            "FILE [RECID...]",
+            1,
+            anyNumber,
+            {},
+            copyDetails,
+            runCopy},
+    Command{"import", "add the devices of a text in the clipboard's form",
+            "FILE TEXTFILE [--misc] [--position X,Y]", 2, 2, importOptions, importDetails, runImport},
+    Command{"export", "write the List View's rows into a text file",
+            "FILE OUT [--delimiter TEXT] [--quote-all] [--quote-comment] [--header] [--floor] [--misc]"
+            " [--type NAME]... [--sort COLUMN] [--descending]",
+            2, 2, exportOptions, exportDetails, runExport},
     Command{"criteria", "print or change the Live Stat criteria",
             "FILE [--type NAME] [--json] [--set ROW COLUMN VALUE]... [--reset]", 1, 1, criteriaOptions,
             criteriaDetails, runCriteria},

@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace mirovane {
 
@@ -43,6 +44,9 @@ ExitStatus runUpgrade(CommandContext& context);
 ExitStatus runAdd(CommandContext& context);
 ExitStatus runSet(CommandContext& context);
 ExitStatus runDelete(CommandContext& context);
+ExitStatus runCopy(CommandContext& context);
+ExitStatus runImport(CommandContext& context);
+ExitStatus runExport(CommandContext& context);
 ExitStatus runCriteria(CommandContext& context);
 ExitStatus runStation(CommandContext& context);
 ExitStatus runPing(CommandContext& context);
@@ -51,6 +55,9 @@ ExitStatus runSnmpGet(CommandContext& context);
 ExitStatus runRegistry(CommandContext& context);
 ExitStatus runLoggedOn(CommandContext& context);
 ExitStatus runMatch(CommandContext& context);
+
+/// What a command that changed devices prints: their record IDs, a line each.
+void printRecIDs(Output& out, const std::vector<std::int32_t>& recIDs);
 
 /// Reports a wrong command line and names the way out.
 ExitStatus usageError(CommandContext& context, std::string_view sentence);

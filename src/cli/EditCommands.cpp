@@ -42,12 +42,12 @@ EditRefusal noDevice(std::int32_t recID) {
     return {"no device has the RecID " + std::to_string(recID) + ": nothing was changed", ExitStatus::No};
 }
 
+} // namespace
+
 void printRecIDs(Output& out, const std::vector<std::int32_t>& recIDs) {
     for (const std::int32_t recID : recIDs)
         out.printLine(std::to_string(recID));
 }
-
-} // namespace
 
 ExitStatus runNew(CommandContext& context) {
     return createDatafile(context.out, context.arguments.positionals[0], context.arguments.has("--force"));

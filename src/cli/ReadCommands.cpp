@@ -1,9 +1,9 @@
 #include "cli/Commands.h"
 #include "cli/DatafileCheck.h"
 #include "cli/Datafiles.h"
+#include "cli/ListRequest.h"
 #include "cli/RecordJson.h"
 #include "cli/TextTable.h"
-#include "model/ListRows.h"
 
 #include <array>
 
@@ -63,29 +63,6 @@ void printListJson(Output& out, const std::vector<const CHardware*>& rows) {
     printer.end();
 }
 
-Result<ListViewState, UsageError> listRequest(const Arguments& arguments) {
-    ListViewState request;
-    const bool both = arguments.has("--floor") == arguments.has("--misc");
-    request.filter.floor = both || arguments.has("--floor");
-    request.filter.discovered = both || arguments.has("--misc");
-    request.greatestFirst = arguments.has("--descending");
-    if (arguments.has("--type"))
-        request.filter.hiddenTypes = ~std::uint32_t{0};
-    for (const std::string& name : arguments.values("--type")) {
-        const auto type = typeArgument(name);
-        if (!type)
-            return type.error();
-        request.filter.hiddenTypes &= ~(std::uint32_t{1} << (type.value() - 1));
-    }
-    if (const auto name = arguments.value("--sort")) {
-        const auto column = listColumnFromName(*name);
-        if (!column)
-            return UsageError{"unknown column \"" + *name + "\": mirovanectl list --help names them"};
-        request.column = *column;
-    }
-    return request;
-}
-
 } // namespace
 
 ExitStatus runRecords(CommandContext& context) {
@@ -110,13 +87,7 @@ ExitStatus runList(CommandContext& context) {
     const auto content = readDatafile(context.out, context.arguments.positionals[0]);
     if (!content)
         return ExitStatus::FileFailed;
-    std::vector<const CHardware*> rows;
-    for (const auto& record : content->records) {
-        const bool known = !typeName(record->Type).empty() || !context.arguments.has("--type");
-        if (known && request.value().filter.shows(*record))
-            rows.push_back(record.get());
-    }
-    sortListRows(rows, request.value().column, request.value().greatestFirst);
+    const auto rows = requestedRows(*content, request.value());
     if (context.arguments.has("--json"))
         printListJson(context.out, rows);
     else

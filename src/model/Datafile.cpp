@@ -238,6 +238,15 @@ Result<Content, Error> decode(std::string_view bytes) {
     }
 }
 
+bool beginsLikeDatafile(std::string_view beginning) {
+    constexpr std::size_t name = 2 + descriptorSize - className.size(); // behind the count
+    constexpr std::size_t nameAfterLongCount = name + 4;
+    const auto named = [&](std::size_t at) {
+        return beginning.size() > at && beginning.substr(at, className.size()) == className;
+    };
+    return named(name) || named(nameAfterLongCount);
+}
+
 std::string encode(const RecordList& records) {
     ByteWriter writer;
     writer.reserve(estimatedSize(records));

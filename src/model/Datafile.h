@@ -42,6 +42,10 @@ struct Content {
 /// remain, and never returns part of a file. Out of memory is an error of kind CannotRead.
 Result<Content, Error> decode(std::string_view bytes);
 
+/// Whether a file that begins like this is a datafile, sound or not, and not text of some kind.
+constexpr std::size_t beginningSize = 32;
+bool beginsLikeDatafile(std::string_view beginning);
+
 /// The 2008 layout, whatever the file was.
 std::string encode(const RecordList& records);
 

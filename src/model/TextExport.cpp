@@ -1,11 +1,13 @@
 #include "model/TextExport.h"
 
+#include "model/Datafile.h"
 #include "model/Dates.h"
 #include "model/ListRows.h"
 #include "platform/FilePaths.h"
 
 #include <array>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace mirovane {
@@ -106,6 +108,14 @@ private:
     std::string stampText_;
 };
 
+/// A slip of the finger must not cost somebody his site.
+bool holdsDatafile(const std::string& path) {
+    std::array<char, Datafile::beginningSize> beginning{};
+    std::ifstream file(path, std::ios::binary);
+    file.read(beginning.data(), beginning.size());
+    return Datafile::beginsLikeDatafile({beginning.data(), static_cast<std::size_t>(file.gcount())});
+}
+
 FileError cannotExport(const std::string& target, const std::string& why) {
     return {FileError::Kind::Other, 0, "cannot write " + target + ": " + why};
 }
@@ -173,6 +183,8 @@ std::optional<FileError> writeExport(Files& files, const std::string& target, co
     auto file = files.lock(target, FileAccess::Write, patience);
     if (!file)
         return file.error();
+    if (file.value()->exists() && holdsDatafile(target))
+        return cannotExport(target, "it is a datafile; choose another name");
     const auto written = file.value()->replace(text);
     if (!written)
         return written.error();

@@ -53,7 +53,8 @@ std::string exportText(std::span<const CHardware* const> rows, const TextExportF
 
 /// Puts the text into the file so that no reader sees half of it, except where the folder takes no new file
 /// and the old one must be written over. Waits for whoever has the file locked up to `patience`, and for a
-/// slow share without limit. Refuses the datafile itself as target. Any thread that has `files` to itself.
+/// slow share without limit. Refuses the datafile itself and any other
+/// datafile as target. Any thread that has `files` to itself.
 std::optional<FileError> writeExport(Files& files, const std::string& target, const std::string& datafile,
                                      std::string_view text, std::chrono::milliseconds patience);
 

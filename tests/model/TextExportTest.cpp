@@ -170,6 +170,9 @@ TEST_F(TextExport, whatCannotBeWrittenIsNamed) {
     EXPECT_THAT(sentence(""), HasSubstr("no file name"));
     EXPECT_THAT(sentence(path), HasSubstr(path + ": it is the datafile itself"));
     EXPECT_THAT(sentence(folder.file("same.txt")), HasSubstr("datafile itself"));
+    std::filesystem::copy_file(path, folder.file("backup.mv"));
+    EXPECT_THAT(sentence(folder.file("backup.mv")), HasSubstr("it is a datafile"));
+    EXPECT_EQ(readBytes(folder.file("backup.mv")), before);
     EXPECT_THAT(sentence(folder.file("none/list.txt")), HasSubstr(folder.file("none/list.txt")));
     EXPECT_THAT(sentence(folder.path()), HasSubstr(folder.path()));
     writeBytes(folder.file("held.txt"), "old");
