@@ -59,6 +59,18 @@ bool insideCull(QPoint scaledPosition, QPoint scroll, QSize client) {
            inside(scaledPosition.y(), scroll.y(), client.height());
 }
 
+std::optional<QPoint> scrollToShow(QPoint scaledPosition, QPoint scroll, QSize client) {
+    constexpr int edge = 20;
+    const auto inView = [](int at, int from, int length) {
+        return at > from && at < from + length - edge;
+    };
+    if (inView(scaledPosition.x(), scroll.x(), client.width()) &&
+        inView(scaledPosition.y(), scroll.y(), client.height()))
+        return std::nullopt;
+    return QPoint(std::max(0, scaledPosition.x() - client.width() / 2),
+                  std::max(0, scaledPosition.y() - client.height() / 2));
+}
+
 bool hits(MapPoint position, QSize iconSize, QPoint scaledPoint, FloorZoom zoom) {
     const QPoint corner = toScaled(position, zoom.ZoomPercent);
     const QSize size = scaled(iconSize, zoom.ZoomDevicesPercent);

@@ -55,6 +55,10 @@ constexpr std::int32_t cullMargin = 200;
 /// A device that starts here can be seen in the window.
 bool insideCull(QPoint scaledPosition, QPoint scroll, QSize client);
 
+/// Where to scroll so that a point comes into the middle of the window, never below 0; nothing when it is in
+/// view already, clear of the scroll bars.
+std::optional<QPoint> scrollToShow(QPoint scaledPosition, QPoint scroll, QSize client);
+
 /// Both edges count: a device of size 0 is still hit at its position.
 bool hits(MapPoint position, QSize iconSize, QPoint scaledPoint, FloorZoom zoom);
 

@@ -2,6 +2,7 @@
 
 #include "model/Text.h"
 #include "ui/floor/FontBands.h"
+#include "ui/floor/HoverRule.h"
 
 #include <QDir>
 #include <QPaintEvent>
@@ -308,6 +309,19 @@ void CMirovaneView::updateScrollRange() {
     verticalScrollBar()->setRange(0, std::max(0, extent_.height() - page.height()));
     horizontalScrollBar()->setPageStep(page.width());
     verticalScrollBar()->setPageStep(page.height());
+}
+
+void CMirovaneView::showDevice(const CHardware& device) {
+    if (!device.onFloor())
+        return;
+    updateScrollRange();
+    const QPoint scroll(horizontalScrollBar()->value(), verticalScrollBar()->value());
+    const QPoint at = toScaled(device.Position, floorZoom(document_.display()).ZoomPercent);
+    if (const auto wanted = scrollToShow(at, scroll, viewport()->size())) {
+        horizontalScrollBar()->setValue(wanted->x());
+        verticalScrollBar()->setValue(wanted->y());
+    }
+    showOnly(document_, index_, &device);
 }
 
 void CMirovaneView::resizeEvent(QResizeEvent* event) {

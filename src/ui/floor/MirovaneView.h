@@ -50,6 +50,9 @@ public:
     /// Scaled coordinates of a point of the viewport.
     QPoint scaledPoint(QPoint windowPoint) const;
 
+    /// Brings a floor device into view, with all its labels until the pointer moves. Does not select it.
+    void showDevice(const CHardware& device);
+
     /// The next frame equals this one: nothing waits to be drawn or loaded.
     bool settled() const;
 

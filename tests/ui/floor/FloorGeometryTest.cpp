@@ -53,6 +53,15 @@ TEST(FloorGeometryTest, CullEdgesAreOutside) {
     EXPECT_FALSE(insideCull({1799, 1100}, scroll, client));
 }
 
+TEST(FloorGeometryTest, ScrollingToShowAPointPutsItInTheMiddleUnlessItIsInView) {
+    const QSize client(400, 300);
+    EXPECT_EQ(scrollToShow({101, 101}, {100, 100}, client), std::nullopt);
+    EXPECT_EQ(scrollToShow({479, 379}, {100, 100}, client), std::nullopt);
+    EXPECT_EQ(scrollToShow({480, 300}, {100, 100}, client), QPoint(280, 150)) << "a scroll bar may lie there";
+    EXPECT_EQ(scrollToShow({300, 100}, {100, 100}, client), QPoint(100, 0));
+    EXPECT_EQ(scrollToShow({5, 5}, {100, 100}, client), QPoint(0, 0));
+}
+
 TEST(FloorGeometryTest, HitIncludesEveryEdgeOfTheScaledIcon) {
     const FloorZoom zoom{50, 200};
     EXPECT_TRUE(hits({100, 100}, {32, 16}, {50, 50}, zoom));

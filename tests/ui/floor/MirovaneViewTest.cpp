@@ -167,6 +167,20 @@ TEST_F(MirovaneViewTest, ScrollingShowsWhatComesUnderAPointerThatRests) {
     EXPECT_EQ(device.ShowAll, 0);
 }
 
+TEST_F(MirovaneViewTest, DeviceIsBroughtIntoViewWithAllItsLabels) {
+    add(DeviceType::Computer, {4000, 4000});
+    const CHardware& far = add(DeviceType::Printer, {3000, 2500});
+    view.showDevice(far);
+    settle();
+    const QPoint at = QPoint(3000, 2500) - view.scaledPoint({0, 0});
+    EXPECT_TRUE(view.viewport()->rect().adjusted(0, 0, -20, -20).contains(at)) << at.x() << ' ' << at.y();
+    EXPECT_EQ(far.ShowAll, 1);
+    EXPECT_EQ(far.Selected, 0);
+    const int before = view.horizontalScrollBar()->value();
+    view.showDevice(*site.doc().addDevice(DeviceType::Computer + 1000, nullptr));
+    EXPECT_EQ(view.horizontalScrollBar()->value(), before) << "it has no place on the floor";
+}
+
 TEST_F(MirovaneViewTest, PointerInAMarkedAreaShowsIt) {
     const CHardware& marker = add(DeviceType::LocationMarker, {300, 300});
     site.doc().edit(marker, [](CHardware& d) { d.ToJack = "50,50,200,50,200,200,50,200,"; });
