@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <type_traits>
 
 namespace mirovane {
 
@@ -64,9 +65,12 @@ std::string CHardware::*textOf(ListColumn column) {
     }
 }
 
+char upperCase(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+}
+
 std::string upperCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; });
+    std::transform(text.begin(), text.end(), text.begin(), [](char c) { return upperCase(c); });
     return text;
 }
 
@@ -75,24 +79,96 @@ double reminderKey(const DateTime& date) {
     return isCalendarDate(date) ? date.value : -std::numeric_limits<double>::infinity();
 }
 
-template <typename Key, typename MakeKey>
-void sortByKey(std::vector<const CHardware*>& rows, bool greatestFirst, MakeKey makeKey) {
+/// Calls `use` with the function that makes a column's key of a record.
+template <typename Use>
+auto withSortKey(ListColumn column, Use use) {
+    switch (column) {
+    case ListColumn::ID:
+        return use([](const CHardware& row) { return row.RecID; });
+    case ListColumn::Modified:
+        return use([](const CHardware& row) { return row.Modified; });
+    case ListColumn::LS:
+        return use([](const CHardware& row) { return row.State; });
+    case ListColumn::Priority:
+        return use([](const CHardware& row) { return row.Priority; });
+    case ListColumn::Reminder:
+        return use([](const CHardware& row) { return reminderKey(row.ReminderDate); });
+    default:
+        return use([column](const CHardware& row) { return upperCase(listCellText(row, column)); });
+    }
+}
+
+/// Equal keys stay in their order in both directions.
+template <typename Entry, typename Less>
+void sortEntries(std::vector<const CHardware*>& rows, std::vector<Entry>& entries, bool greatestFirst,
+                 Less less) {
+    if (greatestFirst)
+        std::stable_sort(entries.begin(), entries.end(),
+                         [less](const Entry& a, const Entry& b) { return less(b, a); });
+    else
+        std::stable_sort(entries.begin(), entries.end(), less);
+    std::transform(entries.begin(), entries.end(), rows.begin(),
+                   [](const Entry& entry) { return entry.row; });
+}
+
+template <typename MakeKey>
+void sortByNumber(std::vector<const CHardware*>& rows, bool greatestFirst, MakeKey makeKey) {
     struct Entry {
-        Key key;
+        decltype(makeKey(*rows.front())) key;
         const CHardware* row;
     };
     std::vector<Entry> entries;
     entries.reserve(rows.size());
     for (const CHardware* row : rows)
         entries.push_back({makeKey(*row), row});
-    if (greatestFirst)
-        std::stable_sort(entries.begin(), entries.end(),
-                         [](const auto& a, const auto& b) { return b.key < a.key; });
-    else
-        std::stable_sort(entries.begin(), entries.end(),
-                         [](const auto& a, const auto& b) { return a.key < b.key; });
-    std::transform(entries.begin(), entries.end(), rows.begin(),
-                   [](const Entry& entry) { return entry.row; });
+    sortEntries(rows, entries, greatestFirst, [](const Entry& a, const Entry& b) { return a.key < b.key; });
+}
+
+/// A text to sort by: eight of its bytes as a number, which decides most comparisons without a look at the
+/// text itself.
+struct TextEntry {
+    std::uint64_t head;
+    std::string_view text;
+    const CHardware* row;
+};
+
+std::size_t commonPrefix(std::string_view a, std::string_view b) {
+    const auto ends = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    return static_cast<std::size_t>(ends.first - a.begin());
+}
+
+std::uint64_t headOf(std::string_view text, std::size_t from) {
+    std::uint64_t head = 0;
+    for (std::size_t i = from; i < from + sizeof head; ++i)
+        head = head << 8 | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
+    return head;
+}
+
+/// The keys stand in one block, because a text of its own for each row costs more than the comparisons. What
+/// all keys begin with ("workstation-") says nothing about their order, so the heads start behind it.
+template <typename MakeKey>
+void sortByText(std::vector<const CHardware*>& rows, bool greatestFirst, MakeKey makeKey) {
+    std::string block;
+    std::vector<std::size_t> ends;
+    ends.reserve(rows.size());
+    for (const CHardware* row : rows) {
+        block += makeKey(*row);
+        ends.push_back(block.size());
+    }
+    std::vector<TextEntry> entries;
+    entries.reserve(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const std::size_t from = i == 0 ? 0 : ends[i - 1];
+        entries.push_back({0, std::string_view(block).substr(from, ends[i] - from), rows[i]});
+    }
+    std::size_t common = entries.empty() ? 0 : entries.front().text.size();
+    for (const TextEntry& entry : entries)
+        common = commonPrefix(entries.front().text.substr(0, common), entry.text);
+    for (TextEntry& entry : entries)
+        entry.head = headOf(entry.text, common);
+    sortEntries(rows, entries, greatestFirst, [](const TextEntry& a, const TextEntry& b) {
+        return a.head != b.head ? a.head < b.head : a.text < b.text;
+    });
 }
 
 } // namespace
@@ -155,24 +231,33 @@ bool ListFilter::shows(const CHardware& record) const {
 }
 
 void sortListRows(std::vector<const CHardware*>& rows, ListColumn column, bool greatestFirst) {
-    switch (column) {
-    case ListColumn::ID:
-        return sortByKey<std::int32_t>(rows, greatestFirst, [](const CHardware& row) { return row.RecID; });
-    case ListColumn::Modified:
-        return sortByKey<TimeStamp>(rows, greatestFirst, [](const CHardware& row) { return row.Modified; });
-    case ListColumn::LS:
-        return sortByKey<std::int32_t>(rows, greatestFirst, [](const CHardware& row) { return row.State; });
-    case ListColumn::Priority:
-        return sortByKey<std::int32_t>(rows, greatestFirst,
-                                       [](const CHardware& row) { return row.Priority; });
-    case ListColumn::Reminder:
-        return sortByKey<double>(rows, greatestFirst,
-                                 [](const CHardware& row) { return reminderKey(row.ReminderDate); });
-    default:
-        return sortByKey<std::string>(rows, greatestFirst, [column](const CHardware& row) {
-            return upperCase(listCellText(row, column));
-        });
-    }
+    withSortKey(column, [&rows, greatestFirst](auto makeKey) {
+        if constexpr (std::is_same_v<decltype(makeKey(*rows.front())), std::string>)
+            sortByText(rows, greatestFirst, makeKey);
+        else
+            sortByNumber(rows, greatestFirst, makeKey);
+    });
+}
+
+bool sameSortKey(const CHardware& a, const CHardware& b, ListColumn column) {
+    return withSortKey(
+        column, [&a, &b](auto makeKey) { return !(makeKey(a) < makeKey(b)) && !(makeKey(b) < makeKey(a)); });
+}
+
+std::size_t sortedPlace(std::span<const CHardware* const> rows, const CHardware& record,
+                        const ListViewState& state, const CMirovaneDoc& document) {
+    const auto place = document.indexOfDevice(record.RecID);
+    return withSortKey(state.column, [&](auto makeKey) {
+        const auto key = makeKey(record);
+        const auto standsBefore = [&](const CHardware* row) {
+            const auto other = makeKey(*row);
+            if (other < key || key < other)
+                return (other < key) != state.greatestFirst;
+            return document.indexOfDevice(row->RecID) < place;
+        };
+        const auto found = std::partition_point(rows.begin(), rows.end(), standsBefore);
+        return static_cast<std::size_t>(found - rows.begin());
+    });
 }
 
 std::vector<const CHardware*> listViewRows(const CMirovaneDoc& document, const ListViewState& state) {

@@ -72,6 +72,14 @@ struct ListViewState {
 /// made once, so 65,000 rows take tens of milliseconds even by a text column.
 void sortListRows(std::vector<const CHardware*>& rows, ListColumn column, bool greatestFirst);
 
+/// True when the two stand side by side however the column is sorted.
+bool sameSortKey(const CHardware& a, const CHardware& b, ListColumn column);
+
+/// Where `record`, a device of the document, belongs among sorted rows that do not hold it. A few dozen
+/// comparisons, however many rows there are.
+std::size_t sortedPlace(std::span<const CHardware* const> rows, const CHardware& record,
+                        const ListViewState& state, const CMirovaneDoc& document);
+
 /// The rows of the List View from top to bottom. The pointers live as long as records of the document do.
 std::vector<const CHardware*> listViewRows(const CMirovaneDoc& document, const ListViewState& state);
 
