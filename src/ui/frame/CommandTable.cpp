@@ -55,6 +55,8 @@ constexpr std::array commands = {
     CommandDefinition{.id = CommandId::ViewMessageLogs, .name = "viewMessageLogs", .menu = view,
                       .text = "&Message logs", .keys = "Ctrl+M",
                       .help = "Show what was done in the background, line by line", .groupStart = true},
+    CommandDefinition{.id = CommandId::ViewListView, .name = "viewListView", .menu = view,
+                      .text = "&List View", .keys = "Ctrl+L", .help = "Show the devices as a table"},
 
     label("PropertiesComputer",   "Computer name", "1", "Show computer names under devices"),
     label("PropertiesIPAddress",  "IP Address",    "2", "Show IP addresses under devices"),

@@ -16,6 +16,7 @@ enum class CommandId {
     ViewStatusBar,
     ViewDisplayToggle, ///< every command that switches one display setting; `setting` says which
     ViewMessageLogs,
+    ViewListView,
     ToolsFloorMap,
     ToolsLiveStat,
     ToolsLiveStatNow,

@@ -1,13 +1,14 @@
 #include "ui/frame/MainFrame.h"
 
 #include "model/Text.h"
+#include "ui/dialogs/ListViewWindow.h"
+#include "ui/dialogs/WindowPlacement.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/FrameMenus.h"
 #include "ui/frame/FrameToolBar.h"
 #include "ui/frame/IdleNotifier.h"
 #include "ui/frame/MessageLogWindow.h"
 #include "ui/frame/ToolIcons.h"
-#include "ui/frame/WindowPlacement.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -44,10 +45,11 @@ CMainFrame::CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& r
       panes_(*statusBar()),
       messageLog_(std::make_unique<CMessageLogWindow>(station.log(), station.settings())),
       files_(station, dialogs, recent, [this] { refresh(); }),
-      viewCommands_(station.document(), {*toolbar_, *statusBar(), [this] { messageLog_->present(); },
-                                         [this] {
-                                             floor_->viewport()->update();
-                                         }}),
+      viewCommands_(station.document(),
+                    {*toolbar_, *statusBar(), [this] { messageLog_->present(); }, [this] { showListView(); },
+                     [this] {
+                         floor_->viewport()->update();
+                     }}),
       toolsCommands_(station, dialogs, [this] { floor_->reloadFloorMap(); }) {
     setObjectName(QStringLiteral("mainFrame"));
     setWindowIcon(programIcon());
@@ -92,6 +94,8 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
         return;
     }
     messageLog_->close();
+    if (listView_)
+        listView_->close();
     QMainWindow::closeEvent(event);
 }
 
@@ -102,6 +106,27 @@ void CMainFrame::connectCommands() {
     actions_->setHandler(CommandId::FileExit, {[this](const CommandDefinition&, bool) { close(); }, {}});
     actions_->setHandler(CommandId::HelpAbout,
                          {[this](const CommandDefinition&, bool) { dialogs_.about(); }, {}});
+}
+
+/// Made when it is first asked for: a program that never shows the list does not pay for it at its start.
+void CMainFrame::showListView() {
+    if (!listView_) {
+        listView_ = std::make_unique<CListViewWindow>(station_);
+        listView_->setWindowIcon(windowIcon());
+        connect(listView_.get(), &CListViewWindow::showOnFloor, this, &CMainFrame::showOnFloor);
+    }
+    listView_->present();
+}
+
+void CMainFrame::showOnFloor(std::int32_t recID) {
+    const CHardware* device = station_.document().findDevice(recID);
+    if (!device)
+        return;
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+    floor_->setFocus();
+    floor_->showDevice(*device);
 }
 
 void CMainFrame::makeMenus() {

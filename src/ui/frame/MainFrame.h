@@ -16,10 +16,12 @@
 
 namespace mirovane {
 
+class CListViewWindow;
 class CMessageLogWindow;
 class CMirovaneView;
 
-/// The one top-level window: menus, toolbar, the floor and the status bar; beside it the message log window.
+/// The one top-level window: menus, toolbar, the floor and the status bar; beside it the message log and
+/// the list of devices.
 /// Knows how its parts are put together, and nothing of what they do. Main thread only.
 class CMainFrame : public QMainWindow {
     Q_OBJECT
@@ -33,6 +35,9 @@ public:
     CFileCommands& files() { return files_; }
     CCommandActions& actions() { return *actions_; }
     CMessageLogWindow& messageLog() { return *messageLog_; }
+
+    /// Null before it was first shown.
+    CListViewWindow* listView() { return listView_.get(); }
 
     /// Title, panes, check marks and enablement, from the state of things now.
     void refresh();
@@ -51,6 +56,8 @@ protected:
 private:
     void connectCommands();
     void makeMenus();
+    void showListView();
+    void showOnFloor(std::int32_t recID);
     void connectStation();
     void placeWindow();
     void showTitle();
@@ -66,6 +73,7 @@ private:
     QToolBar* toolbar_;
     CStatusPanes panes_;
     std::unique_ptr<CMessageLogWindow> messageLog_;
+    std::unique_ptr<CListViewWindow> listView_;
     CFileCommands files_;
     CViewCommands viewCommands_;
     CToolsCommands toolsCommands_;

@@ -1,7 +1,7 @@
 #include "ui/frame/MessageLogWindow.h"
 
 #include "model/Text.h"
-#include "ui/frame/WindowPlacement.h"
+#include "ui/dialogs/WindowPlacement.h"
 
 #include <QFont>
 #include <QFontMetrics>
@@ -58,9 +58,7 @@ CMessageLogWindow::CMessageLogWindow(CMessageLog& log, CSettings& settings) : te
     layout->addWidget(text_);
 
     resize(defaultSize().boundedTo(QGuiApplication::primaryScreen()->availableSize() * 9 / 10));
-    const StoredPlacement stored = readPlacement(settings, messageLogPlacement);
-    if (stored.left && stored.width && stored.height)
-        applyPlacement(*this, stored);
+    restorePlacement(*this, settings, messageLogPlacement);
     new PlacementKeeper(*this, settings, messageLogPlacement);
 
     if (log.lines().empty())

@@ -21,6 +21,8 @@ void CViewCommands::connectTo(CCommandActions& actions) {
                         }});
     actions.setHandler(CommandId::ViewMessageLogs,
                        {[this](const CommandDefinition&, bool) { parts_.showMessageLog(); }, {}});
+    actions.setHandler(CommandId::ViewListView,
+                       {[this](const CommandDefinition&, bool) { parts_.showListView(); }, {}});
 }
 
 void CViewCommands::setDisplay(const CommandDefinition& command, bool on) {

@@ -9,14 +9,15 @@
 
 namespace mirovane {
 
-/// The View menu: bars, display settings and the message log window. A switched display setting is written to
-/// the user's settings at once and shown at once.
+/// The View menu: bars, display settings, the message log and the list window. A switched display setting is
+/// written to the user's settings at once and shown at once.
 class CViewCommands {
 public:
     struct Parts {
         QWidget& toolbar;
         QWidget& statusBar;
         std::function<void()> showMessageLog;
+        std::function<void()> showListView;
         std::function<void()> repaintFloor;
     };
 

@@ -1,4 +1,4 @@
-#include "ui/frame/WindowPlacement.h"
+#include "ui/dialogs/WindowPlacement.h"
 
 #include <QApplication>
 #include <QScreen>

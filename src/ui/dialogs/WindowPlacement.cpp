@@ -1,4 +1,4 @@
-#include "ui/frame/WindowPlacement.h"
+#include "ui/dialogs/WindowPlacement.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -67,6 +67,12 @@ void applyPlacement(QWidget& window, const StoredPlacement& stored) {
     window.resize(place.size());
     if (stored.left || stored.top)
         window.move(place.topLeft());
+}
+
+void restorePlacement(QWidget& window, const CSettings& settings, const PlacementKeys& keys) {
+    const StoredPlacement stored = readPlacement(settings, keys);
+    if (stored.left && stored.width && stored.height)
+        applyPlacement(window, stored);
 }
 
 PlacementKeeper::PlacementKeeper(QWidget& window, CSettings& settings, const PlacementKeys& keys)

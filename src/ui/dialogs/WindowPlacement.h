@@ -26,6 +26,7 @@ struct PlacementKeys {
 constexpr PlacementKeys mainFramePlacement{"WindowTopX", "WindowTopY", "WindowBotX", "WindowBotY"};
 constexpr PlacementKeys messageLogPlacement{"WindowMLogTopX", "WindowMLogTopY", "WindowMLogBotX",
                                             "WindowMLogBotY"};
+constexpr PlacementKeys listViewPlacement{"WindowLVTopX", "WindowLVTopY", "WindowLVBotX", "WindowLVBotY"};
 
 /// Stored for "not set"; then the window keeps its default.
 constexpr std::int32_t placementNotSet = 65535;
@@ -47,6 +48,9 @@ QRect reachable(const QRect& wanted, const QList<QRect>& screens);
 /// Puts a window that is not yet shown at its stored place. Each value that is set replaces the default on
 /// its own.
 void applyPlacement(QWidget& window, const StoredPlacement& stored);
+
+/// The same for a window that is not the main one: its default stays unless left, width and height are set.
+void restorePlacement(QWidget& window, const CSettings& settings, const PlacementKeys& keys);
 
 /// Writes the window's place to the settings shortly after every move or resize, except while it is minimised
 /// or maximised. Shortly after, because a window system may report the size of a maximised window before it

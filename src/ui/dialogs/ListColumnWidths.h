@@ -1,0 +1,32 @@
+#pragma once
+
+#include "model/Settings.h"
+
+#include <QHeaderView>
+#include <QTimer>
+
+namespace mirovane {
+
+/// Gives the List View's columns the widths that the user left them with, or those they begin with, and
+/// remembers each change shortly after it. Belongs to the titles.
+class ListColumnWidths final : public QObject {
+    Q_OBJECT
+
+public:
+    ListColumnWidths(QHeaderView& titles, CSettings& settings);
+
+    /// The widths that they begin with; remembered as such.
+    void reset();
+
+    /// Writes now what is still waiting to be written.
+    void flush();
+
+private:
+    void write();
+
+    QHeaderView& titles_;
+    CSettings& settings_;
+    QTimer delay_;
+};
+
+} // namespace mirovane
