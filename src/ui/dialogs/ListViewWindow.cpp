@@ -76,12 +76,16 @@ void CListViewWindow::layOut() {
 
 /// The station may outlive the window by a while.
 void CListViewWindow::watchStation() {
-    station_.onRedraw = [self = QPointer<CListViewWindow>(this), before = station_.onRedraw] {
-        if (before)
-            before();
-        if (self)
-            self->rows_.flush();
+    const auto chain = [this](std::function<void()>& callback, void (ListViewModel::*then)()) {
+        callback = [self = QPointer<CListViewWindow>(this), before = callback, then] {
+            if (before)
+                before();
+            if (self)
+                (self->rows_.*then)();
+        };
     };
+    chain(station_.onRedraw, &ListViewModel::flush);
+    chain(station_.onListRefill, &ListViewModel::settleOrder);
 }
 
 void CListViewWindow::present() {
