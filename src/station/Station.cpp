@@ -50,6 +50,11 @@ CStation::CStation(StationServices services) : services_(std::move(services)) {
     liveDiscover_ = std::make_unique<CLiveDiscover>(
         *doc_, services_.probes.hosts, services_.workers ? *services_.workers : *discoverWorkers_,
         services_.timers, discoverHost);
+    if (services_.sweepProbes) {
+        DiscoverNowHost& sweeping = *this;
+        discoverNow_ =
+            std::make_unique<CDiscoverNow>(*doc_, *services_.sweepProbes, services_.timers, sweeping);
+    }
     watchTimer_ = services_.timers.makeTimer([this] { watchTick(); });
     reminderTimer_ = services_.timers.makeTimer([this] { reminderTick(); });
 }
@@ -66,7 +71,9 @@ void CStation::newDatafile() {
 
 std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
     std::optional<Datafile::Error> error;
-    if (liveStat_->enabled() || liveDiscover_->enabled() || doc_->pendingChanges())
+    const bool works =
+        liveStat_->enabled() || liveDiscover_->enabled() || (discoverNow_ && discoverNow_->running());
+    if (works || doc_->pendingChanges())
         error = whyNotReadable(services_.files, path);
     if (!error) {
         leaveDatafile();
@@ -82,6 +89,7 @@ std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
 
 /// Other stations must not go on believing that this one works on a datafile that it has left.
 void CStation::leaveDatafile() {
+    endDiscoverNow();
     liveStat_->disableNow();
     liveDiscover_->disableNow();
     if (doc_->pendingChanges())
@@ -92,6 +100,12 @@ void CStation::leaveDatafile() {
 void CStation::saveBackgroundChanges() {
     refillListView();
     save();
+}
+
+/// What it found until now is saved with the datafile that is left.
+void CStation::endDiscoverNow() {
+    if (discoverNow_)
+        discoverNow_->endNow();
 }
 
 void CStation::begin() {
@@ -144,6 +158,8 @@ std::optional<FileError> CStation::saveDatafileAs(const std::string& path) {
     const bool leaving = !doc_->path().empty() && std::filesystem::absolute(path).string() != doc_->path();
     const bool takesLiveStat = leaving && liveStat_->enabled();
     const bool takesDiscover = leaving && liveDiscover_->enabled();
+    if (leaving)
+        endDiscoverNow();
     if (takesLiveStat)
         liveStat_->disableNow();
     if (takesDiscover)
@@ -217,6 +233,7 @@ std::optional<FileError> CStation::shutDown() {
     stopTimers();
     busy_ = reloadWaiting_ = false;
     lastSaveError_.reset();
+    endDiscoverNow();
     liveStat_->disableNow();
     liveDiscover_->disableNow();
     if (doc_->pendingChanges())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "livestat/Discover.h"
+#include "livestat/DiscoverNow.h"
 #include "livestat/Scheduler.h"
 #include "livestat/StepProbes.h"
 #include "livestat/Workers.h"
@@ -56,12 +57,15 @@ struct StationServices {
 
     /// Where automatic exports are written, on a thread of their own; null: the system's files.
     std::shared_ptr<Files> exportFiles = nullptr;
+
+    /// What Discover Now asks the network with; null: this station has none.
+    SweepProbes* sweepProbes = nullptr;
 };
 
 /// One station on one datafile: document, datafile watch with periodic save, Live Stat and Live Discover,
 /// driven by timers.
 /// The desktop program and the headless station are both thin shells over it. Main thread only.
-class CStation final : private LiveStatHost, private LiveDiscoverHost {
+class CStation final : private LiveStatHost, private LiveDiscoverHost, private DiscoverNowHost {
 public:
     explicit CStation(StationServices services);
     ~CStation() override;
@@ -101,6 +105,9 @@ public:
 
     /// Why the last automatic export failed; nothing when it did not. The log does not tell.
     std::optional<FileError> exportError() const;
+
+    /// Null where the station was given no network for it.
+    CDiscoverNow* discoverNow() { return discoverNow_.get(); }
 
     void toggleLiveStat() { liveStat_->toggle(); }
     void toggleLiveDiscover() { liveDiscover_->toggle(); }
@@ -173,11 +180,14 @@ private:
 
     // LiveDiscoverHost
     void deviceDiscovered() override;
+    // DiscoverNowHost
+    bool liveDiscoverRuns() const override { return liveDiscover_->enabled(); }
 
     void autoExport();
     std::optional<FileError> save();
     void saveBackgroundChanges();
     void leaveDatafile();
+    void endDiscoverNow();
     void begin();
     void startTimers(std::chrono::milliseconds reminderPeriod);
     void stopTimers();
@@ -207,6 +217,7 @@ private:
         discoverWorkers_; ///< whoever waits for Live Stat's steps waits for no ping of a walk
     std::unique_ptr<CLiveStatScheduler> liveStat_;
     std::unique_ptr<CLiveDiscover> liveDiscover_;
+    std::unique_ptr<CDiscoverNow> discoverNow_;
     std::unique_ptr<Timer> watchTimer_;
     std::unique_ptr<Timer> reminderTimer_;
     std::unique_ptr<CExportWriter> exportWriter_;

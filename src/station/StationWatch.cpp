@@ -106,6 +106,8 @@ void CStation::finishReload() {
         refillListView();
         liveStat_->afterReload();
         liveDiscover_->afterReload();
+        if (discoverNow_)
+            discoverNow_->afterReload();
         redraw();
     }
     reloading_ = false;

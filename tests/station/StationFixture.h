@@ -35,12 +35,12 @@ public:
 class Site {
 public:
     Site(FakeClock& clock, FakeTimers& timers, const StationIdentity& identity, bool autoStart,
-         Workers* other = nullptr)
+         Workers* other = nullptr, SweepProbes* sweepProbes = nullptr)
         : log(clock) {
         settings.initialise();
-        station =
-            std::make_unique<CStation>(StationServices{files, clock, timers, settings, log, dialogs, probes,
-                                                       identity, autoStart, other ? other : &workers});
+        station = std::make_unique<CStation>(StationServices{files, clock, timers, settings, log, dialogs,
+                                                             probes, identity, autoStart,
+                                                             other ? other : &workers, nullptr, sweepProbes});
     }
 
     CMirovaneDoc& doc() { return station->document(); }

@@ -3,13 +3,14 @@
 #include "platform/Clock.h"
 #include "platform/Timers.h"
 
+#include <atomic>
 #include <cstdint>
 #include <ctime>
 #include <map>
 
 namespace mirovane::test {
 
-/// A clock that stands still until it is told to go on.
+/// A clock that stands still until one thread tells it to go on. Any thread may read it.
 class FakeClock final : public Clock {
 public:
     explicit FakeClock(std::time_t start = 1'700'000'000)
@@ -19,16 +20,16 @@ public:
     std::chrono::steady_clock::time_point monotonic() const override { return monotonic_; }
 
     void advance(std::chrono::nanoseconds by) {
-        wall_ += std::chrono::duration_cast<std::chrono::system_clock::duration>(by);
-        monotonic_ += std::chrono::duration_cast<std::chrono::steady_clock::duration>(by);
+        wall_ = wall_.load() + std::chrono::duration_cast<std::chrono::system_clock::duration>(by);
+        monotonic_ = monotonic_.load() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(by);
     }
 
     /// The user set the computer's clock.
-    void jumpWall(std::chrono::seconds by) { wall_ += by; }
+    void jumpWall(std::chrono::seconds by) { wall_ = wall_.load() + by; }
 
 private:
-    std::chrono::system_clock::time_point wall_;
-    std::chrono::steady_clock::time_point monotonic_{};
+    std::atomic<std::chrono::system_clock::time_point> wall_;
+    std::atomic<std::chrono::steady_clock::time_point> monotonic_{};
 };
 
 /// Timers that tick as their clock is advanced, in the order in which they are due. A tick may start, stop,

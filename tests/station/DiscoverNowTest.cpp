@@ -1,0 +1,246 @@
+#include "livestat/FeatureOwner.h"
+#include "tests/station/StationFixture.h"
+#include "tests/support/InstantNetwork.h"
+
+#include <gmock/gmock.h>
+#include <thread>
+
+namespace mirovane::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::Pair;
+using testing::SizeIs;
+
+std::uint32_t at(const char* text) {
+    return parseRangeAddress(text).value();
+}
+
+/// A station that can sweep 127.0.0.1 to 127.0.0.40, of which three printers have the first three addresses.
+class DiscoverNowTest : public StationFixture {
+protected:
+    DiscoverNowTest() {
+        CHardware range;
+        range.Type = SpecialType::DiscoverRangeRecord;
+        range.Name = "127.0.0.1";
+        range.IPAddress = "127.0.0.40";
+        EXPECT_FALSE(b.station->openDatafile(path));
+        b.doc().append(range);
+        EXPECT_FALSE(b.station->saveDatafile());
+        network.living = {at("127.0.0.2"), at("127.0.0.30"), at("127.0.0.9")};
+        network.names[at("127.0.0.9")] = "nine.example";
+        open(sweeper);
+    }
+
+    CDiscoverNow& now() { return *sweeper.station->discoverNow(); }
+    CMirovaneDoc& doc() { return sweeper.doc(); }
+
+    /// Time passes until the sweep is over.
+    void finishSweep() {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (now().running() && std::chrono::steady_clock::now() < deadline) {
+            pass(100);
+            std::this_thread::yield();
+        }
+        ASSERT_FALSE(now().running());
+    }
+
+    /// Time passes until so many hosts were found.
+    void findHosts(std::size_t count) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (now().found().size() < count && std::chrono::steady_clock::now() < deadline) {
+            pass(100);
+            std::this_thread::yield();
+        }
+        ASSERT_GE(now().found().size(), count);
+    }
+
+    static std::map<std::string, std::string> discovered(const CMirovaneDoc& document) {
+        std::map<std::string, std::string> names;
+        for (std::size_t i = 0; i < document.size(); ++i) {
+            if (document.at(i).inDiscovered())
+                names.emplace(document.at(i).IPAddress, document.at(i).Name);
+        }
+        return names;
+    }
+
+    std::map<std::string, std::string> onDisk() {
+        Site reader(clock, timers, {"READER", "r"}, false);
+        EXPECT_FALSE(reader.station->openDatafile(path));
+        return discovered(reader.doc());
+    }
+
+    void claimForOther() {
+        b.doc().edit(*b.doc().findSpecial(SpecialType::LiveDiscoverOwnerRecord), [](CHardware& owner) {
+            owner.State = 1;
+            owner.Name = "B-HOST";
+            owner.Username = "b-user";
+        });
+        EXPECT_FALSE(b.station->saveDatafile());
+    }
+
+    std::size_t saves() {
+        const Lines lines = sweeper.logged();
+        return static_cast<std::size_t>(std::count_if(
+            lines.begin(), lines.end(), [](const std::string& line) { return line.starts_with("Saved"); }));
+    }
+
+    InstantNetwork network;
+    Site sweeper{clock, timers, {"A-HOST", "a-user"}, false, nullptr, &network};
+};
+
+TEST_F(DiscoverNowTest, addsWhatAnswersWithOneSaveAtItsEnd) {
+    ASSERT_EQ(now().start(500), std::nullopt);
+    EXPECT_TRUE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
+    EXPECT_EQ(saves(), 1U) << "the others must know who discovers";
+    EXPECT_EQ(now().start(500), "Discover Now runs already.");
+    finishSweep();
+    EXPECT_EQ(saves(), 1U);
+    EXPECT_THAT(discovered(doc()), ElementsAre(Pair("127.0.0.30", ""), Pair("127.0.0.9", "nine.example")));
+    EXPECT_EQ(onDisk(), discovered(doc()));
+    EXPECT_THAT(network.asked(), SizeIs(37));
+    EXPECT_THAT(network.asked(), Not(Contains(at("127.0.0.2")))) << "a printer has it";
+    EXPECT_FALSE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
+    const SweepResult& result = now().result().value();
+    EXPECT_EQ(describeResult(result),
+              "Asked 37 addresses: 2 hosts answered, all added to the Discovered/Misc window.");
+    ASSERT_THAT(result.added, SizeIs(2));
+    const CHardware* device = doc().findDevice(result.added[0].recID);
+    ASSERT_NE(device, nullptr);
+    EXPECT_EQ(device->IPAddress, "127.0.0.9") << "by address";
+    EXPECT_EQ(device->Comment, "NEW");
+    EXPECT_EQ(device->State, DeviceState::On);
+}
+
+TEST_F(DiscoverNowTest, cancellingKeepsOrDiscardsAsTold) {
+    ASSERT_EQ(now().start(100), std::nullopt);
+    findHosts(1);
+    now().end(CDiscoverNow::Found::Discard);
+    EXPECT_FALSE(now().running());
+    EXPECT_THAT(discovered(doc()), IsEmpty());
+    EXPECT_FALSE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
+    EXPECT_THAT(describeResult(now().result().value()), HasSubstr("nothing was added"));
+
+    ASSERT_EQ(now().start(100), std::nullopt);
+    findHosts(1);
+    now().end(CDiscoverNow::Found::Keep);
+    EXPECT_THAT(onDisk(), Contains(Pair("127.0.0.9", testing::_)));
+    EXPECT_FALSE(now().result()->complete);
+    EXPECT_THAT(describeResult(now().result().value()), HasSubstr("Stopped after "));
+}
+
+TEST_F(DiscoverNowTest, asksBeforeItTakesLiveDiscoverFromAnother) {
+    claimForOther();
+    pass(3000);
+    sweeper.dialogs.answer = false;
+    EXPECT_EQ(now().start(500), "");
+    EXPECT_THAT(sweeper.dialogs.questions,
+                ElementsAre(HasSubstr("Live Discover is enabled by B-HOST\\b-user.")));
+    EXPECT_FALSE(now().running());
+    EXPECT_TRUE(FeatureOwner::isElsewhere(doc(), Feature::LiveDiscover));
+    sweeper.dialogs.answer = true;
+    EXPECT_EQ(now().start(500), std::nullopt);
+    finishSweep();
+    EXPECT_THAT(onDisk(), SizeIs(2));
+}
+
+TEST_F(DiscoverNowTest, endsWhenAnotherStationTakesOverAndTheUserGivesIn) {
+    ASSERT_EQ(now().start(3), std::nullopt);
+    findHosts(1);
+    pass(3000);
+    Site other(clock, timers, {"OTHER", "o"}, false);
+    ASSERT_FALSE(other.station->openDatafile(path));
+    other.doc().edit(*other.doc().findSpecial(SpecialType::LiveDiscoverOwnerRecord), [](CHardware& owner) {
+        owner.State = 1;
+        owner.Name = "OTHER";
+        owner.Username = "o";
+    });
+    ASSERT_FALSE(other.station->saveDatafile());
+    ASSERT_TRUE(now().running());
+    sweeper.dialogs.answer = false;
+    pass(3000);
+    finishSweep();
+    EXPECT_THAT(sweeper.dialogs.questions, ElementsAre(HasSubstr("Live Discover is enabled by OTHER\\o.")));
+    EXPECT_THAT(onDisk(), Contains(Pair("127.0.0.9", testing::_)));
+    EXPECT_TRUE(FeatureOwner::isElsewhere(doc(), Feature::LiveDiscover)) << "it is that one's";
+}
+
+TEST_F(DiscoverNowTest, goesOnWhileTheDocumentIsReplaced) {
+    ASSERT_EQ(now().start(10), std::nullopt);
+    findHosts(1);
+    ASSERT_FALSE(b.station->openDatafile(path));
+    b.doc().addDevice(DeviceType::Computer, [](CHardware& device) { device.IPAddress = "127.0.0.30 >>"; });
+    b.doc().addDevice(DeviceType::Computer, [](CHardware& device) { device.IPAddress = "127.0.0.30>>"; });
+    ASSERT_FALSE(b.station->saveDatafile());
+    finishSweep();
+    EXPECT_THAT(sweeper.logged(), Contains("Loaded from data file"));
+    EXPECT_THAT(onDisk(), ElementsAre(Pair("127.0.0.9", "nine.example"))) << "a colleague added the other";
+    EXPECT_EQ(now().result()->alreadyKnown, 1U);
+    EXPECT_TRUE(now().result()->complete);
+}
+
+TEST_F(DiscoverNowTest, aSaveThatCollidesAddsAgain) {
+    ASSERT_EQ(now().start(100), std::nullopt);
+    findHosts(1);
+    ASSERT_FALSE(b.station->openDatafile(path));
+    rename(b, 1, "renamed by B");
+    ASSERT_FALSE(b.station->saveDatafile());
+    now().end(CDiscoverNow::Found::Keep); // before the watch has seen it
+    EXPECT_THAT(onDisk(), Contains(Pair("127.0.0.9", testing::_)));
+    EXPECT_EQ(doc().findDevice(1)->Name, "renamed by B");
+    EXPECT_FALSE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
+    EXPECT_FALSE(now().result()->saveFailed);
+    const auto& added = now().result()->added;
+    ASSERT_FALSE(added.empty());
+    EXPECT_EQ(doc().findDevice(added[0].recID)->IPAddress, "127.0.0.9");
+}
+
+TEST_F(DiscoverNowTest, leavingTheDatafileKeepsWhatWasFound) {
+    ASSERT_EQ(now().start(100), std::nullopt);
+    findHosts(1);
+    sweeper.station->newDatafile();
+    EXPECT_FALSE(now().running());
+    EXPECT_THAT(onDisk(), Contains(Pair("127.0.0.9", testing::_)));
+    EXPECT_THAT(discovered(doc()), IsEmpty());
+}
+
+TEST_F(DiscoverNowTest, waitsWithItsResultsWhileAQuestionIsOpen) {
+    ASSERT_EQ(now().start(500), std::nullopt);
+    {
+        const CStation::Pause pause(*sweeper.station);
+        findHosts(2);
+        pass(10'000);
+        EXPECT_TRUE(now().running());
+        EXPECT_THAT(discovered(doc()), IsEmpty());
+    }
+    finishSweep();
+    EXPECT_THAT(discovered(doc()), SizeIs(2));
+}
+
+TEST_F(DiscoverNowTest, saysWhyItCannotBegin) {
+    network.unusable = "Ping is not permitted: do this.";
+    EXPECT_EQ(now().start(500), "Ping is not permitted: do this.");
+    network.unusable.reset();
+    const CHardware* range = doc().findSpecial(SpecialType::DiscoverRangeRecord);
+    doc().edit(*range, [](CHardware& record) { record.IPAddress = "127.0.0.256"; });
+    EXPECT_EQ(now().start(500), std::string(invalidRangeText) + " (From \"127.0.0.1\" To \"127.0.0.256\").");
+    doc().edit(*range, [](CHardware& record) { record.IPAddress = "127.0.0.3"; });
+    EXPECT_EQ(now().start(500), "Every address of the ranges belongs to a device already.");
+    doc().remove(*range);
+    EXPECT_EQ(now().start(500), "Live Discover does not have IP range(s) to discover.");
+    EXPECT_FALSE(now().running());
+    EXPECT_EQ(saves(), 0U) << "the datafile was left alone";
+}
+
+TEST_F(DiscoverNowTest, warnsOfAMistypedRange) {
+    EXPECT_EQ(sweepWarning(SweepPlan({{at("10.0.0.0"), at("10.0.255.255")}}, {}), 500), std::nullopt);
+    EXPECT_EQ(sweepWarning(SweepPlan({{at("10.0.0.0"), at("10.255.255.255")}}, {}), 500),
+              "The ranges hold 16,777,216 addresses. At 500 probes a second that takes about 9:19 h.");
+}
+
+} // namespace
+} // namespace mirovane::test
