@@ -53,11 +53,11 @@ public:
     std::optional<std::string> echoUnusable() override { return std::nullopt; }
     SnmpAnswer SnmpGet(const SnmpQuery&, std::stop_token) override { return {}; }
     std::optional<std::string> snmpUnusable() override { return std::nullopt; }
-    std::optional<std::string> ReadRegistryValue(const std::string&, const std::string&,
-                                                 std::stop_token) override {
+    std::optional<std::string> ReadRegistryValue(const std::string&, const std::string&, std::stop_token,
+                                                 std::string*) override {
         return std::nullopt;
     }
-    LoggedOnUser LookUpLoggedOnUser(const std::string&, std::stop_token) override { return {}; }
+    LoggedOnUser LookUpLoggedOnUser(const std::string&, std::stop_token, std::string*) override { return {}; }
     std::string GetDefaultUserName(const std::string&, std::stop_token) override { return {}; }
     std::vector<std::string> takeTroubles() override { return {}; }
 

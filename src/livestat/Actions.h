@@ -2,7 +2,9 @@
 
 #include "livestat/Step.h"
 #include "livestat/StepProbes.h"
+#include "probes/Pattern.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +45,11 @@ private:
 /// skipped.
 std::vector<std::string> argumentTokens(std::string_view argument);
 
+/// The row's "Search for" expanded, ready for searches of lower-cased texts; one that is empty matches every
+/// text. Nothing when it can match nothing: its placeholders gave nothing, or it is no pattern, which is then
+/// noted in the outcome.
+std::optional<CompiledPattern> rowPattern(ActionRun& run, PatternUse use);
+
 // Each leaves `acted` as it finds it (true) but where it decides to change nothing. None throws but for want
 // of memory.
 void pingHosts(ActionRun& run);
@@ -50,5 +57,10 @@ void lookUpAddresses(ActionRun& run);
 void lookUpNames(ActionRun& run);
 void matchToJack(ActionRun& run);
 void setValue(ActionRun& run);
+void readRegistry(ActionRun& run);
+void getFromAgent(ActionRun& run);
+void lookUpUser(ActionRun& run);
+void searchInTextFile(ActionRun& run);
+void searchForFile(ActionRun& run);
 
 } // namespace mirovane

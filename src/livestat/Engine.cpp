@@ -31,6 +31,11 @@ constexpr std::array actions{
     NamedAction{Action::NsLookupReverse, lookUpNames},
     NamedAction{Action::MatchToJack, matchToJack},
     NamedAction{Action::SetValue, setValue},
+    NamedAction{Action::Registry, readRegistry},
+    NamedAction{Action::SnmpGet, getFromAgent},
+    NamedAction{Action::WhosLogon, lookUpUser},
+    NamedAction{Action::SearchInTextFile, searchInTextFile},
+    NamedAction{Action::SearchForFile, searchForFile},
 };
 
 /// Null for "Do Nothing", and for what somebody wrote into the datafile by hand.
@@ -43,14 +48,12 @@ const NamedAction* findAction(std::string_view command) {
 
 } // namespace
 
-bool actionAvailable(std::string_view command) {
-    constexpr std::array notYet = {Action::SearchInTextFile, Action::SearchForFile, Action::Registry,
-                                   Action::SnmpGet, Action::WhosLogon};
-    return std::find(notYet.begin(), notYet.end(), command) == notYet.end();
+bool isAction(std::string_view command) {
+    return findAction(command) != nullptr;
 }
 
 bool rowCounts(const CHardware& device, int row, const CriteriaRow& criteria) {
-    if (criteria.Command == Action::DoNothing || !actionAvailable(criteria.Command))
+    if (!findAction(criteria.Command))
         return false;
     return row == 0 || !(device.*criteriaTargetField(row)).ends_with(keptByUser);
 }

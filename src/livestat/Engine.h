@@ -9,11 +9,10 @@
 
 namespace mirovane {
 
-/// False for the actions that the system knows by name but cannot perform yet. Their rows are passed over
-/// like "Do Nothing": a state must never turn Off because an action is missing.
-bool actionAvailable(std::string_view command);
+/// False for "Do Nothing" and for every text that is no action's name to the letter.
+bool isAction(std::string_view command);
 
-/// True when a device goes through this row at all: it holds an action that can run, and the field that it
+/// True when a device goes through this row at all: it holds an action, and the field that it
 /// writes is not one that the user keeps for himself (text that ends in ">>").
 bool rowCounts(const CHardware& device, int row, const CriteriaRow& criteria);
 

@@ -39,16 +39,38 @@ bool applyDrawFlag(CHardware& device, int row, std::int32_t ifMatch, bool failed
     return true;
 }
 
-} // namespace
+bool applyStamps(CHardware& device, int row, const StepOutcome& outcome) {
+    const auto before = device.RuleStamps;
+    bool moved = false;
+    if (outcome.stampsModified && *outcome.stampsModified > device.StampsModified) {
+        device.StampsModified = *outcome.stampsModified;
+        device.RuleStamps.fill(0);
+        moved = true;
+    }
+    if (outcome.fileStamp)
+        device.RuleStamps[static_cast<std::size_t>(row)] = *outcome.fileStamp;
+    return moved || device.RuleStamps != before;
+}
 
-bool applyOutcome(CHardware& device, const StepInput& input, const StepOutcome& outcome, TimeStamp now) {
-    if (!outcome.acted || outcome.cancelled)
+bool applyResult(CHardware& device, const StepInput& input, const StepOutcome& outcome, TimeStamp now) {
+    if (!outcome.acted)
         return false;
     if (input.row == 0)
         return applyState(device, outcome.failed ? outcome.stateIfNoMatch : outcome.stateIfMatch, now);
     const bool fieldChanged = applyField(device, input.row, outcome.result, now);
     const bool flagChanged = applyDrawFlag(device, input.row, input.criteria.IfMatch, outcome.failed, now);
     return fieldChanged || flagChanged;
+}
+
+} // namespace
+
+Applied applyOutcome(CHardware& device, const StepInput& input, const StepOutcome& outcome, TimeStamp now) {
+    if (outcome.cancelled)
+        return Applied::Nothing;
+    const bool stamped = applyStamps(device, input.row, outcome);
+    if (applyResult(device, input, outcome, now))
+        return Applied::Change;
+    return stamped ? Applied::Stamps : Applied::Nothing;
 }
 
 bool stillHolds(const StepInput& input, const CHardware& device, const CriteriaRow& criteria) {
@@ -67,6 +89,8 @@ bool stillHolds(const StepInput& input, const CHardware& device, const CriteriaR
     }
     if (criteria.Command == Action::MatchToJack)
         return device.ToJack == then.ToJack;
+    if (criteria.Command == Action::WhosLogon)
+        return device.Name == then.Name && device.IPAddress == then.IPAddress;
     return Expand(criteria.Argument, device, ExpandMode::Argument) ==
                Expand(criteria.Argument, then, ExpandMode::Argument) &&
            Expand(criteria.SearchFor, device, ExpandMode::Pattern) ==

@@ -36,9 +36,21 @@ std::vector<RowTrial::Change> changesBetween(const CHardware& before, const CHar
     return changes;
 }
 
+/// Only "On" and "Off" keep a row from running.
+std::string whyNotRun(const CHardware& device, const CriteriaRow& criteria) {
+    const char* state = device.State == DeviceState::On    ? "On"
+                        : device.State == DeviceState::Off ? "Off"
+                                                           : "Def";
+    return "not run: the row is for devices that are " +
+           std::string(criteria.Condition == "On" ? "On" : "Off") + ", and this one is " + state;
+}
+
 std::string whyPassedOver(const StepInput& input) {
-    if (input.criteria.Command.empty() || input.criteria.Command == Action::DoNothing)
+    const std::string& command = input.criteria.Command;
+    if (command.empty() || command == Action::DoNothing)
         return "the row does nothing";
+    if (!isAction(command))
+        return "\"" + command + "\" is no action: the row does nothing";
     return "the field ends in >>: it is kept as it is";
 }
 
@@ -72,7 +84,13 @@ RowTrial tryRow(const StepInput& input, const StepProbes& probes, const Clock& c
         trial.answer = whyPassedOver(input);
         return trial;
     }
-    const StepOutcome outcome = runStep(input, probes, &trial.answer);
+    if (!trial.conditionAllows) {
+        trial.answer = whyNotRun(input.device, input.criteria);
+        return trial;
+    }
+    StepInput fresh = input;
+    fresh.device.RuleStamps.fill(0); // else a text file that has not changed would show nothing
+    const StepOutcome outcome = runStep(fresh, probes, &trial.answer);
     trial.acted = outcome.acted;
     trial.failed = outcome.failed;
     trial.cancelled = outcome.cancelled;

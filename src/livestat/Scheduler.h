@@ -125,8 +125,8 @@ private:
     void freeSlot(JobSlot& slot);
     void freeAllSlots();
     void clearMark(std::int32_t recID);
-    std::optional<int> nextRow(const CHardware& device, int from);
-    void reportMissingAction(const std::string& command);
+    std::optional<int> nextRow(const CHardware& device, int from) const;
+    void reportBrokenPattern(const StepJob& job);
     void resizeSlots(std::size_t count);
     std::size_t wantedSlots() const;
     std::chrono::milliseconds runPeriod() const;
@@ -152,7 +152,7 @@ private:
     bool tracking_ = false;
     bool changed_ = false; ///< a device changed since the last publishChanges()
     std::string statusText_;
-    std::set<std::string> missingActions_; ///< already reported
+    std::set<std::string> brokenPatterns_; ///< already reported
     bool threadShortageReported_ = false;
 };
 

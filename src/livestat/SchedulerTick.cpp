@@ -119,24 +119,15 @@ void CLiveStatScheduler::pick(JobSlot& slot) {
     ++devicesThisRun_;
 }
 
-std::optional<int> CLiveStatScheduler::nextRow(const CHardware& device, int from) {
+std::optional<int> CLiveStatScheduler::nextRow(const CHardware& device, int from) const {
     for (int row = from; row <= lastRow; ++row) {
         const CHardware* record = document_.criteria(device.Type, row);
         if (!record)
             continue;
-        const CriteriaRow criteria = criteriaFromRecord(*record);
-        if (rowCounts(device, row, criteria))
+        if (rowCounts(device, row, criteriaFromRecord(*record)))
             return row;
-        if (!actionAvailable(criteria.Command))
-            reportMissingAction(criteria.Command);
     }
     return std::nullopt;
-}
-
-void CLiveStatScheduler::reportMissingAction(const std::string& command) {
-    if (missingActions_.insert(command).second)
-        document_.log().LogMessage("Live Stat action \"" + command +
-                                   "\" is not available in this version yet; its criteria rows are skipped.");
 }
 
 void CLiveStatScheduler::startStep(JobSlot& slot, std::size_t index) {
@@ -149,6 +140,7 @@ void CLiveStatScheduler::startStep(JobSlot& slot, std::size_t index) {
     input.criteria = criteriaFromRecord(*document_.criteria(device.Type, slot.row));
     if (input.criteria.Command == Action::MatchToJack)
         input.matchedState = jacks_.stateAtJack(device.ToJack);
+    input.computerName = document_.station().computerName;
     slot.job = jobs_.start(std::move(input), index);
     if (slot.job)
         return;
@@ -182,11 +174,25 @@ void CLiveStatScheduler::takeBack(JobSlot& slot, const StepJob& job) {
         --slot.row; // the same row again
         return;
     }
+    if (!job.outcome.brokenPattern.empty())
+        reportBrokenPattern(job);
     CHardware after = *device;
-    if (!applyOutcome(after, job.input, job.outcome, document_.now()))
+    const Applied applied = applyOutcome(after, job.input, job.outcome, document_.now());
+    if (applied == Applied::Nothing)
         return;
     document_.edit(*device, [&after](CHardware& record) { record = std::move(after); });
-    changed_ = true;
+    changed_ = changed_ || applied == Applied::Change;
+}
+
+/// Once for each text, wherever it stands: a row whose pattern is broken fails for every device of its type.
+void CLiveStatScheduler::reportBrokenPattern(const StepJob& job) {
+    const CriteriaRow& criteria = job.input.criteria;
+    if (!brokenPatterns_.insert(criteria.SearchFor).second)
+        return;
+    document_.log().LogMessage("Live Stat criteria of " + std::string(typeName(job.input.device.Type)) +
+                               ", row " + std::string(criteriaRowLabel(job.input.row)) + ": \"" +
+                               criteria.SearchFor + "\" is no pattern (" + job.outcome.brokenPattern +
+                               ") and matches nothing.");
 }
 
 void CLiveStatScheduler::freeSlot(JobSlot& slot) {

@@ -34,6 +34,17 @@ struct StepOutcome {
     bool failed = true;     ///< no match, no value, no answer
     bool cancelled = false; ///< the stop token ended it: nothing changes
     std::string result;     ///< text for the target field (rows 1 to 11)
+
+    /// "Search in Text File": the device was changed since its stamps were true. They are cleared, and true
+    /// from now on up to this Modified.
+    std::optional<TimeStamp> stampsModified;
+
+    /// Change time of the text file that was searched: the row's stamp from now on.
+    std::optional<TimeStamp> fileStamp;
+
+    /// Why the row's pattern is none, for the log; empty when it is one.
+    std::string brokenPattern;
+
     std::int32_t stateIfMatch = DeviceState::On;
     std::int32_t stateIfNoMatch = DeviceState::Off;
 };

@@ -16,14 +16,19 @@ class RegistryProbes {
 public:
     virtual ~RegistryProbes() = default;
 
+    // `trouble`, where given, receives why a look-up failed, in a few words; empty when the computer answered
+    // and what was asked for is not there.
+
     /// `path` is "\\<Hostname>\<Key>\..\<Valuename>"; without a host it means this computer, whose name is
     /// `localComputerName` (no backslashes).
     virtual std::optional<std::string> ReadRegistryValue(const std::string& path,
                                                          const std::string& localComputerName,
-                                                         std::stop_token stop) = 0;
+                                                         std::stop_token stop,
+                                                         std::string* trouble = nullptr) = 0;
 
     /// `host` carries its two leading backslashes.
-    virtual LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop) = 0;
+    virtual LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
+                                            std::string* trouble = nullptr) = 0;
 
     /// Empty when it cannot be read. `computerName` has no backslashes.
     virtual std::string GetDefaultUserName(const std::string& computerName, std::stop_token stop) = 0;

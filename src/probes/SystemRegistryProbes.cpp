@@ -31,19 +31,23 @@ void fillRegistryOfThisComputer(RegistryInMemory& registry, const StationIdentit
 
 std::optional<std::string> SystemRegistryProbes::ReadRegistryValue(const std::string& path,
                                                                    const std::string& localComputerName,
-                                                                   std::stop_token stop) {
+                                                                   std::stop_token stop,
+                                                                   std::string* trouble) {
     std::optional<std::string> value;
-    withRegistryOf(splitRegistryPath(path, localComputerName).host, std::move(stop), [&](Registry& registry) {
+    const auto read = [&](Registry& registry) {
         value = mirovane::ReadRegistryValue(registry, path, localComputerName);
-    });
+    };
+    withRegistryOf(splitRegistryPath(path, localComputerName).host, std::move(stop), read, trouble);
     return value;
 }
 
-LoggedOnUser SystemRegistryProbes::LookUpLoggedOnUser(const std::string& host, std::stop_token stop) {
+LoggedOnUser SystemRegistryProbes::LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
+                                                      std::string* trouble) {
     LoggedOnUser user;
-    const bool answered = withRegistryOf(host, std::move(stop), [&](Registry& registry) {
+    const auto lookUp = [&](Registry& registry) {
         user = mirovane::LookUpLoggedOnUser(registry, host);
-    });
+    };
+    const bool answered = withRegistryOf(host, std::move(stop), lookUp, trouble);
     // A look-up that broke off before it found somebody does not tell that nobody is logged on.
     return answered || !user.name.empty() ? user : LoggedOnUser();
 }
@@ -56,7 +60,10 @@ std::string SystemRegistryProbes::GetDefaultUserName(const std::string& computer
 }
 
 bool SystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_token stop,
-                                          const std::function<void(Registry&)>& lookUp) {
+                                          const std::function<void(Registry&)>& lookUp,
+                                          std::string* trouble) {
+    if (trouble)
+        trouble->clear();
     if (sameRegistryName(host, "\\\\" + station_.computerName)) {
         RegistryInMemory registry;
         fillRegistryOfThisComputer(registry, station_);
@@ -67,6 +74,8 @@ bool SystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_tok
     RegistryRemote registry(options_, std::move(stop));
     lookUp(registry);
     note(registry.trouble());
+    if (trouble)
+        *trouble = registry.trouble().last;
     return !registry.unreachable();
 }
 

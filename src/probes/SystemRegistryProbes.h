@@ -21,9 +21,10 @@ public:
         : options_(std::move(options)), station_(std::move(station)) {}
 
     std::optional<std::string> ReadRegistryValue(const std::string& path,
-                                                 const std::string& localComputerName,
-                                                 std::stop_token stop) override;
-    LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop) override;
+                                                 const std::string& localComputerName, std::stop_token stop,
+                                                 std::string* trouble = nullptr) override;
+    LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
+                                    std::string* trouble = nullptr) override;
     std::string GetDefaultUserName(const std::string& computerName, std::stop_token stop) override;
     std::vector<std::string> takeTroubles() override;
 
@@ -34,7 +35,7 @@ public:
 private:
     /// False when the computer did not answer to the end.
     bool withRegistryOf(const std::string& host, std::stop_token stop,
-                        const std::function<void(Registry&)>& lookUp);
+                        const std::function<void(Registry&)>& lookUp, std::string* trouble = nullptr);
     void note(const RegistryTrouble& trouble);
 
     RegistryRemoteOptions options_;

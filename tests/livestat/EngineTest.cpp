@@ -104,6 +104,12 @@ TEST_F(EngineTest, AJackShowsTheStateOfWhatIsPluggedIn) {
     EXPECT_EQ(run(Action::MatchToJack, "").stateIfNoMatch, DeviceState::Def);
 }
 
+TEST_F(EngineTest, WhatIsNoActionDoesNothing) {
+    input.device.State = DeviceState::On;
+    for (const char* command : {"", "Do Nothing", "set value", "Reboot"})
+        EXPECT_FALSE(run(command, "x", 1).acted) << command;
+}
+
 TEST_F(EngineTest, AStoppedStepSaysThatItKnowsNothing) {
     std::stop_source stop;
     input.stop = stop.get_token();
@@ -127,9 +133,12 @@ TEST_F(EngineTest, RowsThatCountHaveAnActionAndAFieldThatMayBeWritten) {
     EXPECT_FALSE(counts(0, Action::DoNothing));
     EXPECT_FALSE(counts(5, Action::SetValue));
     EXPECT_TRUE(counts(6, Action::SetValue));
-    for (const auto missing : {Action::SearchInTextFile, Action::SearchForFile, Action::Registry,
+    for (const auto command : {Action::SearchInTextFile, Action::SearchForFile, Action::Registry,
                                Action::SnmpGet, Action::WhosLogon})
-        EXPECT_FALSE(counts(0, missing)) << missing;
+        EXPECT_TRUE(counts(0, command)) << command;
+    for (const char* unknown :
+         {"", "ping", "Ping ", "Format C:"}) // edited by hand; spelled exactly or nothing
+        EXPECT_FALSE(counts(0, unknown)) << unknown;
 }
 
 } // namespace

@@ -24,7 +24,7 @@ protected:
     bool apply(int row, std::int32_t ifMatch = 0) {
         input.row = row;
         input.criteria.IfMatch = ifMatch;
-        return applyOutcome(device, input, outcome, now);
+        return applyOutcome(device, input, outcome, now) == Applied::Change;
     }
 
     CHardware device;
@@ -60,6 +60,35 @@ TEST_F(OutcomeTest, WhatIsAlreadySoIsNotStamped) {
     EXPECT_FALSE(apply(1));
     EXPECT_EQ(device.Modified, before);
     EXPECT_EQ(device.Name, "pc1");
+}
+
+TEST_F(OutcomeTest, StampsOfTextFilesAreKeptWithoutCountingAsAChange) {
+    outcome.acted = false;
+    outcome.fileStamp = 555;
+    input.row = 4;
+    EXPECT_EQ(applyOutcome(device, input, outcome, now), Applied::Stamps);
+    EXPECT_EQ(device.RuleStamps[4], 555);
+    EXPECT_EQ(device.RuleStamps[5], 7);
+    EXPECT_EQ(device.Modified, before);
+    EXPECT_EQ(applyOutcome(device, input, outcome, now), Applied::Nothing); // known already
+
+    device.Modified = 2000; // edited: what was searched for the device as it was counts no more
+    outcome.stampsModified = 2000;
+    EXPECT_EQ(applyOutcome(device, input, outcome, now), Applied::Stamps);
+    EXPECT_EQ(device.StampsModified, 2000);
+    EXPECT_EQ(device.RuleStamps[5], 0);
+    EXPECT_EQ(device.RuleStamps[4], 555);
+
+    outcome.acted = true; // a state from the same step carries the stamps along
+    EXPECT_TRUE(apply(0));
+    EXPECT_EQ(device.StampsModified, now);
+
+    CHardware untouched = device;
+    outcome.cancelled = true;
+    outcome.fileStamp = 777;
+    outcome.stampsModified = now + 1;
+    EXPECT_EQ(applyOutcome(device, input, outcome, now), Applied::Nothing);
+    EXPECT_EQ(device, untouched);
 }
 
 TEST_F(OutcomeTest, EveryRowWritesItsOwnField) {
@@ -129,6 +158,14 @@ TEST_F(OutcomeTest, AResultHoldsOnlyForWhatItWasAskedAbout) {
     EXPECT_FALSE(holdsAfter([](CHardware& d, CriteriaRow&) { d.Name = "another host"; }));
     EXPECT_FALSE(holdsAfter([](CHardware& d, CriteriaRow&) { d.Type = DeviceType::Printer; }));
     EXPECT_FALSE(holdsAfter([](CHardware&, CriteriaRow& c) { c.Condition = "On"; }));
+
+    input.criteria = {"Who's Logon", "", "", 0, "", "On/Off", 0}; // asks without an argument
+    EXPECT_TRUE(holdsAfter([](CHardware& d, CriteriaRow&) { d.Comment = "unrelated"; }));
+    EXPECT_FALSE(holdsAfter([](CHardware& d, CriteriaRow&) { d.Name = "another host"; }));
+    EXPECT_FALSE(holdsAfter([](CHardware& d, CriteriaRow&) { d.IPAddress = "127.0.0.9"; }));
+
+    input.criteria = {"SNMPGet", "agent public 1.3.6", "", 0, "^$mvU", "On/Off", 0}; // the pattern tells, too
+    EXPECT_FALSE(holdsAfter([](CHardware& d, CriteriaRow&) { d.Username = "another"; }));
 
     input.criteria.Condition = "On"; // a rule for devices that are On, and the device went Off meanwhile
     input.device.State = device.State = DeviceState::On;

@@ -1,6 +1,7 @@
 #include "livestat/Scheduler.h"
 
 #include "tests/livestat/SchedulerFixture.h"
+#include "tests/support/TestFolder.h"
 
 namespace mirovane {
 
@@ -70,6 +71,7 @@ TEST_F(SchedulerTest, ADeviceGoesThroughItsRowsOneStepARun) {
     EXPECT_EQ(device(computer).State, DeviceState::On);
     EXPECT_EQ(device(computer).Comment, "");
     run(); // row 2, the name look-up
+    run(); // row 3, the user
     run();
     EXPECT_EQ(device(computer).Comment, "seen at 127.0.0.9");
     EXPECT_TRUE(scheduler->holdsDevice(computer));
@@ -112,11 +114,14 @@ TEST_F(SchedulerTest, AJackFollowsTheDeviceThatIsPluggedIn) {
     EXPECT_EQ(device(jack).State, DeviceState::Def);
 }
 
-TEST_F(SchedulerTest, RowsOfMissingActionsAreSkippedAndNamedOnce) {
+TEST_F(SchedulerTest, ARowWithoutAnActionAndABrokenPatternHurtNobody) {
     const std::int32_t printer = add(DeviceType::Printer, "127.0.0.1");
     const std::int32_t ups = add(DeviceType::Ups, "127.0.0.2");
-    rule(DeviceType::Ups, 0, Action::SnmpGet, "$mvI public 1.3", "On");
+    rule(DeviceType::Ups, 0, "Reboot", "now", "On"); // edited by hand
     rule(DeviceType::Printer, 6, Action::SnmpGet, "$mvI public 1.3");
+    doc.setCriteria(DeviceType::Printer, 6, static_cast<int>(CriteriaColumn::SearchFor), "(laser");
+    probes.agent("127.0.0.1", "public", "1.3", {SnmpAnswer::Kind::Value, "LaserJet", 0});
+    probes.trouble("Samba is missing");
     scheduler->toggle();
     for (int i = 0; i < 6; ++i)
         run();
@@ -128,9 +133,28 @@ TEST_F(SchedulerTest, RowsOfMissingActionsAreSkippedAndNamedOnce) {
             return line.find(part) != std::string::npos;
         });
     };
-    EXPECT_EQ(linesWith("\"SNMPGet\" is not available in this version yet"), 1);
+    EXPECT_EQ(linesWith("Printer, row Comment/Marker: \"(laser\" is no pattern (mismatched parenthesis)"), 1);
+    EXPECT_EQ(linesWith("Samba is missing"), 1);
     EXPECT_GT(linesWith("Processing 1 device(s)."), 2); // the printer; the UPS has nothing to check
     EXPECT_EQ(linesWith("Processing 2 device(s)."), 0);
+}
+
+TEST_F(SchedulerTest, AFileThatWasSearchedIsRememberedWithoutASave) {
+    const test::TestFolder folder;
+    test::writeBytes(folder.file("hosts"), "nobody\n");
+    const std::int32_t printer = add(DeviceType::Printer, "127.0.0.1");
+    doc.edit(device(printer), [](CHardware& held) { held.State = DeviceState::Off; });
+    rule(DeviceType::Printer, 0, Action::SearchInTextFile, folder.file("hosts"), "On");
+    doc.setCriteria(DeviceType::Printer, 0, static_cast<int>(CriteriaColumn::SearchFor), "127");
+    scheduler->performNow(); // nothing is selected
+    select(printer);
+    scheduler->performNow();
+    for (int i = 0; i < 4; ++i)
+        run();
+    EXPECT_NE(device(printer).RuleStamps[0], 0);
+    EXPECT_EQ(device(printer).StampsModified, device(printer).Modified);
+    EXPECT_TRUE(host.saves.empty());
+    EXPECT_EQ(host.redraws, 0);
 }
 
 TEST_F(SchedulerTest, LiveStatNowWithLiveStatOffChecksTheSelectionAndEnds) {

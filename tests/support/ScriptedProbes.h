@@ -92,8 +92,8 @@ public:
 
     /// Scripted paths without a host are those of `localComputerName`.
     std::optional<std::string> ReadRegistryValue(const std::string& path,
-                                                 const std::string& localComputerName,
-                                                 std::stop_token stop) override {
+                                                 const std::string& localComputerName, std::stop_token stop,
+                                                 std::string* = nullptr) override {
         const std::string whole =
             path.starts_with(R"(\\)") ? path : R"(\\)" + localComputerName + R"(\)" + path;
         std::unique_lock lock(mutex_);
@@ -101,7 +101,8 @@ public:
         const auto found = registry_.find(whole);
         return found == registry_.end() ? std::nullopt : std::optional(found->second);
     }
-    LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop) override {
+    LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
+                                    std::string* = nullptr) override {
         std::unique_lock lock(mutex_);
         waitWhileHanging(lock, host, stop);
         const auto found = users_.find(host);

@@ -1,0 +1,113 @@
+#include "livestat/Actions.h"
+#include "livestat/FieldText.h"
+#include "livestat/FileNameSearch.h"
+#include "livestat/TextFileSearch.h"
+
+namespace mirovane {
+
+namespace {
+
+/// Every station reads the datafile whole, and a field is a line for people: what is longer is no line of a
+/// text file.
+constexpr std::size_t longestResult = 60'000;
+
+/// Nothing to search in: the field keeps its text.
+void failAndKeep(ActionRun& run, const std::string& why) {
+    run.outcome.failed = true;
+    run.say([&] { return why; });
+}
+
+void takeHit(ActionRun& run, const std::string& text) {
+    run.outcome.failed = false;
+    if (run.input.row == 0)
+        return;
+    const CriteriaRow& criteria = run.input.criteria;
+    if (criteria.FieldPos <= 0)
+        run.outcome.result = text;
+    else if (!criteria.Delimiter.empty())
+        run.outcome.result = delimitedField(text, criteria.Delimiter, criteria.FieldPos);
+    if (criteria.FieldPos > 0)
+        run.say([&] {
+            return criteria.Delimiter.empty()
+                       ? std::string("no delimiter: the field is left as it is")
+                       : "field " + std::to_string(criteria.FieldPos) + ": " + run.outcome.result;
+        });
+    if (run.outcome.result.size() > longestResult)
+        run.outcome.result.resize(longestResult);
+}
+
+void takeMiss(ActionRun& run, const SearchResult& result, std::string_view things) {
+    run.outcome.failed = true;
+    run.outcome.result.clear();
+    run.say([&] {
+        std::string line = "no match in " + std::to_string(result.number) + " " + std::string(things);
+        if (result.undecided > 0)
+            line += "; " + std::to_string(result.undecided) + " took the pattern too many steps";
+        return line;
+    });
+}
+
+} // namespace
+
+void searchInTextFile(ActionRun& run) {
+    const CHardware& device = run.input.device;
+    const bool stale = device.Modified > device.StampsModified;
+    if (stale)
+        run.outcome.stampsModified = device.Modified;
+    if (run.argument.empty())
+        return failAndKeep(run, "no file is named");
+    const std::string path = nativePath(run.argument);
+    std::string trouble;
+    const auto stamp = textFileStamp(path, trouble);
+    if (!stamp)
+        return failAndKeep(run, path + ": " + trouble);
+    if (!stale && *stamp == device.RuleStamps[static_cast<std::size_t>(run.input.row)]) {
+        run.outcome.acted = false;
+        return;
+    }
+    run.outcome.fileStamp = *stamp;
+    const auto pattern = rowPattern(run, PatternUse::ManyTexts);
+    if (!pattern) {
+        run.outcome.failed = true;
+        run.outcome.result.clear();
+        return;
+    }
+    const SearchResult found = searchTextFile(path, *pattern, run.input.stop);
+    switch (found.end) {
+    case SearchResult::End::Hit:
+        run.say([&] { return path + ", line " + std::to_string(found.number) + ": " + found.text; });
+        return takeHit(run, found.text);
+    case SearchResult::End::NoHit:
+        return takeMiss(run, found, "lines");
+    case SearchResult::End::Stopped:
+        run.outcome.cancelled = true;
+        return;
+    case SearchResult::End::Unreadable:
+        run.outcome.fileStamp.reset(); // nothing was searched: try again, even if the file does not change
+        run.outcome.failed = true;
+        run.outcome.result.clear();
+        run.say([&] { return path + ": " + found.trouble; });
+        return;
+    }
+}
+
+void searchForFile(ActionRun& run) {
+    if (run.argument.empty())
+        return failAndKeep(run, "no file is named");
+    const auto pattern = rowPattern(run, PatternUse::ManyTexts);
+    // Also without a pattern: whether there are files at all decides what becomes of the field.
+    const FileNameSearchResult found =
+        searchFileNames(run.argument, pattern ? &*pattern : nullptr, run.input.stop);
+    if (found.search.end == SearchResult::End::Stopped)
+        run.outcome.cancelled = true;
+    else if (!found.anyFile)
+        failAndKeep(run, run.argument + ": " +
+                             (found.search.trouble.empty() ? "no such file" : found.search.trouble));
+    else if (found.search.end == SearchResult::End::Hit) {
+        run.say([&] { return "file: " + found.search.text; });
+        takeHit(run, found.search.text);
+    } else
+        takeMiss(run, found.search, "file names");
+}
+
+} // namespace mirovane
