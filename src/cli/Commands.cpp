@@ -57,6 +57,12 @@ constexpr std::array criteriaOptions{
     OptionDefinition{"--reset", 0, "", "restore the defaults of every type"},
 };
 
+constexpr std::array rangesOptions{
+    OptionDefinition{"--add", 2, "FROM TO", "add a range, both ends included; may be repeated"},
+    OptionDefinition{"--delete", 1, "N", "delete the range of this number; may be repeated"},
+    json,
+};
+
 constexpr std::array pingOptions{
     OptionDefinition{"-v", 0, "", "say first by which kind of socket, or what to do when none is allowed"},
 };
@@ -68,7 +74,8 @@ constexpr std::array registryOptions{
 
 constexpr std::array stationOptions{
     OptionDefinition{"--live-stat", 0, "", "run Live Stat; without it the station only watches"},
-    OptionDefinition{"--take-over", 0, "", "answer Yes when another station runs Live Stat"},
+    OptionDefinition{"--discover", 0, "", "run Live Discover over the ranges of the datafile"},
+    OptionDefinition{"--take-over", 0, "", "answer Yes when another station runs what is to run here"},
     OptionDefinition{"--now", OptionDefinition::recordIDs, "RECID...",
                      "start with Live Stat Now on these devices"},
     OptionDefinition{"--loops", 1, "N",
@@ -114,6 +121,11 @@ constexpr std::string_view criteriaDetails =
     "6 Comment/Marker, 7 / Text, 8 \\ Text, 9 -- Text, 10 | Text, 11 To Do; by number or label.\n"
     "Columns: Command, Argument, Delimiter, FieldPos, SearchFor, IfMatch, Condition.\n";
 
+constexpr std::string_view rangesDetails =
+    "Addresses are four numbers from 0 to 255, a range goes from a low one to a high one. Leave out the "
+    "first\nand the last address of a subnet. Numbers are those that the command prints; all of --delete are "
+    "taken\nas they were before.\n";
+
 constexpr std::string_view pingDetails = "Exit status 1 when any of them is silent.\n";
 constexpr std::string_view lookupDetails = "Exit status 1 when any of them is not found.\n";
 
@@ -148,9 +160,9 @@ constexpr std::string_view loggedOnDetails =
     "Credentials: as for `mirovanectl registry --help`.\n";
 
 constexpr std::string_view stationDetails =
-    "Prints each line of the message log as it is written. SIGTERM and SIGINT end it: Live Stat is switched\n"
-    "off and the datafile saved. SIGHUP opens the datafile again. Exit status 4 when another station runs\n"
-    "Live Stat and --take-over was not given.\n";
+    "Prints each line of the message log as it is written. SIGTERM and SIGINT end it: Live Stat and Live\n"
+    "Discover are switched off and the datafile saved. SIGHUP opens the datafile again. Exit status 4 when\n"
+    "another station runs what was asked for and --take-over was not given.\n";
 
 constexpr std::array table{
     Command{"new", "create a new datafile", "FILE [--force]", 1, 1, newOptions, "", runNew},
@@ -190,8 +202,12 @@ constexpr std::array table{
     Command{"criteria", "print or change the Live Stat criteria",
             "FILE [--type NAME] [--json] [--set ROW COLUMN VALUE]... [--reset]", 1, 1, criteriaOptions,
             criteriaDetails, runCriteria},
+    Command{"ranges", "print or change the address ranges of Live Discover",
+            "FILE [--add FROM TO]... [--delete N]... [--json]", 1, 1, rangesOptions, rangesDetails,
+            runRanges},
     Command{"station", "run a station without a display",
-            "FILE [--live-stat] [--take-over] [--now RECID...] [--loops N] [--for SECONDS] [--run-sec N]"
+            "FILE [--live-stat] [--discover] [--take-over] [--now RECID...] [--loops N] [--for SECONDS] "
+            "[--run-sec N]"
             " [--per-run N] [--json]",
             1, 1, stationOptions, stationDetails, runStation},
     Command{"ping", "send one echo to each host, as Live Stat does", "[-v] HOST...", 1, anyNumber,

@@ -48,6 +48,7 @@ ExitStatus runCopy(CommandContext& context);
 ExitStatus runImport(CommandContext& context);
 ExitStatus runExport(CommandContext& context);
 ExitStatus runCriteria(CommandContext& context);
+ExitStatus runRanges(CommandContext& context);
 ExitStatus runStation(CommandContext& context);
 ExitStatus runPing(CommandContext& context);
 ExitStatus runLookup(CommandContext& context);

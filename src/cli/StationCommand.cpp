@@ -48,6 +48,7 @@ Result<StationOptions, UsageError> stationOptions(const Arguments& arguments) {
     StationOptions options;
     options.request.path = arguments.positionals[0];
     options.request.liveStat = arguments.has("--live-stat");
+    options.request.discover = arguments.has("--discover");
     options.request.takeOver = arguments.has("--take-over");
     options.json = arguments.has("--json");
     const auto recIDs = recordIDArguments(arguments.values("--now"));

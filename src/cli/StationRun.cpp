@@ -19,8 +19,10 @@ constexpr std::chrono::milliseconds pollPeriod{200};
 bool HeadlessDialogs::ask(const std::string& question) {
     if (takeOver_)
         return true;
-    refused_ = true;
-    out_.diagnose("Live Stat is not run here",
+    // A question begins with what it is about.
+    const bool aboutDiscover = question.starts_with("Live Discover");
+    (aboutDiscover ? refusedDiscover_ : refusedLiveStat_) = true;
+    out_.diagnose(aboutDiscover ? "Live Discover is not run here" : "Live Stat is not run here",
                   "answered No to \"" + question + "\" (--take-over answers Yes)");
     return false;
 }
@@ -51,12 +53,16 @@ std::optional<ExitStatus> StationRun::start() {
         diagnoseUnreadable(out_, request_.path, *error);
         return ExitStatus::FileFailed;
     }
+    if (!dialogs_.refused())
+        startDiscover();
     if (dialogs_.refused())
         return ExitStatus::Refused;
     stateLines_.begin();
     stateLines_.takeReplaced();
     if (request_.liveStat && !station_.liveStat().enabled())
         out_.diagnose("Live Stat waits", "the datafile holds no device yet");
+    if (request_.discover && !station_.liveDiscover().enabled())
+        out_.diagnose("Live Discover waits", "the datafile holds no address range yet");
     startNow();
     return std::nullopt;
 }
@@ -74,17 +80,26 @@ void StationRun::startNow() {
 void StationRun::poll() {
     if (out_.failed() || loopsOver())
         finish();
-    else if (stateLines_.takeReplaced())
+    else if (stateLines_.takeReplaced()) {
         startLiveStatLater();
+        startDiscover();
+    }
 }
 
 /// Another station may have put the first devices into the datafile. One that was left alone by our No keeps
 /// Live Stat.
 void StationRun::startLiveStatLater() {
     const CLiveStatScheduler& liveStat = station_.liveStat();
-    if (request_.liveStat && !dialogs_.refused() && !liveStat.enabled() && !liveStat.disabling() &&
+    if (request_.liveStat && !dialogs_.refusedLiveStat() && !liveStat.enabled() && !liveStat.disabling() &&
         station_.document().deviceCount() > 0)
         station_.toggleLiveStat();
+}
+
+/// At the start, and when another station may have put the first range into the datafile.
+void StationRun::startDiscover() {
+    const CLiveDiscover& discover = station_.liveDiscover();
+    if (request_.discover && !dialogs_.refusedDiscover() && !discover.enabled() && !discover.disabling())
+        station_.toggleLiveDiscover(); // does nothing without a range
 }
 
 bool StationRun::loopsOver() const {
@@ -120,6 +135,8 @@ void StationRun::reopen() {
         return;
     if (const auto error = station_.openDatafile(request_.path))
         diagnoseUnreadable(out_, request_.path, *error);
+    else
+        startDiscover();
 }
 
 } // namespace mirovane

@@ -19,6 +19,7 @@ namespace mirovane {
 struct StationRequest {
     std::string path;
     bool liveStat = false;
+    bool discover = false;
     bool takeOver = false;
     std::vector<std::int32_t> now;       ///< devices to check at the start
     std::optional<std::int32_t> loops;   ///< end after so many
@@ -33,13 +34,16 @@ public:
     bool ask(const std::string& question) override;
     void fail(const std::string& text) override { out_.diagnose(text); }
 
-    /// Another station runs Live Stat and was left alone.
-    bool refused() const { return refused_; }
+    /// Another station runs Live Stat or Live Discover and was left alone.
+    bool refusedLiveStat() const { return refusedLiveStat_; }
+    bool refusedDiscover() const { return refusedDiscover_; }
+    bool refused() const { return refusedLiveStat_ || refusedDiscover_; }
 
 private:
     Output& out_;
     bool takeOver_;
-    bool refused_ = false;
+    bool refusedLiveStat_ = false;
+    bool refusedDiscover_ = false;
 };
 
 /// A headless station from the opening of its datafile to its end, on the event loop of the QCoreApplication.
@@ -59,6 +63,7 @@ private:
     void startNow();
     void poll();
     void startLiveStatLater();
+    void startDiscover();
     bool loopsOver() const;
     void finish();
     void reopen();

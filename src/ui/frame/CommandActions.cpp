@@ -53,6 +53,8 @@ bool commandEnabled(const CommandDefinition& command, const CommandState& state)
         return state.hasDevices;
     case CommandNeeds::Selection:
         return state.hasSelection;
+    case CommandNeeds::AddressRanges:
+        return state.hasAddressRanges;
     case CommandNeeds::Nothing:
         break;
     }

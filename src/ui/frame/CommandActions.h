@@ -15,6 +15,7 @@ namespace mirovane {
 struct CommandState {
     bool hasDevices = false;
     bool hasSelection = false;
+    bool hasAddressRanges = false;
 };
 
 bool commandEnabled(const CommandDefinition& command, const CommandState& state);

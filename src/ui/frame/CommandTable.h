@@ -19,12 +19,13 @@ enum class CommandId {
     ViewListView,
     ToolsFloorMap,
     ToolsLiveStat,
+    ToolsLiveDiscover,
     ToolsLiveStatNow,
     HelpAbout,
 };
 
 /// What must be there before a command can do anything.
-enum class CommandNeeds { Nothing, Devices, Selection };
+enum class CommandNeeds { Nothing, Devices, Selection, AddressRanges };
 
 /// One command of the main window. The table below is the only place where a command's words and keys are
 /// written; menus, toolbar, tooltips and the help line in the status bar are made from it.

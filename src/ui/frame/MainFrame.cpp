@@ -184,12 +184,16 @@ bool CMainFrame::showsReminder() const {
 }
 
 CommandState CMainFrame::commandState() {
-    return {station_.document().deviceCount() > 0, hasSelection_};
+    const CMirovaneDoc& document = station_.document();
+    const bool hasRanges = document.findSpecial(SpecialType::DiscoverRangeRecord) != nullptr;
+    return {document.deviceCount() > 0, hasSelection_, hasRanges || station_.liveDiscover().enabled()};
 }
 
 IndicatorState CMainFrame::indicatorState() const {
     IndicatorState state;
     state.remindersDue = station_.reminders().DueCount();
+    state.liveDiscoverEnabled = station_.liveDiscover().enabled();
+    state.discovered = station_.document().discovered();
     state.liveStatText = QString::fromStdString(station_.liveStat().statusText());
     state.anyTypeHidden = station_.document().display().VisibleTypes != -1;
     if (keyboard_)

@@ -28,6 +28,15 @@ constexpr int padding = 6;
 
 constexpr qsizetype longestToolTip = 1000;
 
+QString toolTip(const PaneDefinition& definition, const IndicatorState& state) {
+    const QString help = QLatin1String(definition.help);
+    if (definition.indicator != Indicator::LiveDiscover || state.discovered == 0)
+        return help;
+    return QStringLiteral("%1\nDevices discovered since the datafile was opened: %2")
+        .arg(help)
+        .arg(state.discovered);
+}
+
 QLabel* makePane(const PaneDefinition& definition) {
     auto* pane = new QLabel;
     pane->setObjectName(QLatin1String(definition.name));
@@ -106,6 +115,9 @@ void CStatusPanes::refresh(const IndicatorState& state) {
         QLabel* pane = indicators_[static_cast<std::size_t>(definition.indicator)];
         if (pane->text() != text)
             pane->setText(text);
+        const QString tip = toolTip(definition, state);
+        if (pane->toolTip() != tip)
+            pane->setToolTip(tip);
     }
 }
 

@@ -17,7 +17,8 @@ constexpr std::size_t indicatorCount = 5;
 struct IndicatorState {
     int remindersDue = 0;
     bool liveDiscoverEnabled = false;
-    QString liveStatText; ///< empty while Live Stat is off
+    std::size_t discovered = 0; ///< devices since the datafile was opened; in the pane's tool tip
+    QString liveStatText;       ///< empty while Live Stat is off
     bool anyTypeHidden = false;
     bool floorMapHidden = false;
     QString keyboardText;

@@ -31,6 +31,11 @@ void CToolsCommands::connectTo(CCommandActions& actions) {
                         [this](const CommandDefinition&) {
                             return station_.liveStat().enabled();
                         }});
+    actions.setHandler(CommandId::ToolsLiveDiscover,
+                       {[this](const CommandDefinition&, bool) { station_.toggleLiveDiscover(); },
+                        [this](const CommandDefinition&) {
+                            return station_.liveDiscover().enabled();
+                        }});
     actions.setHandler(CommandId::ToolsLiveStatNow,
                        {[this](const CommandDefinition&, bool) { station_.liveStatNow(); }, {}});
 }

@@ -7,7 +7,7 @@
 
 namespace mirovane {
 
-/// The Tools menu: the floor map's picture and Live Stat.
+/// The Tools menu: the floor map's picture, Live Stat and Live Discover.
 class CToolsCommands {
 public:
     /// All references outlive the object. `onFloorMap` is called when another picture was chosen.

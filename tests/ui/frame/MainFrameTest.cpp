@@ -164,6 +164,30 @@ TEST_F(MainFrame, aRefusedTakeOverLeavesNoCheckMark) {
     EXPECT_FALSE(action("toolsLiveStat")->isChecked());
 }
 
+TEST_F(MainFrame, liveDiscoverNeedsARangeAndItsPaneCountsWhatItFound) {
+    frame->refresh();
+    EXPECT_FALSE(action("toolsLiveDiscover")->isEnabled());
+    CHardware range;
+    range.Type = SpecialType::DiscoverRangeRecord;
+    range.Name = range.IPAddress = "127.0.0.1";
+    document().append(range);
+    frame->refresh();
+    ASSERT_TRUE(action("toolsLiveDiscover")->isEnabled());
+    action("toolsLiveDiscover")->trigger();
+    EXPECT_TRUE(action("toolsLiveDiscover")->isChecked());
+    frame->refresh();
+    EXPECT_EQ(pane("paneLiveDiscover"), QStringLiteral("LD!"));
+    document().countDiscovered();
+    frame->refresh();
+    EXPECT_TRUE(frame->findChild<QLabel*>(QStringLiteral("paneLiveDiscover"))
+                    ->toolTip()
+                    .endsWith(QStringLiteral("opened: 1")));
+    action("toolsLiveDiscover")->trigger();
+    EXPECT_FALSE(action("toolsLiveDiscover")->isChecked());
+    frame->refresh();
+    EXPECT_EQ(pane("paneLiveDiscover"), QString());
+}
+
 TEST_F(MainFrame, liveStatNowIsOfferedWhileSomethingIsSelected) {
     addComputer();
     Q_EMIT menu("menuTools")->aboutToShow();
