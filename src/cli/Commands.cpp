@@ -86,6 +86,14 @@ constexpr std::array stationOptions{
     OptionDefinition{"--json", 0, "", "one JSON object a line"},
 };
 
+constexpr std::array sweepOptions{
+    OptionDefinition{"--dry-run", 0, "", "print what answers and is new; write nothing at all"},
+    OptionDefinition{"--rate", 1, "N", "probes a second, 1 to 10000 (usually 500)"},
+    OptionDefinition{"--take-over", 0, "", "answer Yes when another station runs Live Discover"},
+    OptionDefinition{"--yes", 0, "", "also where it takes more than ten minutes"},
+    OptionDefinition{"--json", 0, "", "an array of objects: IPAddress, Name, RecID"},
+};
+
 constexpr std::string_view listDetails =
     "On a terminal only the columns that fit are shown; into a pipe or a file, all seventeen.\n"
     "Columns: ID, Modified, LS, Priority, Reminder, To Do, Device, Name, IP Address, Username,\n"
@@ -135,6 +143,15 @@ constexpr std::string_view snmpGetDetails =
     "value is told on standard error: the agent's error status, or that nobody answered within a second.\n"
     "Exit status 1 when any of them has no value.\n"
     "OID: numbers joined by dots, such as 1.3.6.1.2.1.1.5.0.\n";
+
+constexpr std::string_view sweepDetails =
+    "Asks every address of the ranges (mirovanectl ranges) that no device has, once, and adds the hosts "
+    "that\n"
+    "answer to the Discovered/Misc window, with one save at the end. SIGINT and SIGTERM end it: what was\n"
+    "found until then is added.\n"
+    "Exit status 1 when nothing new is found or the sweep did not reach its end, 4 when another station "
+    "runs\n"
+    "Live Discover and --take-over was not given.\n";
 
 constexpr std::string_view matchDetails =
     "Without TEXT each line of standard input is tested, and those that match are printed.\n"
@@ -210,6 +227,9 @@ constexpr std::array table{
             "[--run-sec N]"
             " [--per-run N] [--json]",
             1, 1, stationOptions, stationDetails, runStation},
+    Command{"sweep", "ask all Live Discover ranges at once and add who answers",
+            "FILE [--dry-run] [--rate N] [--take-over] [--yes] [--json]", 1, 1, sweepOptions, sweepDetails,
+            runSweep},
     Command{"ping", "send one echo to each host, as Live Stat does", "[-v] HOST...", 1, anyNumber,
             pingOptions, pingDetails, runPing},
     Command{"lookup",

@@ -50,6 +50,7 @@ ExitStatus runExport(CommandContext& context);
 ExitStatus runCriteria(CommandContext& context);
 ExitStatus runRanges(CommandContext& context);
 ExitStatus runStation(CommandContext& context);
+ExitStatus runSweep(CommandContext& context);
 ExitStatus runPing(CommandContext& context);
 ExitStatus runLookup(CommandContext& context);
 ExitStatus runSnmpGet(CommandContext& context);

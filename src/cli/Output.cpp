@@ -1,5 +1,6 @@
 #include "cli/Output.h"
 
+#include "cli/TextTable.h"
 #include "model/Text.h"
 
 #include <cerrno>
@@ -36,14 +37,18 @@ void Output::diagnose(std::string_view what, std::string_view why) {
 }
 
 void Output::diagnose(std::string_view sentence) {
+    showProgress({});
     flush(); // on a terminal the diagnostics stand after the results they are about
     const std::string line = "mirovanectl: " + printable(sentence) + "\n";
     std::fwrite(line.data(), 1, line.size(), diagnostics_);
     std::fflush(diagnostics_);
 }
 
-int Output::terminalWidth() const {
-    const int descriptor = fileno(results_);
+namespace {
+
+/// 0 for what is no terminal.
+int columnsOf(std::FILE* file) {
+    const int descriptor = fileno(file);
     if (descriptor < 0 || isatty(descriptor) == 0)
         return 0;
     constexpr int usual = 80;
@@ -51,6 +56,28 @@ int Output::terminalWidth() const {
     if (ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
         return size.ws_col;
     return usual;
+}
+
+} // namespace
+
+int Output::terminalWidth() const {
+    return columnsOf(results_);
+}
+
+bool Output::showsProgress() const {
+    return columnsOf(diagnostics_) > 0;
+}
+
+void Output::showProgress(std::string_view line) {
+    const int columns = columnsOf(diagnostics_);
+    if (columns == 0 || (line.empty() && !progressShown_))
+        return;
+    // A line that fills the terminal would wrap and could not be taken away any more.
+    const std::string shown = clipped(line, static_cast<std::size_t>(columns - 1));
+    const std::string text = "\r" + shown + "\x1B[K";
+    std::fwrite(text.data(), 1, text.size(), diagnostics_);
+    std::fflush(diagnostics_);
+    progressShown_ = !line.empty();
 }
 
 std::string printable(std::string_view bytes) {

@@ -37,6 +37,11 @@ public:
     /// The same for a sentence that says both.
     void diagnose(std::string_view sentence);
 
+    /// Replaces the line of progress on standard error; empty: takes it away. Does nothing where that is no
+    /// terminal.
+    void showProgress(std::string_view line);
+    bool showsProgress() const;
+
     /// Columns of the terminal that shows the results; 0 when they go to a file or a pipe.
     int terminalWidth() const;
 
@@ -47,6 +52,7 @@ private:
     std::FILE* results_;
     std::FILE* diagnostics_;
     int failure_ = 0;
+    bool progressShown_ = false;
 };
 
 /// Text of a record made fit to be printed: valid UTF-8, with a blank for each control character. A device's
