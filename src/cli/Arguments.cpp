@@ -1,6 +1,7 @@
 #include "cli/Arguments.h"
 
-#include "model/Hardware.h"
+#include "model/Criteria.h"
+#include "model/Text.h"
 
 #include <algorithm>
 #include <charconv>
@@ -116,6 +117,16 @@ Result<std::int32_t, UsageError> typeArgument(std::string_view name) {
     for (std::int32_t type = DeviceType::first; type <= DeviceType::last; ++type)
         names.append(names.empty() ? "" : ", ").append(typeName(type));
     return UsageError{"unknown type \"" + std::string(name) + "\": the types are " + names};
+}
+
+std::optional<int> criteriaRowArgument(std::string_view text) {
+    if (const auto number = numberArgument(text, 0, criteriaRowCount - 1))
+        return *number;
+    for (int row = 0; row < criteriaRowCount; ++row) {
+        if (equalIgnoringCase(text, criteriaRowLabel(row)))
+            return row;
+    }
+    return std::nullopt;
 }
 
 Result<std::vector<std::int32_t>, UsageError> recordIDArguments(std::span<const std::string> texts) {

@@ -52,6 +52,9 @@ std::optional<std::int32_t> numberArgument(std::string_view text, std::int32_t l
 /// Floor code of a type's name; the error lists the names.
 Result<std::int32_t, UsageError> typeArgument(std::string_view name);
 
+/// A criteria row by its number or its label, upper and lower case alike.
+std::optional<int> criteriaRowArgument(std::string_view text);
+
 /// Record IDs from 1 on; an error names the first text that is none.
 Result<std::vector<std::int32_t>, UsageError> recordIDArguments(std::span<const std::string> texts);
 

@@ -72,6 +72,12 @@ constexpr std::array registryOptions{
     OptionDefinition{"--smb-port", 1, "N", "ask on this port instead of 445"},
 };
 
+constexpr std::array testOptions{
+    OptionDefinition{"--json", 0, "", "an array of objects, one for each row"},
+    registryOptions[0],
+    registryOptions[1],
+};
+
 constexpr std::array stationOptions{
     OptionDefinition{"--live-stat", 0, "", "run Live Stat; without it the station only watches"},
     OptionDefinition{"--discover", 0, "", "run Live Discover over the ranges of the datafile"},
@@ -83,6 +89,8 @@ constexpr std::array stationOptions{
     OptionDefinition{"--for", 1, "SECONDS", "end after this time"},
     OptionDefinition{"--run-sec", 1, "N", "pause between two runs in seconds, for this station only"},
     OptionDefinition{"--per-run", 1, "N", "device checks per run, for this station only"},
+    registryOptions[0],
+    registryOptions[1],
     OptionDefinition{"--json", 0, "", "one JSON object a line"},
 };
 
@@ -133,6 +141,12 @@ constexpr std::string_view rangesDetails =
     "Addresses are four numbers from 0 to 255, a range goes from a low one to a high one. Leave out the "
     "first\nand the last address of a subnet. Numbers are those that the command prints; all of --delete are "
     "taken\nas they were before.\n";
+
+constexpr std::string_view testDetails =
+    "Runs the rows as Live Stat does, by the fields and the state that the device has in FILE, and writes\n"
+    "nothing. ROW is a number from 0 to 11 or a label; without one every row that does something is tried.\n"
+    "A text file is searched even when it has not changed since Live Stat searched it.\n"
+    "Exit status 1 when a row that ran found no match, or no device has that RECID.\n";
 
 constexpr std::string_view pingDetails = "Exit status 1 when any of them is silent.\n";
 constexpr std::string_view lookupDetails = "Exit status 1 when any of them is not found.\n";
@@ -260,6 +274,9 @@ constexpr std::array table{
             {},
             matchDetails,
             runMatch},
+    Command{"test", "try criteria rows for a device and change nothing",
+            "FILE RECID [ROW...] [--json] [--credentials FILE] [--smb-port N]", 2, anyNumber, testOptions,
+            testDetails, runTest},
 };
 
 } // namespace

@@ -57,6 +57,7 @@ ExitStatus runSnmpGet(CommandContext& context);
 ExitStatus runRegistry(CommandContext& context);
 ExitStatus runLoggedOn(CommandContext& context);
 ExitStatus runMatch(CommandContext& context);
+ExitStatus runTest(CommandContext& context);
 
 /// What a command that changed devices prints: their record IDs, a line each.
 void printRecIDs(Output& out, const std::vector<std::int32_t>& recIDs);

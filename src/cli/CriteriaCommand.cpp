@@ -32,16 +32,6 @@ std::string joined(const List& list) {
     return text;
 }
 
-std::optional<int> rowFrom(std::string_view text) {
-    if (const auto number = numberArgument(text, 0, criteriaRowCount - 1))
-        return *number;
-    for (int row = 0; row < criteriaRowCount; ++row) {
-        if (equalIgnoringCase(text, criteriaRowLabel(row)))
-            return row;
-    }
-    return std::nullopt;
-}
-
 std::optional<CriteriaColumn> columnFrom(std::string_view text) {
     for (std::size_t column = 0; column < columnNames.size(); ++column) {
         if (equalIgnoringCase(text, columnNames[column]))
@@ -84,7 +74,7 @@ Result<std::vector<Change>, UsageError> changesFrom(std::int32_t type,
                                                     const std::vector<std::string>& words) {
     std::vector<Change> changes;
     for (std::size_t at = 0; at + 2 < words.size(); at += 3) {
-        const auto row = rowFrom(words[at]);
+        const auto row = criteriaRowArgument(words[at]);
         if (!row)
             return UsageError{"unknown row \"" + words[at] + "\": give 0 to 11 or the row's label"};
         const auto column = columnFrom(words[at + 1]);

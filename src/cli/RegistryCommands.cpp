@@ -1,61 +1,18 @@
 #include "cli/RegistryCommands.h"
 
-#include "cli/Commands.h"
+#include "cli/LookUpSignals.h"
 #include "platform/Host.h"
 #include "platform/qt/ConfigFolder.h"
 #include "probes/RegistryPath.h"
 #include "probes/SystemRegistryProbes.h"
 
-#include <csignal>
-#include <ctime>
 #include <optional>
-#include <stop_token>
-#include <thread>
 
 namespace mirovane {
 
 namespace {
 
 constexpr int highestPort = 65535;
-
-/// SIGINT, SIGTERM and SIGHUP end the look-up, and with it the process that it runs; then they end the
-/// program as they always do. Make it before any other thread starts.
-class LookUpSignals {
-public:
-    LookUpSignals() {
-        sigemptyset(&set_);
-        for (const int number : {SIGINT, SIGTERM, SIGHUP})
-            sigaddset(&set_, number);
-        pthread_sigmask(SIG_BLOCK, &set_, &before_);
-        watcher_ = std::jthread([this](const std::stop_token& over) { watch(over); });
-    }
-    ~LookUpSignals() {
-        watcher_.request_stop();
-        watcher_.join();
-        if (caught_ > 0)
-            std::raise(caught_); // arrives when it is unblocked
-        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-    }
-    LookUpSignals(const LookUpSignals&) = delete;
-    LookUpSignals& operator=(const LookUpSignals&) = delete;
-
-    std::stop_token token() const { return stop_.get_token(); }
-
-private:
-    void watch(const std::stop_token& over) {
-        constexpr timespec brief{0, 20'000'000};
-        while (!over.stop_requested() && caught_ <= 0)
-            caught_ = sigtimedwait(&set_, nullptr, &brief);
-        if (caught_ > 0)
-            stop_.request_stop();
-    }
-
-    sigset_t set_{};
-    sigset_t before_{};
-    std::stop_source stop_;
-    int caught_ = 0; ///< the watcher's until it has ended
-    std::jthread watcher_;
-};
 
 std::string reason(const SystemRegistryProbes& probes) {
     const std::string trouble = probes.lastTrouble();

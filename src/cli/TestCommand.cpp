@@ -1,0 +1,153 @@
+#include "cli/Commands.h"
+#include "cli/Datafiles.h"
+#include "cli/LookUpSignals.h"
+#include "cli/RecordJson.h"
+#include "cli/RegistryCommands.h"
+#include "livestat/Engine.h"
+#include "livestat/RowTrial.h"
+#include "livestat/SystemStepProbes.h"
+#include "platform/Host.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+#include <numeric>
+#include <sstream>
+
+namespace mirovane {
+
+namespace {
+
+/// Who is tried, and which rows; all rows that do something when none is named.
+struct TrialRequest {
+    std::int32_t recID = 0;
+    std::vector<int> rows;
+};
+
+Result<TrialRequest, UsageError> trialRequest(const std::vector<std::string>& words) {
+    TrialRequest request;
+    const auto recIDs = recordIDArguments(std::span(words).subspan(1, 1));
+    if (!recIDs)
+        return recIDs.error();
+    request.recID = recIDs.value().front();
+    for (const std::string& word : std::span(words).subspan(2)) {
+        const auto row = criteriaRowArgument(word);
+        if (!row)
+            return UsageError{"unknown row \"" + word + "\": give 0 to 11 or the row's label"};
+        request.rows.push_back(*row);
+    }
+    return request;
+}
+
+std::vector<StepInput> inputsFor(const CMirovaneDoc& document, const CHardware& device,
+                                 const TrialRequest& request, const std::stop_token& stop) {
+    std::vector<int> rows = request.rows;
+    if (rows.empty()) {
+        rows.resize(criteriaRowCount);
+        std::iota(rows.begin(), rows.end(), 0);
+    }
+    std::vector<StepInput> inputs;
+    for (const int row : rows) {
+        StepInput input = trialInput(document, device, row, stop);
+        if (!request.rows.empty() || isAction(input.criteria.Command))
+            inputs.push_back(std::move(input));
+    }
+    return inputs;
+}
+
+std::string outcomeText(const RowTrial& trial) {
+    if (trial.cancelled)
+        return "stopped";
+    if (!trial.acted)
+        return "nothing is done";
+    return trial.failed ? "no match" : "match";
+}
+
+void printText(Output& out, const RowTrial& trial) {
+    const auto line = [&out](std::string_view label, std::string_view bytes) {
+        out.printLine("  " + std::string(label) + printable(bytes));
+    };
+    out.printLine(std::to_string(trial.row) + " " + std::string(criteriaRowLabel(trial.row)) + ": " +
+                  printable(trial.command.empty() ? "no action" : trial.command));
+    if (!trial.expandedArgument.empty())
+        line("argument: ", trial.expandedArgument);
+    if (!trial.expandedPattern.empty())
+        line("pattern:  ", trial.expandedPattern);
+    std::istringstream answer(trial.answer);
+    for (std::string each; std::getline(answer, each);)
+        line("answer:   ", each);
+    line("outcome:  ", outcomeText(trial));
+    for (const RowTrial::Change& change : trial.changes)
+        line("writes:   ", change.field + " \"" + change.after + "\", which was \"" + change.before + "\"");
+}
+
+QJsonObject trialObject(const RowTrial& trial) {
+    QJsonArray changes;
+    for (const RowTrial::Change& change : trial.changes)
+        changes.append(QJsonObject{{jsonKey("Field"), jsonText(change.field)},
+                                   {jsonKey("Before"), jsonText(change.before)},
+                                   {jsonKey("After"), jsonText(change.after)}});
+    return {{jsonKey("Row"), trial.row},
+            {jsonKey("Label"), jsonText(criteriaRowLabel(trial.row))},
+            {jsonKey("Command"), jsonText(trial.command)},
+            {jsonKey("Argument"), jsonText(trial.expandedArgument)},
+            {jsonKey("SearchFor"), jsonText(trial.expandedPattern)},
+            {jsonKey("ConditionAllows"), trial.conditionAllows},
+            {jsonKey("PassedOver"), trial.passedOver},
+            {jsonKey("Answer"), jsonText(trial.answer)},
+            {jsonKey("Acted"), trial.acted},
+            {jsonKey("Failed"), trial.acted && trial.failed},
+            {jsonKey("Changes"), changes}};
+}
+
+ExitStatus tryAll(CommandContext& context, const std::vector<StepInput>& inputs, const StepProbes& probes) {
+    const SystemClock clock;
+    const bool json = context.arguments.has("--json");
+    JsonArrayPrinter printer(context.out);
+    ExitStatus status = ExitStatus::Done;
+    for (const StepInput& input : inputs) {
+        if (input.stop.stop_requested())
+            break;
+        const RowTrial trial = tryRow(input, probes, clock);
+        if (trial.acted && trial.failed)
+            status = ExitStatus::No;
+        if (json)
+            printer.add(trialObject(trial));
+        else
+            printText(context.out, trial);
+        context.out.flush();
+    }
+    if (json)
+        printer.end();
+    return status;
+}
+
+} // namespace
+
+ExitStatus runTest(CommandContext& context) {
+    ExitStatus status = ExitStatus::Done;
+    const auto request = trialRequest(context.arguments.positionals);
+    if (!request)
+        return usageError(context, request.error().sentence);
+    const auto registry = remoteOptions(context, status);
+    if (!registry)
+        return status;
+    const LookUpSignals signals;
+    const std::string& path = context.arguments.positionals[0];
+    std::optional<std::vector<StepInput>> inputs;
+    const ExitStatus read = viewDatafile(context.out, path, [&](const CMirovaneDoc& document) {
+        if (const CHardware* device = document.findDevice(request.value().recID))
+            inputs = inputsFor(document, *device, request.value(), signals.token());
+    });
+    if (read != ExitStatus::Done)
+        return read;
+    if (!inputs) {
+        context.out.diagnose("cannot test a row",
+                             "no device has the RecID " + std::to_string(request.value().recID));
+        return ExitStatus::No;
+    }
+    SystemStepProbes probes(*registry, thisStation());
+    return tryAll(context, *inputs, probes.all());
+}
+
+} // namespace mirovane
