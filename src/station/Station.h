@@ -26,6 +26,7 @@
 namespace mirovane {
 
 class CExportWriter;
+struct ExportSettings;
 
 /// Yes/No questions to the user, and hard failures shown to him. The desktop program answers with message
 /// boxes (the station's timers do not tick while one is open), the headless station with No unless it was
@@ -103,7 +104,11 @@ public:
     /// through the document calls this, or saveDatafile().
     void refillListView();
 
-    /// Why the last automatic export failed; nothing when it did not. The log does not tell.
+    /// Writes the List View's rows as these settings say, at the user's command. Waits some seconds for a
+    /// share that does not answer, not longer.
+    std::optional<FileError> exportNow(const ExportSettings& settings);
+
+    /// Why the last export failed; nothing when it did not. The log does not tell.
     std::optional<FileError> exportError() const;
 
     /// Null where the station was given no network for it.
@@ -184,6 +189,7 @@ private:
     bool liveDiscoverRuns() const override { return liveDiscover_->enabled(); }
 
     void autoExport();
+    std::size_t writeRows(const ExportSettings& settings, std::chrono::milliseconds patience);
     std::optional<FileError> save();
     void saveBackgroundChanges();
     void leaveDatafile();

@@ -8,7 +8,10 @@ namespace mirovane {
 namespace {
 
 /// Longer than a share that answers takes, short enough for a window that waits.
-constexpr std::chrono::milliseconds writePatience{300};
+constexpr std::chrono::milliseconds autoPatience{300};
+
+/// The user asked for it and wants to know.
+constexpr std::chrono::milliseconds commandPatience{5000};
 
 } // namespace
 
@@ -23,6 +26,22 @@ void CStation::autoExport() {
         return;
     ExportSettings settings;
     settings.read(services_.settings, doc_->path());
+    writeRows(settings, autoPatience);
+    services_.log.LogMessage("Auto exported to text file", true);
+}
+
+std::optional<FileError> CStation::exportNow(const ExportSettings& settings) {
+    const std::size_t rows = writeRows(settings, commandPatience);
+    auto error = exportError();
+    if (!error)
+        services_.log.LogMessage("Exported " + std::to_string(rows) + " device(s) to " +
+                                     exportTarget(settings.ExportFilename, doc_->path()),
+                                 true);
+    return error;
+}
+
+/// Returns how many rows there are.
+std::size_t CStation::writeRows(const ExportSettings& settings, std::chrono::milliseconds patience) {
     if (!exportWriter_) {
         auto files = services_.exportFiles ? services_.exportFiles : std::make_shared<PosixFiles>();
         exportWriter_ = std::make_unique<CExportWriter>(std::move(files));
@@ -30,8 +49,8 @@ void CStation::autoExport() {
     const auto rows = listViewRows(*doc_, listView_);
     exportWriter_->write({exportTarget(settings.ExportFilename, doc_->path()), doc_->path(),
                           exportText(rows, settings.format())},
-                         writePatience);
-    services_.log.LogMessage("Auto exported to text file", true);
+                         patience);
+    return rows.size();
 }
 
 std::optional<FileError> CStation::exportError() const {

@@ -37,6 +37,8 @@ constexpr std::array commands = {
                       .help = "Save the datafile"},
     CommandDefinition{.id = CommandId::FileSaveAs, .name = "fileSaveAs", .menu = file, .text = "Save &As...",
                       .help = "Save the datafile under a new name"},
+    CommandDefinition{.id = CommandId::FileExport, .name = "fileExport", .menu = file, .text = "&Export...",
+                      .help = "Write the rows of the List View into a text file", .groupStart = true},
     CommandDefinition{.id = CommandId::FileRecent, .name = "fileRecent", .menu = file,
                       .help = "Open this datafile", .groupStart = true},
     CommandDefinition{.id = CommandId::FileExit, .name = "fileExit", .menu = file, .text = "E&xit",

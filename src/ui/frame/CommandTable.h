@@ -10,6 +10,7 @@ enum class CommandId {
     FileOpen,
     FileSave,
     FileSaveAs,
+    FileExport,
     FileRecent, ///< stands for the recently used datafiles, an entry each
     FileExit,
     ViewToolbar,

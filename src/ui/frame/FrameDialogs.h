@@ -1,6 +1,7 @@
 #pragma once
 
 #include "station/Station.h"
+#include "ui/dialogs/ExportRequest.h"
 
 #include <optional>
 #include <string>
@@ -28,6 +29,12 @@ public:
 
     /// The path as typed; neither an extension is added nor overwriting asked about.
     virtual std::optional<std::string> chooseFileToSave(const FileChoice& choice) = 0;
+
+    /// A Yes/No question whose Yes destroys something.
+    virtual bool askStop(const std::string& question) = 0;
+
+    /// What the user chose in the Export dialog; nothing when he cancelled it.
+    virtual std::optional<ExportSettings> askExport(const ExportRequest& request) = 0;
 
     virtual void about() = 0;
 };

@@ -45,6 +45,7 @@ CMainFrame::CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& r
       panes_(*statusBar()),
       messageLog_(std::make_unique<CMessageLogWindow>(station.log(), station.settings())),
       files_(station, dialogs, recent, [this] { refresh(); }),
+      exportCommand_(station, dialogs),
       viewCommands_(station.document(),
                     {*toolbar_, *statusBar(), [this] { messageLog_->present(); }, [this] { showListView(); },
                      [this] {
@@ -101,6 +102,7 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
 
 void CMainFrame::connectCommands() {
     files_.connectTo(*actions_);
+    exportCommand_.connectTo(*actions_);
     viewCommands_.connectTo(*actions_);
     toolsCommands_.connectTo(*actions_);
     actions_->setHandler(CommandId::FileExit, {[this](const CommandDefinition&, bool) { close(); }, {}});

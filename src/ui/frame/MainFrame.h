@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/frame/CommandActions.h"
+#include "ui/frame/ExportCommand.h"
 #include "ui/frame/FileCommands.h"
 #include "ui/frame/FrameDialogs.h"
 #include "ui/frame/KeyboardLocks.h"
@@ -75,6 +76,7 @@ private:
     std::unique_ptr<CMessageLogWindow> messageLog_;
     std::unique_ptr<CListViewWindow> listView_;
     CFileCommands files_;
+    CExportCommand exportCommand_;
     CViewCommands viewCommands_;
     CToolsCommands toolsCommands_;
     std::optional<KeyboardLights> keyboard_;

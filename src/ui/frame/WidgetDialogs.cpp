@@ -1,6 +1,7 @@
 #include "ui/frame/WidgetDialogs.h"
 
 #include "model/Text.h"
+#include "ui/dialogs/ExportDialog.h"
 
 #include <QCursor>
 #include <QFile>
@@ -85,11 +86,19 @@ WidgetDialogs::WidgetDialogs(QString version, std::function<void(bool)> aroundBo
     : version_(std::move(version)), aroundBox_(std::move(aroundBox)) {}
 
 bool WidgetDialogs::ask(const std::string& question) {
+    return askYesNo(QMessageBox::Question, question);
+}
+
+bool WidgetDialogs::askStop(const std::string& question) {
+    return askYesNo(QMessageBox::Critical, question);
+}
+
+bool WidgetDialogs::askYesNo(QMessageBox::Icon icon, const std::string& question) {
     if (silent_)
         return false;
     const BoxOpen open(*this);
     QMessageBox box(parent_);
-    prepare(box, QMessageBox::Question, question);
+    prepare(box, icon, question);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     // Yes replaces a file, loses changes or takes Live Stat from a colleague: not for a stray Enter.
     box.setDefaultButton(QMessageBox::No);
@@ -135,6 +144,21 @@ std::optional<std::string> WidgetDialogs::chooseFileToSave(const FileChoice& cho
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
     prepare(dialog, choice);
     return chosenFile(dialog);
+}
+
+std::optional<ExportSettings> WidgetDialogs::askExport(const ExportRequest& request) {
+    const auto browse = [](QWidget& parent, const QString& start) -> std::optional<QString> {
+        QFileDialog files(&parent, QStringLiteral("Export"));
+        files.setAcceptMode(QFileDialog::AcceptSave);
+        files.setOption(QFileDialog::DontConfirmOverwrite); // asked when it is about to be written
+        prepare(files, {"Export",
+                        QFile::encodeName(start).toStdString(),
+                        {"Text Files (*.txt *.csv)", "All Files (*)"}});
+        const auto chosen = chosenFile(files);
+        return chosen ? std::optional(QFile::decodeName(chosen->c_str())) : std::nullopt;
+    };
+    CExportDialog dialog(request, browse, parent_);
+    return dialog.exec() == QDialog::Accepted ? std::optional(dialog.settings()) : std::nullopt;
 }
 
 void WidgetDialogs::about() {

@@ -2,6 +2,7 @@
 
 #include "ui/frame/FrameDialogs.h"
 
+#include <QMessageBox>
 #include <QPointer>
 #include <QString>
 #include <QWidget>
@@ -26,14 +27,18 @@ public:
     void silence() { silent_ = true; }
 
     bool ask(const std::string& question) override;
+    bool askStop(const std::string& question) override;
     void fail(const std::string& text) override;
     SaveAnswer askToSave(const std::string& question) override;
     std::optional<std::string> chooseFileToOpen(const FileChoice& choice) override;
     std::optional<std::string> chooseFileToSave(const FileChoice& choice) override;
+    std::optional<ExportSettings> askExport(const ExportRequest& request) override;
     void about() override;
 
 private:
     class BoxOpen;
+
+    bool askYesNo(QMessageBox::Icon icon, const std::string& question);
 
     QString version_;
     std::function<void(bool)> aroundBox_;

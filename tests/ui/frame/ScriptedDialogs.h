@@ -19,6 +19,8 @@ public:
     std::vector<std::string> questions;
     std::vector<std::string> failures;
     std::vector<FileChoice> choices;
+    std::vector<ExportRequest> exportRequests;
+    std::deque<std::optional<ExportSettings>> exportAnswers;
     int abouts = 0;
 
     bool ask(const std::string& question) override {
@@ -32,6 +34,11 @@ public:
     }
     std::optional<std::string> chooseFileToOpen(const FileChoice& choice) override { return choose(choice); }
     std::optional<std::string> chooseFileToSave(const FileChoice& choice) override { return choose(choice); }
+    bool askStop(const std::string& question) override { return ask(question); }
+    std::optional<ExportSettings> askExport(const ExportRequest& request) override {
+        exportRequests.push_back(request);
+        return take(exportAnswers, std::optional<ExportSettings>(), "Export");
+    }
     void about() override { ++abouts; }
 
 private:

@@ -1,0 +1,256 @@
+#include "ui/dialogs/ExportDialog.h"
+
+#include "model/Text.h"
+#include "ui/dialogs/DialogText.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QFileInfo>
+#include <QFontDatabase>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStyle>
+#include <QVBoxLayout>
+#include <QValidator>
+
+namespace mirovane {
+
+namespace {
+
+/// Keeps a text within what its setting holds, in bytes.
+class ByteLimit final : public QValidator {
+public:
+    using QValidator::QValidator;
+
+    State validate(QString& text, int&) const override {
+        return text.toUtf8().size() <= static_cast<qsizetype>(ExportSettings::longestText) ? Acceptable
+                                                                                           : Invalid;
+    }
+};
+
+QLineEdit* makeEdit(const char* name) {
+    auto* edit = new QLineEdit;
+    edit->setObjectName(QLatin1String(name));
+    edit->setValidator(new ByteLimit(edit));
+    return edit;
+}
+
+QCheckBox* makeCheck(const char* name, const QString& text) {
+    auto* check = new QCheckBox(text);
+    check->setObjectName(QLatin1String(name));
+    return check;
+}
+
+/// Explains, and steps back behind what it explains.
+QLabel* makeNote(const QString& text) {
+    auto* note = new QLabel(text);
+    note->setTextFormat(Qt::PlainText);
+    note->setForegroundRole(QPalette::PlaceholderText);
+    note->setWordWrap(true);
+    return note;
+}
+
+QString fileText(const std::string& path) {
+    return QFile::decodeName(path.c_str());
+}
+
+/// One line as it stands in the file, its TABs to be seen.
+QString previewLine(const std::string& line) {
+    return QString::fromStdString(displayText(line)).replace(u'\t', QStringLiteral(" \u2192 ")).remove(u'\r');
+}
+
+} // namespace
+
+CExportDialog::CExportDialog(ExportRequest request, Browse browse, QWidget* parent)
+    : QDialog(parent), request_(std::move(request)), browse_(std::move(browse)) {
+    setObjectName(QStringLiteral("exportDialog"));
+    setWindowTitle(QStringLiteral("Export"));
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(makeFileRow());
+    layout->addWidget(makeDelimiterGroup());
+    layout->addWidget(makeOptions());
+    layout->addWidget(makePreview(), 1);
+    layout->addWidget(makeFailure());
+    layout->addWidget(makeButtons());
+    fill();
+    connectControls();
+    showTarget();
+    showPreview();
+}
+
+QWidget* CExportDialog::makeFileRow() {
+    auto* row = new QWidget;
+    auto* label = new QLabel(QStringLiteral(
+        "Enter the path/filename (C:\\text.txt or \\\\computername\\share\\folder\\text.txt)"));
+    filename_ = makeEdit("exportFilename");
+    label->setBuddy(filename_);
+    auto* button = new QPushButton(QStringLiteral("&Browse..."));
+    button->setObjectName(QStringLiteral("exportBrowse"));
+    button->setAutoDefault(false);
+    connect(button, &QPushButton::clicked, this, &CExportDialog::browse);
+    target_ = makeNote({});
+    target_->setObjectName(QStringLiteral("exportTarget"));
+    auto* line = new QHBoxLayout;
+    line->addWidget(filename_, 1);
+    line->addWidget(button);
+    auto* layout = new QVBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(label);
+    layout->addLayout(line);
+    layout->addWidget(target_);
+    return row;
+}
+
+QWidget* CExportDialog::makeDelimiterGroup() {
+    auto* group = new QGroupBox(QStringLiteral("Delimiter"));
+    tab_ = new QRadioButton(QStringLiteral("Tab"));
+    tab_->setObjectName(QStringLiteral("exportTab"));
+    custom_ = new QRadioButton(QStringLiteral("Custom"));
+    custom_->setObjectName(QStringLiteral("exportCustom"));
+    customText_ = makeEdit("exportCustomText");
+    customText_->setAccessibleName(QStringLiteral("Custom delimiter"));
+    auto* layout = new QHBoxLayout(group);
+    layout->addWidget(tab_);
+    layout->addSpacing(layout->spacing());
+    layout->addWidget(custom_);
+    layout->addWidget(customText_, 1);
+    return group;
+}
+
+QWidget* CExportDialog::makeOptions() {
+    auto* options = new QWidget;
+    quoteAll_ = makeCheck("exportQuoteAll", QStringLiteral("Place double quote on all fields (\"field\")"));
+    quoteComment_ =
+        makeCheck("exportQuoteComment", QStringLiteral("Place double quote on \"Comment\" field"));
+    includeHeader_ = makeCheck("exportIncludeHeader", QStringLiteral("Include header names"));
+    auto_ = makeCheck("exportAuto", QStringLiteral("Auto export on changes"));
+    auto* layout = new QVBoxLayout(options);
+    layout->setContentsMargins(0, 0, 0, 0);
+    for (QCheckBox* check : {quoteAll_, quoteComment_, includeHeader_, auto_})
+        layout->addWidget(check);
+    auto* note = makeNote(QStringLiteral("Without questions, after every save and reload; from the next time "
+                                         "on that this datafile is opened."));
+    const int indent = style()->pixelMetric(QStyle::PM_IndicatorWidth) +
+                       style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing);
+    note->setContentsMargins(indent, 0, 0, 0);
+    layout->addWidget(note);
+    return options;
+}
+
+QWidget* CExportDialog::makePreview() {
+    const QString rows = request_.rowCount == 1
+                             ? QStringLiteral("1 row of the List View")
+                             : QStringLiteral("%1 rows of the List View").arg(request_.rowCount);
+    auto* group = new QGroupBox(QStringLiteral("Preview: ") + rows);
+    preview_ = new QPlainTextEdit;
+    preview_->setObjectName(QStringLiteral("exportPreview"));
+    preview_->setAccessibleName(QStringLiteral("Preview"));
+    preview_->setReadOnly(true);
+    preview_->setTabChangesFocus(true);
+    preview_->setLineWrapMode(QPlainTextEdit::NoWrap);
+    preview_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    constexpr int lines = 5;
+    preview_->setMinimumHeight(preview_->fontMetrics().lineSpacing() * lines +
+                               style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+    preview_->setMinimumWidth(preview_->fontMetrics().averageCharWidth() * 76);
+    auto* layout = new QVBoxLayout(group);
+    layout->addWidget(preview_);
+    return group;
+}
+
+QWidget* CExportDialog::makeFailure() {
+    auto* failure = new QLabel(QStringLiteral("The last export failed: ") + shownText(request_.lastFailure));
+    failure->setObjectName(QStringLiteral("exportFailure"));
+    failure->setTextFormat(Qt::PlainText);
+    failure->setWordWrap(true);
+    failure->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    failure->setVisible(!request_.lastFailure.empty());
+    return failure;
+}
+
+QWidget* CExportDialog::makeButtons() {
+    auto* buttons = new QDialogButtonBox;
+    auto* accept = buttons->addButton(QStringLiteral("Export / OK"), QDialogButtonBox::AcceptRole);
+    accept->setObjectName(QStringLiteral("exportOk"));
+    accept->setDefault(true);
+    buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    return buttons;
+}
+
+void CExportDialog::fill() {
+    const ExportSettings& settings = request_.settings;
+    shownFilename_ = fileText(settings.ExportFilename);
+    shownCustomText_ = shownText(settings.ExportCustomText);
+    filename_->setText(shownFilename_);
+    customText_->setText(shownCustomText_);
+    (settings.ExportTab ? tab_ : custom_)->setChecked(true);
+    customText_->setEnabled(!settings.ExportTab);
+    quoteAll_->setChecked(settings.ExportQuoteAll);
+    quoteComment_->setChecked(settings.ExportQuoteComment);
+    includeHeader_->setChecked(settings.ExportIncludeHeader);
+    auto_->setChecked(settings.ExportAuto);
+}
+
+void CExportDialog::connectControls() {
+    connect(filename_, &QLineEdit::textChanged, this, &CExportDialog::showTarget);
+    connect(customText_, &QLineEdit::textChanged, this, &CExportDialog::showPreview);
+    connect(custom_, &QRadioButton::toggled, this, [this](bool on) {
+        customText_->setEnabled(on);
+        if (on)
+            customText_->setFocus();
+        showPreview();
+    });
+    for (QCheckBox* check : {quoteAll_, quoteComment_, includeHeader_})
+        connect(check, &QCheckBox::toggled, this, &CExportDialog::showPreview);
+}
+
+ExportSettings CExportDialog::settings() const {
+    ExportSettings settings = request_.settings;
+    if (filename_->text() != shownFilename_)
+        settings.ExportFilename = QFile::encodeName(filename_->text()).toStdString();
+    if (customText_->text() != shownCustomText_)
+        settings.ExportCustomText = storedText(customText_->text());
+    settings.ExportTab = tab_->isChecked();
+    settings.ExportQuoteAll = quoteAll_->isChecked();
+    settings.ExportQuoteComment = quoteComment_->isChecked();
+    settings.ExportIncludeHeader = includeHeader_->isChecked();
+    settings.ExportAuto = auto_->isChecked();
+    return settings;
+}
+
+void CExportDialog::browse() {
+    const std::string start = exportTarget(settings().ExportFilename, request_.datafile);
+    if (const auto chosen = browse_(*this, fileText(start.empty() ? request_.datafile : start)))
+        filename_->setText(*chosen);
+    filename_->setFocus();
+}
+
+/// Where a relative name leads is not to be seen from the name.
+void CExportDialog::showTarget() {
+    const std::string target = exportTarget(settings().ExportFilename, request_.datafile);
+    if (target.empty())
+        return target_->setText(QStringLiteral("No file is named yet."));
+    const QString path = fileText(target);
+    target_->setText(
+        (QFileInfo::exists(path) ? QStringLiteral("Replaces %1") : QStringLiteral("Creates %1")).arg(path));
+}
+
+void CExportDialog::showPreview() {
+    std::vector<const CHardware*> rows;
+    for (const CHardware& row : request_.firstRows)
+        rows.push_back(&row);
+    QString text = previewLine(exportText(rows, settings().format()));
+    if (text.endsWith(u'\n'))
+        text.chop(1);
+    preview_->setPlainText(text);
+}
+
+} // namespace mirovane

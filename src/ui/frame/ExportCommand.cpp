@@ -1,0 +1,58 @@
+#include "ui/frame/ExportCommand.h"
+
+#include "model/TextExport.h"
+#include "ui/frame/WaitCursor.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::size_t previewRows = 20;
+
+bool fileExists(const std::string& path) {
+    std::error_code unknown;
+    return std::filesystem::exists(path, unknown);
+}
+
+} // namespace
+
+void CExportCommand::connectTo(CCommandActions& actions) {
+    actions.setHandler(CommandId::FileExport, {[this](const CommandDefinition&, bool) { run(); }, {}});
+}
+
+ExportRequest CExportCommand::request() const {
+    ExportRequest request;
+    request.datafile = station_.document().path();
+    request.settings.read(station_.settings(), request.datafile);
+    const auto rows = listViewRows(station_.document(), station_.listView());
+    request.rowCount = rows.size();
+    for (std::size_t i = 0; i < std::min(previewRows, rows.size()); ++i)
+        request.firstRows.push_back(*rows[i]);
+    if (const auto error = station_.exportError())
+        request.lastFailure = error->sentence;
+    return request;
+}
+
+void CExportCommand::run() {
+    const auto settings = dialogs_.askExport(request());
+    if (!settings)
+        return;
+    const std::string datafile = station_.document().path();
+    settings->write(station_.settings(), datafile);
+    const std::string target = exportTarget(settings->ExportFilename, datafile);
+    if (fileExists(target) && !dialogs_.askStop("File already exist! Do you want to overwrite the file?"))
+        return;
+    std::optional<FileError> error;
+    {
+        const WaitCursor wait;
+        error = station_.exportNow(*settings);
+    }
+    if (error)
+        dialogs_.fail("Error creating export file!\n\n" + error->sentence);
+}
+
+} // namespace mirovane
