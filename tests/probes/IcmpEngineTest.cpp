@@ -1,3 +1,4 @@
+#include "probes/SystemHostProbes.h"
 #include "tests/probes/EchoFixture.h"
 
 #include <atomic>
@@ -50,6 +51,9 @@ void lie(TunHosts& hosts, const TunHosts::Bytes& request) {
     EXPECT_EQ(TunHosts::ttlOf(request), 10);
     TunHosts::Bytes reply = TunHosts::replyTo(request);
     switch (TunHosts::lastPartOfTarget(request)) {
+    case 1: // from the asking computer's own address
+        std::copy_n(request.begin() + 12, 4, reply.begin() + 12);
+        break;
     case 2: // honest
         break;
     case 3: // one other byte
@@ -130,6 +134,36 @@ TEST_P(EchoTest, OnlyTheRightReplyCounts) {
     }
     EXPECT_EQ(got, expected);
     EXPECT_EQ(hosts.requests(), addresses.size()) << "one request each, no retry";
+}
+
+/// What Live Stat and Live Discover see: each of these would put a device On, or a host that is not there
+/// into the Discovered/Misc window.
+TEST_P(EchoTest, PingHostTakesNothingElseForAnAnswer) {
+    TunHosts hosts(lie);
+    if (hosts.refused()) {
+        GTEST_SKIP() << *hosts.refused();
+    }
+    SystemHostProbes probes(std::make_unique<IcmpEngine>(std::string(GetParam()) == "raw"
+                                                             ? openRawEchoSocket
+                                                             : openDatagramEchoSocket),
+                            std::make_unique<Resolver>());
+    const auto ping = [&probes](const std::string& target, PingReply& reply) {
+        std::optional<std::uint32_t> resolved;
+        return probes.PingHost(target, reply, resolved, pingTtl, 300, pingPayloadSize, {});
+    };
+    for (const auto& [target, what] : std::map<std::string, const char*>{
+             {"10.77.1.8", "a reply from another address"},
+             {"10.77.1.11", "destination unreachable"},
+             {"10.77.1.12", "time exceeded"},
+             {"10.77.2.1", "our own address for a neighbour"}, // answered by 10.77.0.1
+             {"10.77.1.15", "silence"}}) {
+        PingReply reply;
+        EXPECT_FALSE(ping(target, reply)) << what;
+        EXPECT_EQ(reply.address, 0U) << what;
+    }
+    PingReply reply;
+    EXPECT_TRUE(ping("10.77.1.2", reply));
+    EXPECT_EQ(reply.address, addressOf("10.77.1.2"));
 }
 
 TEST_P(EchoTest, ReplyAfterTheTimeOutIsNotTakenForTheNextProbe) {
