@@ -4,11 +4,9 @@
 #include "model/MessageLog.h"
 #include "model/Settings.h"
 #include "platform/Clock.h"
+#include "platform/FilePaths.h"
 #include "platform/Host.h"
 #include "platform/PosixFiles.h"
-
-#include <filesystem>
-#include <system_error>
 
 namespace mirovane {
 
@@ -109,8 +107,7 @@ ExitStatus createDatafile(Output& out, const std::string& path, bool replace) {
     }
     PosixFiles system;
     ExclusiveFiles files(system);
-    std::error_code unknown;
-    const std::string absolute = std::filesystem::absolute(path, unknown).string();
+    const std::string absolute = absolutePath(path);
     const auto target = files.lock(absolute, FileAccess::Write, lockPatience);
     if (!target) {
         out.diagnose(target.error().sentence);

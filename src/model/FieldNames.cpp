@@ -193,6 +193,35 @@ std::string fieldValue(const CHardware& record, const RecordField& field) {
     }
 }
 
+bool sameField(const CHardware& a, const CHardware& b, const RecordField& field) {
+    if (const auto* text = std::get_if<std::string CHardware::*>(&field.member))
+        return a.**text == b.**text;
+    if (const auto* number = std::get_if<std::int32_t CHardware::*>(&field.member))
+        return a.**number == b.**number;
+    switch (field.kind) {
+    case FieldKind::Position:
+        return a.Position == b.Position;
+    case FieldKind::RuleStamps:
+        return a.RuleStamps == b.RuleStamps;
+    default:
+        return sameBits(a.ReminderDate, b.ReminderDate);
+    }
+}
+
+void copyField(const CHardware& from, CHardware& to, const RecordField& field) {
+    if (const auto* text = std::get_if<std::string CHardware::*>(&field.member)) {
+        to.** text = from.**text;
+    } else if (const auto* number = std::get_if<std::int32_t CHardware::*>(&field.member)) {
+        to.** number = from.**number;
+    } else if (field.kind == FieldKind::Position) {
+        to.Position = from.Position;
+    } else if (field.kind == FieldKind::RuleStamps) {
+        to.RuleStamps = from.RuleStamps;
+    } else {
+        to.ReminderDate = from.ReminderDate;
+    }
+}
+
 std::optional<std::string> setFieldValue(CHardware& device, const RecordField& field, std::string_view text) {
     if (!field.keeper.empty())
         return std::string(field.name) + " cannot be set: " + std::string(field.keeper);

@@ -47,6 +47,12 @@ std::string settableFieldNames();
 /// The value as `setFieldValue` would take it back. Texts are the record's bytes.
 std::string fieldValue(const CHardware& record, const RecordField& field);
 
+/// Equal as the datafile stores it.
+bool sameField(const CHardware& a, const CHardware& b, const RecordField& field);
+
+/// Copies the one field.
+void copyField(const CHardware& from, CHardware& to, const RecordField& field);
+
 /// Sets a device's field from text; texts are stored as they are. Returns nothing when it was done, else one
 /// sentence that says what is wrong with which field and what to give instead, and the record is as it was.
 std::optional<std::string> setFieldValue(CHardware& device, const RecordField& field, std::string_view text);

@@ -36,12 +36,6 @@ const TypeTraits& traits(std::int32_t type) {
     return types[known ? static_cast<std::size_t>(code) : 0];
 }
 
-/// Equal bytes, so that an undefined number in a damaged file still equals itself.
-bool sameBits(const DateTime& a, const DateTime& b) {
-    return a.status == b.status &&
-           std::bit_cast<std::uint64_t>(a.value) == std::bit_cast<std::uint64_t>(b.value);
-}
-
 bool sameTexts(const CHardware& a, const CHardware& b) {
     return a.ToJack == b.ToJack && a.Name == b.Name && a.IPAddress == b.IPAddress &&
            a.MACAddress == b.MACAddress && a.Username == b.Username && a.Comment == b.Comment &&
@@ -69,6 +63,11 @@ std::int32_t typeFromName(std::string_view name) {
 
 std::int32_t newDevicePriority(std::int32_t type) {
     return traits(type).priority;
+}
+
+bool sameBits(const DateTime& a, const DateTime& b) {
+    return a.status == b.status &&
+           std::bit_cast<std::uint64_t>(a.value) == std::bit_cast<std::uint64_t>(b.value);
 }
 
 void copyStored(const CHardware& from, CHardware& to) {

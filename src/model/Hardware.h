@@ -130,6 +130,9 @@ std::int32_t typeFromName(std::string_view name);
 /// Live Stat priority that a new device of this type gets; 1 for a code that is no device type.
 std::int32_t newDevicePriority(std::int32_t type);
 
+/// Equal bytes, so that an undefined number in a damaged file still equals itself.
+bool sameBits(const DateTime& a, const DateTime& b);
+
 /// Copies what the datafile stores, and ReminderDue, and nothing else: what a snapshot of a record needs.
 void copyStored(const CHardware& from, CHardware& to);
 

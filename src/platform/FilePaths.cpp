@@ -22,6 +22,12 @@ bool isSameFile(const std::string& a, const std::string& b) {
     return a == b || std::filesystem::equivalent(a, b, failed);
 }
 
+std::string absolutePath(const std::string& path) {
+    std::error_code failed;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, failed);
+    return failed || path.empty() ? path : absolute.string();
+}
+
 std::string fingerprintOf(std::string_view text) {
     std::uint64_t hash = 14695981039346656037U;
     for (const char c : text)

@@ -12,6 +12,10 @@ std::string nameOf(const std::string& path);
 /// Both paths lead to one file, be it by way of links; also for one path where no file stands yet.
 bool isSameFile(const std::string& a, const std::string& b);
 
+/// Counted from the current folder where it is relative. As it is where that folder is gone, and when it is
+/// empty.
+std::string absolutePath(const std::string& path);
+
 /// Sixteen hexadecimal digits that tell texts apart in file names.
 std::string fingerprintOf(std::string_view text);
 
