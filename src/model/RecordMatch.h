@@ -1,0 +1,51 @@
+#pragma once
+
+#include "model/EditJournal.h"
+#include "model/RecordIndex.h"
+
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace mirovane {
+
+/// Finds the records of one reading of the datafile again in the next one. Devices have a number for that,
+/// which another device may have got meanwhile; of most special records there is one of each type; external
+/// applications and discover ranges are known by what they hold.
+class CRecordMatch {
+public:
+    /// `ours` is the list that grew out of the earlier reading, by the changes in `journal`; `theirs` is the
+    /// new reading. All of it must stay unchanged while matches are asked for.
+    CRecordMatch(const Datafile::RecordList& ours, const EditJournal& journal,
+                 const Datafile::RecordList& theirs);
+
+    /// The record that was `base` in the earlier reading; null when it is gone. A device with its number may
+    /// be another one.
+    CHardware* find(const CHardware& base);
+
+    /// As `find`, but a device that only has the number of `base` is not it. `held` is the record of our list
+    /// that `base` became.
+    CHardware* findChanged(const CHardware& base, const CHardware& held);
+
+    /// For a record that we added: one that says the same and that was not in the earlier reading.
+    CHardware* findSameNew(const CHardware& added);
+
+private:
+    bool keptItsPlace(const CHardware& held, std::size_t place) const;
+    void matchListed(std::int32_t type);
+    std::vector<const CHardware*> basesOf(std::int32_t type) const;
+
+    const Datafile::RecordList& ours_;
+    const EditJournal& journal_;
+    const Datafile::RecordList& theirs_;
+    RecordIndex index_;
+    std::unordered_set<std::int32_t> listedTypes_;            ///< matched already
+    std::unordered_map<const CHardware*, CHardware*> listed_; ///< by base
+    std::unordered_set<const CHardware*> listedTaken_;        ///< of `theirs`
+};
+
+/// There may be several of this special record, and nothing numbers them.
+bool isListedSpecial(std::int32_t type);
+
+} // namespace mirovane
