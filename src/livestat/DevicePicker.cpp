@@ -153,6 +153,12 @@ void CDevicePicker::recordChanged(const CHardware& before, const CHardware& afte
     refile(after.RecID);
 }
 
+void CDevicePicker::recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
+    if (held_.erase(oldRecID) > 0)
+        held_.insert(newRecID);
+    stale_ = true;
+}
+
 void CDevicePicker::flagsChanged(const CHardware& record) {
     refile(record.RecID);
 }

@@ -60,6 +60,7 @@ public:
     void recordAdded(const CHardware& record) override;
     void recordChanged(const CHardware& before, const CHardware& after) override;
     void flagsChanged(const CHardware& record) override;
+    void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;
     void documentReplaced() override { stale_ = true; }
 
 private:

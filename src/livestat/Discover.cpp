@@ -232,7 +232,7 @@ bool CLiveDiscover::takeAnswer() {
 
 void CLiveDiscover::addHost(const Probe& probe) {
     if (const CHardware* owner = FeatureOwner::record(document_, Feature::LiveDiscover))
-        document_.edit(*owner, [this](CHardware& held) { held.Modified = document_.now(); });
+        document_.editInBackground(*owner, [this](CHardware& held) { held.Modified = document_.now(); });
     if (known_.contains(probe.address))
         return; // somebody entered it while the ping was under way
     if (!addDiscoveredDevice(document_, probe.address))
@@ -304,7 +304,7 @@ CLiveDiscover::Walk CLiveDiscover::walk() const {
 void CLiveDiscover::setWalk(const Walk& walk) {
     lastWalk_ = walk;
     if (const CHardware* owner = FeatureOwner::record(document_, Feature::LiveDiscover)) {
-        document_.edit(*owner, [&walk](CHardware& held) {
+        document_.editInBackground(*owner, [&walk](CHardware& held) {
             held.MACAddress = walk.from;
             held.Comment = walk.to;
             held.IPAddress = walk.next;

@@ -8,7 +8,7 @@ namespace mirovane {
 enum class SaveResult {
     Saved,
     Failed,   ///< reported in the log; what is in memory stays
-    Reloaded, ///< another station had saved meanwhile: the file was read again, what was to be saved is gone
+    Reloaded, ///< another station had saved meanwhile who runs what, and that stands: look again
 };
 
 /// What Live Stat and Live Discover ask of the station that they run in. Main thread.

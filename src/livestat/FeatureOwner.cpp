@@ -106,7 +106,7 @@ namespace LiveStatHeartbeat {
 
 void signOfLife(CMirovaneDoc& document) {
     if (const CHardware* owner = FeatureOwner::record(document, Feature::LiveStat))
-        document.edit(*owner, [&](CHardware& held) { held.Modified = document.now(); });
+        document.editInBackground(*owner, [&](CHardware& held) { held.Modified = document.now(); });
 }
 
 std::int64_t silentHours(const CMirovaneDoc& document) {

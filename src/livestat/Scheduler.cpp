@@ -30,12 +30,14 @@ CLiveStatScheduler::CLiveStatScheduler(CMirovaneDoc& document, const StepProbes&
       picker_(document, document.clock()),
       jacks_(document),
       timer_(timers.makeTimer([this] { tick(); })) {
+    document_.addObserver(*this);
     picker_.setIncludeMisc(settings_.LSIncludeMisc);
     slots_.resize(wantedSlots());
     jobs_.setLimit(slots_.size());
 }
 
 CLiveStatScheduler::~CLiveStatScheduler() {
+    document_.removeObserver(*this);
     timer_->stop();
     stopJobs();
     while (!jobs_.waitUntilIdle(waitSlice)) {
@@ -173,6 +175,14 @@ void CLiveStatScheduler::rebind() {
     for (JobSlot& slot : slots_) {
         if (slot.recID && !document_.findDevice(*slot.recID))
             freeSlot(slot);
+    }
+}
+
+/// A step that is under way comes back to the device that it was started for.
+void CLiveStatScheduler::recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
+    for (JobSlot& slot : slots_) {
+        if (slot.recID == oldRecID)
+            slot.recID = newRecID;
     }
 }
 

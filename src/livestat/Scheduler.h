@@ -27,12 +27,12 @@ namespace mirovane {
 /// step. Its own work does not grow with the list.
 ///
 /// Settings hold until setSettings(); the slot pool is an array whose surplus end goes when it shrinks.
-class CLiveStatScheduler {
+class CLiveStatScheduler final : private DocumentObserver {
 public:
     /// All references must outlive the scheduler. The destructor stops the jobs and waits for them.
     CLiveStatScheduler(CMirovaneDoc& document, const StepProbes& probes, Workers& workers,
                        TimerFactory& timers, LiveStatHost& host, const LiveStatSettings& settings);
-    ~CLiveStatScheduler();
+    ~CLiveStatScheduler() override;
     CLiveStatScheduler(const CLiveStatScheduler&) = delete;
     CLiveStatScheduler& operator=(const CLiveStatScheduler&) = delete;
 
@@ -103,6 +103,8 @@ private:
         int row = -1;
         std::shared_ptr<StepJob> job;
     };
+
+    void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;
 
     void enable();
     void disable();

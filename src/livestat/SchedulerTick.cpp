@@ -180,7 +180,7 @@ void CLiveStatScheduler::takeBack(JobSlot& slot, const StepJob& job) {
     const Applied applied = applyOutcome(after, job.input, job.outcome, document_.now());
     if (applied == Applied::Nothing)
         return;
-    document_.edit(*device, [&after](CHardware& record) { record = std::move(after); });
+    document_.editInBackground(*device, [&after](CHardware& record) { record = std::move(after); });
     changed_ = changed_ || applied == Applied::Change;
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "model/Datafile.h"
+#include "model/EditJournal.h"
 #include "model/Hardware.h"
+#include "model/Merge.h"
 #include "model/MessageLog.h"
 #include "model/RecordIndex.h"
 #include "model/Settings.h"
@@ -38,7 +40,13 @@ public:
     /// Two records traded places in the list.
     virtual void orderChanged() {}
 
-    /// New, open or reload: every record is another one. Pointers into the list are gone.
+    /// A device that was added here got another record ID, because another station had given its own to one
+    /// of its own. Comes before the documentReplaced() of the merge; `newRecID` is no device's `oldRecID`.
+    virtual void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
+        (void)oldRecID, (void)newRecID;
+    }
+
+    /// New, open, reload or merge: every record is another one. Pointers into the list are gone.
     virtual void documentReplaced() {}
 };
 
@@ -89,12 +97,16 @@ public:
     /// A new device of this type: next record ID, the type's priority, Modified now. Otherwise as `append`.
     const CHardware* addDevice(std::int32_t type, const std::function<void(CHardware&)>& fill = {});
 
-    /// Changes fields of one record of this list. `change` gets the record itself. Does not stamp Modified:
-    /// the caller knows whether a user's edit or background work changed it.
+    /// A user's edit of one record of this list, which is kept also when another station saves the datafile
+    /// meanwhile. `change` gets the record itself. Does not stamp Modified.
     void edit(const CHardware& record, const std::function<void(CHardware&)>& change);
 
-    /// A user's edit: as `edit`, then Modified = now.
+    /// As `edit`, then Modified = now.
     void editByUser(const CHardware& record, const std::function<void(CHardware&)>& change);
+
+    /// As `edit`, for what can be found again: gives way to what another station saved. (Who runs a feature
+    /// is decided by its owner record, however that was edited.)
+    void editInBackground(const CHardware& record, const std::function<void(CHardware&)>& change);
 
     /// Removes the devices with these record IDs; unknown IDs are skipped. Returns how many went.
     std::size_t removeDevices(std::span<const std::int32_t> recIDs);
@@ -126,16 +138,37 @@ public:
     /// what it was and the error says why.
     std::optional<Datafile::Error> open(const std::string& path);
 
-    /// The records of the file again, without the post-load pass; keeps nothing of the run-time flags (the
-    /// caller restores them), but the pending-changes mark survives. On failure the records stay, and until a
-    /// reload has succeeded nothing is saved.
+    /// The records of the file again, without the post-load pass. What the user changed and could not save
+    /// yet is put on top of them (see unsavedEdits()); what background work changed is dropped, but the
+    /// pending-changes mark survives. Devices that were selected are selected and show all their labels
+    /// again, and marks for Live Stat Now stay. On failure the records stay, and nothing is saved until the
+    /// file could be read whole.
     std::optional<Datafile::Error> reload();
 
+    /// How a save that goes wrong is dealt with: a retry waits for no other station and reports no error a
+    /// second time.
+    enum class Attempt { First, Retry };
+
     /// The one operation that writes the datafile. Logs "Saved ... changes to data file", or why not. With no
-    /// path, or while loading, it writes nothing and returns no error. Takes and clears the save note. Kind
-    /// Changed: another station saved meanwhile, or the last reload failed; nothing was written, and the note
-    /// and the marks of unsaved changes stay. Reload first. Any other failure leaves the file as it was, too.
-    std::optional<FileError> save();
+    /// path, or while loading, it writes nothing and returns no error. Takes and clears the save note.
+    ///
+    /// Where another station has saved since this one last read or wrote the file, it is read again under the
+    /// same lock and this station's changes are put on top, which the log tells ("Merged changes from data
+    /// file" and a line for every value that was lost); then all records are other ones, as after a reload.
+    ///
+    /// Any failure leaves the file as it was, and the marks of unsaved changes stay. Kind Changed: another
+    /// station saved something that cannot be read; the note stays, too. Kind NotFound also when the datafile
+    /// is gone from where it was: on a share that is not mounted a new one would hide it.
+    std::optional<FileError> save(Attempt attempt = Attempt::First);
+
+    /// The last save found that another station had saved, and read the file again.
+    bool readAgainBySave() const { return readAgainBySave_; }
+
+    /// The file holds something that this station has tried and failed to read.
+    bool mustReload() const { return mustReload_; }
+
+    /// The user changed something that is in no datafile yet.
+    bool unsavedEdits() const { return !path_.empty() && !journal_.nothingToKeep(); }
 
     /// The same under a new path, which becomes the document's own only when the save succeeded.
     std::optional<FileError> saveAs(const std::string& path);
@@ -196,6 +229,7 @@ private:
     std::size_t placeOf(const CHardware& record) const;
     bool holdsSpecial(std::int32_t type) const { return findSpecial(type) != nullptr; }
     void setFlag(const CHardware& record, std::int32_t CHardware::*flag, bool on);
+    void change(const CHardware& record, const std::function<void(CHardware&)>& change, bool byUser);
     void forgetTextFileStamps(std::int32_t type, bool allRows);
     CHardware makeSpecial(std::int32_t type, std::int32_t state) const;
     const CHardware* insert(CHardware record);
@@ -209,9 +243,15 @@ private:
     void addMissingRecords();
     void addToDoRows();
     std::optional<Datafile::Error> load(const std::string& path);
+    std::optional<Datafile::Error> readAgain(LockedFile& file);
+    void replaceRecords(Datafile::RecordList records, const std::vector<Renumbering>& renumbered);
+    void mergeInto(Datafile::RecordList theirs);
     std::optional<FileError> bringVersionToFront(const std::string& path);
-    std::optional<FileError> write(const std::string& path);
-    std::optional<FileError> reportSave(const std::string& path, std::optional<FileError> error);
+    Result<std::string, FileError> encoded(const std::string& path);
+    std::optional<FileError> write(const std::string& path, bool over, std::chrono::milliseconds patience);
+    std::optional<FileError> put(LockedFile& file, const std::string& path, std::string_view bytes);
+    std::optional<FileError> reportSave(const std::string& path, std::optional<FileError> error,
+                                        Attempt attempt = Attempt::First);
 
     Files& files_;
     const Clock& clock_;
@@ -222,6 +262,7 @@ private:
 
     Datafile::RecordList records_;
     RecordIndex index_;
+    EditJournal journal_;
     std::uint64_t orderRevision_ = 0;
 
     std::string path_;
@@ -236,6 +277,8 @@ private:
     bool exportAuto_ = false;
     std::size_t discovered_ = 0;
     bool mustReload_ = false; ///< a reload failed: what is in memory must not go over the file
+    bool readAgainBySave_ = false;
+    std::string reportedError_; ///< of the save that failed last
 
     std::vector<DocumentObserver*> observers_;
 };

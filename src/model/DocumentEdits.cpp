@@ -37,6 +37,8 @@ const CHardware* CMirovaneDoc::append(CHardware record) {
     if (!added)
         return nullptr;
     modified_ = true;
+    if (!path_.empty())
+        journal_.added(*added);
     for (DocumentObserver* observer : observers_)
         observer->recordAdded(*added);
     return added;
@@ -53,7 +55,8 @@ const CHardware* CMirovaneDoc::addDevice(std::int32_t type, const std::function<
     return append(std::move(device));
 }
 
-void CMirovaneDoc::edit(const CHardware& record, const std::function<void(CHardware&)>& change) {
+void CMirovaneDoc::change(const CHardware& record, const std::function<void(CHardware&)>& change,
+                          bool byUser) {
     const std::size_t place = placeOf(record);
     CHardware& held = *records_[place];
     const CHardware before = held;
@@ -63,10 +66,21 @@ void CMirovaneDoc::edit(const CHardware& record, const std::function<void(CHardw
     index_.rekeyed(records_, place, before.Type, before.RecID);
     if (held.Type != before.Type || held.Priority != before.Priority || held.RecID != before.RecID)
         ++orderRevision_;
-    if (!sameStored(before, held))
+    if (!sameStored(before, held)) {
         modified_ = true;
+        if (!path_.empty())
+            journal_.changed(before, held, byUser ? allFields : FieldSet());
+    }
     for (DocumentObserver* observer : observers_)
         observer->recordChanged(before, held);
+}
+
+void CMirovaneDoc::edit(const CHardware& record, const std::function<void(CHardware&)>& change) {
+    this->change(record, change, true);
+}
+
+void CMirovaneDoc::editInBackground(const CHardware& record, const std::function<void(CHardware&)>& change) {
+    this->change(record, change, false);
 }
 
 void CMirovaneDoc::editByUser(const CHardware& record, const std::function<void(CHardware&)>& change) {
@@ -78,13 +92,15 @@ void CMirovaneDoc::editByUser(const CHardware& record, const std::function<void(
 
 void CMirovaneDoc::remove(const CHardware& record) {
     const std::size_t place = placeOf(record);
-    const std::unique_ptr<CHardware> gone = std::move(records_[place]);
+    std::unique_ptr<CHardware> gone = std::move(records_[place]);
     records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(place));
     index_.removed(records_, place, *gone);
     ++orderRevision_;
     modified_ = true;
     for (DocumentObserver* observer : observers_)
         observer->recordRemoved(*gone);
+    if (!path_.empty())
+        journal_.removed(std::move(gone));
 }
 
 /// One pass over the list, however many go.
@@ -101,9 +117,11 @@ std::size_t CMirovaneDoc::removeDevices(std::span<const std::int32_t> recIDs) {
     index_.rebuild(records_);
     ++orderRevision_;
     modified_ = true;
-    for (const auto& record : gone) {
+    for (auto& record : gone) {
         for (DocumentObserver* observer : observers_)
             observer->recordRemoved(*record);
+        if (!path_.empty())
+            journal_.removed(std::move(record));
     }
     return gone.size();
 }
@@ -150,7 +168,7 @@ void CMirovaneDoc::forgetTextFileStamps(std::int32_t type, bool allRows) {
         };
         if (record->Type != type || std::none_of(stamps.begin(), stamps.end(), isSet))
             continue;
-        edit(*record, [firstRow](CHardware& held) {
+        editInBackground(*record, [firstRow](CHardware& held) {
             std::fill(held.RuleStamps.begin() + static_cast<std::ptrdiff_t>(firstRow), held.RuleStamps.end(),
                       0);
         });

@@ -2,9 +2,7 @@
 #include "model/Document.h"
 #include "platform/FilePaths.h"
 
-#include <cerrno>
 #include <filesystem>
-#include <new>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -17,12 +15,6 @@ constexpr std::int32_t firstToDoRow = criteriaRecordType(DeviceType::first, 11);
 
 Datafile::Error cannotRead(const FileError& error) {
     return {Datafile::Error::Kind::CannotRead, 0, 0, error.sentence};
-}
-
-std::string absolutePath(const std::string& path) {
-    std::error_code failed;
-    const std::filesystem::path absolute = std::filesystem::absolute(path, failed);
-    return failed || path.empty() ? path : absolute.string();
 }
 
 bool existsOnDisk(const std::filesystem::path& path) {
@@ -114,9 +106,11 @@ std::optional<Datafile::Error> CMirovaneDoc::load(const std::string& path) {
     path_ = path;
     fileVersion_ = content.value().fileVersion;
     knownIdentity_ = locked.value()->identity();
+    journal_.clear();
     records_ = std::move(content.value().records);
     index_.rebuild(records_);
     mustReload_ = modified_ = false;
+    reportedError_.clear();
     if (const CHardware* version = findSpecial(SpecialType::VersionRecord))
         creationTime_ = version->Modified;
     display_.readAtOpen(settings_);
@@ -130,15 +124,6 @@ std::optional<Datafile::Error> CMirovaneDoc::open(const std::string& path) {
     loading_ = pendingChanges_ = upgradePending_ = false;
     discovered_ = 0;
     runPostLoadPass();
-    tellReplaced();
-    return std::nullopt;
-}
-
-std::optional<Datafile::Error> CMirovaneDoc::reload() {
-    if (auto error = load(path_)) {
-        mustReload_ = true;
-        return error;
-    }
     tellReplaced();
     return std::nullopt;
 }
@@ -189,86 +174,6 @@ void CMirovaneDoc::addToDoRows() {
         if (isCriteriaRecordType(record->Type) && (-record->Type - 80) % 20 == 11)
             applyToDoRowDefaults(*record);
     }
-}
-
-// ---- writing
-
-/// Every station looks for the version in the first record. A second VersionRecord is left where it is.
-std::optional<FileError> CMirovaneDoc::bringVersionToFront(const std::string& path) {
-    if (!holdsSpecial(SpecialType::VersionRecord))
-        append(makeSpecial(SpecialType::VersionRecord, Datafile::currentVersion));
-    const auto place = index_.special(SpecialType::VersionRecord);
-    if (!place || records_.size() > Datafile::maxRecords)
-        return FileError{FileError::Kind::TooLarge, 0,
-                         "cannot write " + path + ": a datafile holds at most 65,534 records"};
-    edit(*records_[*place], [](CHardware& held) { held.State = Datafile::currentVersion; });
-    exchange(0, *place);
-    return std::nullopt;
-}
-
-std::optional<FileError> CMirovaneDoc::write(const std::string& path) {
-    const bool ownFile = path == path_;
-    if (auto error = bringVersionToFront(path))
-        return error;
-    std::string bytes;
-    try {
-        bytes = Datafile::encode(records_);
-    } catch (const std::bad_alloc&) {
-        return FileError{FileError::Kind::Other, ENOMEM, "cannot write " + path + ": Out of memory"};
-    }
-    auto locked = files_.lock(path, FileAccess::Write, lockPatience);
-    if (!locked)
-        return locked.error();
-    LockedFile& file = *locked.value();
-    if (ownFile && file.exists() && knownIdentity_ && file.identity() != *knownIdentity_)
-        return FileError{FileError::Kind::Changed, 0,
-                         "cannot write " + path + ": the datafile was changed by another station"};
-    const auto replaced = file.replace(bytes);
-    // Also after an error: the new file may be in place and only its flush have failed.
-    if (file.exists() && (replaced || ownFile))
-        knownIdentity_ = file.identity();
-    if (!replaced)
-        return replaced.error();
-    path_ = path;
-    modified_ = upgradePending_ = mustReload_ = false;
-    return std::nullopt;
-}
-
-std::optional<FileError> CMirovaneDoc::reportSave(const std::string& path, std::optional<FileError> error) {
-    const bool toStatusBar = saveNote_.empty();
-    if (error) {
-        log_.LogMessage(error->sentence, toStatusBar);
-        log_.LogMessage("Error accessing datafile " + path, toStatusBar);
-    } else {
-        log_.LogMessage("Saved " + saveNote_ + "changes to data file", toStatusBar);
-    }
-    if (!error || error->kind != FileError::Kind::Changed)
-        saveNote_.clear();
-    return error;
-}
-
-std::optional<FileError> CMirovaneDoc::save() {
-    if (loading_)
-        return std::nullopt;
-    if (path_.empty()) {
-        modified_ = true;
-        return std::nullopt;
-    }
-    if (mustReload_)
-        return reportSave(path_, FileError{FileError::Kind::Changed, 0,
-                                           "cannot write " + path_ +
-                                               ": the datafile was changed and could not be read again"});
-    return reportSave(path_, write(path_));
-}
-
-std::optional<FileError> CMirovaneDoc::saveAs(const std::string& path) {
-    const std::string target = absolutePath(path);
-    if (isSameFile(target, path_))
-        return save();
-    auto error = reportSave(target, write(target));
-    if (!error)
-        exportAuto_ = readExportAuto(settings_, path_);
-    return error;
 }
 
 // ---- the floor map's record

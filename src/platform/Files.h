@@ -21,7 +21,8 @@ struct FileIdentity {
 };
 
 struct FileError {
-    /// Changed: another station wrote the file since this one last read or wrote it; nothing was written.
+    /// Changed: another station wrote the file since this one last read or wrote it, and that cannot be read;
+    /// nothing was written.
     enum class Kind { NotFound, Denied, Locked, NoSpace, TooLarge, Changed, Other };
 
     Kind kind = Kind::Other;

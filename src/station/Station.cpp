@@ -1,10 +1,12 @@
 #include "station/Station.h"
 
+#include "livestat/FeatureOwner.h"
 #include "livestat/WorkerPool.h"
+#include "platform/FilePaths.h"
 #include "station/ExportWriter.h"
 
 #include <algorithm>
-#include <filesystem>
+#include <array>
 
 namespace mirovane {
 
@@ -29,6 +31,16 @@ std::optional<Datafile::Error> whyNotReadable(Files& files, const std::string& p
         return cannotRead(bytes.error());
     const auto content = Datafile::decode(bytes.value());
     return content ? std::nullopt : std::optional(content.error());
+}
+
+/// What the datafile says about who runs what.
+std::array<CHardware, 2> owners(const CMirovaneDoc& document) {
+    std::array<CHardware, 2> copies;
+    for (const Feature feature : {Feature::LiveStat, Feature::LiveDiscover}) {
+        if (const CHardware* record = FeatureOwner::record(document, feature))
+            copies[feature == Feature::LiveStat ? 0 : 1] = *record;
+    }
+    return copies;
 }
 
 } // namespace
@@ -89,10 +101,11 @@ std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
 
 /// Other stations must not go on believing that this one works on a datafile that it has left.
 void CStation::leaveDatafile() {
+    busy_ = reloadWaiting_ = false; // what waits for a reload is merged by the saves here
     endDiscoverNow();
     liveStat_->disableNow();
     liveDiscover_->disableNow();
-    if (doc_->pendingChanges())
+    if (doc_->pendingChanges() || doc_->unsavedEdits())
         saveBackgroundChanges();
 }
 
@@ -112,7 +125,7 @@ void CStation::begin() {
     liveStat_->reset();
     liveDiscover_->reset();
     reminders_->reset();
-    busy_ = reloadWaiting_ = unreadable_ = false;
+    busy_ = reloadWaiting_ = unreadable_ = saveOwed_ = false;
     saveTicks_ = doc_->upgradePending() ? upgradeSaveTicks : 0;
     startTimers(firstReminderPeriod);
     redraw();
@@ -134,28 +147,47 @@ void CStation::stopTimers() {
 }
 
 std::optional<FileError> CStation::saveDatafile() {
-    if (busy_)
+    if (busy_) {
+        saveOwed_ = true;
         return std::nullopt;
+    }
     auto error = save();
     refillListView();
     return error;
 }
 
-std::optional<FileError> CStation::save() {
-    if (busy_)
+std::optional<FileError> CStation::save(CMirovaneDoc::Attempt attempt) {
+    if (busy_) {
+        saveOwed_ = true;
         return std::nullopt;
-    lastSaveError_ = doc_->save();
-    if (!lastSaveError_ && !doc_->path().empty())
+    }
+    const auto error = lastSaveError_ = doc_->save(attempt);
+    if (!error && !doc_->path().empty()) {
         doc_->setPendingChanges(false);
-    auto error = lastSaveError_;
-    if (error && error->kind == FileError::Kind::Changed)
-        reloadNow();
+        unreadable_ = false;
+    }
+    saveOwed_ = error && doc_->unsavedEdits();
+    if (doc_->readAgainBySave())
+        afterReadAgain();
     return error;
 }
 
+/// Steps that are under way go on: they work on copies, and find their device by its number.
+void CStation::afterReadAgain() {
+    if (reloading_)
+        return;
+    reloading_ = true;
+    unreadable_ = false;
+    liveStat_->afterReload();
+    liveDiscover_->afterReload();
+    redraw();
+    reloading_ = false;
+}
+
 std::optional<FileError> CStation::saveDatafileAs(const std::string& path) {
+    settleReload();
     // The file that is left must not go on naming this station as the one that works on it.
-    const bool leaving = !doc_->path().empty() && std::filesystem::absolute(path).string() != doc_->path();
+    const bool leaving = !doc_->path().empty() && absolutePath(path) != doc_->path();
     const bool takesLiveStat = leaving && liveStat_->enabled();
     const bool takesDiscover = leaving && liveDiscover_->enabled();
     if (leaving)
@@ -165,8 +197,12 @@ std::optional<FileError> CStation::saveDatafileAs(const std::string& path) {
     if (takesDiscover)
         liveDiscover_->disableNow();
     auto error = doc_->saveAs(path);
-    if (!error)
+    if (!error) {
         doc_->setPendingChanges(false);
+        unreadable_ = saveOwed_ = false;
+    }
+    if (doc_->readAgainBySave())
+        afterReadAgain();
     if (takesLiveStat)
         liveStat_->toggle();
     if (takesDiscover)
@@ -186,7 +222,16 @@ void CStation::waitForLiveStat() {
     liveStat_->waitForJobs();
 }
 
+/// For a command that comes while a reload waits: it works on what the reload brings.
+void CStation::settleReload() {
+    if (!reloadWaiting_)
+        return;
+    waitForLiveStat();
+    finishReload();
+}
+
 std::optional<FileError> CStation::deleteDevices(std::span<const std::int32_t> recIDs) {
+    settleReload();
     watchTimer_->stop();
     liveStat_->pause();
     busy_ = true;
@@ -207,6 +252,7 @@ std::optional<FileError> CStation::deleteDevices(std::span<const std::int32_t> r
 
 std::optional<FileError> CStation::updateDevices(std::span<const std::int32_t> recIDs,
                                                  const std::function<void(CHardware&)>& change) {
+    settleReload();
     busy_ = true;
     watchTimer_->stop();
     if (recIDs.size() > 1 || (recIDs.size() == 1 && liveStat_->holdsDevice(recIDs.front()))) {
@@ -236,7 +282,7 @@ std::optional<FileError> CStation::shutDown() {
     endDiscoverNow();
     liveStat_->disableNow();
     liveDiscover_->disableNow();
-    if (doc_->pendingChanges())
+    if (doc_->pendingChanges() || doc_->unsavedEdits())
         saveBackgroundChanges();
     stopTimers();
     auto error = lastSaveError_;
@@ -262,14 +308,13 @@ void CStation::failUser(const std::string& text) {
 SaveResult CStation::saveDatafile(const std::string& note) {
     if (!note.empty())
         doc_->setSaveNote(note);
-    auto error = save();
-    if (!note.empty()) // devices were checked; otherwise only an owner record changed
+    const auto before = owners(*doc_);
+    const auto error = save();
+    if (!note.empty() || doc_->readAgainBySave()) // otherwise only an owner record changed
         refillListView();
-    if (!error)
-        return SaveResult::Saved;
-    // Within a reload the file is not read a second time; the next watch tick sees that it changed again.
-    const bool reloaded = error->kind == FileError::Kind::Changed && !reloading_ && !unreadable_;
-    return reloaded ? SaveResult::Reloaded : SaveResult::Failed;
+    if (!std::ranges::equal(before, owners(*doc_), sameOwner))
+        return SaveResult::Reloaded;
+    return error ? SaveResult::Failed : SaveResult::Saved;
 }
 
 void CStation::redraw() {

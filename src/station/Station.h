@@ -94,8 +94,10 @@ public:
     /// everything stays as it was; the error has been logged.
     std::optional<Datafile::Error> openDatafile(const std::string& path);
 
-    /// Never writes over a file that another station saved meanwhile: that one is read again instead, and the
-    /// error says so. Does nothing while a reload waits for Live Stat.
+    /// Where another station saved meanwhile, its file is read and this station's changes are put on top of it
+    /// and saved: every record is another one then. While a reload waits for Live Stat nothing is saved and no
+    /// error returned; the changes are saved with the reload. A save that fails is tried again by the watch
+    /// until it succeeds.
     std::optional<FileError> saveDatafile();
     std::optional<FileError> saveDatafileAs(const std::string& path);
 
@@ -190,7 +192,9 @@ private:
 
     void autoExport();
     std::size_t writeRows(const ExportSettings& settings, std::chrono::milliseconds patience);
-    std::optional<FileError> save();
+    std::optional<FileError> save(CMirovaneDoc::Attempt attempt = CMirovaneDoc::Attempt::First);
+    void afterReadAgain();
+    void settleReload();
     void saveBackgroundChanges();
     void leaveDatafile();
     void endDiscoverNow();
@@ -200,9 +204,9 @@ private:
     void waitForLiveStat();
 
     void watchTick();
-    void periodicSave();
+    void retryOwedSave();
+    void periodicSave(const Result<FileIdentity, FileError>& status);
     void reload();
-    void reloadNow();
     void finishReload();
     void readAgain();
     void reportUnreadable(const Datafile::Error& error);
@@ -232,6 +236,9 @@ private:
     bool reloadWaiting_ = false; ///< busy_, because a reload waits for Live Stat's jobs
     bool reloading_ = false; ///< the records are being replaced, or the owner is being asked about afterwards
     bool unreadable_ = false; ///< the last reload failed; reported once
+    bool saveOwed_ = false;   ///< a save failed or was left out, and what it was for is in no datafile yet
+    int ticksToRetry_ = 0;    ///< watch ticks until the owed save is tried again
+    int retryPause_ = 0;      ///< what ticksToRetry_ begins with; grows with every try that fails
     bool shutDown_ = false;
     int pauses_ = 0;
     int saveTicks_ = 0;

@@ -1,7 +1,7 @@
 #include "livestat/FeatureOwner.h"
 #include "station/Station.h"
 
-#include <vector>
+#include <algorithm>
 
 namespace mirovane {
 
@@ -17,18 +17,11 @@ constexpr std::chrono::milliseconds reminderHiddenPeriod{2000};
 constexpr int ticksBetweenSaves = 5;
 constexpr int ticksOfLiveStat = 100;
 
+/// Half a minute.
+constexpr int mostTicksToRetry = 10;
+
 constexpr std::int64_t heartbeatHours = 3;
 constexpr std::int64_t takeOverHours = 4;
-
-std::vector<std::int32_t> devicesWith(const CMirovaneDoc& document, std::int32_t CHardware::*flag) {
-    std::vector<std::int32_t> recIDs;
-    for (std::size_t i = 0; i < document.size(); ++i) {
-        const CHardware& record = document.at(i);
-        if (record.isDevice() && record.*flag != 0)
-            recIDs.push_back(record.RecID);
-    }
-    return recIDs;
-}
 
 } // namespace
 
@@ -39,18 +32,39 @@ void CStation::watchTick() {
         reload();
         return;
     }
-    const auto status = services_.files.status(doc_->path());
-    if (!status)
+    auto status = services_.files.status(doc_->path());
+    if (!status) {
         services_.log.LogMessage("Error reading/loading from datafile!", true);
-    else if (unreadable_ || status.value() != doc_->knownIdentity())
+        retryPause_ = ticksToRetry_ = 0;
+    } else if (doc_->mustReload() || status.value() != doc_->knownIdentity()) {
         reload();
+        if (!busy_)
+            status = services_.files.status(doc_->path());
+    } else {
+        retryOwedSave();
+    }
     if (!busy_)
-        periodicSave();
+        periodicSave(status);
 }
 
-void CStation::periodicSave() {
+/// The first try comes with the next tick, further ones less and less often: a disk that is full or a file
+/// that may not be written stays so for a while.
+void CStation::retryOwedSave() {
+    if (!saveOwed_ || !doc_->unsavedEdits()) {
+        saveOwed_ = false;
+        retryPause_ = ticksToRetry_ = 0;
+        return;
+    }
+    if (ticksToRetry_-- > 0)
+        return;
+    retryPause_ = std::min(2 * retryPause_ + 1, mostTicksToRetry);
+    ticksToRetry_ = retryPause_;
+    if (!save(CMirovaneDoc::Attempt::Retry))
+        refillListView();
+}
+
+void CStation::periodicSave(const Result<FileIdentity, FileError>& status) {
     ++saveTicks_;
-    const auto status = services_.files.status(doc_->path());
     if (!status) {
         services_.log.LogMessage("Error writing to datafile!", true);
         saveTicks_ = 0;
@@ -85,24 +99,14 @@ void CStation::reload() {
     finishReload();
 }
 
-/// A save found that the file had changed; what it was to write goes on from the records that are read now.
-void CStation::reloadNow() {
-    if (reloading_)
-        return;
-    stopTimers();
-    if (!unreadable_)
-        services_.log.LogMessage("Loading from data file, please wait...", true);
-    busy_ = true;
-    waitForLiveStat();
-    finishReload();
-}
-
 void CStation::finishReload() {
     reloading_ = true;
     reloadWaiting_ = false;
     readAgain();
     busy_ = false;
     if (!unreadable_) {
+        if (doc_->unsavedEdits())
+            save();
         refillListView();
         liveStat_->afterReload();
         liveDiscover_->afterReload();
@@ -115,21 +119,9 @@ void CStation::finishReload() {
 }
 
 void CStation::readAgain() {
-    const auto selected = devicesWith(*doc_, &CHardware::Selected);
-    const auto marked = devicesWith(*doc_, &CHardware::LSNowMark);
     if (const auto error = doc_->reload()) {
         reportUnreadable(*error);
         return;
-    }
-    for (const std::int32_t recID : selected) {
-        if (const CHardware* device = doc_->findDevice(recID)) {
-            doc_->setSelected(*device, true);
-            doc_->setShowAll(*device, true);
-        }
-    }
-    for (const std::int32_t recID : marked) {
-        if (const CHardware* device = doc_->findDevice(recID))
-            doc_->setLSNowMark(*device, true);
     }
     unreadable_ = false;
     services_.log.LogMessage("Loaded from data file", true);

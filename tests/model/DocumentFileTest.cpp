@@ -54,7 +54,12 @@ TEST_F(DocumentFileTest, NothingIsWrittenWithoutAPathOrWhileLoading) {
     EXPECT_FALSE(doc.save());
     EXPECT_FALSE(fs::exists(path));
     doc.setLoading(false);
-    EXPECT_FALSE(doc.save());
+    // Where a share is not connected, its folder is there and empty: only the user knows that it is the
+    // place.
+    ASSERT_TRUE(doc.save());
+    EXPECT_EQ(doc.save()->kind, FileError::Kind::NotFound);
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_FALSE(doc.saveAs(path));
     EXPECT_TRUE(fs::exists(path));
 }
 
@@ -135,28 +140,43 @@ TEST_F(DocumentFileTest, OpenAddsWhatADatafileLacks) {
     EXPECT_TRUE(other.findSpecial(SpecialType::LiveDiscoverOwnerRecord));
 }
 
-TEST_F(DocumentFileTest, FileOfAnotherStationIsNotOverwritten) {
-    makeFloor(1);
+TEST_F(DocumentFileTest, ASaveGoesOnTopOfWhatAnotherStationSaved) {
+    makeFloor(2);
     ASSERT_FALSE(other.open(path));
     other.editByUser(*other.findDevice(1), [](CHardware& held) { held.Name = "theirs"; });
     ASSERT_FALSE(other.save());
 
-    doc.editByUser(*doc.findDevice(1), [](CHardware& held) { held.Name = "ours"; });
+    doc.editByUser(*doc.findDevice(2), [](CHardware& held) { held.Name = "ours"; });
+    doc.setSelected(*doc.findDevice(1), true);
     doc.setSaveNote("Live Stat ");
-    doc.setPendingChanges(true);
-    const auto error = doc.save();
-    ASSERT_TRUE(error);
-    EXPECT_EQ(error->kind, FileError::Kind::Changed);
-    EXPECT_EQ(lastLine, "Error accessing datafile " + path);
-    EXPECT_TRUE(doc.modified() && doc.pendingChanges());
-    EXPECT_EQ(doc.saveNote(), "Live Stat ");
-    EXPECT_TRUE(doc.saveAs(folder.file("./floor.mv")));
-
-    ASSERT_FALSE(doc.reload());
-    EXPECT_EQ(doc.findDevice(1)->Name, "theirs");
-    EXPECT_TRUE(doc.pendingChanges());
     ASSERT_FALSE(doc.save());
+    EXPECT_TRUE(doc.readAgainBySave());
+    EXPECT_TRUE(log.lines()[log.lines().size() - 2].ends_with(" - Merged changes from data file"));
     EXPECT_EQ(lastLine, "Saved Live Stat changes to data file");
+    EXPECT_EQ(doc.findDevice(1)->Selected + doc.findDevice(1)->ShowAll, 2);
+    ASSERT_FALSE(other.reload());
+    EXPECT_EQ(other.findDevice(1)->Name + " " + other.findDevice(2)->Name, "theirs ours");
+    EXPECT_FALSE(doc.modified() || doc.unsavedEdits());
+    EXPECT_FALSE(doc.save());
+    EXPECT_FALSE(doc.readAgainBySave());
+}
+
+TEST_F(DocumentFileTest, AReloadKeepsEditsAndDropsWhatIsFoundAgain) {
+    makeFloor(2);
+    ASSERT_FALSE(other.open(path));
+    other.editByUser(*other.findDevice(2), [](CHardware& held) { held.Name = "theirs"; });
+    ASSERT_FALSE(other.save());
+    doc.editInBackground(*doc.findDevice(1), [](CHardware& held) { held.State = DeviceState::On; });
+    doc.setPendingChanges(true);
+    ASSERT_FALSE(doc.reload());
+    EXPECT_EQ(doc.findDevice(1)->State, DeviceState::Def);
+    EXPECT_TRUE(doc.pendingChanges());
+    EXPECT_FALSE(doc.unsavedEdits());
+
+    doc.editByUser(*doc.findDevice(1), [](CHardware& held) { held.Name = "ours"; });
+    ASSERT_FALSE(doc.reload()); // also where nobody else saved
+    EXPECT_EQ(doc.findDevice(1)->Name, "ours");
+    EXPECT_TRUE(doc.unsavedEdits() && doc.modified());
 }
 
 TEST_F(DocumentFileTest, FailedReloadKeepsTheRecordsAndTheFile) {
@@ -169,6 +189,7 @@ TEST_F(DocumentFileTest, FailedReloadKeepsTheRecordsAndTheFile) {
     EXPECT_EQ(doc.deviceCount(), 2U);
     doc.editByUser(*doc.findDevice(1), [](CHardware& held) { held.Name = "kept"; });
     ASSERT_TRUE(doc.save());
+    EXPECT_EQ(doc.save()->kind, FileError::Kind::Changed);
     EXPECT_TRUE(doc.saveAs(path));
     EXPECT_EQ(test::readBytes(path), half);
     EXPECT_EQ(lastLine, "Error accessing datafile " + path);
