@@ -1,7 +1,7 @@
 #include "livestat/Placeholders.h"
 
+#include <algorithm>
 #include <array>
-#include <optional>
 
 namespace mirovane {
 
@@ -67,35 +67,66 @@ std::string escaped(std::string_view value) {
     return result;
 }
 
-std::optional<std::string> replacement(char selector, const CHardware& device, ExpandMode mode,
-                                       const std::function<std::string()>& insertedText) {
-    if (selector == 0 || (selector == 'M' && mode == ExpandMode::Command))
-        return std::nullopt;
-    if (selector == 'W' && mode == ExpandMode::Command && insertedText)
-        return insertedText();
-    for (const FieldPlaceholder& placeholder : fieldPlaceholders) {
-        if (placeholder.selector == selector) {
-            const std::string_view value = fieldValue(device, placeholder);
-            return mode == ExpandMode::Pattern ? escaped(value) : std::string(value);
-        }
+const FieldPlaceholder* fieldPlaceholder(char selector) {
+    const auto* found = std::ranges::find(fieldPlaceholders, selector, &FieldPlaceholder::selector);
+    return found == fieldPlaceholders.end() ? nullptr : found;
+}
+
+bool known(char selector, ExpandMode mode) {
+    if (selector == 0)
+        return false;
+    if (mode == ExpandMode::Command && selector == 'M')
+        return false;
+    if (mode == ExpandMode::Command && selector == insertedTextSelector)
+        return true;
+    return fieldPlaceholder(selector) != nullptr;
+}
+
+/// Text that follows text becomes one piece with it.
+void addText(std::vector<TemplatePiece>& pieces, std::string_view text, std::size_t at) {
+    if (pieces.empty() || pieces.back().selector != 0) {
+        pieces.push_back({0, text.substr(at, 1)});
+        return;
     }
-    return std::nullopt;
+    const std::size_t size = pieces.back().text.size();
+    pieces.back().text = text.substr(at - size, size + 1);
 }
 
 } // namespace
+
+std::vector<TemplatePiece> templatePieces(std::string_view text, ExpandMode mode) {
+    std::vector<TemplatePiece> pieces;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (const char selector = selectorAt(text, i); known(selector, mode)) {
+            pieces.push_back({selector, text.substr(i, placeholderLength)});
+            i += placeholderLength;
+        }
+        // The character behind a placeholder is copied untested: this is what keeps "$mvN$mvI" half expanded.
+        if (i < text.size())
+            addText(pieces, text, i);
+    }
+    return pieces;
+}
+
+std::string placeholderValue(char selector, const CHardware& device, ExpandMode mode) {
+    const FieldPlaceholder* placeholder = fieldPlaceholder(selector);
+    if (!placeholder)
+        return {};
+    const std::string_view value = fieldValue(device, *placeholder);
+    return mode == ExpandMode::Pattern ? escaped(value) : std::string(value);
+}
 
 std::string Expand(std::string_view text, const CHardware& device, ExpandMode mode,
                    const std::function<std::string()>& insertedText) {
     std::string result;
     result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (const auto value = replacement(selectorAt(text, i), device, mode, insertedText)) {
-            result += *value;
-            i += placeholderLength;
-        }
-        // The character behind a placeholder is copied untested: this is what keeps "$mvN$mvI" half expanded.
-        if (i < text.size())
-            result += text[i];
+    for (const TemplatePiece& piece : templatePieces(text, mode)) {
+        if (piece.selector == insertedTextSelector)
+            result += insertedText ? insertedText() : std::string(piece.text);
+        else if (piece.selector != 0)
+            result += placeholderValue(piece.selector, device, mode);
+        else
+            result += piece.text;
     }
     return result;
 }

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "model/Document.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace mirovane {
+
+/// An External Application as the user sees it: a named command line, kept in the datafile.
+struct ApplicationValues {
+    bool onMenu = false;
+    std::string name;
+    std::string command;
+
+    bool operator==(const ApplicationValues&) const = default;
+};
+
+ApplicationValues applicationValues(const CHardware& record);
+
+/// All entries in list order.
+std::vector<const CHardware*> applicationRecords(const CMirovaneDoc& document);
+
+/// What the Applications menu offers, in its order.
+std::vector<ApplicationValues> applicationsOnMenu(const CMirovaneDoc& document);
+
+/// Appends an empty entry that is not on the menu. Null when the datafile is full.
+const CHardware* addApplication(CMirovaneDoc& document);
+
+void changeApplication(CMirovaneDoc& document, const CHardware& record, const ApplicationValues& values);
+
+/// Copies of the devices that an application runs for: the selected ones on the floor map, in list order.
+std::vector<CHardware> applicationDevices(const CMirovaneDoc& document);
+
+/// Command of the k-th item (from 0) of the Applications menu.
+constexpr int firstApplicationCommand = 48000;
+
+} // namespace mirovane

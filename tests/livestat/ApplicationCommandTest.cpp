@@ -1,0 +1,159 @@
+#include "livestat/ApplicationCommand.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace mirovane {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Words = std::vector<std::string>;
+
+CHardware device(const std::string& name, const std::string& address = "10.0.0.5") {
+    CHardware computer;
+    computer.Type = DeviceType::Computer;
+    computer.Name = name;
+    computer.IPAddress = address;
+    computer.MACAddress = "00:11";
+    return computer;
+}
+
+Words filled(std::string_view line, const CHardware& computer, std::string_view typed = {}) {
+    const auto result = ApplicationCommand(line).fill(computer, typed);
+    EXPECT_EQ(result.refusal, "") << line;
+    return result.words;
+}
+
+TEST(ApplicationCommand, LinesAreCutAtBlanksOutsideQuotes) {
+    const std::pair<const char*, Words> cases[] = {
+        {"", {}},
+        {" \t ", {}},
+        {"  ping   10.0.0.5 ", {"ping", "10.0.0.5"}},
+        {R"("C:\Program Files\x.exe" /v)", {R"(C:\Program Files\x.exe)", "/v"}},
+        {R"(say "" a"b c"d)", {"say", "", "ab cd"}},
+        {R"(say "he said ""yes""" """")", {"say", R"(he said "yes")", "\""}},
+        {R"(say 'a b' \"c)", {"say", "'a", "b'", "\\c"}},
+        {"say \"never closed", {"say", "never closed"}},
+    };
+    for (const auto& [line, words] : cases)
+        EXPECT_EQ(splitCommandLine(line), words) << line;
+}
+
+TEST(ApplicationCommand, AFieldStaysOneArgumentWhateverItHolds) {
+    for (const std::string name : {"two words", "a\"b c\"", "; reboot", "$(reboot) `reboot`",
+                                   "x | y > /etc/z", "line\nbreak\r\n", "$mvI", "*", "~", "", "'"}) {
+        EXPECT_EQ(filled("tool -n $mvN --to=$mvN: end", device(name)),
+                  (Words{"tool", "-n", name, "--to=" + name + ":", "end"}));
+        EXPECT_EQ(filled("tool \"$mvN at $mvI\"", device(name)), (Words{"tool", name + " at 10.0.0.5"}));
+    }
+}
+
+TEST(ApplicationCommand, PlaceholdersFollowTheRuleOfCommands) {
+    const CHardware computer = device("pc-1");
+    EXPECT_EQ(filled("tool $mvN$mvI $MVM $mv", computer), (Words{"tool", "pc-1$mvI", "$MVM", "$mv"}));
+    // The quote is the character between them, so both count.
+    EXPECT_EQ(filled("tool $mvN\"$mvI\"", computer), (Words{"tool", "pc-110.0.0.5"}));
+}
+
+TEST(ApplicationCommand, TypedTextIsCutLikeTheCommandButHoldsNoPlaceholders) {
+    const CHardware computer = device("pc-1");
+    EXPECT_EQ(filled("ssh $mvW $mvN", computer, "-l \"root user\" -p 22"),
+              (Words{"ssh", "-l", "root user", "-p", "22", "pc-1"}));
+    EXPECT_EQ(filled("tool \"$mvW\" x$mvW.", computer, "a \"b"), (Words{"tool", "a \"b", "xa", "b."}));
+    EXPECT_EQ(filled("tool $mvW $mvN", computer, ""), (Words{"tool", "pc-1"}));
+    EXPECT_EQ(filled("tool $mvW", computer, "$mvN"), (Words{"tool", "$mvN"}));
+    EXPECT_EQ(filled("$mvW", computer, "xclock -digital"), (Words{"xclock", "-digital"}));
+    EXPECT_FALSE(ApplicationCommand("tool $mvN$mvW").wantsText());
+}
+
+TEST(ApplicationCommand, AFieldNeverBecomesAnOptionOrTheProgram) {
+    const CHardware hostile = device("-oProxyCommand=reboot");
+    EXPECT_THAT(ApplicationCommand("ssh $mvN").fill(hostile, "").refusal, HasSubstr("option"));
+    EXPECT_THAT(ApplicationCommand("ssh \"$mvU$mv/ x $mvN\"").fill(hostile, "").refusal, IsEmpty());
+    EXPECT_EQ(filled("ssh -- $mvN", hostile), (Words{"ssh", "--", hostile.Name}));
+    EXPECT_EQ(filled("ssh admin@$mvN", hostile), (Words{"ssh", "admin@-oProxyCommand=reboot"}));
+    EXPECT_EQ(filled("tool $mvW", hostile, "-x"), (Words{"tool", "-x"})); // the user may
+    CHardware second = hostile;
+    second.IPAddress = "--";
+    EXPECT_THAT(ApplicationCommand("ssh \"$mvI\" $mvN").fill(second, "").refusal, HasSubstr("option"));
+    second.IPAddress.clear();
+    EXPECT_THAT(ApplicationCommand("ssh $mvI\"$mvN\"").fill(second, "").refusal, HasSubstr("option"));
+
+    EXPECT_THAT(ApplicationCommand("$mvN -x").problem(), HasSubstr("program"));
+    EXPECT_THAT(ApplicationCommand("/opt/$mvN/run").problem(), HasSubstr("program"));
+    // Nothing typed: the next argument would be the program.
+    EXPECT_EQ(ApplicationCommand("$mvW $mvN").problem(), "");
+    EXPECT_THAT(ApplicationCommand("$mvW $mvN").fill(device("reboot"), "").refusal, HasSubstr("program"));
+    EXPECT_THAT(ApplicationCommand("$mvW").fill(device("reboot"), " ").refusal, HasSubstr("no program"));
+    EXPECT_THAT(ApplicationCommand("ping $mvN").fill(device(std::string("a\0b", 3)), "").refusal,
+                HasSubstr("zero byte"));
+}
+
+TEST(ApplicationCommand, ThePlaceFollowsFromPrefixAndProgram) {
+    using enum ProgramPlace;
+    const std::pair<const char*, ProgramPlace> cases[] = {
+        {"ping $mvI", Terminal},
+        {"/usr/bin/ssh $mvI", Terminal},
+        {"\"ping\" x", Terminal},
+        {"xfreerdp /v:$mvI", OwnWindow},
+        {"pinger $mvI", OwnWindow},
+        {"TERM: tool $mvI", Terminal},
+        {" noterm:ping $mvI", OwnWindow},
+        {"https://$mvI/status", Browser},
+        {"HTTP://$mvN", Browser},
+        {"xdg-open http://$mvI", OwnWindow},
+        {"", OwnWindow},
+    };
+    for (const auto& [line, place] : cases)
+        EXPECT_EQ(ApplicationCommand(line).place(), place) << line;
+    EXPECT_EQ(filled("term: tool $mvI", device("x")), (Words{"tool", "10.0.0.5"}));
+    EXPECT_EQ(filled("noterm:ping", device("x")), (Words{"ping"}));
+}
+
+TEST(ApplicationCommand, CommandsOfAnotherSystemAndBadAddressesSaySo) {
+    for (const char* line :
+         {R"("C:\Windows\System32\mstsc.exe" /v:$mvN)", R"(\\server\tools\vnc.exe $mvI)", "d:/tools/x.exe"})
+        EXPECT_THAT(ApplicationCommand(line).problem(), HasSubstr("another system")) << line;
+    EXPECT_THAT(ApplicationCommand("http://$mvI two").problem(), HasSubstr("one word"));
+    EXPECT_THAT(ApplicationCommand(" ").problem(), HasSubstr("empty"));
+    EXPECT_EQ(filled("http://$mvI/?q=$mvN&x", device("a b';$(x)\"\xC3\xA4/1")),
+              (Words{"http://10.0.0.5/?q=a%20b%27%3B%24%28x%29%22%C3%A4/1&x"}));
+}
+
+TEST(ApplicationRun, StartsOncePerDeviceInOrderAndAsksOnce) {
+    const std::vector<CHardware> devices{device("a"), device("-b"), device("c"), device("-d")};
+    int asked = 0;
+    const auto run = planApplicationRun("tool $mvN $mvW $mvw", devices, [&asked] {
+        ++asked;
+        return std::optional<std::string>("one two");
+    });
+    EXPECT_EQ(asked, 1);
+    EXPECT_THAT(run.starts, ElementsAre(Words{"tool", "a", "one", "two", "one", "two"},
+                                        Words{"tool", "c", "one", "two", "one", "two"}));
+    ASSERT_EQ(run.refusals.size(), 1U);
+    EXPECT_EQ(run.refusals[0].device, "-b");
+    EXPECT_EQ(run.refusals[0].devices, 2U);
+}
+
+TEST(ApplicationRun, CancelStartsNothingAndNothingIsAskedInVain) {
+    const std::vector<CHardware> devices{device("a"), device("b")};
+    const auto cancelled =
+        planApplicationRun("tool $mvW", devices, [] { return std::optional<std::string>(); });
+    EXPECT_TRUE(cancelled.cancelled);
+    EXPECT_THAT(cancelled.starts, IsEmpty());
+
+    const auto never = []() -> std::optional<std::string> {
+        ADD_FAILURE() << "asked";
+        return std::nullopt;
+    };
+    EXPECT_EQ(planApplicationRun("tool x", devices, never).starts.size(), 2U);
+    EXPECT_THAT(planApplicationRun("tool $mvW", {}, never).starts, IsEmpty());
+    const auto foreign = planApplicationRun("c:\\tool.exe $mvW", devices, never);
+    EXPECT_THAT(foreign.starts, IsEmpty());
+    EXPECT_EQ(foreign.refusals.at(0).devices, 2U);
+}
+
+} // namespace
+} // namespace mirovane
