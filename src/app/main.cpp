@@ -3,6 +3,7 @@
 #include "app/EndSignals.h"
 #include "app/Render.h"
 #include "platform/StandardDescriptors.h"
+#include "platform/Terminal.h"
 #include "ui/frame/Desktop.h"
 
 #include <QApplication>
@@ -69,7 +70,9 @@ int runWindow(const CommandLine& line) {
 
 int main(int argc, char** argv) {
     fillStandardDescriptors();
-    std::signal(SIGCHLD, SIG_DFL); // a parent's "ignore" would hide how our own children end
+    std::signal(SIGCHLD, SIG_DFL);                 // a parent's "ignore" would hide how our own children end
+    if (argc > 1 && argv[1] == terminalRunnerFlag) // in a terminal that External Applications opened
+        return runInTerminal({argv + 2, argv + argc});
     if (const auto status = runWithoutWindow(argumentList(argc, argv)))
         return *status;
     const auto application = makeApplication(argc, argv);

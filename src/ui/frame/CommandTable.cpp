@@ -87,6 +87,10 @@ constexpr std::array commands = {
     CommandDefinition{.id = CommandId::ToolsLiveStatNow, .name = "toolsLiveStatNow", .menu = tools,
                       .text = "Perform Live Stat &Now on selected object(s)",
                       .help = "Check the selected devices now", .needs = CommandNeeds::Selection},
+    CommandDefinition{.id = CommandId::ToolsApplications, .name = "toolsApplications", .menu = tools,
+                      .text = "Add &Applications..",
+                      .help = "Name the programs that can be started for the selected devices",
+                      .groupStart = true},
 
     CommandDefinition{.id = CommandId::HelpAbout, .name = "helpAbout", .menu = help,
                       .text = "&About Mirovane...", .help = "What this program is, and its version"},

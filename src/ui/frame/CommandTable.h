@@ -22,6 +22,7 @@ enum class CommandId {
     ToolsLiveStat,
     ToolsLiveDiscover,
     ToolsLiveStatNow,
+    ToolsApplications,
     HelpAbout,
 };
 

@@ -41,7 +41,8 @@ CDesktop::CDesktop(const Options& options)
     settings_.initialise();
     station_ = std::make_unique<CStation>(
         StationServices{files_, clock_, timers_, settings_, log_, dialogs_, probes_.all(), thisStation()});
-    frame_ = std::make_unique<CMainFrame>(*station_, dialogs_, recent_, new CMirovaneView(*station_));
+    frame_ =
+        std::make_unique<CMainFrame>(*station_, dialogs_, recent_, launcher_, new CMirovaneView(*station_));
     dialogs_.setParent(frame_.get());
 }
 

@@ -5,6 +5,7 @@
 #include "model/Settings.h"
 #include "platform/Clock.h"
 #include "platform/PosixFiles.h"
+#include "platform/ProcessLaunch.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
 #include "ui/frame/MainFrame.h"
@@ -57,6 +58,7 @@ private:
     CMessageLog log_;
     WidgetDialogs dialogs_;
     SystemStepProbes probes_;
+    PosixLauncher launcher_;
     std::unique_ptr<CStation> station_;
     std::unique_ptr<CMainFrame> frame_;
     std::optional<CStation::Pause> pause_;

@@ -36,6 +36,9 @@ public:
     /// What the user chose in the Export dialog; nothing when he cancelled it.
     virtual std::optional<ExportSettings> askExport(const ExportRequest& request) = 0;
 
+    /// Text that replaces $mvW in this command of an External Application; nothing when the user cancels.
+    virtual std::optional<std::string> insertText(const std::string& command) = 0;
+
     virtual void about() = 0;
 };
 

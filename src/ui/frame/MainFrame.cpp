@@ -4,6 +4,7 @@
 #include "ui/dialogs/ListViewWindow.h"
 #include "ui/dialogs/WindowPlacement.h"
 #include "ui/floor/MirovaneView.h"
+#include "ui/frame/ApplicationsMenu.h"
 #include "ui/frame/FrameMenus.h"
 #include "ui/frame/FrameToolBar.h"
 #include "ui/frame/IdleNotifier.h"
@@ -35,7 +36,8 @@ bool anySelected(const CMirovaneDoc& document) {
 
 } // namespace
 
-CMainFrame::CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& recent, CMirovaneView* floor)
+CMainFrame::CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& recent,
+                       ProgramLauncher& launcher, CMirovaneView* floor)
     : station_(station),
       dialogs_(dialogs),
       recent_(recent),
@@ -51,7 +53,8 @@ CMainFrame::CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& r
                      [this] {
                          floor_->viewport()->update();
                      }}),
-      toolsCommands_(station, dialogs, [this] { floor_->reloadFloorMap(); }) {
+      toolsCommands_(station, dialogs, [this] { floor_->reloadFloorMap(); }),
+      applicationCommands_({station, dialogs, launcher, *this}) {
     setObjectName(QStringLiteral("mainFrame"));
     setWindowIcon(programIcon());
     messageLog_->setWindowIcon(windowIcon());
@@ -73,6 +76,7 @@ void CMainFrame::refresh() {
 }
 
 void CMainFrame::saveForSession(const std::string& rescuePath) {
+    applicationCommands_.storeTyping();
     const CMirovaneDoc& document = station_.document();
     if (!document.modified())
         return;
@@ -84,12 +88,14 @@ void CMainFrame::saveForSession(const std::string& rescuePath) {
 
 std::optional<FileError> CMainFrame::endSession() {
     sessionEnded_ = true;
+    applicationCommands_.storeTyping();
     const auto error = station_.shutDown();
     close();
     return error;
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event) {
+    applicationCommands_.storeTyping();
     if (!sessionEnded_ && !files_.close()) {
         event->ignore();
         return;
@@ -105,6 +111,7 @@ void CMainFrame::connectCommands() {
     exportCommand_.connectTo(*actions_);
     viewCommands_.connectTo(*actions_);
     toolsCommands_.connectTo(*actions_);
+    applicationCommands_.connectTo(*actions_);
     actions_->setHandler(CommandId::FileExit, {[this](const CommandDefinition&, bool) { close(); }, {}});
     actions_->setHandler(CommandId::HelpAbout,
                          {[this](const CommandDefinition&, bool) { dialogs_.about(); }, {}});
@@ -135,9 +142,23 @@ void CMainFrame::makeMenus() {
     new CFrameMenus(*menuBar(),
                     {*actions_, recent_, [this](const std::string& path) { files_.openPath(path); },
                      [this] {
-                         hasSelection_ = anySelected(station_.document());
-                         actions_->refresh(commandState());
+                         menuOpens();
                      }});
+    applicationsMenu_ = new CApplicationsMenu(
+        *menuBar(), {station_.document(), *actions_,
+                     [this](const ApplicationValues& application) { applicationCommands_.run(application); },
+                     [this] {
+                         menuOpens();
+                     }});
+    floor_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(floor_, &QWidget::customContextMenuRequested, this, [this](const QPoint& place) {
+        applicationsMenu_->popup(floor_->viewport()->mapToGlobal(place));
+    });
+}
+
+void CMainFrame::menuOpens() {
+    hasSelection_ = anySelected(station_.document());
+    actions_->refresh(commandState());
 }
 
 void CMainFrame::connectStation() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/frame/ApplicationCommands.h"
 #include "ui/frame/CommandActions.h"
 #include "ui/frame/ExportCommand.h"
 #include "ui/frame/FileCommands.h"
@@ -17,6 +18,7 @@
 
 namespace mirovane {
 
+class CApplicationsMenu;
 class CListViewWindow;
 class CMessageLogWindow;
 class CMirovaneView;
@@ -30,11 +32,13 @@ class CMainFrame : public QMainWindow {
 public:
     /// The references outlive the frame. `floor` is the view on the station's document and becomes the
     /// frame's own.
-    CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& recent, CMirovaneView* floor);
+    CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& recent, ProgramLauncher& launcher,
+               CMirovaneView* floor);
     ~CMainFrame() override;
 
     CFileCommands& files() { return files_; }
     CCommandActions& actions() { return *actions_; }
+    CApplicationsMenu& applicationsMenu() { return *applicationsMenu_; }
     CMessageLogWindow& messageLog() { return *messageLog_; }
 
     /// Null before it was first shown.
@@ -57,6 +61,7 @@ protected:
 private:
     void connectCommands();
     void makeMenus();
+    void menuOpens();
     void showListView();
     void showOnFloor(std::int32_t recID);
     void connectStation();
@@ -79,6 +84,8 @@ private:
     CExportCommand exportCommand_;
     CViewCommands viewCommands_;
     CToolsCommands toolsCommands_;
+    CApplicationCommands applicationCommands_;
+    CApplicationsMenu* applicationsMenu_ = nullptr;
     std::optional<KeyboardLights> keyboard_;
     bool hasSelection_ = false; ///< as of the moment when a menu was last opened
     bool sessionEnded_ = false;

@@ -2,6 +2,7 @@
 
 #include "model/Text.h"
 #include "ui/dialogs/ExportDialog.h"
+#include "ui/dialogs/InsertTextDialog.h"
 
 #include <QCursor>
 #include <QFile>
@@ -159,6 +160,14 @@ std::optional<ExportSettings> WidgetDialogs::askExport(const ExportRequest& requ
     };
     CExportDialog dialog(request, browse, parent_);
     return dialog.exec() == QDialog::Accepted ? std::optional(dialog.settings()) : std::nullopt;
+}
+
+std::optional<std::string> WidgetDialogs::insertText(const std::string& command) {
+    const BoxOpen open(*this);
+    CInsertTextDialog dialog(command, parent_);
+    if (dialog.exec() != QDialog::Accepted)
+        return std::nullopt;
+    return dialog.text();
 }
 
 void WidgetDialogs::about() {

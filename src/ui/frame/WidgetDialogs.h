@@ -33,6 +33,7 @@ public:
     std::optional<std::string> chooseFileToOpen(const FileChoice& choice) override;
     std::optional<std::string> chooseFileToSave(const FileChoice& choice) override;
     std::optional<ExportSettings> askExport(const ExportRequest& request) override;
+    std::optional<std::string> insertText(const std::string& command) override;
     void about() override;
 
 private:

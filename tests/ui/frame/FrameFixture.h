@@ -4,6 +4,7 @@
 #include "model/Settings.h"
 #include "platform/PosixFiles.h"
 #include "station/Station.h"
+#include "tests/support/FakeLauncher.h"
 #include "tests/support/FakeTime.h"
 #include "tests/support/ScriptedProbes.h"
 #include "tests/ui/frame/ScriptedDialogs.h"
@@ -30,6 +31,7 @@ protected:
     CMessageLog log{clock};
     ScriptedDialogs dialogs;
     ScriptedProbes probes; ///< nobody answers
+    FakeLauncher launcher;
     CRecentFiles recent{store};
     std::unique_ptr<CStation> station;
 

@@ -24,7 +24,7 @@ protected:
     void SetUp() override {
         FrameFixture::SetUp();
         floor = new CMirovaneView(*station);
-        frame = std::make_unique<CMainFrame>(*station, dialogs, recent, floor);
+        frame = std::make_unique<CMainFrame>(*station, dialogs, recent, launcher, floor);
         frame->files().newFile();
         frame->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(frame.get()));

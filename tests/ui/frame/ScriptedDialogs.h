@@ -16,6 +16,8 @@ public:
     std::deque<SaveAnswer> saveAnswers;
     std::deque<std::optional<std::string>> files; ///< answers of both file dialogs
 
+    std::deque<std::optional<std::string>> insertedTexts;
+
     std::vector<std::string> questions;
     std::vector<std::string> failures;
     std::vector<FileChoice> choices;
@@ -38,6 +40,9 @@ public:
     std::optional<ExportSettings> askExport(const ExportRequest& request) override {
         exportRequests.push_back(request);
         return take(exportAnswers, std::optional<ExportSettings>(), "Export");
+    }
+    std::optional<std::string> insertText(const std::string& command) override {
+        return take(insertedTexts, std::optional<std::string>(), command);
     }
     void about() override { ++abouts; }
 
