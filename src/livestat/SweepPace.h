@@ -33,10 +33,10 @@ public:
             done_ = 0;
         }
         const auto passed = std::chrono::duration_cast<std::chrono::nanoseconds>(now - base_).count();
-        const auto slots = static_cast<std::uint64_t>(passed) * static_cast<std::uint64_t>(perSecond_) /
-                               nanosecondsPerSecond +
-                           1;
-        return slots > done_ ? slots - done_ : 0;
+        const auto due = static_cast<std::uint64_t>(passed) * static_cast<std::uint64_t>(perSecond_) /
+                             nanosecondsPerSecond +
+                         1;
+        return due > done_ ? due - done_ : 0;
     }
 
     void left(std::uint64_t probes) { done_ += probes; }
