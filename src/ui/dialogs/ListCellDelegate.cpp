@@ -48,6 +48,7 @@ QIcon stateSign(bool on) {
         drawSign(painter, on);
         painter.end();
         icon.addPixmap(picture);
+        icon.addPixmap(picture, QIcon::Selected); // not tinted: the colours say something
     }
     return icon;
 }

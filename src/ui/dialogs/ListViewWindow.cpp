@@ -4,6 +4,7 @@
 #include "ui/dialogs/ListViewMenus.h"
 
 #include <QGuiApplication>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLocale>
@@ -66,11 +67,19 @@ void CListViewWindow::layOut() {
     status_->setObjectName(QStringLiteral("listStatus"));
     status_->setTextFormat(Qt::PlainText);
     status_->setContentsMargins(edge, 0, edge, 0);
-    bar->setCornerWidget(status_);
+    auto* top = new QHBoxLayout;
+    top->setContentsMargins(0, 0, 0, 0);
+    top->setSpacing(0);
+    top->addWidget(bar, 1);
+    top->addWidget(status_);
+    auto* middle = new QVBoxLayout;
+    middle->setContentsMargins(edge, edge / 2, edge, edge);
+    middle->addWidget(table_);
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(edge, edge, edge, edge);
-    layout->setMenuBar(bar);
-    layout->addWidget(table_);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(top);
+    layout->addLayout(middle);
     table_->setFocus();
 }
 
@@ -144,7 +153,7 @@ void CListViewWindow::noteSearch(const QString& text, bool found) {
         return;
     }
     const QString column = qText(listColumns()[static_cast<std::size_t>(rows_.state().column)].title);
-    say((found ? tr("%1: \u201c%2\u201d") : tr("%1: no \u201c%2\u201d")).arg(column, text));
+    say((found ? tr("%1: \u201c%2\u201d") : tr("%1: \u201c%2\u201d not found")).arg(column, text));
 }
 
 void CListViewWindow::say(const QString& note) {
