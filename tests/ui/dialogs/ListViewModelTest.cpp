@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 
 #include <gmock/gmock.h>
+#include <numeric>
 #include <random>
 
 namespace mirovane {
