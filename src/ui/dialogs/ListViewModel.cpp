@@ -156,18 +156,18 @@ void ListViewModel::refill() {
 
 void ListViewModel::settleOrder() {
     flush();
-    if (orderStale_ || stale_.size() > 1)
+    const int row = stale_.size() == 1 ? rowOfDevice(*stale_.begin()) : -1;
+    const bool oneRow = row >= 0 && !places_.find(*stale_.begin())->repeated;
+    if (orderStale_ || (!stale_.empty() && !oneRow))
         refill();
-    else if (!stale_.empty())
-        replaceOne(rowOfDevice(*stale_.begin()));
+    else if (oneRow)
+        replaceOne(row);
 }
 
 /// The one row whose key changed goes to its sorted place.
 void ListViewModel::replaceOne(int row) {
     stale_.clear();
     const CHardware* record = recordAt(row);
-    if (!record)
-        return;
     rows_.erase(rows_.begin() + row);
     const int to = static_cast<int>(sortedPlace(rows_, *record, state_, document_));
     rows_.insert(rows_.begin() + row, record);

@@ -257,6 +257,7 @@ TEST_F(ListViewWindowTest, typingFindsRowsInTheSortedColumn) {
     EXPECT_EQ(table().currentDevice(), 7);
 
     QTest::keyClick(&table(), Qt::Key_Return);
+    click(0);
     QTest::mouseDClick(table().viewport(), Qt::LeftButton, {}, middleOf(0));
     ASSERT_EQ(shown.size(), 2);
     EXPECT_EQ(shown[0][0].toInt(), 7);

@@ -1,4 +1,5 @@
 #include "tests/ui/frame/FrameFixture.h"
+#include "ui/dialogs/ListViewWindow.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/FrameMenus.h"
 #include "ui/frame/MessageLogWindow.h"
@@ -57,6 +58,29 @@ TEST_F(MainFrame, everyCommandHasAHandlerAndStandsInItsMenu) {
         titles << top->text().remove(u'&');
     EXPECT_EQ(titles, (QStringList{QStringLiteral("File"), QStringLiteral("View"), QStringLiteral("Tools"),
                                    QStringLiteral("Help")}));
+}
+
+TEST_F(MainFrame, listViewOpensByItsCommandLeadsToTheFloorAndClosesWithTheFrame) {
+    document().addDevice(DeviceType::Computer, [](CHardware& device) { device.Position = {20, 20}; });
+    const CHardware& far = *document().addDevice(DeviceType::Printer, [](CHardware& device) {
+        device.Position = {5000, 4000};
+    });
+    EXPECT_EQ(frame->listView(), nullptr);
+    action("viewListView")->trigger();
+    ASSERT_NE(frame->listView(), nullptr);
+    EXPECT_TRUE(frame->listView()->isVisible());
+    EXPECT_EQ(frame->listView()->rows().rowCount(), 2);
+
+    Q_EMIT frame->listView()->table().rowActivated(far.RecID);
+    EXPECT_GT(floor->scaledPoint({0, 0}).x(), 3000);
+    EXPECT_EQ(far.ShowAll, 1);
+
+    CListViewWindow* const list = frame->listView();
+    list->close();
+    action("viewListView")->trigger();
+    EXPECT_EQ(frame->listView(), list);
+    frame->endSession();
+    EXPECT_FALSE(list->isVisible());
 }
 
 TEST_F(MainFrame, displayTogglesAreStoredAtOnceAndChangeThePicture) {
