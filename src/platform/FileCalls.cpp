@@ -90,6 +90,11 @@ int FileCalls::statusAt(const std::string& path, struct stat& status) {
     return ::stat(path.c_str(), &status);
 }
 
+int FileCalls::setModified(int fd, const struct timespec& time) {
+    const struct timespec times[2] = {{0, UTIME_OMIT}, time};
+    return ::futimens(fd, times);
+}
+
 int FileCalls::setMode(int fd, mode_t mode) {
     return ::fchmod(fd, mode);
 }

@@ -29,6 +29,7 @@ public:
     virtual int statusOf(int fd, struct stat& status);
     virtual int statusAt(const std::string& path, struct stat& status);
     virtual int setMode(int fd, mode_t mode);
+    virtual int setModified(int fd, const struct timespec& time);
     virtual int setOwner(int fd, uid_t user, gid_t group);
 
     /// The access list beyond the mode, where the file system has one; 0 also where there is none to copy.

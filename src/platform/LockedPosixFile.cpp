@@ -6,6 +6,7 @@
 #include "platform/SafeReplace.h"
 
 #include <cerrno>
+#include <ctime>
 #include <fcntl.h>
 #include <utility>
 
@@ -45,9 +46,13 @@ Result<FileIdentity, FileError> LockedPosixFile::replace(std::string_view conten
         made = createDirectly(content);
     if (!made)
         return replacement.error();
+    const struct stat before = status_;
+    const bool hadFile = static_cast<bool>(file_);
     file_ = std::move(*made);
     if (calls_.statusOf(file_.fd(), status_) != 0)
         return fileError("cannot read", path_, errno);
+    if (hadFile)
+        tellApartFrom(before);
     if (!flushFolder(calls_, folderOf(target_)))
         return fileError("cannot write", path_, errno);
     return identity();
@@ -66,11 +71,33 @@ std::optional<OpenFile> LockedPosixFile::createDirectly(std::string_view content
     return std::nullopt;
 }
 
+/// Two saves within one granule of the file system's clock bear the same time, and a number that the first
+/// one gave back may come again: a station that knows the file from before both would take it for unchanged.
+/// So time goes on with every save, if only by a little. A file that bears a time far ahead is left behind.
+void LockedPosixFile::tellApartFrom(const struct stat& before) {
+    constexpr std::time_t longestGranule = 2;
+    constexpr long step = 1000; // what file servers keep is not finer
+    struct timespec next = before.st_mtim;
+    const struct timespec& now = status_.st_mtim;
+    const bool later = now.tv_sec > next.tv_sec || (now.tv_sec == next.tv_sec && now.tv_nsec > next.tv_nsec);
+    if (later || next.tv_sec - now.tv_sec > longestGranule)
+        return;
+    next.tv_nsec += step;
+    if (next.tv_nsec >= 1'000'000'000) {
+        next.tv_nsec -= 1'000'000'000;
+        ++next.tv_sec;
+    }
+    if (calls_.setModified(file_.fd(), next) == 0)
+        calls_.statusOf(file_.fd(), status_);
+}
+
 Result<FileIdentity, FileError> LockedPosixFile::writeInPlace(std::string_view content) {
     InPlaceWrite writing(calls_, backupFolder_, target_);
+    const struct stat before = status_;
     const std::optional<FileError> error = writing.run(file_.fd(), content);
     if (calls_.statusOf(file_.fd(), status_) != 0)
         return fileError("cannot read", path_, errno);
+    tellApartFrom(before);
     if (error)
         return *error;
     return identity();

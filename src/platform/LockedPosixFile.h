@@ -26,6 +26,7 @@ public:
 private:
     std::optional<OpenFile> createDirectly(std::string_view content);
     Result<FileIdentity, FileError> writeInPlace(std::string_view content);
+    void tellApartFrom(const struct stat& before);
 
     FileCalls& calls_;
     std::string path_;

@@ -57,6 +57,22 @@ protected:
     const std::string after = contentOf('n', 5000);
 };
 
+TEST_F(PosixFilesTest, EverySaveBearsALaterTimeThanTheOneBefore) {
+    writeBytes(path, before);
+    const auto stamped = [this](std::chrono::seconds ahead) {
+        fs::last_write_time(path, fs::file_time_type::clock::now() + ahead);
+        return files.status(path).value().modifiedNs;
+    };
+    // As after a save within the same granule of the clock, or when that was set back a little.
+    const auto justNow = stamped(std::chrono::seconds(1));
+    ASSERT_FALSE(save(files, path, before));
+    EXPECT_GT(files.status(path).value().modifiedNs, justNow);
+    // A clock that was wrong by far does not go on in every save.
+    const auto tomorrow = stamped(std::chrono::hours(24));
+    ASSERT_FALSE(save(files, path, before));
+    EXPECT_LT(files.status(path).value().modifiedNs, tomorrow - 1'000'000'000);
+}
+
 TEST_F(PosixFilesTest, ReplacedFileKeepsModeOwnerAndLink) {
     writeBytes(path, before);
     fs::permissions(path, fs::perms(0640));
