@@ -159,14 +159,14 @@ void CStation::checkReminders() {
 }
 
 /// Keeps the sign of life fresh while Live Stat runs here, and replaces an owner that has been silent for
-/// hours.
+/// hours. A sign from the future was given by a clock that went wrong: it would look fresh for too long.
 void CStation::keepOwnerAlive() {
     const std::int64_t silent = LiveStatHeartbeat::silentHours(*doc_);
     if (silent >= takeOverHours && !liveStat_->enabled() && doc_->deviceCount() > 0 && wantsLiveStat()) {
         LiveStatHeartbeat::signOfLife(*doc_);
         doc_->setPendingChanges(true);
         liveStat_->toggle();
-    } else if (silent >= heartbeatHours && liveStat_->enabled()) {
+    } else if ((silent >= heartbeatHours || silent < 0) && liveStat_->enabled()) {
         LiveStatHeartbeat::signOfLife(*doc_);
         doc_->setPendingChanges(true);
     }

@@ -1,0 +1,368 @@
+#include "tests/station/StationFixture.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+namespace mirovane {
+
+namespace {
+
+namespace fs = std::filesystem;
+using test::Lines;
+using test::Site;
+
+const Lines missing{"Error reading/loading from datafile!", "Error writing to datafile!"};
+const Lines mergedReload{"Loading from data file, please wait...", "Merged changes from data file",
+                         "Loaded from data file", "Saved changes to data file"};
+
+class StationMergeTest : public test::StationFixture {
+protected:
+    /// The share is disconnected: its folder is there and empty.
+    void disconnect() {
+        fs::rename(folder.path(), folder.path() + ".away");
+        fs::create_directory(folder.path());
+    }
+    void connect() {
+        fs::remove(folder.path());
+        fs::rename(folder.path() + ".away", folder.path());
+    }
+
+    void comment(Site& site, std::int32_t recID, const std::string& text) {
+        site.doc().editByUser(site.device(recID), [&](CHardware& device) { device.Comment = text; });
+    }
+
+    static bool contains(const Lines& lines, const std::string& part) {
+        return std::ranges::any_of(lines,
+                                   [&](const auto& line) { return line.find(part) != std::string::npos; });
+    }
+};
+
+TEST_F(StationMergeTest, WhileTheShareIsGoneEditsWaitAndAreSavedWhenItIsBack) {
+    open(a);
+    disconnect();
+    rename(a, 1, "meanwhile");
+    const auto error = a.station->saveDatafile();
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->kind, FileError::Kind::NotFound);
+    EXPECT_TRUE(fs::is_empty(folder.path())); // nothing that would be hidden by the share
+    EXPECT_EQ(a.logged().back(), "Error accessing datafile " + path);
+    pass(3000);
+    EXPECT_EQ(a.logged(), missing);
+    pass(60'000);
+    const Lines lines = a.logged();
+    EXPECT_EQ(std::set<std::string>(lines.begin(), lines.end()),
+              std::set<std::string>(missing.begin(), missing.end()));
+    EXPECT_EQ(a.device(1).Name, "meanwhile");
+    connect();
+    pass(3000);
+    EXPECT_EQ(a.logged(), Lines{"Saved changes to data file"});
+    EXPECT_EQ(open(b).device(1).Name, "meanwhile");
+}
+
+TEST_F(StationMergeTest, AShareThatComesBackWithAnotherStationsWorkIsMerged) {
+    open(a);
+    open(b);
+    rename(b, 2, "by b");
+    rename(b, 1, "by b, too");
+    b.station->saveDatafile();
+    disconnect();
+    rename(a, 1, "by a");
+    a.doc().addDevice(DeviceType::Printer);
+    a.station->saveDatafile();
+    pass(6000);
+    a.logged();
+    connect();
+    pass(3000);
+    Lines expected = mergedReload;
+    expected.insert(expected.begin() + 2, "Merge: Name of device 1 \"by a\": \"by b, too\", saved by another "
+                                          "station, gave way to \"by a\"");
+    EXPECT_EQ(a.logged(), expected);
+    pass(3000);
+    EXPECT_EQ(b.device(1).Name + ", " + b.device(2).Name, "by a, by b");
+    EXPECT_EQ(b.doc().deviceCount(), 4U);
+}
+
+TEST_F(StationMergeTest, ASaveThatKeepsFailingIsTriedAgainWithoutALineForEach) {
+    open(a);
+    fs::permissions(path, fs::perms::owner_read);
+    rename(a, 1, "kept");
+    const auto error = a.station->saveDatafile();
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->kind, FileError::Kind::Denied);
+    EXPECT_EQ(a.logged().size(), 2U); // which error, on which file
+    pass(120'000);
+    EXPECT_EQ(a.logged(), Lines{});
+    EXPECT_EQ(a.device(1).Name, "kept");
+    fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+    pass(33'000); // the tries have become rare
+    EXPECT_EQ(a.logged(), Lines{"Saved changes to data file"});
+    EXPECT_EQ(open(b).device(1).Name, "kept");
+}
+
+TEST_F(StationMergeTest, NothingIsSavedOverAFileThatCannotBeRead) {
+    open(a);
+    const std::string whole = test::readBytes(path);
+    const std::string half = whole.substr(0, whole.size() / 2);
+    test::writeBytes(path, half);
+    rename(a, 1, "kept");
+    const auto error = a.station->saveDatafile(); // before the watch noticed
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->kind, FileError::Kind::Changed);
+    EXPECT_EQ(test::readBytes(path), half);
+    EXPECT_EQ(a.device(1).Name, "kept");
+    a.logged();
+    pass(30'000);
+    const Lines lines = a.logged();
+    EXPECT_EQ(lines.size(), 3U) << testing::PrintToString(lines); // "Loading...", why, what follows
+    test::writeBytes(path, whole);
+    pass(3000);
+    EXPECT_EQ(a.logged().back(), "Saved changes to data file");
+    EXPECT_EQ(open(b).device(1).Name, "kept");
+}
+
+TEST_F(StationMergeTest, ATakeOverThatCrossesAnEditAsksAndKeepsTheEdit) {
+    open(a);
+    open(b);
+    rename(a, 1, "by a");
+    a.station->toggleLiveStat(); // saves both
+    b.station->toggleLiveStat();
+    EXPECT_EQ(b.dialogs.questions.size(), 1U);
+    EXPECT_FALSE(b.liveStat().enabled());
+    EXPECT_EQ(b.owner().Name, "A-HOST");
+    comment(b, 1, "by b");
+    b.station->saveDatafile();
+    b.dialogs.answer = true;
+    comment(a, 2, "a again");
+    a.station->saveDatafile();
+    b.station->toggleLiveStat(); // its claim goes on top of a's edit
+    EXPECT_EQ(b.device(2).Comment, "a again");
+    EXPECT_EQ(b.owner().Name, "B-HOST");
+    comment(a, 3, "without having seen that");
+    a.station->saveDatafile(); // finds the claim, and asks at once
+    EXPECT_EQ(a.dialogs.questions.size(), 1U);
+    EXPECT_FALSE(a.liveStat().enabled());
+    pass(3000);
+    EXPECT_EQ(b.owner().Name, "B-HOST");
+    EXPECT_EQ(b.device(3).Comment, "without having seen that");
+    EXPECT_EQ(b.dialogs.questions.size(), 2U);
+}
+
+TEST_F(StationMergeTest, QuestionsAnsweredLateDoNotOverwriteWhatHappenedMeanwhile) {
+    Site c{clock, timers, {"C-HOST", "c-user"}, false};
+    open(a);
+    open(b);
+    open(c);
+    a.station->toggleLiveStat();
+    pass(3000);
+    c.dialogs.answer = b.dialogs.answer = true;
+    int asked = 0;
+    b.dialogs.whileAsking = [&] {
+        if (asked++ > 0)
+            return;
+        c.station->toggleLiveStat(); // takes it from a while b's user thinks about it
+        rename(c, 1, "by c");
+        c.station->saveDatafile();
+        clock.advance(std::chrono::hours(1));
+    };
+    b.station->toggleLiveStat();
+    EXPECT_EQ(asked, 2); // about a, then about c
+    EXPECT_TRUE(contains(b.dialogs.questions, "C-HOST"));
+    EXPECT_EQ(b.owner().Name, "B-HOST");
+    EXPECT_EQ(b.device(1).Name, "by c");
+}
+
+/// Steps that take until the test lets them end, or somebody waits for them.
+class LateWorkers final : public Workers {
+public:
+    bool start(std::function<void()> work) override {
+        waiting_.push_back(std::move(work));
+        return true;
+    }
+    bool waitUntilIdle(std::chrono::milliseconds) override {
+        finish();
+        return true;
+    }
+    void setLimit(std::size_t) override {}
+
+    void finish() {
+        for (const auto& work : std::exchange(waiting_, {}))
+            work();
+    }
+    bool busy() const { return !waiting_.empty(); }
+
+private:
+    std::vector<std::function<void()>> waiting_;
+};
+
+class BusyMergeTest : public StationMergeTest {
+protected:
+    /// Live Stat Now is in the middle of this device.
+    void check(std::int32_t recID) {
+        late.doc().setSelected(late.device(recID), true);
+        late.station->liveStatNow();
+        pass(3000);
+        ASSERT_TRUE(workers.busy());
+        late.logged();
+    }
+
+    LateWorkers workers;
+    Site late{clock, timers, {"L-HOST", "l-user"}, false, &workers};
+};
+
+TEST_F(BusyMergeTest, ASaveWhileAReloadWaitsIsMadeUpFor) {
+    open(a);
+    open(late);
+    check(3);
+    comment(a, 2, "by a");
+    a.station->saveDatafile();
+    pass(3000);
+    EXPECT_EQ(late.logged(), Lines{"Loading from data file, please wait..."});
+    rename(late, 1, "by late");
+    EXPECT_FALSE(late.station->saveDatafile());
+    pass(500);
+    EXPECT_TRUE(late.doc().unsavedEdits());
+    EXPECT_EQ(late.device(2).Comment, "");
+    workers.finish();
+    pass(100);
+    const Lines rest(mergedReload.begin() + 1, mergedReload.end());
+    EXPECT_EQ(late.logged(), rest);
+    open(b);
+    EXPECT_EQ(b.device(1).Name + ", " + b.device(2).Comment, "by late, by a");
+}
+
+TEST_F(BusyMergeTest, ACommandWhileAReloadWaitsWorksOnWhatTheReloadBrings) {
+    open(a);
+    open(late);
+    check(3);
+    const std::vector<std::int32_t> second{2};
+    a.station->deleteDevices(second);
+    pass(3000);
+    late.logged();
+    const std::vector<std::int32_t> both{1, 2};
+    EXPECT_FALSE(late.station->updateDevices(both, [](CHardware& device) { device.Comment = "new"; }));
+    EXPECT_EQ(late.logged().front(), "Loaded from data file");
+    EXPECT_EQ(late.doc().findDevice(2), nullptr); // not brought back by an edit that came later
+    pass(3000);
+    EXPECT_EQ(a.device(1).Comment, "new");
+}
+
+TEST_F(BusyMergeTest, LeavingADatafileWhileAReloadWaitsSavesWhatWaits) {
+    open(a);
+    open(late);
+    check(3);
+    comment(a, 2, "by a");
+    a.station->saveDatafile();
+    pass(3000);
+    rename(late, 1, "by late");
+    late.station->saveDatafile();
+    late.station->newDatafile();
+    open(b);
+    EXPECT_EQ(b.device(1).Name + ", " + b.device(2).Comment, "by late, by a");
+}
+
+TEST_F(BusyMergeTest, AStepComesBackToItsDeviceUnderItsNewNumber) {
+    open(a);
+    open(late);
+    late.probes.answer("127.0.0.9");
+    const auto added = [](CHardware& device) {
+        device.IPAddress = "127.0.0.9";
+        device.Name = "of late";
+    };
+    late.doc().addDevice(DeviceType::Printer, added);
+    check(4);
+    a.doc().addDevice(DeviceType::Printer, [](CHardware& device) { device.Name = "of a"; });
+    a.station->saveDatafile();
+    EXPECT_FALSE(late.station->saveDatafile());
+    EXPECT_EQ(late.device(4).Name + ", " + late.device(5).Name, "of a, of late");
+    EXPECT_TRUE(late.liveStat().holdsDevice(5));
+    EXPECT_FALSE(late.liveStat().holdsDevice(4));
+    workers.finish();
+    pass(6000);
+    EXPECT_EQ(late.device(5).State, DeviceState::On);
+    EXPECT_EQ(late.device(4).State, DeviceState::Def);
+    EXPECT_FALSE(late.liveStat().holdsDevice(5));
+    EXPECT_EQ(late.device(5).LSNowMark, 0);
+}
+
+// ---- what a tick costs, and what it takes for another file
+
+/// Counts what is asked of the operating system.
+class CountingCalls final : public FileCalls {
+public:
+    int statusAt(const std::string& path, struct stat& status) override {
+        ++statusCalls;
+        return FileCalls::statusAt(path, status);
+    }
+    int openFile(const std::string& path, int flags, mode_t mode) override {
+        ++opens;
+        return FileCalls::openFile(path, flags, mode);
+    }
+
+    int statusCalls = 0;
+    int opens = 0;
+};
+
+TEST_F(StationMergeTest, ATickOnAnUnchangedFileIsOneStatusCall) {
+    CountingCalls calls;
+    PosixFiles counted(calls, folder.file("backup"));
+    CStation station({counted,
+                      clock,
+                      timers,
+                      a.settings,
+                      a.log,
+                      a.dialogs,
+                      a.probes,
+                      {"A-HOST", "a-user"},
+                      false,
+                      &a.workers});
+    ASSERT_FALSE(station.openDatafile(path));
+    calls.statusCalls = calls.opens = 0;
+    pass(300'000);
+    EXPECT_EQ(calls.statusCalls, 100);
+    EXPECT_EQ(calls.opens, 0);
+}
+
+TEST_F(StationMergeTest, AnyOtherModificationTimeIsAnotherFile) {
+    open(a);
+    const auto now = fs::last_write_time(path);
+    for (const auto jump : {std::chrono::hours(-24 * 365), std::chrono::hours(24), std::chrono::hours(0)}) {
+        fs::last_write_time(path, now + jump);
+        pass(3000);
+        EXPECT_EQ(a.logged(), (Lines{"Loading from data file, please wait...", "Loaded from data file"}));
+        pass(9000);
+        EXPECT_EQ(a.logged(), Lines{});
+    }
+}
+
+TEST_F(StationMergeTest, SavesInQuickSuccessionAreAllSeen) {
+    open(a);
+    open(b);
+    for (int i = 0; i < 50; ++i) {
+        rename(a, 1, std::to_string(i % 10)); // the size stays
+        a.station->saveDatafile();
+        rename(b, 2, std::to_string(i % 10));
+        b.station->saveDatafile();
+        ASSERT_EQ(b.device(1).Name, std::to_string(i % 10));
+        rename(a, 3, std::to_string(i % 10));
+        a.station->saveDatafile();
+        ASSERT_EQ(a.device(2).Name, std::to_string(i % 10));
+    }
+}
+
+TEST_F(StationMergeTest, AClockThatWasWrongDoesNotSilenceTheHeartbeat) {
+    clock.advance(std::chrono::hours(24));
+    open(a);
+    a.station->toggleLiveStat();
+    pass(60'000);
+    const TimeStamp wrong = a.owner().Modified;
+    clock.jumpWall(-std::chrono::hours(24));
+    pass(60'000);
+    EXPECT_LT(a.owner().Modified, wrong - 23 * 3600);
+    open(b);
+    EXPECT_EQ(b.owner().Modified, a.owner().Modified);
+}
+
+} // namespace
+
+} // namespace mirovane
