@@ -3,13 +3,12 @@
 #define PCRE2_CODE_UNIT_WIDTH 8
 
 #include "bench/support/PairedRounds.h"
-#include "probes/PatternScanner.h"
+#include "livestat/TextFileSearch.h"
 
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <pcre2.h>
@@ -23,7 +22,6 @@ using namespace mirovane;
 namespace {
 
 constexpr std::size_t textSize = 100'000'000;
-constexpr std::size_t blockSize = std::size_t{128} * 1024;
 
 /// Lines as a switch or a DHCP server writes them to its log.
 std::size_t writeLog(const std::string& path) {
@@ -45,18 +43,10 @@ std::size_t writeLog(const std::string& path) {
     return line;
 }
 
-/// Scans the file as the text-file search does; ends the program when it does not see every line without a
-/// hit.
+/// Searches the file as a worker does; ends the program when it does not see every line without a hit.
 void scanFile(const std::string& path, const std::string& pattern, std::size_t lines) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    std::vector<char> block(blockSize);
-    const CompiledPattern compiled = CompilePattern(pattern);
-    PatternScanner scanner(compiled);
-    for (ssize_t size = 1; (size = read(file, block.data(), block.size())) > 0;) {
-        scanner.feed({block.data(), static_cast<std::size_t>(size)});
-    }
-    close(file);
-    if (scanner.finish() != PatternScanner::State::Ended || scanner.lineNumber() != lines) {
+    const SearchResult found = searchTextFile(path, CompilePattern(pattern), {});
+    if (found.end != SearchResult::End::NoHit || found.number != lines) {
         std::fprintf(stderr, "wrong answer for %s\n", pattern.c_str());
         std::exit(1);
     }
@@ -160,7 +150,7 @@ void hungryPatterns() {
 }
 
 /// How long a search runs on after Live Stat was switched off.
-void stopping() {
+void stopping(const std::string& path) {
     std::string lines;
     while (lines.size() < 20'000'000) {
         lines += std::string(60, 'a') + "!\n";
@@ -169,16 +159,13 @@ void stopping() {
     const std::array<std::pair<const char*, const std::string*>, 2> texts{
         {{"lines", &lines}, {"one line of 20 MB", &oneLine}}};
     for (const auto& [what, text] : texts) {
+        std::ofstream(path, std::ios::binary) << *text;
         for (const char* pattern : {"(a+)+$", "[a-y]+z", "(?:a(?!.*z))*b"}) {
             std::vector<double> times;
             for (int i = 0; i < 9; ++i) {
                 const CompiledPattern compiled = CompilePattern(pattern);
-                PatternScanner scanner(compiled);
                 std::stop_source source;
-                std::thread worker([&] {
-                    scanner.feed(*text, source.get_token());
-                    scanner.finish(source.get_token());
-                });
+                std::thread worker([&] { searchTextFile(path, compiled, source.get_token()); });
                 std::this_thread::sleep_for(std::chrono::milliseconds(50));
                 times.push_back(bench::millisecondsOf([&] {
                     source.request_stop();
@@ -201,8 +188,8 @@ int main() {
     const std::size_t lines = writeLog(path);
     bench::printHeader();
     fullScans(path, lines);
-    std::filesystem::remove(path);
     oneValue();
     hungryPatterns();
-    stopping();
+    stopping(path);
+    std::filesystem::remove(path);
 }

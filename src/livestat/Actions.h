@@ -45,6 +45,9 @@ private:
 /// skipped.
 std::vector<std::string> argumentTokens(std::string_view argument);
 
+/// No match: the field is emptied.
+void failWithNothing(ActionRun& run);
+
 /// The row's "Search for" expanded, ready for searches of lower-cased texts; one that is empty matches every
 /// text. Nothing when it can match nothing: its placeholders gave nothing, or it is no pattern, which is then
 /// noted in the outcome.

@@ -11,6 +11,12 @@ namespace {
 /// text file.
 constexpr std::size_t longestResult = 60'000;
 
+/// Enough of a line for somebody who wants to know which one it is.
+std::string shown(const std::string& line) {
+    constexpr std::size_t enough = 1000;
+    return line.size() <= enough ? line : line.substr(0, enough) + "...";
+}
+
 /// Nothing to search in: the field keeps its text.
 void failAndKeep(ActionRun& run, const std::string& why) {
     run.outcome.failed = true;
@@ -30,21 +36,41 @@ void takeHit(ActionRun& run, const std::string& text) {
         run.say([&] {
             return criteria.Delimiter.empty()
                        ? std::string("no delimiter: the field is left as it is")
-                       : "field " + std::to_string(criteria.FieldPos) + ": " + run.outcome.result;
+                       : "field " + std::to_string(criteria.FieldPos) + ": " + shown(run.outcome.result);
         });
     if (run.outcome.result.size() > longestResult)
         run.outcome.result.resize(longestResult);
 }
 
 void takeMiss(ActionRun& run, const SearchResult& result, std::string_view things) {
-    run.outcome.failed = true;
-    run.outcome.result.clear();
+    failWithNothing(run);
     run.say([&] {
         std::string line = "no match in " + std::to_string(result.number) + " " + std::string(things);
         if (result.undecided > 0)
             line += "; " + std::to_string(result.undecided) + " took the pattern too many steps";
         return line;
     });
+}
+
+void searchLines(ActionRun& run, const std::string& path) {
+    const auto pattern = rowPattern(run, PatternUse::ManyTexts);
+    if (!pattern)
+        return failWithNothing(run);
+    const SearchResult found = searchTextFile(path, *pattern, run.input.stop);
+    switch (found.end) {
+    case SearchResult::End::Hit:
+        run.say([&] { return path + ", line " + std::to_string(found.number) + ": " + shown(found.text); });
+        return takeHit(run, found.text);
+    case SearchResult::End::NoHit:
+        return takeMiss(run, found, "lines");
+    case SearchResult::End::Stopped:
+        run.outcome.cancelled = true;
+        return;
+    case SearchResult::End::Unreadable:
+        run.outcome.fileStamp.reset(); // nothing was searched: try again, even if the file does not change
+        run.say([&] { return path + ": " + found.trouble; });
+        return failWithNothing(run);
+    }
 }
 
 } // namespace
@@ -66,29 +92,7 @@ void searchInTextFile(ActionRun& run) {
         return;
     }
     run.outcome.fileStamp = *stamp;
-    const auto pattern = rowPattern(run, PatternUse::ManyTexts);
-    if (!pattern) {
-        run.outcome.failed = true;
-        run.outcome.result.clear();
-        return;
-    }
-    const SearchResult found = searchTextFile(path, *pattern, run.input.stop);
-    switch (found.end) {
-    case SearchResult::End::Hit:
-        run.say([&] { return path + ", line " + std::to_string(found.number) + ": " + found.text; });
-        return takeHit(run, found.text);
-    case SearchResult::End::NoHit:
-        return takeMiss(run, found, "lines");
-    case SearchResult::End::Stopped:
-        run.outcome.cancelled = true;
-        return;
-    case SearchResult::End::Unreadable:
-        run.outcome.fileStamp.reset(); // nothing was searched: try again, even if the file does not change
-        run.outcome.failed = true;
-        run.outcome.result.clear();
-        run.say([&] { return path + ": " + found.trouble; });
-        return;
-    }
+    searchLines(run, path);
 }
 
 void searchForFile(ActionRun& run) {

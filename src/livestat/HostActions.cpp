@@ -17,6 +17,10 @@ bool answers(ActionRun& run, const std::string& host) {
         if (answered)
             return shown + ": reply from " + formatAddress(reply.address) + " after " +
                    std::to_string(reply.roundTripMs) + " ms";
+        if (run.stopRequested())
+            return shown + ": stopped";
+        if (const auto trouble = run.probes.hosts.echoUnusable())
+            return shown + ": " + *trouble;
         if (!resolved && !parseDottedAddress(host))
             return shown + ": unknown host";
         return shown + ": no reply within " + std::to_string(pingTimeoutMs) + " ms";

@@ -8,11 +8,6 @@ namespace {
 
 constexpr std::string_view noPattern = "the pattern's placeholders gave nothing: it matches nothing";
 
-void failWithNothing(ActionRun& run) {
-    run.outcome.result.clear();
-    run.outcome.failed = true;
-}
-
 /// A value that was read becomes the result when it matches the row's pattern.
 void matchValue(ActionRun& run, const std::string& value) {
     failWithNothing(run);
@@ -59,6 +54,11 @@ void keepInBrackets(ActionRun& run) {
 }
 
 } // namespace
+
+void failWithNothing(ActionRun& run) {
+    run.outcome.result.clear();
+    run.outcome.failed = true;
+}
 
 std::optional<CompiledPattern> rowPattern(ActionRun& run, PatternUse use) {
     const std::string& searchFor = run.input.criteria.SearchFor;
@@ -112,7 +112,13 @@ void getFromAgent(ActionRun& run) {
 }
 
 void lookUpUser(ActionRun& run) {
-    const std::string host = logonHost(run.input.device);
+    const CHardware& device = run.input.device;
+    if (device.Name.empty() && device.IPAddress.empty()) {
+        run.say([] { return "not asked: the device has neither a name nor an address"; });
+        run.outcome.acted = false;
+        return;
+    }
+    const std::string host = logonHost(device);
     std::string trouble;
     const LoggedOnUser user = run.probes.registry.LookUpLoggedOnUser(host, run.input.stop, &trouble);
     if (run.stopRequested()) {

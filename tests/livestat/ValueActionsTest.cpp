@@ -89,6 +89,9 @@ TEST_F(ValueActionsTest, AUserWhoLogsOffStaysInBrackets) {
     EXPECT_EQ(logon("jsmith"), "done:[jsmith]");
     EXPECT_EQ(logon("[jsmith]"), "nothing");
     EXPECT_EQ(logon(""), "done:[]");
+    input.device.IPAddress.clear();
+    probes.loggedOn(R"(\\)", {"nobody's", 1, true});
+    EXPECT_EQ(logon("jsmith"), "nothing"); // whom to ask?
 }
 
 TEST_F(ValueActionsTest, AStoppedProbeChangesNothing) {
