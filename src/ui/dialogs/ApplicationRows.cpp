@@ -171,7 +171,9 @@ void CApplicationRows::scrollTo(int first) {
     if (first == first_)
         return;
     store();
-    first_ = std::clamp(first, 0, bar_->maximum());
+    const QSignalBlocker quiet(bar_); // storing may have found fewer entries
+    bar_->setValue(first);
+    first_ = bar_->value();
     fillRows();
     for (const Row& row : rows_) {
         if (row.command->hasFocus())
@@ -245,8 +247,8 @@ void CApplicationRows::refresh() {
     {
         const QSignalBlocker quiet(bar_);
         bar_->setRange(0, std::max(static_cast<int>(entries_.size()) - rowCount, 0));
-        if (place >= 0 && (place < first_ || place >= first_ + rowCount))
-            bar_->setValue(place - edit->row);
+        const bool hidden = place >= 0 && (place < first_ || place >= first_ + rowCount);
+        bar_->setValue(hidden ? place - edit->row : first_);
         first_ = bar_->value();
     }
     bar_->setEnabled(bar_->maximum() > 0);

@@ -132,6 +132,10 @@ CApplicationsWindow::CApplicationsWindow(CStation& station, std::function<void(c
     connect(&saveTimer_, &QTimer::timeout, this, &CApplicationsWindow::saveLater);
 }
 
+CApplicationsWindow::~CApplicationsWindow() {
+    hide(); // stores, while there is still somebody to store for
+}
+
 void CApplicationsWindow::present() {
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();

@@ -25,6 +25,7 @@ public:
     /// `saveFailed` is called when the save at the window's end failed; the log has been told.
     CApplicationsWindow(CStation& station, std::function<void(const FileError&)> saveFailed,
                         QWidget* parent = nullptr);
+    ~CApplicationsWindow() override;
 
     /// Shows the window, or brings it to the top.
     void present();
