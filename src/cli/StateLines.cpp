@@ -47,6 +47,13 @@ void StateLines::recordChanged(const CHardware& before, const CHardware& after) 
         write(after);
 }
 
+void StateLines::recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
+    if (auto state = states_.extract(oldRecID)) {
+        state.key() = newRecID;
+        states_.insert(std::move(state));
+    }
+}
+
 void StateLines::documentReplaced() {
     replaced_ = true;
     if (!begun_)

@@ -25,6 +25,7 @@ public:
 
 private:
     void recordChanged(const CHardware& before, const CHardware& after) override;
+    void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;
     void documentReplaced() override;
     void write(const CHardware& device);
 

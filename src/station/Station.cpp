@@ -85,7 +85,7 @@ std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
     std::optional<Datafile::Error> error;
     const bool works =
         liveStat_->enabled() || liveDiscover_->enabled() || (discoverNow_ && discoverNow_->running());
-    if (works || doc_->pendingChanges())
+    if (works || doc_->pendingChanges() || doc_->unsavedEdits())
         error = whyNotReadable(services_.files, path);
     if (!error) {
         leaveDatafile();

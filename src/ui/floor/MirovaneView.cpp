@@ -140,6 +140,13 @@ void CMirovaneView::orderChanged() {
     redraw();
 }
 
+void CMirovaneView::recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
+    for (std::int32_t* marker : {&state_.SelectedMarker, &state_.MarkingMarker}) {
+        if (*marker == oldRecID)
+            *marker = newRecID;
+    }
+}
+
 /// A reload by another station's save keeps the place where the user looks; another datafile starts at the
 /// corner.
 void CMirovaneView::documentReplaced() {

@@ -93,6 +93,7 @@ private:
     void flagsChanged(const CHardware& record) override;
     void recordRemoved(const CHardware& record) override;
     void orderChanged() override;
+    void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;
     void documentReplaced() override;
 
     void setUpWidget();

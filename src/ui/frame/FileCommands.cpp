@@ -60,9 +60,8 @@ std::string remedy(const FileError& error) {
     case FileError::Kind::NoSpace:
         return "Make room on the disk and try again, or save elsewhere with File, Save As.";
     case FileError::Kind::Changed:
-        return "What another station saved there cannot be read. Your changes are kept here and saved as "
-               "soon as "
-               "it can. Save a copy elsewhere with File, Save As, before you leave.";
+        return "Your changes are kept here, and saved as soon as what another station saved there can be "
+               "read. Save a copy elsewhere with File, Save As, before you leave.";
     case FileError::Kind::TooLarge:
         return "Remove devices, or divide the floor into two datafiles.";
     case FileError::Kind::Other:
