@@ -36,7 +36,7 @@ std::string describeProgress(const SweepProgress& progress) {
     case SweepPhase::Waiting:
         return found + ", last replies, " + describeDuration(progress.left) + " left";
     case SweepPhase::Naming:
-        return found + ", looking up names";
+        return found + ", " + groupedNumber(progress.lookedUp) + " names looked up";
     case SweepPhase::Over:
         break;
     }

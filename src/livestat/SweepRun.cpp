@@ -208,6 +208,7 @@ void SweepRun::startLookUps(Time now) {
 void SweepRun::takeName(const NameAnswer& answer, Time now) {
     nameNews_ = now;
     lookUpLimit_ = mostLookUps;
+    ++progress_.lookedUp;
     if (answer.round == lookUpRound_)
         --lookUps_;
     if (answer.name && !answer.name->empty())

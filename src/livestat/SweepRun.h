@@ -50,6 +50,7 @@ struct SweepProgress {
     std::uint64_t sent = 0;  ///< asked so far
     std::uint64_t ended = 0; ///< answered, timed out or failed
     std::size_t found = 0;
+    std::size_t lookedUp = 0;          ///< found hosts whose name is known, or known to be none
     std::uint64_t failed = 0;          ///< could not be sent
     int failure = 0;                   ///< errno of the first of them
     bool full = false;                 ///< ended at SweepOptions::mostFound
@@ -69,7 +70,7 @@ class SweepRun {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
-    static constexpr std::size_t mostLookUps = 64;
+    static constexpr std::size_t mostLookUps = 32;         ///< small name servers drop what comes beyond
     static constexpr std::chrono::seconds namePatience{8}; ///< the system asks its second server after five
     static constexpr std::chrono::seconds mostNaming{60};  ///< after the last probe
 

@@ -23,6 +23,7 @@ enum class CommandId {
     ToolsLiveDiscover,
     ToolsLiveStatNow,
     ToolsApplications,
+    ToolsDiscoverNow,
     HelpAbout,
 };
 

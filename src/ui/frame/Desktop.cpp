@@ -39,8 +39,9 @@ CDesktop::CDesktop(const Options& options)
       dialogs_(options.version, [this](bool open) { pauseStation(open); }),
       probes_(registryOptions(options.configFolder), thisStation()) {
     settings_.initialise();
-    station_ = std::make_unique<CStation>(
-        StationServices{files_, clock_, timers_, settings_, log_, dialogs_, probes_.all(), thisStation()});
+    station_ = std::make_unique<CStation>(StationServices{files_, clock_, timers_, settings_, log_, dialogs_,
+                                                          probes_.all(), thisStation(), true, nullptr,
+                                                          nullptr, &sweepProbes_});
     frame_ =
         std::make_unique<CMainFrame>(*station_, dialogs_, recent_, launcher_, new CMirovaneView(*station_));
     dialogs_.setParent(frame_.get());

@@ -8,6 +8,7 @@
 #include "platform/ProcessLaunch.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
+#include "probes/SystemSweepProbes.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/frame/RecentFiles.h"
 #include "ui/frame/WidgetDialogs.h"
@@ -59,6 +60,7 @@ private:
     WidgetDialogs dialogs_;
     SystemStepProbes probes_;
     PosixLauncher launcher_;
+    SystemSweepProbes sweepProbes_{probes_.hosts()};
     std::unique_ptr<CStation> station_;
     std::unique_ptr<CMainFrame> frame_;
     std::optional<CStation::Pause> pause_;

@@ -1,6 +1,7 @@
 #include "ui/frame/MainFrame.h"
 
 #include "model/Text.h"
+#include "ui/dialogs/DiscoverNowWindow.h"
 #include "ui/dialogs/ListViewWindow.h"
 #include "ui/dialogs/WindowPlacement.h"
 #include "ui/floor/MirovaneView.h"
@@ -112,6 +113,9 @@ void CMainFrame::connectCommands() {
     viewCommands_.connectTo(*actions_);
     toolsCommands_.connectTo(*actions_);
     applicationCommands_.connectTo(*actions_);
+    if (station_.discoverNow())
+        actions_->setHandler(CommandId::ToolsDiscoverNow,
+                             {[this](const CommandDefinition&, bool) { showDiscoverNow(); }, {}});
     actions_->setHandler(CommandId::FileExit, {[this](const CommandDefinition&, bool) { close(); }, {}});
     actions_->setHandler(CommandId::HelpAbout,
                          {[this](const CommandDefinition&, bool) { dialogs_.about(); }, {}});
@@ -136,6 +140,12 @@ void CMainFrame::showOnFloor(std::int32_t recID) {
     activateWindow();
     floor_->setFocus();
     floor_->showDevice(*device);
+}
+
+void CMainFrame::showDiscoverNow() {
+    if (!discoverNow_)
+        discoverNow_ = new CDiscoverNowWindow(station_, dialogs_, this);
+    discoverNow_->present();
 }
 
 void CMainFrame::makeMenus() {

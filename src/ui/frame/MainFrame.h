@@ -20,6 +20,7 @@ namespace mirovane {
 
 class CApplicationsMenu;
 class CListViewWindow;
+class CDiscoverNowWindow;
 class CMessageLogWindow;
 class CMirovaneView;
 
@@ -60,6 +61,7 @@ protected:
 
 private:
     void connectCommands();
+    void showDiscoverNow();
     void makeMenus();
     void menuOpens();
     void showListView();
@@ -79,6 +81,7 @@ private:
     QToolBar* toolbar_;
     CStatusPanes panes_;
     std::unique_ptr<CMessageLogWindow> messageLog_;
+    CDiscoverNowWindow* discoverNow_ = nullptr; ///< a child of this window, made when it is first wanted
     std::unique_ptr<CListViewWindow> listView_;
     CFileCommands files_;
     CExportCommand exportCommand_;

@@ -6,6 +6,7 @@
 #include "station/Station.h"
 #include "tests/support/FakeLauncher.h"
 #include "tests/support/FakeTime.h"
+#include "tests/support/InstantNetwork.h"
 #include "tests/support/ScriptedProbes.h"
 #include "tests/ui/frame/ScriptedDialogs.h"
 #include "ui/frame/MainFrame.h"
@@ -32,14 +33,25 @@ protected:
     ScriptedDialogs dialogs;
     ScriptedProbes probes; ///< nobody answers
     FakeLauncher launcher;
+    InstantNetwork network;
     CRecentFiles recent{store};
     std::unique_ptr<CStation> station;
 
     void SetUp() override {
         settings.initialise();
         settings.write("LSAutoStart", 0);
-        station = std::make_unique<CStation>(
-            StationServices{diskFiles, clock, timers, settings, log, dialogs, probes, {"host", "user"}});
+        station = std::make_unique<CStation>(StationServices{diskFiles,
+                                                             clock,
+                                                             timers,
+                                                             settings,
+                                                             log,
+                                                             dialogs,
+                                                             probes,
+                                                             {"host", "user"},
+                                                             true,
+                                                             nullptr,
+                                                             nullptr,
+                                                             &network});
     }
 
     std::string inFolder(const char* name) const {
