@@ -111,12 +111,22 @@ void CLiveDiscover::finishDisabling() {
     if (probe_ && (probe_->stop.stop_requested() || probe_->answered.get()))
         setWalk(probe_->before);
     forgetProbe();
-    FeatureOwner::giveUp(document_, Feature::LiveDiscover, host_);
+    leaveOwner();
     timer_->stop();
     disabling_ = false;
     lastWalk_.reset();
     document_.log().LogMessage(disabledLine, true);
     host_.indicatorsChanged();
+}
+
+void CLiveDiscover::leaveOwner() {
+    const Walk reached = walk();
+    FeatureOwner::giveUp(document_, Feature::LiveDiscover, host_);
+    // Where another station had saved in this very moment, its file brought an older place with it.
+    if (walk() == reached || FeatureOwner::isElsewhere(document_, Feature::LiveDiscover))
+        return;
+    setWalk(reached);
+    host_.saveDatafile({});
 }
 
 /// The user left Live Discover to another station: nothing is released, the record names that one.

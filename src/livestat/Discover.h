@@ -64,6 +64,8 @@ private:
     /// The range being walked and the address that comes next, as the owner record holds them.
     struct Walk {
         std::string from, to, next;
+
+        bool operator==(const Walk&) const = default;
     };
 
     struct Probe {
@@ -77,6 +79,7 @@ private:
     void disable();
     void stopHere();
     void finishDisabling();
+    void leaveOwner();
 
     void tick();
     bool findAddress();

@@ -116,6 +116,22 @@ TEST_F(StationDiscoverTest, TheWalkGoesOnAfterTheEndAtAnotherComputer) {
     EXPECT_EQ(b.probes.pinged(), Lines{"127.0.0.6"});
 }
 
+TEST_F(StationDiscoverTest, TheEndKeepsTheWalkAlsoWhenAnotherStationJustSaved) {
+    open(a);
+    open(b);
+    a.station->toggleLiveDiscover();
+    pass(31'000);
+    const std::string next = walkOwner(a).IPAddress;
+    ASSERT_NE(next, "127.0.0.2");
+    rename(b, 1, "by b");
+    b.station->saveDatafile();
+    EXPECT_FALSE(a.station->shutDown());
+    pass(3000);
+    EXPECT_EQ(walkOwner(b).State, 0);
+    EXPECT_EQ(walkOwner(b).IPAddress, next);
+    EXPECT_EQ(b.device(1).Name, "by b");
+}
+
 TEST_F(StationDiscoverTest, LeavingADatafileReleasesItAndSaveAsTakesTheWalkAlong) {
     open(a);
     a.station->toggleLiveDiscover();
