@@ -63,6 +63,11 @@ std::string outcomeText(const RowTrial& trial) {
     return trial.failed ? "no match" : "match";
 }
 
+std::string changeText(const RowTrial::Change& change) {
+    const std::string was = change.before.empty() ? " (was empty)" : " (was: " + change.before + ")";
+    return change.field + (change.after.empty() ? " emptied" : ": " + change.after) + was;
+}
+
 void printText(Output& out, const RowTrial& trial) {
     const auto line = [&out](std::string_view label, std::string_view bytes) {
         out.printLine("  " + std::string(label) + printable(bytes));
@@ -78,7 +83,9 @@ void printText(Output& out, const RowTrial& trial) {
         line("answer:   ", each);
     line("outcome:  ", outcomeText(trial));
     for (const RowTrial::Change& change : trial.changes)
-        line("writes:   ", change.field + " \"" + change.after + "\", which was \"" + change.before + "\"");
+        line("writes:   ", changeText(change));
+    if (trial.acted && !trial.cancelled && trial.changes.empty())
+        line("writes:   ", "nothing: it is so already");
 }
 
 QJsonObject trialObject(const RowTrial& trial) {

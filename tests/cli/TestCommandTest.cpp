@@ -49,7 +49,7 @@ TEST_F(TestCommand, tellsWhatARowWouldWriteAndWritesNothing) {
                            ", line 2: LP1;Room 8\n"
                            "  answer:   field 2: Room 8\n"
                            "  outcome:  match\n"
-                           "  writes:   Comment \"Room 8\", which was \"old\"\n");
+                           "  writes:   Comment: Room 8 (was: old)\n");
     EXPECT_EQ(cli({"test", file, "1", "7"}).out,
               "7 / Text: Set Value\n"
               "  argument: x\n"
