@@ -81,7 +81,8 @@ void ListCellDelegate::addStateSign(QStyleOptionViewItem& option, int row) const
     option.icon = device->State == DeviceState::On ? on_ : off_;
     option.decorationSize = QSize(signSize, signSize);
     const int room = option.rect.width() - signSize - 4 * textMargin(option);
-    if (option.fontMetrics.horizontalAdvance(option.text) > room)
+    // Without a place yet the question is how wide the column should be.
+    if (option.rect.width() > 0 && option.fontMetrics.horizontalAdvance(option.text) > room)
         option.text.clear();
 }
 

@@ -21,6 +21,10 @@ using Flags = QItemSelectionModel::SelectionFlags;
 constexpr int typingPauseMs = 1500;
 
 constexpr int smallestColumn = 14;
+
+/// A column is fitted to the texts of so many rows; all 65,000 would take seconds.
+constexpr int rowsToFit = 200;
+
 constexpr int rowPadding = 6;
 
 constexpr Flags onlyThis = QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
@@ -60,6 +64,7 @@ void ListTable::setUpTitles() {
     titles->setHighlightSections(false);
     titles->setMinimumSectionSize(smallestColumn);
     titles->setTextElideMode(Qt::ElideNone);
+    titles->setResizeContentsPrecision(rowsToFit);
     titles->setSectionsClickable(true);
     titles->setSortIndicatorShown(true);
     // A click on a title sorts here, where a table would select the column.
@@ -209,6 +214,8 @@ QModelIndex ListTable::moveCursor(CursorAction action, Qt::KeyboardModifiers mod
 void ListTable::keyPressEvent(QKeyEvent* event) {
     const bool typing = lastLetter_.isValid() && !lastLetter_.hasExpired(typingPauseMs);
     const bool plain = !(event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));
+    if (event->matches(QKeySequence::Copy))
+        return; // the menu's command copies rows; the base class would copy the current cell
     if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
         if (const std::int32_t device = currentDevice())
             Q_EMIT rowActivated(device);
@@ -250,9 +257,8 @@ void ListTable::findAgain(SearchDirection direction) {
 
 bool ListTable::goTo(std::optional<int> row) {
     if (row) {
-        const QModelIndex index = rows_.index(*row, std::max(0, currentIndex().column()));
-        selectionModel()->setCurrentIndex(index, onlyThis);
-        scrollTo(index);
+        // The view's own function: it also makes this the row from which a range is extended.
+        setCurrentIndex(rows_.index(*row, std::max(0, currentIndex().column())));
     }
     Q_EMIT searched(typed_, row.has_value());
     return row.has_value();

@@ -132,7 +132,8 @@ void ListViewMenus::setFilter(const ListFilter& filter) {
 // ---- Edit
 
 void ListViewMenus::makeEditMenu(QMenu& menu) {
-    copy_ = addCommand(menu, tr("&Copy"), QKeySequence(QStringLiteral("Ctrl+C")), [this] { copyRows(); });
+    copy_ = addCommand(menu, tr("&Copy"), {}, [this] { copyRows(); });
+    copy_->setShortcuts({QKeySequence(QStringLiteral("Ctrl+C")), QKeySequence(QStringLiteral("Ctrl+Ins"))});
     selectAll_ = addCommand(menu, tr("Select &All"), QKeySequence(QStringLiteral("Ctrl+A")),
                             [this] { parts_.table.selectAll(); });
     menu.addSeparator();

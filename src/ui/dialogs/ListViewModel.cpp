@@ -301,13 +301,13 @@ void ListViewModel::setSelectedRows(const std::vector<char>& wanted, bool onlyTh
         if (wanted[row] != selected_[row] && rows_[row])
             document_.setSelected(*rows_[row], wanted[row] != 0);
     }
-    if (!onlyThese)
-        return;
-    for (std::size_t i = 0; i < document_.size(); ++i) {
+    for (std::size_t i = 0; onlyThese && i < document_.size(); ++i) {
         const CHardware& record = document_.at(i);
         if (record.Selected != 0 && record.isDevice() && rowOf(&record, record.RecID) < 0)
             document_.setSelected(record, false);
     }
+    tellDirty(); // not a turn of the event loop later: the hand is on the mouse
+    Q_EMIT updated();
 }
 
 // ---- telling the view

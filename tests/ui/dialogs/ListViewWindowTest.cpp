@@ -255,6 +255,9 @@ TEST_F(ListViewWindowTest, typingFindsRowsInTheSortedColumn) {
     EXPECT_EQ(table().currentDevice(), 6);
     action("listMenuEdit", "Find Typed Text &Before")->trigger();
     EXPECT_EQ(table().currentDevice(), 7);
+    QTest::keyClick(&table(), Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_THAT(selectedDevices(), ElementsAre(6, 7)) << "a range begins at the row that was found";
+    QTest::keyClick(&table(), Qt::Key_Down);
 
     QTest::keyClick(&table(), Qt::Key_Return);
     click(0);
@@ -274,6 +277,8 @@ TEST_F(ListViewWindowTest, copiesTheSelectedRowsAsTheyStand) {
     table().clearFocus();
     QAction* copy = action("listMenuEdit", "&Copy");
     EXPECT_FALSE(copy->isEnabled());
+    QTest::keyClick(&table(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("before"));
     clickTitle(ListColumn::Name);
     click(0);
     click(2, Qt::ControlModifier);
