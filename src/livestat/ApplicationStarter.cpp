@@ -21,6 +21,13 @@ std::string concerned(const ApplicationRun::Refusal& refusal) {
     return refusal.device + " and " + std::to_string(refusal.devices - 1) + " more";
 }
 
+std::string whyNot(const std::string& program, const std::error_code& error) {
+    const bool lookedUp = program.find('/') == std::string::npos;
+    if (error == std::errc::no_such_file_or_directory && lookedUp)
+        return "no program \"" + program + "\" is installed here";
+    return "\"" + program + "\": " + error.message();
+}
+
 } // namespace
 
 CApplicationStarter::Ready CApplicationStarter::makeReady(ProgramPlace place) const {
@@ -60,7 +67,7 @@ void CApplicationStarter::start(const std::string& name, const ApplicationRun& r
         }
         const std::vector<std::string> command = wordsFor(run.place, ready, words);
         if (const std::error_code error = parts_.launcher.start(command))
-            ++failures["\"" + command.front() + "\": " + error.message()];
+            ++failures[whyNot(command.front(), error)];
         else
             ++started;
     }

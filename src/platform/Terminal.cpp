@@ -76,6 +76,8 @@ std::optional<std::string> decodeWord(std::string_view word) {
     std::string result;
     for (std::size_t i = 0; i < word.size() && word != "%"; ++i) {
         if (word[i] != escape) {
+            if (!isPlain(word[i]))
+                return std::nullopt;
             result += word[i];
             continue;
         }
@@ -87,6 +89,17 @@ std::optional<std::string> decodeWord(std::string_view word) {
         i += 2;
     }
     return result;
+}
+
+/// Tells six windows with a ping each apart. Encoded words hold nothing that a terminal would obey.
+void showTitle(const std::vector<std::string>& encoded) {
+    if (isatty(STDOUT_FILENO) == 0)
+        return;
+    std::string title;
+    for (const std::string& word : encoded)
+        title += word + ' ';
+    std::printf("\033]0;%s- Mirovane\007", title.c_str());
+    std::fflush(stdout);
 }
 
 /// While the program runs, the keys that end it must leave us alone: its result is still to be read.
@@ -175,6 +188,7 @@ int runInTerminal(const std::vector<std::string>& encoded) {
     }
     if (words.empty())
         return 2;
+    showTitle(encoded);
     int exitStatus = 0;
     const std::string end = runToItsEnd(std::move(words), exitStatus);
     std::printf("\n[%s - press Enter to close this window]", end.c_str());

@@ -57,7 +57,7 @@ TEST_F(ApplicationStarter, WhatDoesNotStartIsNamedOncePerReason) {
     ASSERT_EQ(log.lines().size(), 3U);
     EXPECT_NE(log.lines()[0].find("Did not start \"Tool\" for pc-7 and 2 more: too hot"), std::string::npos);
     EXPECT_NE(log.lines()[1].find("for pc-8: too cold"), std::string::npos);
-    EXPECT_EQ(lastLine(), "Could not start \"Tool\" for 2 devices: \"no-such\": No such file or directory");
+    EXPECT_EQ(lastLine(), "Could not start \"Tool\" for 2 devices: no program \"no-such\" is installed here");
 }
 
 TEST_F(ApplicationStarter, ATerminalIsFoundInPathOrItsLackIsSaid) {

@@ -147,6 +147,7 @@ TEST_F(ProcessLaunch, WordsSurviveATerminalThatAsksAShell) {
     EXPECT_NE(said.find("No such file"), std::string::npos) << said;
     EXPECT_NE(said.find("ended with status 3"), std::string::npos) << said;
     EXPECT_EQ(runInTerminal({"sh", "%4"}), 2);
+    EXPECT_EQ(runInTerminal({"sh", "\033]0;x"}), 2);
     dup2(input, STDIN_FILENO);
     close(input);
 }
