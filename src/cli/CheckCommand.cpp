@@ -2,6 +2,7 @@
 #include "cli/DatafileCheck.h"
 #include "cli/Datafiles.h"
 #include "cli/RecordJson.h"
+#include "livestat/FeatureOwner.h"
 
 #include <QJsonArray>
 
@@ -23,7 +24,59 @@ std::string deviceKind(std::int32_t floorType) {
     return name.empty() ? "type " + std::to_string(floorType) : std::string(name);
 }
 
-void printReport(Output& out, const DatafileReport& report) {
+constexpr std::int64_t minutesPerHour = 60;
+
+/// Negative when the record was written by a clock that is ahead of this one.
+std::int64_t minutesSince(TimeStamp stamp, TimeStamp now) {
+    return (std::int64_t{now} - stamp) / 60;
+}
+
+std::string spanText(std::int64_t minutes) {
+    const std::int64_t span = minutes < 0 ? -minutes : minutes;
+    return std::to_string(span / minutesPerHour) + " h " + std::to_string(span % minutesPerHour) + " min" +
+           (minutes < 0 ? " ahead of this computer's clock" : " ago");
+}
+
+/// Also where nobody runs it: a station looks at the hours alone.
+bool takeOverDue(const DatafileReport& report, TimeStamp now) {
+    return report.liveStat.exists && !report.devices.empty() &&
+           minutesSince(report.liveStat.Modified, now) >= LiveStatHeartbeat::takeOverHours * minutesPerHour;
+}
+
+std::string ownerText(const OwnerState& owner, std::string_view stamped, TimeStamp now) {
+    if (!owner.exists)
+        return "no owner record";
+    const std::string where =
+        owner.State > 0 ? "on at " + printable(owner.Name) + "\\" + printable(owner.Username) : "off";
+    return where + ", " + std::string(stamped) + " " + spanText(minutesSince(owner.Modified, now));
+}
+
+void printOwners(Output& out, const DatafileReport& report, TimeStamp now) {
+    std::string liveStat = ownerText(report.liveStat, "last sign of life", now);
+    if (takeOverDue(report, now))
+        liveStat += "; the next station with \"Auto start Live Stat\" takes it over";
+    out.printLine("owners:");
+    out.printLine("  Live Stat: " + liveStat);
+    out.printLine("  Live Discover: " + ownerText(report.liveDiscover, "last changed", now));
+}
+
+QJsonValue ownerObject(const OwnerState& owner, TimeStamp now) {
+    if (!owner.exists)
+        return QJsonValue();
+    return QJsonObject{{jsonKey("State"), owner.State},
+                       {jsonKey("Name"), jsonText(owner.Name)},
+                       {jsonKey("Username"), jsonText(owner.Username)},
+                       {jsonKey("Modified"), owner.Modified},
+                       {jsonKey("ageMinutes"), static_cast<qint64>(minutesSince(owner.Modified, now))}};
+}
+
+QJsonObject ownersObject(const DatafileReport& report, TimeStamp now) {
+    return {{jsonKey("LiveStat"), ownerObject(report.liveStat, now)},
+            {jsonKey("LiveDiscover"), ownerObject(report.liveDiscover, now)},
+            {jsonKey("takeOverDue"), takeOverDue(report, now)}};
+}
+
+void printReport(Output& out, const DatafileReport& report, TimeStamp now) {
     out.printLine("version: " + std::to_string(report.fileVersion));
     out.printLine("records: " + std::to_string(report.records));
     out.printLine("devices: total [floor map] [Discovered/Misc]");
@@ -32,6 +85,7 @@ void printReport(Output& out, const DatafileReport& report) {
     out.printLine("special records:");
     for (auto entry = report.special.rbegin(); entry != report.special.rend(); ++entry)
         out.printLine("  " + kindOfSpecial(entry->first) + ": " + std::to_string(entry->second));
+    printOwners(out, report, now);
     out.printLine("oddities: " + std::to_string(report.oddities.size()));
     for (const Oddity& oddity : report.oddities) {
         std::string where = "  ";
@@ -42,7 +96,7 @@ void printReport(Output& out, const DatafileReport& report) {
     }
 }
 
-QJsonObject reportObject(const DatafileReport& report) {
+QJsonObject reportObject(const DatafileReport& report, TimeStamp now) {
     QJsonObject devices;
     for (const auto& [type, count] : report.devices)
         devices.insert(jsonKey(deviceKind(type)),
@@ -63,6 +117,7 @@ QJsonObject reportObject(const DatafileReport& report) {
             {jsonKey("records"), static_cast<qint64>(report.records)},
             {jsonKey("devices"), devices},
             {jsonKey("special"), special},
+            {jsonKey("owners"), ownersObject(report, now)},
             {jsonKey("oddities"), oddities}};
 }
 
@@ -73,10 +128,11 @@ ExitStatus runCheck(CommandContext& context) {
     if (!content)
         return ExitStatus::FileFailed;
     const DatafileReport report = inspectDatafile(*content);
+    const TimeStamp now = secondsNow();
     if (context.arguments.has("--json"))
-        context.out.printLine(jsonLine(reportObject(report)));
+        context.out.printLine(jsonLine(reportObject(report, now)));
     else
-        printReport(context.out, report);
+        printReport(context.out, report, now);
     return report.oddities.empty() ? ExitStatus::Done : ExitStatus::No;
 }
 

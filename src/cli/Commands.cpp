@@ -1,5 +1,7 @@
 #include "cli/Commands.h"
 
+#include "platform/Clock.h"
+
 #include <algorithm>
 #include <array>
 
@@ -108,6 +110,7 @@ constexpr std::string_view listDetails =
     "MAC Address, to Jack/#, Comment, / Text, \\ Text, - Text, | Text.\n";
 
 constexpr std::string_view checkDetails =
+    "Tells which station runs Live Stat and Live Discover, and how old its last sign of life is.\n"
     "Exit status 1 when anything is odd, 3 when the file cannot be read at all.\n";
 
 constexpr std::string_view copyDetails =
@@ -289,6 +292,10 @@ const Command* findCommand(std::string_view name) {
     const auto found = std::find_if(table.begin(), table.end(),
                                     [name](const Command& command) { return command.name == name; });
     return found == table.end() ? nullptr : &*found;
+}
+
+TimeStamp secondsNow() {
+    return static_cast<TimeStamp>(std::chrono::system_clock::to_time_t(SystemClock().wall()));
 }
 
 ExitStatus usageError(CommandContext& context, std::string_view sentence) {

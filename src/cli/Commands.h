@@ -2,6 +2,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Output.h"
+#include "model/Hardware.h"
 
 #include <span>
 #include <string>
@@ -61,6 +62,9 @@ ExitStatus runTest(CommandContext& context);
 
 /// What a command that changed devices prints: their record IDs, a line each.
 void printRecIDs(Output& out, const std::vector<std::int32_t>& recIDs);
+
+/// The computer's clock as a record holds it.
+TimeStamp secondsNow();
 
 /// Reports a wrong command line and names the way out.
 ExitStatus usageError(CommandContext& context, std::string_view sentence);

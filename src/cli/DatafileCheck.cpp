@@ -140,7 +140,17 @@ private:
             odd("a second " + recordKind(record.Type));
         if (record.Type == SpecialType::VersionRecord)
             inspectVersion(record);
+        if (record.Type == SpecialType::LiveStatOwnerRecord)
+            inspectOwner(record, report_.liveStat);
+        if (record.Type == SpecialType::LiveDiscoverOwnerRecord)
+            inspectOwner(record, report_.liveDiscover);
         inspectSpecialRecID(record);
+    }
+
+    /// Every station goes by the first one.
+    static void inspectOwner(const CHardware& record, OwnerState& owner) {
+        if (!owner.exists)
+            owner = {true, record.State, record.Name, record.Username, record.Modified};
     }
 
     void inspectVersion(const CHardware& record) {

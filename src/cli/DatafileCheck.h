@@ -27,13 +27,24 @@ struct DeviceCount {
     std::size_t discovered = 0;
 };
 
+/// What an owner record says: on at the station of these names where State is above 0.
+struct OwnerState {
+    bool exists = false;
+    std::int32_t State = 0;
+    std::string Name;
+    std::string Username;
+    TimeStamp Modified = 0;
+};
+
 struct DatafileReport {
     std::int32_t fileVersion = 0;
     TimeStamp created = 0; ///< 0 where no VersionRecord says it
     std::size_t records = 0;
     std::map<std::int32_t, DeviceCount> devices; ///< by floor code, unknown ones by `Type`
     std::map<std::int32_t, std::size_t> special; ///< by type; criteria rows are counted under criteriaType
-    std::vector<Oddity> oddities;                ///< in record order, then those of the whole file
+    OwnerState liveStat;                         ///< its Modified is the owner's last sign of life
+    OwnerState liveDiscover;
+    std::vector<Oddity> oddities; ///< in record order, then those of the whole file
 
     static constexpr std::int32_t criteriaType = -100;
 };

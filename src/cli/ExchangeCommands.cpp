@@ -4,7 +4,6 @@
 #include "model/ClipboardText.h"
 #include "model/FieldNames.h"
 #include "model/TextExport.h"
-#include "platform/Clock.h"
 #include "platform/FileErrors.h"
 #include "platform/PosixFiles.h"
 
@@ -61,10 +60,6 @@ std::optional<std::string> readTextFile(Output& out, const std::string& path) {
     if (!standard && descriptor >= 0)
         close(descriptor);
     return content;
-}
-
-TimeStamp secondsNow() {
-    return static_cast<TimeStamp>(std::chrono::system_clock::to_time_t(SystemClock().wall()));
 }
 
 /// Every line that makes no device, up to as many as a screen takes.

@@ -77,7 +77,17 @@ void StationRun::startNow() {
     station_.liveStatNow();
 }
 
+/// The log says nothing of it, and nobody else would.
+void StationRun::tellExportFailure() {
+    const auto error = station_.exportError();
+    const std::string sentence = error ? error->sentence : std::string();
+    if (sentence != exportFailure_ && !sentence.empty())
+        out_.diagnose(sentence);
+    exportFailure_ = sentence;
+}
+
 void StationRun::poll() {
+    tellExportFailure();
     if (out_.failed() || loopsOver())
         finish();
     else if (stateLines_.takeReplaced()) {

@@ -64,6 +64,7 @@ private:
     void poll();
     void startLiveStatLater();
     void startDiscover();
+    void tellExportFailure();
     bool loopsOver() const;
     void finish();
     void reopen();
@@ -75,6 +76,7 @@ private:
     StateLines stateLines_;
     QTimer poll_;
     QTimer limit_;
+    std::string exportFailure_;
     bool finished_ = false;
     ExitStatus status_ = ExitStatus::Done;
 };

@@ -45,6 +45,10 @@ void giveUp(CMirovaneDoc& document, Feature feature, FeatureHost& host);
 /// last discovery.)
 namespace LiveStatHeartbeat {
 
+/// An owner that was silent for so many whole hours is replaced by the next station that starts Live Stat by
+/// itself.
+constexpr std::int64_t takeOverHours = 4;
+
 /// Modified = now.
 void signOfLife(CMirovaneDoc& document);
 

@@ -21,7 +21,6 @@ constexpr int ticksOfLiveStat = 100;
 constexpr int mostTicksToRetry = 10;
 
 constexpr std::int64_t heartbeatHours = 3;
-constexpr std::int64_t takeOverHours = 4;
 
 } // namespace
 
@@ -162,7 +161,8 @@ void CStation::checkReminders() {
 /// hours. A sign from the future was given by a clock that went wrong: it would look fresh for too long.
 void CStation::keepOwnerAlive() {
     const std::int64_t silent = LiveStatHeartbeat::silentHours(*doc_);
-    if (silent >= takeOverHours && !liveStat_->enabled() && doc_->deviceCount() > 0 && wantsLiveStat()) {
+    if (silent >= LiveStatHeartbeat::takeOverHours && !liveStat_->enabled() && doc_->deviceCount() > 0 &&
+        wantsLiveStat()) {
         LiveStatHeartbeat::signOfLife(*doc_);
         doc_->setPendingChanges(true);
         liveStat_->toggle();

@@ -52,7 +52,13 @@ TEST(DatafileCheck, findsNothingInHealthyFiles) {
     add(content, DeviceType::Computer, 1).Name = "caf\xE9"; // Windows-1252
     add(content, DeviceType::Printer + 1000, 2).Comment = "caf\xC3\xA9";
     EXPECT_THAT(oddTexts(content), IsEmpty());
+    content.records[1]->State = 1;
+    content.records[1]->Name = "A-HOST";
+    content.records[1]->Modified = 77;
     const DatafileReport report = inspectDatafile(content);
+    EXPECT_EQ(report.liveStat.Name, "A-HOST");
+    EXPECT_EQ(report.liveStat.Modified, 77);
+    EXPECT_EQ(report.liveDiscover.State, 0);
     EXPECT_EQ(report.devices.at(DeviceType::Computer).onFloor, 1U);
     EXPECT_EQ(report.devices.at(DeviceType::Printer).discovered, 1U);
     EXPECT_EQ(report.special.at(SpecialType::ApplicationRecord), 2U);

@@ -1,6 +1,8 @@
+#include "model/Datafile.h"
 #include "tests/cli/CliJson.h"
 #include "tests/cli/CliRunner.h"
 
+#include <ctime>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <set>
@@ -285,6 +287,46 @@ TEST(CriteriaCommand, changesWhatItShows) {
     EXPECT_EQ(cli({"criteria", file, "--reset"}).status, 0);
     EXPECT_EQ(textOf(rows()[0], "Command"), "Ping");
     EXPECT_EQ(jsonArray(cli({"criteria", file, "--json"}).out).size(), 156);
+}
+
+/// Writes a stamp, as the other stations see it, into the Live Stat owner of a new datafile.
+void setOwner(const std::string& file, std::int64_t secondsAgo, const std::string& name) {
+    std::string bytes = readBytes(file);
+    auto content = Datafile::decode(bytes);
+    for (const auto& record : content.value().records) {
+        if (record->Type != SpecialType::LiveStatOwnerRecord)
+            continue;
+        record->State = 1;
+        record->Name = name;
+        record->Username = "a-user";
+        record->Modified = static_cast<TimeStamp>(std::time(nullptr) - secondsAgo);
+    }
+    writeBytes(file, Datafile::encode(content.value().records));
+}
+
+TEST(CheckCommand, tellsWhoRunsWhatAndWhoseSilenceIsTooLong) {
+    const CliFolder folder;
+    const std::string file = folder.datafile({{"Jack", "Name=j"}});
+    constexpr std::int64_t hour = 3600;
+    setOwner(file, 3 * hour + 59 * 60 + 30, "A-HOST");
+    const CliResult alive = cli({"check", file});
+    EXPECT_THAT(alive.out,
+                HasSubstr("  Live Stat: on at A-HOST\\a-user, last sign of life 3 h 59 min ago\n"));
+    EXPECT_THAT(alive.out, HasSubstr("  Live Discover: off, last changed 0 h 0 min ago\n"));
+
+    setOwner(file, 4 * hour + 5, "A-HOST");
+    EXPECT_THAT(cli({"check", file}).out, HasSubstr("4 h 0 min ago; the next station with"));
+    const QJsonObject owners =
+        QJsonDocument::fromJson(QByteArray::fromStdString(cli({"check", file, "--json"}).out))
+            .object()
+            .value(QLatin1String("owners"))
+            .toObject();
+    EXPECT_TRUE(owners.value(QLatin1String("takeOverDue")).toBool());
+    const QJsonObject owner = owners.value(QLatin1String("LiveStat")).toObject();
+    EXPECT_EQ(textOf(owner, "Name"), "A-HOST");
+    EXPECT_EQ(numberOf(owner, "ageMinutes"), 240);
+    setOwner(file, -2 * hour - 30, "A-HOST");
+    EXPECT_THAT(cli({"check", file}).out, HasSubstr("2 h 0 min ahead of this computer's clock\n"));
 }
 
 } // namespace

@@ -134,8 +134,8 @@ QWidget* CExportDialog::makeOptions() {
     layout->setContentsMargins(0, 0, 0, 0);
     for (QCheckBox* check : {quoteAll_, quoteComment_, includeHeader_, auto_})
         layout->addWidget(check);
-    auto* note = makeNote(QStringLiteral("Without questions, after every save and reload; from the next time "
-                                         "on that this datafile is opened."));
+    auto* note =
+        makeNote(QStringLiteral("After every save and reload, once this datafile has been opened again."));
     const int indent = style()->pixelMetric(QStyle::PM_IndicatorWidth) +
                        style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing);
     note->setContentsMargins(indent, 0, 0, 0);
@@ -144,10 +144,10 @@ QWidget* CExportDialog::makeOptions() {
 }
 
 QWidget* CExportDialog::makePreview() {
-    const QString rows = request_.rowCount == 1
-                             ? QStringLiteral("1 row of the List View")
-                             : QStringLiteral("%1 rows of the List View").arg(request_.rowCount);
-    auto* group = new QGroupBox(QStringLiteral("Preview: ") + rows);
+    const QString shown = request_.firstRows.size() < request_.rowCount
+                              ? QStringLiteral("Preview: first %1 of %2 rows").arg(request_.firstRows.size())
+                              : QStringLiteral("Preview: %1 of %2 rows").arg(request_.firstRows.size());
+    auto* group = new QGroupBox(shown.arg(request_.rowCount));
     preview_ = new QPlainTextEdit;
     preview_->setObjectName(QStringLiteral("exportPreview"));
     preview_->setAccessibleName(QStringLiteral("Preview"));
@@ -155,9 +155,10 @@ QWidget* CExportDialog::makePreview() {
     preview_->setTabChangesFocus(true);
     preview_->setLineWrapMode(QPlainTextEdit::NoWrap);
     preview_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    constexpr int lines = 5;
+    constexpr int lines = 8;
     preview_->setMinimumHeight(preview_->fontMetrics().lineSpacing() * lines +
                                style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+    preview_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Ignored); // its own wish is far higher
     preview_->setMinimumWidth(preview_->fontMetrics().averageCharWidth() * 76);
     auto* layout = new QVBoxLayout(group);
     layout->addWidget(preview_);
@@ -237,7 +238,7 @@ void CExportDialog::browse() {
 void CExportDialog::showTarget() {
     const std::string target = exportTarget(settings().ExportFilename, request_.datafile);
     if (target.empty())
-        return target_->setText(QStringLiteral("No file is named yet."));
+        return target_->setText(QStringLiteral("A name alone is a file beside the datafile."));
     const QString path = fileText(target);
     target_->setText(
         (QFileInfo::exists(path) ? QStringLiteral("Replaces %1") : QStringLiteral("Creates %1")).arg(path));

@@ -11,7 +11,7 @@ namespace mirovane {
 
 namespace {
 
-constexpr std::size_t previewRows = 20;
+constexpr std::size_t previewRows = 6;
 
 bool fileExists(const std::string& path) {
     std::error_code unknown;
