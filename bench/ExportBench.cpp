@@ -5,7 +5,7 @@
 #include "bench/support/PairedRounds.h"
 #include "model/ListRows.h"
 #include "model/TextExport.h"
-#include "platform/PosixFiles.h"
+#include "platform/UnflushedFiles.h"
 
 #include <array>
 #include <cstdlib>
@@ -35,6 +35,7 @@ struct Floor {
     MemorySettingsStore store;
     CSettings settings{store};
     CMirovaneDoc doc{files, clock, log, settings, {"bench", "bench"}};
+    UnflushedFiles exportFiles;
     ListViewState view;
 };
 
@@ -75,7 +76,7 @@ void plainExport(const CMirovaneDoc& doc, const std::string& path) {
 
 void ourExport(Floor& floor, const std::string& path) {
     const std::string text = exportText(listViewRows(floor.doc, floor.view), {});
-    require(!writeExport(floor.files, path, floor.doc.path(), text, lockPatience), "export");
+    require(!writeExport(floor.exportFiles, path, floor.doc.path(), text, lockPatience), "export");
 }
 
 std::string contentOf(const std::string& path) {

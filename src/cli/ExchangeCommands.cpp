@@ -5,7 +5,7 @@
 #include "model/FieldNames.h"
 #include "model/TextExport.h"
 #include "platform/FileErrors.h"
-#include "platform/PosixFiles.h"
+#include "platform/UnflushedFiles.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -175,7 +175,7 @@ ExitStatus runExport(CommandContext& context) {
         printText(context.out, text);
         return ExitStatus::Done;
     }
-    PosixFiles files;
+    UnflushedFiles files;
     if (const auto error = writeExport(files, target, path, text, lockPatience)) {
         context.out.diagnose(error->sentence);
         return ExitStatus::FileFailed;

@@ -1,10 +1,11 @@
 #include "model/TextExport.h"
 
 #include "model/Datafile.h"
-#include "model/Dates.h"
 #include "model/ListRows.h"
+#include "model/StampTexts.h"
 #include "platform/FilePaths.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <fstream>
@@ -48,64 +49,55 @@ constexpr std::array<TextSetting, 2> textSettings{{
 /// Lines of fields into one growing text.
 class LineWriter {
 public:
-    LineWriter(std::string& text, const TextExportFormat& format) : text_(text), format_(format) {}
+    LineWriter(std::string& text, const TextExportFormat& format) : text_(text) {
+        std::string quoteBefore;
+        for (std::size_t column = 1; column < listColumnCount; ++column) {
+            const bool quoted = format.quoteAll || (format.quoteComment && isComment(column));
+            const std::string quote = quoted ? "\"" : "";
+            between_[column] = quoteBefore + (column > 1 ? format.delimiter : std::string()) + quote;
+            quoteBefore = quote;
+        }
+        between_.back() = quoteBefore + "\r\n";
+    }
 
     void header() {
-        for (int column = 1; column < listColumnCount; ++column)
-            field(static_cast<ListColumn>(column),
-                  [&] { text_ += headerNames[static_cast<std::size_t>(column - 1)]; });
-        text_ += "\r\n";
+        line([this](std::size_t column) { text_ += headerNames[column - 1]; });
     }
 
     void row(const CHardware& device) {
-        for (int column = 1; column < listColumnCount; ++column)
-            field(static_cast<ListColumn>(column), [&] { cell(device, static_cast<ListColumn>(column)); });
-        text_ += "\r\n";
+        line([this, &device](std::size_t column) { cell(device, column); });
     }
 
 private:
-    template <typename AppendContent>
-    void field(ListColumn column, AppendContent appendContent) {
-        const bool quoted = format_.quoteAll || (format_.quoteComment && column == ListColumn::Comment);
-        if (column != ListColumn::Modified)
-            text_ += format_.delimiter;
-        if (quoted)
-            text_ += '"';
-        appendContent();
-        if (quoted)
-            text_ += '"';
+    template <typename AppendCell>
+    void line(AppendCell appendCell) {
+        for (std::size_t column = 1; column < listColumnCount; ++column) {
+            text_ += between_[column];
+            appendCell(column);
+        }
+        text_ += between_.back();
     }
 
-    void cell(const CHardware& device, ListColumn column) {
-        if (column == ListColumn::Modified) {
-            stamp(device.Modified);
+    static bool isComment(std::size_t column) {
+        return static_cast<ListColumn>(column) == ListColumn::Comment;
+    }
+
+    void cell(const CHardware& device, std::size_t column) {
+        if (static_cast<ListColumn>(column) == ListColumn::Modified) {
+            text_ += stamps_.text(device.Modified);
             return;
         }
         const std::size_t start = text_.size();
-        appendListCell(text_, device, column);
-        if (column == ListColumn::Comment)
-            putOnOneLine(start);
-    }
-
-    /// To spell out a date costs more than the rest of a row, and rows of one run share theirs.
-    void stamp(TimeStamp stamp) {
-        if (stampText_.empty() || stamp != stamp_) {
-            stamp_ = stamp;
-            stampText_ = stampText(stamp);
-        }
-        text_ += stampText_;
-    }
-
-    void putOnOneLine(std::size_t start) {
-        for (std::size_t at = text_.find_first_of("\r\n", start); at != std::string::npos;
-             at = text_.find_first_of("\r\n", at + 1))
-            text_[at] = ' ';
+        appendListCell(text_, device, static_cast<ListColumn>(column));
+        if (isComment(column))
+            std::replace_if(
+                text_.begin() + static_cast<std::ptrdiff_t>(start), text_.end(),
+                [](char c) { return c == '\r' || c == '\n'; }, ' ');
     }
 
     std::string& text_;
-    const TextExportFormat& format_;
-    TimeStamp stamp_ = 0;
-    std::string stampText_;
+    std::array<std::string, listColumnCount + 1> between_; ///< before each column, and behind the last
+    StampTexts stamps_;
 };
 
 /// A slip of the finger must not cost somebody his site.

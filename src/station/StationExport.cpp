@@ -1,5 +1,5 @@
 #include "model/TextExport.h"
-#include "platform/PosixFiles.h"
+#include "platform/UnflushedFiles.h"
 #include "station/ExportWriter.h"
 #include "station/Station.h"
 
@@ -43,7 +43,7 @@ std::optional<FileError> CStation::exportNow(const ExportSettings& settings) {
 /// Returns how many rows there are.
 std::size_t CStation::writeRows(const ExportSettings& settings, std::chrono::milliseconds patience) {
     if (!exportWriter_) {
-        auto files = services_.exportFiles ? services_.exportFiles : std::make_shared<PosixFiles>();
+        auto files = services_.exportFiles ? services_.exportFiles : std::make_shared<UnflushedFiles>();
         exportWriter_ = std::make_unique<CExportWriter>(std::move(files));
     }
     const auto rows = listViewRows(*doc_, listView_);

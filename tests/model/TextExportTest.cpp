@@ -1,6 +1,7 @@
 #include "model/TextExport.h"
 
 #include "model/Dates.h"
+#include "model/StampTexts.h"
 #include "tests/model/DocumentFixture.h"
 
 #include <cstdlib>
@@ -100,6 +101,18 @@ TEST_F(TextExport, rowsWithDifferentDatesShowTheirOwn) {
     for (const CHardware& device : devices)
         expected += exported({device});
     EXPECT_EQ(exported(devices), expected);
+}
+
+TEST_F(TextExport, datesMadeFromTheLastOneAreTheRealOnes) {
+    for (const char* zone : {"Europe/Berlin", "Australia/Lord_Howe", "Asia/Kathmandu", "Africa/Monrovia"}) {
+        setenv("TZ", zone, 1);
+        tzset();
+        StampTexts texts;
+        for (const TimeStamp start : {-5000, 0, 63'593'000, 1'711'846'000, 1'792'888'000, 2'147'479'000}) {
+            for (TimeStamp stamp = start; stamp < start + 3600; stamp += 59)
+                ASSERT_EQ(texts.text(stamp), stampText(stamp)) << zone << " " << stamp;
+        }
+    }
 }
 
 TEST_F(TextExport, settingsAreKeptPerDatafile) {
