@@ -71,13 +71,19 @@ void CApplicationStarter::start(const std::string& name, const ApplicationRun& r
         else
             ++started;
     }
+    const std::string quoted = '"' + name + '"';
     for (const ApplicationRun::Refusal& refusal : run.refusals)
-        parts_.log.LogMessage(
-            "Did not start \"" + name + "\" for " + concerned(refusal) + ": " + refusal.reason, true);
+        say("Did not start " + quoted, concerned(refusal), refusal.reason);
     for (const auto& [reason, count] : failures)
-        parts_.log.LogMessage("Could not start \"" + name + "\" for " + devices(count) + ": " + reason, true);
+        say("Could not start " + quoted, devices(count), reason);
     if (started > 0)
-        parts_.log.LogMessage("Started \"" + name + "\" for " + devices(started), true);
+        say("Started " + quoted, devices(started), {});
 }
 
+void CApplicationStarter::say(std::string line, const std::string& whom, const std::string& reason) {
+    line.append(" for ").append(whom);
+    if (!reason.empty())
+        line.append(": ").append(reason);
+    parts_.log.LogMessage(line, true);
+}
 } // namespace mirovane

@@ -39,6 +39,8 @@ private:
     std::vector<std::string> wordsFor(ProgramPlace place, const Ready& ready,
                                       const ProgramWords& words) const;
 
+    void say(std::string line, const std::string& whom, const std::string& reason);
+
     Parts parts_;
 };
 

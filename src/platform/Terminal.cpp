@@ -120,6 +120,7 @@ public:
 /// errno, or 0.
 int spawnProgram(pid_t& child, std::vector<std::string>& words) {
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (std::string& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);
