@@ -89,10 +89,11 @@ private:
         }
         const std::size_t start = text_.size();
         appendListCell(text_, device, static_cast<ListColumn>(column));
-        if (isComment(column))
-            std::replace_if(
-                text_.begin() + static_cast<std::ptrdiff_t>(start), text_.end(),
-                [](char c) { return c == '\r' || c == '\n'; }, ' ');
+        if (isComment(column)) {
+            const auto begin = text_.begin() + static_cast<std::ptrdiff_t>(start);
+            std::transform(begin, text_.end(), begin,
+                           [](char c) { return c == '\r' || c == '\n' ? ' ' : c; });
+        }
     }
 
     std::string& text_;
