@@ -94,10 +94,10 @@ public:
     /// everything stays as it was; the error has been logged.
     std::optional<Datafile::Error> openDatafile(const std::string& path);
 
-    /// Where another station saved meanwhile, its file is read and this station's changes are put on top of it
-    /// and saved: every record is another one then. While a reload waits for Live Stat nothing is saved and no
-    /// error returned; the changes are saved with the reload. A save that fails is tried again by the watch
-    /// until it succeeds.
+    /// Where another station saved meanwhile, its file is read and this station's changes are put on top of
+    /// it and saved: every record is another one then. While a reload waits for Live Stat nothing is saved
+    /// and no error returned; the changes are saved with the reload. A save that fails is tried again by the
+    /// watch until it succeeds.
     std::optional<FileError> saveDatafile();
     std::optional<FileError> saveDatafileAs(const std::string& path);
 
