@@ -35,6 +35,13 @@ ListColumnWidths::ListColumnWidths(QHeaderView& titles, CSettings& settings)
     connect(&titles_, &QHeaderView::sectionResized, this, [this] { delay_.start(settleTime); });
 }
 
+void ListColumnWidths::makeRoomFor(int column, const QString& text) {
+    constexpr int margins = 10;
+    const int wanted = titles_.fontMetrics().horizontalAdvance(text) + margins;
+    if (titles_.sectionSize(column) == firstWidth(column) && wanted > firstWidth(column))
+        titles_.resizeSection(column, wanted);
+}
+
 void ListColumnWidths::reset() {
     for (int column = 0; column < listColumnCount; ++column)
         titles_.resizeSection(column, firstWidth(column));

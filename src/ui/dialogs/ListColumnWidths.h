@@ -15,6 +15,10 @@ class ListColumnWidths final : public QObject {
 public:
     ListColumnWidths(QHeaderView& titles, CSettings& settings);
 
+    /// Makes a column that was never resized wide enough for a text: of a number that is cut off nothing
+    /// useful is left.
+    void makeRoomFor(int column, const QString& text);
+
     /// The widths that they begin with; remembered as such.
     void reset();
 

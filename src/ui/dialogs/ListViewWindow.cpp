@@ -109,8 +109,11 @@ void CListViewWindow::present() {
 /// A window that is minimised goes on; only one that was closed lets go of the document.
 void CListViewWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
-    if (!event->spontaneous())
-        rows_.setLive(true);
+    if (event->spontaneous())
+        return;
+    rows_.setLive(true);
+    widths_->makeRoomFor(static_cast<int>(ListColumn::ID),
+                         QString::number(station_.document().nextRecordID()));
 }
 
 void CListViewWindow::hideEvent(QHideEvent* event) {

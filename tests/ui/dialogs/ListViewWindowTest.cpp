@@ -292,6 +292,12 @@ TEST_F(ListViewWindowTest, copiesTheSelectedRowsAsTheyStand) {
     EXPECT_EQ(lines[1].count(u'\t'), 18);
 }
 
+TEST_F(ListViewWindowTest, aLongNumberGetsTheRoomItNeeds) {
+    open(2000);
+    const QHeaderView* titles = table().horizontalHeader();
+    EXPECT_GE(titles->sectionSize(0), table().fontMetrics().horizontalAdvance(QStringLiteral("2000")) + 6);
+}
+
 TEST_F(ListViewWindowTest, placeAndWidthsAreRemembered) {
     for (const auto& [name, value] :
          {std::pair{"WindowLVTopX", 40}, {"WindowLVTopY", 50}, {"WindowLVBotX", 620}})
@@ -299,6 +305,7 @@ TEST_F(ListViewWindowTest, placeAndWidthsAreRemembered) {
     open(1);
     EXPECT_NE(window->width(), 620) << "the height is missing";
     const QHeaderView* titles = table().horizontalHeader();
+    EXPECT_EQ(titles->sectionSize(0), 30);
     EXPECT_EQ(titles->sectionSize(3), 17);
     EXPECT_EQ(titles->sectionSize(16), 110);
     table().horizontalHeader()->resizeSection(3, 60);
