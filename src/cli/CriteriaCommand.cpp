@@ -2,6 +2,7 @@
 #include "cli/Datafiles.h"
 #include "cli/RecordJson.h"
 #include "cli/TextTable.h"
+#include "model/ActionCatalogue.h"
 #include "model/Criteria.h"
 #include "model/Text.h"
 
@@ -15,7 +16,6 @@ namespace {
 
 constexpr std::array<std::string_view, 7> columnNames{"Command",   "Argument", "Delimiter", "FieldPos",
                                                       "SearchFor", "IfMatch",  "Condition"};
-constexpr std::array<std::string_view, 3> conditions{"On", "Off", "On/Off"};
 
 /// One --set, found valid for its type and row.
 struct Change {
@@ -53,7 +53,7 @@ std::optional<std::string> refuseValue(std::int32_t type, Change& change) {
         if (std::none_of(actions.begin(), actions.end(), isValue))
             return where + "the valid ones are " + joined(actions);
     } else if (change.column == CriteriaColumn::Condition) {
-        const auto valid = std::span(conditions).first(change.row == 0 ? 2 : 3);
+        const auto valid = conditionsForRow(change.row);
         if (std::none_of(valid.begin(), valid.end(), isValue))
             return where + "the valid ones are " + joined(valid);
     } else if (change.column == CriteriaColumn::FieldPos) {
@@ -89,21 +89,6 @@ Result<std::vector<Change>, UsageError> changesFrom(std::int32_t type,
     return changes;
 }
 
-/// What choosing an action brings with it, as in the criteria window: the state row has no field to extract,
-/// and "Who's Logon" has a fixed argument.
-void setCommand(CMirovaneDoc& doc, std::int32_t type, const Change& change) {
-    const auto set = [&](CriteriaColumn column, const std::string& value) {
-        doc.setCriteria(type, change.row, static_cast<int>(column), value);
-    };
-    set(CriteriaColumn::Command, change.value);
-    if (change.row == 0) {
-        set(CriteriaColumn::Delimiter, "");
-        set(CriteriaColumn::FieldPos, "0");
-    }
-    if (change.value == Action::WhosLogon)
-        set(CriteriaColumn::Argument, "$mvN $mvI");
-}
-
 std::optional<EditRefusal> applyChanges(CMirovaneDoc& doc, std::int32_t type,
                                         const std::vector<Change>& changes) {
     for (const Change& change : changes) {
@@ -112,7 +97,7 @@ std::optional<EditRefusal> applyChanges(CMirovaneDoc& doc, std::int32_t type,
                                    std::string(typeName(type)) + ": the datafile has no such row",
                                ExitStatus::No};
         if (change.column == CriteriaColumn::Command)
-            setCommand(doc, type, change);
+            chooseAction(doc, type, change.row, change.value);
         else
             doc.setCriteria(type, change.row, static_cast<int>(change.column), change.value);
     }

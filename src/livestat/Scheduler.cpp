@@ -13,10 +13,6 @@ constexpr std::chrono::milliseconds disablePeriod{300};
 constexpr std::chrono::milliseconds waitSlice{10};
 constexpr std::string_view outOfTimers = "System is out of timer resource!";
 
-/// A settings file edited by hand must not bring the computer down.
-constexpr std::int32_t maxSlots = 10'000;
-constexpr std::int32_t maxRunSeconds = 24 * 60 * 60;
-
 } // namespace
 
 CLiveStatScheduler::CLiveStatScheduler(CMirovaneDoc& document, const StepProbes& probes, Workers& workers,
@@ -45,11 +41,11 @@ CLiveStatScheduler::~CLiveStatScheduler() {
 }
 
 std::size_t CLiveStatScheduler::wantedSlots() const {
-    return static_cast<std::size_t>(std::clamp(settings_.LSNumPerRun, 0, maxSlots));
+    return static_cast<std::size_t>(std::clamp(settings_.LSNumPerRun, 0, LiveStatSettings::mostNumPerRun));
 }
 
 std::chrono::milliseconds CLiveStatScheduler::runPeriod() const {
-    const std::chrono::seconds period{std::clamp(settings_.LSRunSec, 0, maxRunSeconds)};
+    const std::chrono::seconds period{std::clamp(settings_.LSRunSec, 0, LiveStatSettings::mostRunSec)};
     return std::max<std::chrono::milliseconds>(period, std::chrono::milliseconds{1});
 }
 
@@ -96,6 +92,7 @@ void CLiveStatScheduler::disable() {
     disabling_ = true;
     statusText_.clear();
     document_.log().LogMessage("Live Stat is being disabled, please wait...", true);
+    endTracking();
     if (!nowActive_) {
         stopJobs();
         arm(disablePeriod);
@@ -142,6 +139,7 @@ void CLiveStatScheduler::stopHere() {
     enabled_ = false;
     statusText_.clear();
     document_.log().LogMessage("Live Stat disabled", true);
+    endTracking();
     resume();
     host_.indicatorsChanged();
 }

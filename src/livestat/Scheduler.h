@@ -66,6 +66,7 @@ public:
     /// when it changes. Removing slots waits for their jobs.
     void setSettings(const LiveStatSettings& settings);
 
+    /// Goes off with Live Stat.
     bool tracking() const { return tracking_; }
     void toggleTracking();
     void endTracking();

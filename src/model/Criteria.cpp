@@ -9,8 +9,6 @@ namespace mirovane {
 
 namespace {
 
-constexpr std::string_view nameAndAddress = "$mvN $mvI";
-
 constexpr std::array<std::string_view, 7> testActions = {
     Action::DoNothing, Action::Ping,    Action::SearchInTextFile, Action::SearchForFile,
     Action::Registry,  Action::SnmpGet, Action::MatchToJack,
@@ -124,11 +122,11 @@ void applyCriteriaDefaults(CHardware& record) {
     if (row == 0 && type == DeviceType::Jack)
         setRow(record, Action::MatchToJack, "", "On");
     else if (row == 0)
-        setRow(record, Action::Ping, pingsByName(type) ? nameAndAddress : "$mvI", "On");
+        setRow(record, Action::Ping, pingsByName(type) ? nameAndAddressArgument : "$mvI", "On");
     else if (row == 2 && pingsByName(type))
         setRow(record, Action::NsLookup, "$mvN", "On/Off");
     else if (row == 3 && pingsByName(type))
-        setRow(record, Action::WhosLogon, nameAndAddress, "On");
+        setRow(record, Action::WhosLogon, nameAndAddressArgument, "On");
 }
 
 void applyToDoRowDefaults(CHardware& record) {

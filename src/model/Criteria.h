@@ -24,6 +24,9 @@ constexpr std::string_view SetValue = "Set Value";
 constexpr std::string_view WhosLogon = "Who's Logon";
 } // namespace Action
 
+/// A device by its name, then by its address. The one argument of "Who's Logon".
+constexpr std::string_view nameAndAddressArgument = "$mvN $mvI";
+
 /// One criteria row's values, read out of the record that stores them under other names.
 struct CriteriaRow {
     std::string Command;

@@ -192,4 +192,12 @@ void LiveStatSettings::readAll(const CSettings& settings) {
     LSIncludeMisc = settings.read("LSIncludeMisc", 1) != 0;
 }
 
+void LiveStatSettings::writeAll(CSettings& settings) const {
+    settings.write("LSRunSec", LSRunSec);
+    settings.write("LSNumPerRun", LSNumPerRun);
+    settings.write("LSAutoStart", LSAutoStart ? 1 : 0);
+    settings.write("LSAutoPerform", LSAutoPerform ? 1 : 0);
+    settings.write("LSIncludeMisc", LSIncludeMisc ? 1 : 0);
+}
+
 } // namespace mirovane

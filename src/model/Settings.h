@@ -102,6 +102,10 @@ struct DisplaySettings {
 bool DisplaySettings::*displayToggle(std::string_view name);
 
 struct LiveStatSettings {
+    /// A slip of the keys, or a settings file edited by hand, must not bring the computer down.
+    static constexpr std::int32_t mostRunSec = 24 * 60 * 60;
+    static constexpr std::int32_t mostNumPerRun = 10'000;
+
     std::int32_t LSRunSec = 3;
     std::int32_t LSNumPerRun = 50;
     bool LSAutoStart = true;
@@ -109,6 +113,7 @@ struct LiveStatSettings {
     bool LSIncludeMisc = true;
 
     void readAll(const CSettings& settings);
+    void writeAll(CSettings& settings) const;
 };
 
 } // namespace mirovane

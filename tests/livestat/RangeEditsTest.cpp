@@ -1,0 +1,78 @@
+#include "livestat/RangeEdits.h"
+
+#include "livestat/AddressRanges.h"
+#include "livestat/PatternCheck.h"
+#include "tests/model/DocumentFixture.h"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace mirovane {
+
+static void PrintTo(const RangeText& range, std::ostream* out) {
+    *out << range.From << ".." << range.To;
+}
+
+namespace {
+
+using Ranges = std::vector<RangeText>;
+
+class RangeEdits : public test::DocumentFixture {
+protected:
+    void SetUp() override { doc.newDatafile(); }
+    void add(const RangeText& range) {
+        const RangeEdit edit{std::nullopt, range};
+        ASSERT_TRUE(applyRangeEdits(doc, std::span(&edit, 1)));
+    }
+    Ranges ranges() const {
+        Ranges found;
+        for (const CHardware* record : discoverRanges(doc))
+            found.push_back({record->Name, record->IPAddress});
+        return found;
+    }
+
+    const RangeText a{"10.0.0.1", "10.0.0.9"}, b{"10.0.1.1", "10.0.1.9"}, c{"10.0.2.1", "10.0.2.9"};
+};
+
+TEST_F(RangeEdits, ChangeDeleteAndAddInOneGo) {
+    add(a);
+    add(b);
+    const RangeText longer{"10.0.0.1", "10.0.0.99"};
+    const std::vector<RangeEdit> edits = {{a, longer}, {std::nullopt, c}, {b, std::nullopt}};
+    EXPECT_TRUE(applyRangeEdits(doc, edits));
+    EXPECT_EQ(ranges(), (Ranges{longer, c}));
+    const std::vector<RangeEdit> none = {{longer, longer}, {c, c}};
+    EXPECT_FALSE(applyRangeEdits(doc, none));
+}
+
+/// Two ranges trade their texts, twins are edited apart: each edit must find its own record.
+TEST_F(RangeEdits, EachEditFindsItsOwnRecord) {
+    add(a);
+    add(b);
+    add(a);
+    const std::vector<RangeEdit> edits = {{a, b}, {b, a}, {a, c}};
+    applyRangeEdits(doc, edits);
+    EXPECT_EQ(ranges(), (Ranges{b, a, c}));
+}
+
+TEST_F(RangeEdits, WhatAnotherStationDidMeanwhileStays) {
+    add(a);
+    add(b); // another station's; the window read only a
+    const std::vector<RangeEdit> edits = {{a, a}, {c, std::nullopt}};
+    EXPECT_FALSE(applyRangeEdits(doc, edits));
+    EXPECT_EQ(ranges(), (Ranges{a, b}));
+    const RangeEdit lost{c, RangeText{"10.0.2.1", "10.0.2.5"}};
+    EXPECT_TRUE(applyRangeEdits(doc, std::span(&lost, 1)));
+    EXPECT_EQ(ranges(), (Ranges{a, b, *lost.after}));
+}
+
+TEST(PatternCheck, TellsAboutThePatternNotAboutTheDevice) {
+    for (const char* good : {"", "$mvN", "^$mvI,", "($mvU)+", R"(\D\S)", "[a-z]{2,3}"})
+        EXPECT_EQ(patternProblem(good), "") << good;
+    EXPECT_NE(patternProblem("ab(").find("(at character 3)"), std::string::npos) << patternProblem("ab(");
+    EXPECT_NE(patternProblem("$mvN["), "");
+    EXPECT_EQ(patternProblem("$mvN[").find("at character"), std::string::npos);
+}
+
+} // namespace
+} // namespace mirovane
