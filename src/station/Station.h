@@ -79,6 +79,7 @@ public:
     const CLiveStatScheduler& liveStat() const { return *liveStat_; }
     const CLiveDiscover& liveDiscover() const { return *liveDiscover_; }
     const CReminderCheck& reminders() const { return *reminders_; }
+    const StepProbes& probes() const { return services_.probes; }
     CMessageLog& log() { return services_.log; }
     CSettings& settings() { return services_.settings; }
 

@@ -85,6 +85,13 @@ void CMirovaneView::watchStation() {
         if (self)
             self->showReminders();
     };
+    station_.onTrack = [self = QPointer<CMirovaneView>(this), before = station_.onTrack](std::int32_t recID) {
+        if (before)
+            before(recID);
+        const CHardware* device = self ? self->document_.findDevice(recID) : nullptr;
+        if (device)
+            self->showDevice(*device);
+    };
 }
 
 void CMirovaneView::showReminders() {
@@ -321,7 +328,8 @@ void CMirovaneView::updateScrollRange() {
 void CMirovaneView::showDevice(const CHardware& device) {
     if (!device.onFloor())
         return;
-    updateScrollRange();
+    if (extentStale_) // it takes a walk over the list, and Live Stat's tracking comes every few milliseconds
+        updateScrollRange();
     const QPoint scroll(horizontalScrollBar()->value(), verticalScrollBar()->value());
     const QPoint at = toScaled(device.Position, floorZoom(document_.display()).ZoomPercent);
     if (const auto wanted = scrollToShow(at, scroll, viewport()->size())) {

@@ -41,7 +41,9 @@ bool CMirovaneView::viewportEvent(QEvent* event) {
     return QAbstractScrollArea::viewportEvent(event);
 }
 
+/// Also the first half of a double-click. Who clicks wants the floor to stay where it is.
 void CMirovaneView::mousePressEvent(QMouseEvent* event) {
+    station_.liveStat().endTracking();
     if (event->button() != Qt::LeftButton) {
         QAbstractScrollArea::mousePressEvent(event);
         return;

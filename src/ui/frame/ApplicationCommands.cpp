@@ -3,7 +3,7 @@
 #include "livestat/Applications.h"
 #include "platform/Terminal.h"
 #include "ui/dialogs/ApplicationsWindow.h"
-#include "ui/frame/FileCommands.h"
+#include "ui/dialogs/SaveFailure.h"
 
 namespace mirovane {
 
@@ -32,10 +32,7 @@ void CApplicationCommands::showWindow() {
     if (!window_) {
         window_ = new CApplicationsWindow(
             parts_.station,
-            [&dialogs = parts_.dialogs](const FileError& error) {
-                dialogs.fail("The datafile could not be saved.\n\n" + error.sentence + "\n\n" +
-                             remedy(error));
-            },
+            [&dialogs = parts_.dialogs](const FileError& error) { dialogs.fail(saveFailureText(error)); },
             &parts_.window);
     }
     window_->present();

@@ -1,6 +1,7 @@
 #include "ui/frame/FileCommands.h"
 
 #include "model/Text.h"
+#include "ui/dialogs/SaveFailure.h"
 #include "ui/frame/WaitCursor.h"
 
 #include <algorithm>
@@ -44,30 +45,6 @@ std::string openRemedy(const Datafile::Error& error) {
 std::string windowTitle(const std::string& documentPath) {
     const std::string name = documentPath.empty() ? "Untitled" : fs::path(documentPath).filename().string();
     return displayText(name) + " - Mirovane";
-}
-
-std::string remedy(const FileError& error) {
-    switch (error.kind) {
-    case FileError::Kind::NotFound:
-        return "The folder is gone or the network share is not connected. Bring it back, or save elsewhere "
-               "with "
-               "File, Save As.";
-    case FileError::Kind::Denied:
-        return "You may not write there. Save elsewhere with File, Save As, or have the file's permissions "
-               "changed.";
-    case FileError::Kind::Locked:
-        return "Another station is reading or writing it. Try again in a moment.";
-    case FileError::Kind::NoSpace:
-        return "Make room on the disk and try again, or save elsewhere with File, Save As.";
-    case FileError::Kind::Changed:
-        return "Your changes are kept here, and saved as soon as what another station saved there can be "
-               "read. Save a copy elsewhere with File, Save As, before you leave.";
-    case FileError::Kind::TooLarge:
-        return "Remove devices, or divide the floor into two datafiles.";
-    case FileError::Kind::Other:
-        break;
-    }
-    return "Try again, or save elsewhere with File, Save As.";
 }
 
 std::string withDatafileExtension(const std::string& path) {
@@ -214,7 +191,7 @@ bool CFileCommands::mayLose(const FileError& error) {
 }
 
 void CFileCommands::showSaveError(const FileError& error) {
-    dialogs_.fail("The datafile could not be saved.\n\n" + error.sentence + "\n\n" + remedy(error));
+    dialogs_.fail(saveFailureText(error));
 }
 
 } // namespace mirovane

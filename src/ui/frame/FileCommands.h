@@ -52,9 +52,6 @@ private:
 /// "plan.mv - Mirovane"; "Untitled - Mirovane" for a document without a file.
 std::string windowTitle(const std::string& documentPath);
 
-/// What the user can do about it; ends with a full stop.
-std::string remedy(const FileError& error);
-
 /// The path with ".mv" at its end.
 std::string withDatafileExtension(const std::string& path);
 

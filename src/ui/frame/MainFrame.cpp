@@ -54,7 +54,7 @@ CMainFrame::CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& r
                      [this] {
                          floor_->viewport()->update();
                      }}),
-      toolsCommands_(station, dialogs, [this] { floor_->reloadFloorMap(); }),
+      toolsCommands_(station, dialogs, {[this] { floor_->reloadFloorMap(); }, this}),
       applicationCommands_({station, dialogs, launcher, *this}) {
     setObjectName(QStringLiteral("mainFrame"));
     setWindowIcon(programIcon());
@@ -78,6 +78,7 @@ void CMainFrame::refresh() {
 
 void CMainFrame::saveForSession(const std::string& rescuePath) {
     applicationCommands_.storeTyping();
+    toolsCommands_.storeTyping();
     const CMirovaneDoc& document = station_.document();
     if (!document.modified())
         return;
@@ -90,6 +91,7 @@ void CMainFrame::saveForSession(const std::string& rescuePath) {
 std::optional<FileError> CMainFrame::endSession() {
     sessionEnded_ = true;
     applicationCommands_.storeTyping();
+    toolsCommands_.storeTyping();
     const auto error = station_.shutDown();
     close();
     return error;
@@ -97,6 +99,7 @@ std::optional<FileError> CMainFrame::endSession() {
 
 void CMainFrame::closeEvent(QCloseEvent* event) {
     applicationCommands_.storeTyping();
+    toolsCommands_.storeTyping();
     if (!sessionEnded_ && !files_.close()) {
         event->ignore();
         return;

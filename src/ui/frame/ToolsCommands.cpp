@@ -1,8 +1,10 @@
 #include "ui/frame/ToolsCommands.h"
 
 #include "model/Text.h"
+#include "ui/dialogs/CriteriaWindow.h"
+#include "ui/dialogs/LiveStatOptionsWindow.h"
+#include "ui/dialogs/SaveFailure.h"
 #include "ui/floor/FloorMap.h"
-#include "ui/frame/FileCommands.h"
 
 #include <QFile>
 
@@ -20,8 +22,8 @@ std::string shownMapPath(const CMirovaneDoc& document) {
 
 } // namespace
 
-CToolsCommands::CToolsCommands(CStation& station, FrameDialogs& dialogs, std::function<void()> onFloorMap)
-    : station_(station), dialogs_(dialogs), onFloorMap_(std::move(onFloorMap)) {}
+CToolsCommands::CToolsCommands(CStation& station, FrameDialogs& dialogs, Parts parts)
+    : station_(station), dialogs_(dialogs), parts_(std::move(parts)) {}
 
 void CToolsCommands::connectTo(CCommandActions& actions) {
     actions.setHandler(CommandId::ToolsFloorMap,
@@ -38,6 +40,26 @@ void CToolsCommands::connectTo(CCommandActions& actions) {
                         }});
     actions.setHandler(CommandId::ToolsLiveStatNow,
                        {[this](const CommandDefinition&, bool) { station_.liveStatNow(); }, {}});
+    actions.setHandler(CommandId::ToolsLiveStatOptions,
+                       {[this](const CommandDefinition&, bool) { openLiveStatOptions(); }, {}});
+    actions.setHandler(CommandId::ToolsTrackLiveStat,
+                       {[this](const CommandDefinition&, bool) { station_.liveStat().toggleTracking(); },
+                        [this](const CommandDefinition&) {
+                            return station_.liveStat().tracking();
+                        }});
+}
+
+void CToolsCommands::openLiveStatOptions() {
+    options_ = new CLiveStatOptionsWindow(station_, dialogs_, parts_.window);
+    options_->setAttribute(Qt::WA_DeleteOnClose);
+    options_->open();
+}
+
+void CToolsCommands::storeTyping() {
+    if (!options_)
+        return;
+    for (CCriteriaWindow* criteria : options_->findChildren<CCriteriaWindow*>())
+        criteria->storeTyping();
 }
 
 void CToolsCommands::chooseFloorMap() {
@@ -49,9 +71,9 @@ void CToolsCommands::chooseFloorMap() {
     if (!path)
         return;
     document.setFloorMapPath(*path);
-    onFloorMap_();
+    parts_.onFloorMap();
     if (const auto error = station_.saveDatafile())
-        dialogs_.fail("The datafile could not be saved.\n\n" + error->sentence + "\n\n" + remedy(*error));
+        dialogs_.fail(saveFailureText(*error));
 }
 
 } // namespace mirovane

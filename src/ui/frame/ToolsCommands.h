@@ -3,24 +3,41 @@
 #include "ui/frame/CommandActions.h"
 #include "ui/frame/FrameDialogs.h"
 
+#include <QPointer>
+#include <QWidget>
+
 #include <functional>
 
 namespace mirovane {
 
+class CLiveStatOptionsWindow;
+
 /// The Tools menu: the floor map's picture, Live Stat and Live Discover.
 class CToolsCommands {
 public:
-    /// All references outlive the object. `onFloorMap` is called when another picture was chosen.
-    CToolsCommands(CStation& station, FrameDialogs& dialogs, std::function<void()> onFloorMap);
+    struct Parts {
+        std::function<void()> onFloorMap; ///< another picture was chosen
+        QWidget* window;                  ///< in front of which windows open
+    };
+
+    /// All references outlive the object.
+    CToolsCommands(CStation& station, FrameDialogs& dialogs, Parts parts);
 
     void connectTo(CCommandActions& actions);
 
     void chooseFloorMap();
 
+    /// Shows the options window, which goes on by itself.
+    void openLiveStatOptions();
+
+    /// The session ends or the datafile is saved: a rule that is being typed counts.
+    void storeTyping();
+
 private:
     CStation& station_;
     FrameDialogs& dialogs_;
-    std::function<void()> onFloorMap_;
+    Parts parts_;
+    QPointer<CLiveStatOptionsWindow> options_;
 };
 
 } // namespace mirovane

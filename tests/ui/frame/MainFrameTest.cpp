@@ -5,9 +5,13 @@
 #include "ui/frame/MessageLogWindow.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QEventLoop>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenuBar>
+#include <QPushButton>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QTest>
 #include <QTimer>
@@ -210,6 +214,42 @@ TEST_F(MainFrame, liveDiscoverNeedsARangeAndItsPaneCountsWhatItFound) {
     EXPECT_FALSE(action("toolsLiveDiscover")->isChecked());
     frame->refresh();
     EXPECT_EQ(pane("paneLiveDiscover"), QString());
+}
+
+TEST_F(MainFrame, trackingNeedsLiveStatFollowsItAndEndsWithAClick) {
+    document().addDevice(DeviceType::Computer, [](CHardware& device) { device.Position = {4000, 3000}; });
+    QAction* track = action("toolsTrackLiveStat");
+    track->trigger();
+    EXPECT_EQ(dialogs.failures, std::vector<std::string>{"Live stat must be enabled first."});
+    EXPECT_FALSE(track->isChecked());
+    station->toggleLiveStat();
+    track->trigger();
+    EXPECT_TRUE(track->isChecked());
+    EXPECT_TRUE(logged("Track Live stat Enabled"));
+    timers.advance(std::chrono::seconds(10));
+    EXPECT_GT(floor->horizontalScrollBar()->value(), 0);
+    EXPECT_GT(floor->verticalScrollBar()->value(), 0);
+    QTest::mouseClick(floor->viewport(), Qt::LeftButton, {}, QPoint(5, 5));
+    frame->refresh();
+    EXPECT_FALSE(track->isChecked());
+    EXPECT_TRUE(logged("Track Live stat Disabled"));
+    track->trigger();
+    station->toggleLiveStat();
+    frame->refresh();
+    EXPECT_FALSE(track->isChecked()) << "nothing is left to follow";
+}
+
+TEST_F(MainFrame, theOptionsOpenInFrontAndTypedRulesSurviveTheSession) {
+    action("toolsLiveStatOptions")->trigger();
+    auto* options = frame->findChild<QDialog*>(QStringLiteral("liveStatOptions"));
+    ASSERT_NE(options, nullptr);
+    EXPECT_TRUE(options->isVisible() && options->isModal());
+    options->findChild<QPushButton*>(QStringLiteral("criteria"))->click();
+    auto* argument = options->findChild<QLineEdit*>(QStringLiteral("row0Argument"));
+    ASSERT_NE(argument, nullptr);
+    argument->setText(QStringLiteral("typed"));
+    frame->saveForSession(inFolder("rescued.mv"));
+    EXPECT_EQ(document().criteria(DeviceType::Computer, 0)->IPAddress, "typed");
 }
 
 TEST_F(MainFrame, liveStatNowIsOfferedWhileSomethingIsSelected) {

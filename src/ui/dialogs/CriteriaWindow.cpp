@@ -1,0 +1,329 @@
+#include "ui/dialogs/CriteriaWindow.h"
+
+#include "model/ActionCatalogue.h"
+#include "ui/dialogs/DeviceTypeList.h"
+#include "ui/dialogs/DialogText.h"
+#include "ui/dialogs/FaultColours.h"
+#include "ui/dialogs/RowTrialWindow.h"
+#include "ui/dialogs/SaveFailure.h"
+
+#include <QAbstractItemView>
+#include <QFrame>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+namespace mirovane {
+
+namespace {
+
+/// Lines of the grid.
+enum Line {
+    SyntaxLine,
+    HeaderLine,
+    TestLine,
+    RuleHeaderLine,
+    RuleLine,
+    ExampleRule = RuleLine + 11,
+    ExampleLine
+};
+
+constexpr QSize wantedSize(1180, 700);
+
+QLabel* header(const QString& text, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignBottom);
+    return label;
+}
+
+QFrame* separator(QWidget* parent) {
+    auto* line = new QFrame(parent);
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    return line;
+}
+
+QLabel* helpLine(const char* text, QWidget* parent) {
+    auto* label = new QLabel(QLatin1String(text), parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+} // namespace
+
+CCriteriaWindow::CCriteriaWindow(CStation& station, StationDialogs& dialogs, QWidget* parent)
+    : QDialog(parent),
+      station_(station),
+      dialogs_(dialogs),
+      document_(station.document()),
+      device_(new QComboBox(this)),
+      type_(DeviceType::Computer),
+      datafile_(document_.path()) {
+    setObjectName(QStringLiteral("criteriaWindow"));
+    setWindowTitle(tr("Live Stat Information Retrieval Criteria"));
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(makeDeviceLine());
+    layout->addWidget(makeTable(), 1);
+    layout->addWidget(helpLine("To substitute environment field variables, use the following (note: not case "
+                               "sensitive):",
+                               this));
+    layout->addWidget(
+        helpLine("$mvN = Name; $mvI = IP Address; $mvU = Username; $mvM = MAC Addr; $mvJ = Jack; "
+                 "$mvC = Comment; $mv/ = / Text; $mv\\ = \\ Text; $mv- = - Text; $mv| = | Text; "
+                 "$mvT = Todo",
+                 this));
+    layout->addLayout(makeButtons());
+    showRows();
+    fitToScreen();
+    document_.addObserver(*this);
+}
+
+CCriteriaWindow::~CCriteriaWindow() {
+    document_.removeObserver(*this);
+}
+
+QLayout* CCriteriaWindow::makeDeviceLine() {
+    auto* line = new QHBoxLayout;
+    auto* label = new QLabel(tr("&Device:"), this);
+    label->setBuddy(device_);
+    device_->setObjectName(QStringLiteral("device"));
+    device_->setAccessibleName(tr("Device"));
+    for (const std::string& entry : deviceTypeEntries())
+        device_->addItem(qText(entry));
+    device_->setCurrentIndex(type_ - DeviceType::first);
+    device_->setMaxVisibleItems(device_->count());
+    device_->view()->setTextElideMode(Qt::ElideNone);
+    device_->setFixedWidth(device_->fontMetrics().horizontalAdvance(u'M') * 16);
+    connect(device_, &QComboBox::currentIndexChanged, this, &CCriteriaWindow::typePicked);
+    line->addWidget(label);
+    line->addWidget(device_);
+    line->addStretch(1);
+    return line;
+}
+
+/// In a scroll area: a small screen must not hide the last rows.
+QWidget* CCriteriaWindow::makeTable() {
+    auto* area = new QScrollArea(this);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    auto* table = new QWidget(area);
+    auto* grid = new QGridLayout(table);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(6);
+    grid->setVerticalSpacing(6);
+    grid->setColumnStretch(CriteriaGrid::Argument, 5);
+    grid->setColumnStretch(CriteriaGrid::SearchFor, 4);
+    makeHeaders(*grid);
+    makeRows(*grid);
+    grid->addWidget(separator(table), ExampleRule, 0, 1, CriteriaGrid::Count);
+    examples_ = new CriteriaExamples(*grid, ExampleLine, *table);
+    grid->setRowStretch(ExampleLine + CriteriaExamples::lineCount, 1);
+    area->setWidget(table);
+    return area;
+}
+
+void CCriteriaWindow::makeHeaders(QGridLayout& grid) {
+    QWidget* table = grid.parentWidget();
+    syntax_ = header(QString(), table);
+    syntax_->setObjectName(QStringLiteral("argumentSyntax"));
+    syntax_->setWordWrap(false);
+    syntax_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    syntax_->setMinimumHeight(syntax_->fontMetrics().height());
+    grid.addWidget(syntax_, SyntaxLine, CriteriaGrid::Argument, 1, 3);
+    const std::pair<CriteriaGrid::Column, QString> headers[] = {
+        {CriteriaGrid::Command, tr("Command")},
+        {CriteriaGrid::Argument, tr("Argument")},
+        {CriteriaGrid::Delimiter, tr("Delimiter")},
+        {CriteriaGrid::FieldPos, tr("Field Pos")},
+        {CriteriaGrid::SearchFor, tr("Search for (not case sensitive - use Perl 5 reglr expr syntax)")},
+        {CriteriaGrid::Condition, tr("Returns Match =")}};
+    for (const auto& [column, text] : headers)
+        grid.addWidget(header(text, table), HeaderLine, column);
+    auto* condition = header(tr("execute command if"), table);
+    condition->setWordWrap(false);
+    grid.addWidget(condition, RuleHeaderLine, CriteriaGrid::Condition);
+}
+
+void CCriteriaWindow::makeRows(QGridLayout& grid) {
+    for (int row = 0; row < criteriaRowCount; ++row) {
+        const int line = row == 0 ? static_cast<int>(TestLine) : RuleLine + row - 1;
+        auto* inputs = new CriteriaRowInputs(row, grid, line, *grid.parentWidget());
+        rows_[static_cast<std::size_t>(row)] = inputs;
+        connect(inputs, &CriteriaRowInputs::entered, this, &CCriteriaWindow::enterRow);
+        connect(inputs, &CriteriaRowInputs::actionPicked, this, &CCriteriaWindow::chooseAction);
+        connect(inputs, &CriteriaRowInputs::valueChanged, this, &CCriteriaWindow::store);
+        connect(inputs, &CriteriaRowInputs::problemChanged, this, &CCriteriaWindow::showNotice);
+    }
+}
+
+QLayout* CCriteriaWindow::makeButtons() {
+    auto* line = new QHBoxLayout;
+    auto* test = new QPushButton(tr("&Test..."), this);
+    auto* resetButton = new QPushButton(tr("&Reset"), this);
+    auto* close = new QPushButton(tr("&Close"), this);
+    test->setObjectName(QStringLiteral("test"));
+    test->setToolTip(tr("Try the current row on a device, without writing anything"));
+    resetButton->setObjectName(QStringLiteral("reset"));
+    resetButton->setToolTip(tr("Give every device type its default criteria"));
+    close->setObjectName(QStringLiteral("close"));
+    for (QPushButton* button : {test, resetButton, close})
+        button->setAutoDefault(false); // Return belongs to the text boxes
+    notice_ = new QLabel(this);
+    notice_->setObjectName(QStringLiteral("notice"));
+    notice_->setTextFormat(Qt::PlainText);
+    notice_->setMinimumWidth(1);
+    notice_->setMargin(4);
+    connect(test, &QPushButton::clicked, this, &CCriteriaWindow::openTrial);
+    connect(resetButton, &QPushButton::clicked, this, &CCriteriaWindow::reset);
+    connect(close, &QPushButton::clicked, this, &QDialog::accept);
+    line->addWidget(notice_, 1);
+    line->addWidget(test);
+    line->addWidget(resetButton);
+    line->addWidget(close);
+    return line;
+}
+
+void CCriteriaWindow::fitToScreen() {
+    const QScreen* where = parentWidget() ? parentWidget()->screen() : screen();
+    const QSize room = where->availableGeometry().size() - QSize(20, 60);
+    resize(wantedSize.expandedTo(sizeHint()).boundedTo(room));
+}
+
+// ---- showing
+
+void CCriteriaWindow::typePicked() {
+    storeTyping(); // what is being typed belongs to the type that was shown
+    type_ = typeOfEntry(storedText(device_->currentText()));
+    showRows();
+    enterRow(currentRow_);
+}
+
+void CCriteriaWindow::showRows() {
+    for (int row = 0; row < criteriaRowCount; ++row)
+        showRow(row);
+    showNotice();
+}
+
+void CCriteriaWindow::showRow(int row) {
+    const CHardware* record = document_.criteria(type_, row);
+    CHardware missing; // an old or damaged file; the first edit makes the record
+    missing.Type = criteriaRecordType(type_, row);
+    applyCriteriaDefaults(missing);
+    rows_[static_cast<std::size_t>(row)]->show(criteriaFromRecord(record ? *record : missing), type_);
+}
+
+void CCriteriaWindow::showNotice() {
+    QString problem;
+    for (const CriteriaRowInputs* row : rows_) {
+        if (row && problem.isEmpty())
+            problem = row->problem();
+    }
+    showFaultText(*notice_, problem);
+}
+
+void CCriteriaWindow::enterRow(int row) {
+    rows_[static_cast<std::size_t>(currentRow_)]->setCurrent(false);
+    currentRow_ = row;
+    CriteriaRowInputs& inputs = *rows_[static_cast<std::size_t>(row)];
+    inputs.setCurrent(true);
+    showAction(actionEntry(inputs.action()));
+}
+
+void CCriteriaWindow::showAction(const ActionEntry& action) {
+    syntax_->setText(qText(action.argumentSyntax));
+    examples_->show(action);
+}
+
+void CCriteriaWindow::recordAdded(const CHardware& record) {
+    if (isCriteriaRecordType(record.Type))
+        scheduleShow();
+}
+
+void CCriteriaWindow::recordChanged(const CHardware&, const CHardware& after) {
+    if (isCriteriaRecordType(after.Type))
+        scheduleShow();
+}
+
+/// Read again after another station's save, or another datafile. What is being typed was not meant for that.
+void CCriteriaWindow::documentReplaced() {
+    if (document_.path() != datafile_) {
+        for (CriteriaRowInputs* row : rows_)
+            row->revert();
+        datafile_ = document_.path();
+    }
+    scheduleShow();
+}
+
+/// Not at once: an input that is switched off loses the focus and stores its text, which must not happen
+/// while the document still tells others what changed.
+void CCriteriaWindow::scheduleShow() {
+    if (showPending_)
+        return;
+    showPending_ = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            showPending_ = false;
+            showRows();
+        },
+        Qt::QueuedConnection);
+}
+
+// ---- storing
+
+void CCriteriaWindow::chooseAction(int row, const QString& action) {
+    mirovane::chooseAction(document_, type_, row, storedText(action));
+    edited();
+    showRow(row);
+    enterRow(row);
+}
+
+void CCriteriaWindow::store(int row, CriteriaColumn column, const QString& value) {
+    document_.setCriteria(type_, row, static_cast<int>(column), storedText(value));
+    edited();
+    showRow(row);
+}
+
+/// An hour of rules must not wait in memory for the window to close.
+void CCriteriaWindow::edited() {
+    edited_ = true;
+    document_.setPendingChanges(true);
+}
+
+void CCriteriaWindow::reset() {
+    if (!dialogs_.ask("Are you sure you want to reset all the Devices' Criteria settings?"))
+        return;
+    document_.resetCriteria();
+    edited();
+    showRows();
+    enterRow(currentRow_);
+}
+
+void CCriteriaWindow::openTrial() {
+    storeTyping(); // Alt+T does not leave the text box
+    auto* trial = new CRowTrialWindow(station_, type_, currentRow_, this);
+    trial->setAttribute(Qt::WA_DeleteOnClose);
+    trial->open();
+}
+
+void CCriteriaWindow::storeTyping() {
+    for (CriteriaRowInputs* row : rows_)
+        row->commit();
+}
+
+void CCriteriaWindow::done(int result) {
+    storeTyping();
+    if (edited_) {
+        edited_ = false;
+        if (const auto error = station_.saveDatafile())
+            dialogs_.fail(saveFailureText(*error));
+    }
+    QDialog::done(result);
+}
+
+} // namespace mirovane

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "station/Station.h"
+#include "ui/dialogs/CriteriaExamples.h"
+#include "ui/dialogs/CriteriaRowInputs.h"
+
+#include <QComboBox>
+#include <QDialog>
+
+#include <array>
+#include <cstdint>
+
+namespace mirovane {
+
+/// "Live Stat Information Retrieval Criteria": what Live Stat does with the devices of each type. There is no
+/// OK: every change is in the document the moment it is made, and in the datafile within seconds (the
+/// periodic save) or when the window closes. Other stations' changes appear while the window is open; text
+/// that is being typed stays. Main thread; station and dialogs outlive it.
+class CCriteriaWindow : public QDialog, private DocumentObserver {
+    Q_OBJECT
+
+public:
+    CCriteriaWindow(CStation& station, StationDialogs& dialogs, QWidget* parent = nullptr);
+    ~CCriteriaWindow() override;
+
+    std::int32_t deviceType() const { return type_; }
+
+    /// Whatever is being typed counts now.
+    void storeTyping();
+
+    /// Whatever is still being typed is stored, and the datafile is saved when anything changed.
+    void done(int result) override;
+
+private:
+    // DocumentObserver
+    void recordAdded(const CHardware& record) override;
+    void recordChanged(const CHardware& before, const CHardware& after) override;
+    void documentReplaced() override;
+
+    QWidget* makeTable();
+    void makeHeaders(QGridLayout& grid);
+    void makeRows(QGridLayout& grid);
+    QLayout* makeDeviceLine();
+    QLayout* makeButtons();
+    void fitToScreen();
+
+    void typePicked();
+    void showRows();
+    void showRow(int row);
+    void scheduleShow();
+    void showNotice();
+    void enterRow(int row);
+    void showAction(const ActionEntry& action);
+
+    void chooseAction(int row, const QString& action);
+    void store(int row, CriteriaColumn column, const QString& value);
+    void edited();
+    void reset();
+    void openTrial();
+
+    CStation& station_;
+    StationDialogs& dialogs_;
+    CMirovaneDoc& document_;
+    QComboBox* device_;
+    QLabel* syntax_ = nullptr;
+    QLabel* notice_ = nullptr;
+    std::array<CriteriaRowInputs*, criteriaRowCount> rows_ = {};
+    CriteriaExamples* examples_ = nullptr;
+    std::int32_t type_; ///< shown
+    int currentRow_ = 0;
+    std::string datafile_; ///< whose criteria are shown
+    bool edited_ = false;  ///< since the window opened
+    bool showPending_ = false;
+};
+
+} // namespace mirovane

@@ -1,0 +1,48 @@
+#include "ui/dialogs/LeaveBox.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+
+namespace mirovane {
+
+void LeaveBox::setStored(const QString& text) {
+    const bool keep = typing();
+    stored_ = text;
+    if (!keep && this->text() != text) {
+        setText(text);
+        setCursorPosition(0);
+    }
+}
+
+void LeaveBox::commit() {
+    if (!typing())
+        return;
+    stored_ = text();
+    Q_EMIT leftChanged(stored_);
+}
+
+void LeaveBox::focusInEvent(QFocusEvent* event) {
+    QLineEdit::focusInEvent(event);
+    Q_EMIT entered();
+}
+
+/// The box's own context menu takes the focus, too, and gives it back.
+void LeaveBox::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    if (event->reason() != Qt::PopupFocusReason)
+        commit();
+}
+
+void LeaveBox::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        commit();
+        event->accept(); // not for the window's buttons
+    } else if (event->key() == Qt::Key_Escape && typing()) {
+        revert();
+        event->accept();
+    } else {
+        QLineEdit::keyPressEvent(event);
+    }
+}
+
+} // namespace mirovane
