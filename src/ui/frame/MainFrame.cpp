@@ -146,8 +146,13 @@ void CMainFrame::showOnFloor(std::int32_t recID) {
 }
 
 void CMainFrame::showDiscoverNow() {
-    if (!discoverNow_)
+    if (!discoverNow_) {
         discoverNow_ = new CDiscoverNowWindow(station_, dialogs_, this);
+        connect(discoverNow_, &CDiscoverNowWindow::rangesWanted, this, [this] {
+            if (QAction* options = actions_->action("toolsLiveStatOptions"))
+                options->trigger();
+        });
+    }
     discoverNow_->present();
 }
 
