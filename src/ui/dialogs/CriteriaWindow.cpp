@@ -110,6 +110,7 @@ QLayout* CCriteriaWindow::makeDeviceLine() {
 QWidget* CCriteriaWindow::makeTable() {
     auto* area = new QScrollArea(this);
     area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus); // it would be a stop of the Tab key where nothing can be done
     area->setWidgetResizable(true);
     auto* table = new QWidget(area);
     auto* grid = new QGridLayout(table);

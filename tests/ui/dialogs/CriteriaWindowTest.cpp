@@ -90,6 +90,8 @@ TEST_F(CriteriaWindow, OpensOnComputerAndShowsWhatIsStored) {
     EXPECT_EQ(enabled(1), "C-----");
     EXPECT_EQ(enabled(3), "C----C");
     EXPECT_EQ(text("argumentSyntax"), QString()) << "nothing was chosen yet";
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_TRUE(list(0, "Command")->hasFocus()) << "the first stop after the device list";
 }
 
 TEST_F(CriteriaWindow, ABoxStoresWhenItIsLeft) {
