@@ -180,6 +180,8 @@ void CStation::afterReadAgain() {
     unreadable_ = false;
     liveStat_->afterReload();
     liveDiscover_->afterReload();
+    if (discoverNow_)
+        discoverNow_->afterReload();
     redraw();
     reloading_ = false;
 }

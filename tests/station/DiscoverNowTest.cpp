@@ -152,21 +152,32 @@ TEST_F(DiscoverNowTest, endsWhenAnotherStationTakesOverAndTheUserGivesIn) {
     ASSERT_EQ(now().start(3), std::nullopt);
     findHosts(1);
     pass(3000);
-    Site other(clock, timers, {"OTHER", "o"}, false);
-    ASSERT_FALSE(other.station->openDatafile(path));
-    other.doc().edit(*other.doc().findSpecial(SpecialType::LiveDiscoverOwnerRecord), [](CHardware& owner) {
-        owner.State = 1;
-        owner.Name = "OTHER";
-        owner.Username = "o";
-    });
-    ASSERT_FALSE(other.station->saveDatafile());
+    ASSERT_FALSE(b.station->openDatafile(path));
+    claimForOther();
     ASSERT_TRUE(now().running());
     sweeper.dialogs.answer = false;
     pass(3000);
     finishSweep();
-    EXPECT_THAT(sweeper.dialogs.questions, ElementsAre(HasSubstr("Live Discover is enabled by OTHER\\o.")));
+    EXPECT_THAT(sweeper.dialogs.questions,
+                ElementsAre(HasSubstr("Live Discover is enabled by B-HOST\\b-user.")));
     EXPECT_THAT(onDisk(), Contains(Pair("127.0.0.9", testing::_)));
     EXPECT_TRUE(FeatureOwner::isElsewhere(doc(), Feature::LiveDiscover)) << "it is that one's";
+}
+
+TEST_F(DiscoverNowTest, aSaveThatBringsTheOtherOwnerAlongAsksToo) {
+    ASSERT_EQ(now().start(3), std::nullopt);
+    findHosts(1);
+    pass(3000);
+    ASSERT_FALSE(b.station->openDatafile(path));
+    claimForOther();
+    sweeper.dialogs.answer = false;
+    rename(sweeper, 1, "renamed here");
+    ASSERT_FALSE(sweeper.station->saveDatafile());
+    EXPECT_FALSE(now().running());
+    EXPECT_THAT(sweeper.dialogs.questions, SizeIs(1));
+    EXPECT_TRUE(now().result().value().takenOver);
+    EXPECT_THAT(onDisk(), Contains(Pair("127.0.0.9", testing::_)));
+    EXPECT_TRUE(FeatureOwner::isElsewhere(doc(), Feature::LiveDiscover));
 }
 
 TEST_F(DiscoverNowTest, goesOnWhileTheDocumentIsReplaced) {
