@@ -1,6 +1,7 @@
 #include "cli/StationRun.h"
 
 #include "cli/Datafiles.h"
+#include "livestat/FeatureOwner.h"
 
 #include <QCoreApplication>
 
@@ -17,14 +18,25 @@ constexpr std::chrono::milliseconds pollPeriod{200};
 } // namespace
 
 bool HeadlessDialogs::ask(const std::string& question) {
-    if (takeOver_)
-        return true;
     // A question begins with what it is about.
     const bool aboutDiscover = question.starts_with("Live Discover");
+    const bool taken = runsHere(aboutDiscover);
+    if (!taken && (takeOver_ || (!aboutDiscover && ownerIsSilent())))
+        return true;
     (aboutDiscover ? refusedDiscover_ : refusedLiveStat_) = true;
-    out_.diagnose(aboutDiscover ? "Live Discover is not run here" : "Live Stat is not run here",
-                  "answered No to \"" + question + "\" (--take-over answers Yes)");
+    out_.diagnose(std::string(aboutDiscover ? "Live Discover" : "Live Stat") +
+                      (taken ? " is left to another station" : " is not run here"),
+                  "answered No to \"" + question + "\"" + (taken ? "" : " (--take-over answers Yes)"));
     return false;
+}
+
+bool HeadlessDialogs::runsHere(bool discover) const {
+    return station_ && (discover ? station_->liveDiscover().enabled() : station_->liveStat().enabled());
+}
+
+bool HeadlessDialogs::ownerIsSilent() const {
+    return station_ &&
+           LiveStatHeartbeat::silentHours(station_->document()) >= LiveStatHeartbeat::takeOverHours;
 }
 
 StationRun::StationRun(Output& out, CStation& station, HeadlessDialogs& dialogs, StationRequest request)
@@ -33,6 +45,7 @@ StationRun::StationRun(Output& out, CStation& station, HeadlessDialogs& dialogs,
       dialogs_(dialogs),
       request_(std::move(request)),
       stateLines_(station.document()) {
+    dialogs_.answerFor(station_);
     QObject::connect(&poll_, &QTimer::timeout, this, [this] { poll(); });
     limit_.setSingleShot(true);
     QObject::connect(&limit_, &QTimer::timeout, this, [this] { finish(); });

@@ -26,10 +26,15 @@ struct StationRequest {
     std::optional<std::int32_t> seconds; ///< end after so long
 };
 
-/// Answers the station's questions when nobody sits there.
+/// Answers the station's questions when nobody sits there: No, but for an owner of Live Stat that has fallen
+/// silent, or where it was told to take over. What it runs itself it always leaves to the station that takes
+/// it: somebody there said Yes, and two that both insist would take it from each other every few seconds.
 class HeadlessDialogs final : public StationDialogs {
 public:
     HeadlessDialogs(Output& out, bool takeOver) : out_(out), takeOver_(takeOver) {}
+
+    /// Whose questions these are. It outlives this object's last answer.
+    void answerFor(const CStation& station) { station_ = &station; }
 
     bool ask(const std::string& question) override;
     void fail(const std::string& text) override { out_.diagnose(text); }
@@ -40,8 +45,12 @@ public:
     bool refused() const { return refusedLiveStat_ || refusedDiscover_; }
 
 private:
+    bool runsHere(bool discover) const;
+    bool ownerIsSilent() const;
+
     Output& out_;
     bool takeOver_;
+    const CStation* station_ = nullptr;
     bool refusedLiveStat_ = false;
     bool refusedDiscover_ = false;
 };

@@ -163,9 +163,11 @@ void CStation::keepOwnerAlive() {
     const std::int64_t silent = LiveStatHeartbeat::silentHours(*doc_);
     if (silent >= LiveStatHeartbeat::takeOverHours && !liveStat_->enabled() && doc_->deviceCount() > 0 &&
         wantsLiveStat()) {
+        liveStat_->toggle(); // first: who answers its question may look how long the owner has been silent
+        if (liveStat_->enabled())
+            return;
         LiveStatHeartbeat::signOfLife(*doc_);
         doc_->setPendingChanges(true);
-        liveStat_->toggle();
     } else if ((silent >= heartbeatHours || silent < 0) && liveStat_->enabled()) {
         LiveStatHeartbeat::signOfLife(*doc_);
         doc_->setPendingChanges(true);

@@ -46,14 +46,16 @@ protected:
         return {};
     }
 
-    /// Another station says that it runs Live Stat.
-    void claimForOther() const {
+    /// Another station says that it runs Live Stat, and has been silent for so long.
+    void claimForOther(std::chrono::hours silent = std::chrono::hours(0)) const {
         auto content = std::move(Datafile::decode(readBytes(file_)).value());
         for (const auto& record : content.records) {
             if (record->Type == SpecialType::LiveStatOwnerRecord) {
                 record->State = 1;
                 record->Name = "OTHER-HOST";
                 record->Username = "somebody";
+                record->Modified = static_cast<TimeStamp>(
+                    std::chrono::system_clock::to_time_t(std::chrono::system_clock::now() - silent));
             }
         }
         writeBytes(file_, Datafile::encode(content.records));
@@ -140,6 +142,28 @@ TEST_F(StationCommand, leavesAnotherStationsLiveStatAlone) {
     taking.signal(SIGTERM);
     EXPECT_EQ(taking.finish().status, 0);
     EXPECT_EQ(owner().State, 0);
+}
+
+TEST_F(StationCommand, replacesAnOwnerThatFellSilent) {
+    claimForOther(std::chrono::hours(4));
+    CliProcess process(station({"--live-stat", "--run-sec", "1"}));
+    ASSERT_TRUE(process.waitForOutput("Saved changes to data file"));
+    EXPECT_NE(owner().Name, "OTHER-HOST");
+    process.signal(SIGTERM);
+    EXPECT_EQ(process.finish().status, 0);
+}
+
+/// Two that both insisted would save, and make everybody reload, every three seconds.
+TEST_F(StationCommand, leavesLiveStatToWhoTakesItLater) {
+    CliProcess process(station({"--live-stat", "--take-over", "--run-sec", "1"}));
+    ASSERT_TRUE(process.waitForOutput("Saved changes to data file"));
+    claimForOther();
+    ASSERT_TRUE(process.waitForOutput("Live Stat disabled"));
+    process.signal(SIGTERM);
+    const CliResult result = process.finish();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.err, HasSubstr("Live Stat is left to another station"));
+    EXPECT_EQ(owner().Name, "OTHER-HOST");
 }
 
 TEST_F(StationCommand, releasesLiveStatWhenNobodyReadsAnyMore) {

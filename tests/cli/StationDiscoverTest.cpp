@@ -68,6 +68,8 @@ TEST_F(StationDiscover, takesBothOverOrNeither) {
             record->State = 1;
             record->Name = "OTHER-HOST";
             record->Username = "somebody";
+            record->Modified = static_cast<TimeStamp>(
+                std::chrono::system_clock::to_time_t(std::chrono::system_clock::now()));
         }
     }
     writeBytes(file_, Datafile::encode(content.records));
