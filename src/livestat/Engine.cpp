@@ -12,6 +12,10 @@ namespace {
 
 constexpr std::string_view keptByUser = ">>";
 
+/// Every station reads the datafile whole, and a field is a line for people. Without a limit the value
+/// "$mvC $mvC" in the comment's row doubles the comment each time, until no memory is left.
+constexpr std::size_t longestResult = 60'000;
+
 bool decidesState(std::string_view command) {
     return command == Action::Ping || command == Action::DoNothing || command == Action::MatchToJack;
 }
@@ -100,6 +104,10 @@ StepOutcome runStep(const StepInput& input, const StepProbes& probes, std::strin
         ActionRun run(input, probes, Expand(input.criteria.Argument, input.device, ExpandMode::Argument),
                       outcome, answer);
         action->perform(run);
+        // A field that keeps its text keeps it whole.
+        if (outcome.result.size() > longestResult &&
+            (input.row == 0 || outcome.result != input.device.*criteriaTargetField(input.row)))
+            outcome.result.resize(longestResult);
     }
     return outcome;
 }

@@ -7,10 +7,6 @@ namespace mirovane {
 
 namespace {
 
-/// Every station reads the datafile whole, and a field is a line for people: what is longer is no line of a
-/// text file.
-constexpr std::size_t longestResult = 60'000;
-
 /// Enough of a line for somebody who wants to know which one it is.
 std::string shown(const std::string& line) {
     constexpr std::size_t enough = 1000;
@@ -38,8 +34,6 @@ void takeHit(ActionRun& run, const std::string& text) {
                        ? std::string("no delimiter: the field is left as it is")
                        : "field " + std::to_string(criteria.FieldPos) + ": " + shown(run.outcome.result);
         });
-    if (run.outcome.result.size() > longestResult)
-        run.outcome.result.resize(longestResult);
 }
 
 void takeMiss(ActionRun& run, const SearchResult& result, std::string_view things) {

@@ -279,8 +279,12 @@ void CLiveStatScheduler::clearLeftMarks() {
 // ---- settings
 
 void CLiveStatScheduler::setSettings(const LiveStatSettings& settings) {
+    const auto periodBefore = runPeriod();
     settings_ = settings;
     picker_.setIncludeMisc(settings_.LSIncludeMisc);
+    // A pause of hours, typed by mistake, must not have to end first.
+    if (runPeriod() != periodBefore && !slotCursor_ && timer_->active())
+        resume();
     if (wantedSlots() != slots_.size())
         resizeSlots(wantedSlots());
 }

@@ -95,6 +95,13 @@ TEST_F(EngineTest, LookUpsProcessEveryTokenAndTheLastDecides) {
     EXPECT_TRUE(run(Action::NsLookupReverse, "127.0.0.8", 1).failed);
 }
 
+TEST_F(EngineTest, AValueThatNamesItsOwnFieldStopsGrowing) {
+    input.device.Comment = "x";
+    for (int pass = 0; pass < 20; ++pass)
+        input.device.Comment = run(Action::SetValue, "$mvC $mvC", 6, "On/Off").result;
+    EXPECT_EQ(input.device.Comment.size(), 60'000U);
+}
+
 TEST_F(EngineTest, AJackShowsTheStateOfWhatIsPluggedIn) {
     input.matchedState = DeviceState::Off;
     EXPECT_EQ(run(Action::MatchToJack, "").stateIfMatch, DeviceState::Off);

@@ -136,6 +136,12 @@ TEST_F(FileActionsTest, ALineTooLongForAFieldIsCut) {
     write(std::string(200'000, 'x') + "\n", 600);
     inText("xxx");
     EXPECT_EQ(outcome.result.size(), 60'000U);
+
+    // A position without a delimiter leaves the field as it is, however long the user made it.
+    input.device.Comment = std::string(70'000, 'c');
+    input.criteria.FieldPos = 1;
+    inText("xxx");
+    EXPECT_EQ(outcome.result, input.device.Comment);
 }
 
 TEST_F(FileActionsTest, AStoppedSearchLeavesTheStampsAlone) {

@@ -310,6 +310,19 @@ TEST_F(SchedulerTest, TheEmptiedListRestsAndTrackingBringsDevicesIntoView) {
     EXPECT_FALSE(scheduler->holdsDevice(1));
 }
 
+TEST_F(SchedulerTest, AShorterPauseCountsAtOnce) {
+    addPrinters(3);
+    liveStatSettings.LSRunSec = 86'400;
+    scheduler->setSettings(liveStatSettings);
+    scheduler->toggle();
+    run();
+    EXPECT_TRUE(probes.pinged().empty());
+    liveStatSettings.LSRunSec = 3;
+    scheduler->setSettings(liveStatSettings);
+    run();
+    EXPECT_EQ(probes.pinged().size(), 3U);
+}
+
 TEST_F(SchedulerTest, HoldsStillWhileTheStationEdits) {
     addPrinters(3);
     scheduler->toggle();

@@ -3,7 +3,14 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 
+#include <limits>
+
 namespace mirovane {
+
+/// A stored text that the box cuts would differ from what it shows, and the cut one be stored unasked.
+LeaveBox::LeaveBox(QWidget* parent) : QLineEdit(parent) {
+    setMaxLength(std::numeric_limits<int>::max());
+}
 
 void LeaveBox::setStored(const QString& text) {
     const bool keep = typing();

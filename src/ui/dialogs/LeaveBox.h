@@ -10,7 +10,7 @@ class LeaveBox : public QLineEdit {
     Q_OBJECT
 
 public:
-    explicit LeaveBox(QWidget* parent = nullptr) : QLineEdit(parent) {}
+    explicit LeaveBox(QWidget* parent = nullptr);
 
     /// What is stored now. Shown at once, but never over text that is being typed.
     void setStored(const QString& text);

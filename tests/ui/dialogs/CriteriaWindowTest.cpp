@@ -205,6 +205,14 @@ TEST_F(CriteriaWindow, ClosingStoresWhatIsTypedAndSaves) {
     EXPECT_EQ(criteriaFromRecord(*b.doc().criteria(DeviceType::Computer, 0)).Argument, "$mvI");
 }
 
+TEST_F(CriteriaWindow, WhatNobodyTypedIsNotStored) {
+    const std::string odd = std::string(50'000, 'x') + "\n\t\xE9\x01";
+    a.doc().setCriteria(DeviceType::Computer, 0, static_cast<int>(CriteriaColumn::Argument), odd);
+    QCoreApplication::processEvents();
+    window->close();
+    EXPECT_EQ(stored(DeviceType::Computer, 0).Argument, odd);
+}
+
 TEST_F(CriteriaWindow, RulesReachTheDatafileWhileTheWindowIsOpen) {
     choose(list(1, "Command"), "NS Lookup(reverse)");
     pass(30'000);
