@@ -6,6 +6,7 @@
 #include "cli/Signals.h"
 #include "cli/StationRun.h"
 #include "livestat/SystemStepProbes.h"
+#include "model/Settings.h"
 #include "platform/PosixFiles.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
@@ -21,7 +22,6 @@ namespace mirovane {
 namespace {
 
 constexpr std::int32_t mostSeconds = 2'000'000; ///< 23 days; a timer's milliseconds end soon after
-constexpr std::int32_t mostPerRun = 1000;
 constexpr std::int32_t mostLoops = 1'000'000'000;
 
 /// What may be given as --name N, or why not.
@@ -55,10 +55,11 @@ Result<StationOptions, UsageError> stationOptions(const Arguments& arguments) {
     if (!recIDs)
         return recIDs.error();
     options.request.now = recIDs.value();
-    for (const auto& error : {takeNumber(arguments, "--loops", mostLoops, options.request.loops),
-                              takeNumber(arguments, "--for", mostSeconds, options.request.seconds),
-                              takeNumber(arguments, "--run-sec", mostSeconds, options.runSec),
-                              takeNumber(arguments, "--per-run", mostPerRun, options.perRun)}) {
+    for (const auto& error :
+         {takeNumber(arguments, "--loops", mostLoops, options.request.loops),
+          takeNumber(arguments, "--for", mostSeconds, options.request.seconds),
+          takeNumber(arguments, "--run-sec", LiveStatSettings::mostRunSec, options.runSec),
+          takeNumber(arguments, "--per-run", LiveStatSettings::mostNumPerRun, options.perRun)}) {
         if (error)
             return *error;
     }
