@@ -230,6 +230,7 @@ void CCriteriaWindow::showNotice() {
 void CCriteriaWindow::enterRow(int row) {
     rows_[static_cast<std::size_t>(currentRow_)]->setCurrent(false);
     currentRow_ = row;
+    entered_ = true;
     CriteriaRowInputs& inputs = *rows_[static_cast<std::size_t>(row)];
     inputs.setCurrent(true);
     showAction(actionEntry(inputs.action()));
@@ -271,6 +272,8 @@ void CCriteriaWindow::scheduleShow() {
         [this] {
             showPending_ = false;
             showRows();
+            if (entered_) // another station may have chosen another action for the row
+                enterRow(currentRow_);
         },
         Qt::QueuedConnection);
 }

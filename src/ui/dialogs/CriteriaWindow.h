@@ -68,6 +68,7 @@ private:
     CriteriaExamples* examples_ = nullptr;
     std::int32_t type_; ///< shown
     int currentRow_ = 0;
+    bool entered_ = false; ///< a row: its action is explained
     std::string datafile_; ///< whose criteria are shown
     bool edited_ = false;  ///< since the window opened
     bool showPending_ = false;

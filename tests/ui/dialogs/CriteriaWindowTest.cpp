@@ -224,11 +224,14 @@ TEST_F(CriteriaWindow, AnotherStationsRulesAppearAndTypedTextStays) {
     open(b);
     type(box(0, "Argument"), "typed here");
     b.doc().setCriteria(DeviceType::Computer, 0, 1, "$mvI");
+    b.doc().setCriteria(DeviceType::Computer, 0, 0, "SNMPGet");
     b.doc().setCriteria(DeviceType::Computer, 3, 0, "Set Value");
     ASSERT_FALSE(b.station->saveDatafile());
     pass(3000);
     QApplication::processEvents();
     EXPECT_EQ(list(3, "Command")->currentText(), QStringLiteral("Set Value"));
+    EXPECT_EQ(text("argumentSyntax"), QStringLiteral("<hname|IP> <cmty> <oid>"))
+        << "of the row that is current";
     EXPECT_EQ(box(0, "Argument")->text(), QStringLiteral("typed here"));
     QTest::keyClick(box(0, "Argument"), Qt::Key_Tab);
     EXPECT_EQ(stored(DeviceType::Computer, 0).Argument, "typed here");
