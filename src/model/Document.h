@@ -138,16 +138,16 @@ public:
     /// what it was and the error says why.
     std::optional<Datafile::Error> open(const std::string& path);
 
+    /// How reading again or saving is tried: a retry waits for no other station and reports no error of a
+    /// save a second time.
+    enum class Attempt { First, Retry };
+
     /// The records of the file again, without the post-load pass. What the user changed and could not save
     /// yet is put on top of them (see unsavedEdits()); what background work changed is dropped, but the
     /// pending-changes mark survives. Devices that were selected are selected and show all their labels
     /// again, and marks for Live Stat Now stay. On failure the records stay, and nothing is saved until the
     /// file could be read whole.
-    std::optional<Datafile::Error> reload();
-
-    /// How a save that goes wrong is dealt with: a retry waits for no other station and reports no error a
-    /// second time.
-    enum class Attempt { First, Retry };
+    std::optional<Datafile::Error> reload(Attempt attempt = Attempt::First);
 
     /// The one operation that writes the datafile. Logs "Saved ... changes to data file", or why not. With no
     /// path, or while loading, it writes nothing and returns no error. Takes and clears the save note.

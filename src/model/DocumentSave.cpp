@@ -40,6 +40,10 @@ FileError unreadable(const std::string& path, const Datafile::Error& error) {
                 ": the datafile was changed and could not be read again: " + error.sentence};
 }
 
+std::chrono::milliseconds patienceOf(CMirovaneDoc::Attempt attempt) {
+    return attempt == CMirovaneDoc::Attempt::First ? lockPatience : std::chrono::milliseconds(0);
+}
+
 FileError vanished(const std::string& path) {
     return {FileError::Kind::NotFound, 0,
             "cannot write " + path +
@@ -51,9 +55,9 @@ FileError vanished(const std::string& path) {
 
 // ---- reading again
 
-std::optional<Datafile::Error> CMirovaneDoc::reload() {
+std::optional<Datafile::Error> CMirovaneDoc::reload(Attempt attempt) {
     mustReload_ = true;
-    auto locked = files_.lock(path_, FileAccess::Read, lockPatience);
+    auto locked = files_.lock(path_, FileAccess::Read, patienceOf(attempt));
     if (!locked)
         return Datafile::Error{Datafile::Error::Kind::CannotRead, 0, 0, locked.error().sentence};
     if (journal_.nothingToKeep())
@@ -213,8 +217,7 @@ std::optional<FileError> CMirovaneDoc::save(Attempt attempt) {
         modified_ = true;
         return std::nullopt;
     }
-    const auto patience = attempt == Attempt::First ? lockPatience : std::chrono::milliseconds(0);
-    return reportSave(path_, write(path_, false, patience), attempt);
+    return reportSave(path_, write(path_, false, patienceOf(attempt)), attempt);
 }
 
 std::optional<FileError> CMirovaneDoc::saveAs(const std::string& path) {

@@ -118,7 +118,9 @@ void CStation::finishReload() {
 }
 
 void CStation::readAgain() {
-    if (const auto error = doc_->reload()) {
+    // A station that hangs with the file in its hands must not hold this one up at every tick.
+    using Attempt = CMirovaneDoc::Attempt;
+    if (const auto error = doc_->reload(unreadable_ ? Attempt::Retry : Attempt::First)) {
         reportUnreadable(*error);
         return;
     }

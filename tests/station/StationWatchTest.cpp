@@ -95,6 +95,49 @@ TEST_F(StationWatchTest, AnUnreadableFileIsNeverWrittenOver) {
     EXPECT_EQ(b.device(1).Name, "in memory");
 }
 
+/// A station that hangs has the file; this one would wait as long as its patience lasts.
+class HeldFiles final : public Files {
+public:
+    Result<FileIdentity, FileError> status(const std::string& path) override { return real_.status(path); }
+    Result<std::unique_ptr<LockedFile>, FileError> lock(const std::string& path, FileAccess access,
+                                                        std::chrono::milliseconds patience) override {
+        if (!held)
+            return real_.lock(path, access, patience);
+        waited += patience;
+        return FileError{FileError::Kind::Locked, EAGAIN, "cannot read " + path + ": in use"};
+    }
+
+    bool held = false;
+    std::chrono::milliseconds waited{0};
+
+private:
+    PosixFiles real_;
+};
+
+TEST_F(StationWatchTest, AStationThatHangsWithTheFileHoldsThisOneUpOnce) {
+    HeldFiles files;
+    CStation station({files,
+                      clock,
+                      timers,
+                      a.settings,
+                      a.log,
+                      a.dialogs,
+                      a.probes,
+                      {"A-HOST", "a-user"},
+                      false,
+                      &a.workers});
+    ASSERT_FALSE(station.openDatafile(path));
+    open(b);
+    rename(b, 1, "by b");
+    ASSERT_FALSE(b.station->saveDatafile());
+    files.held = true;
+    pass(60'000);
+    EXPECT_EQ(files.waited, lockPatience);
+    files.held = false;
+    pass(3000);
+    EXPECT_EQ(station.document().findDevice(1)->Name, "by b");
+}
+
 TEST_F(StationWatchTest, ASaveNeverGoesOverAnotherStationsFile) {
     open(a);
     open(b);
