@@ -51,6 +51,9 @@ void searchLines(ActionRun& run, const std::string& path) {
     if (!pattern)
         return failWithNothing(run);
     const SearchResult found = searchTextFile(path, *pattern, run.input.stop);
+    // A stamp has whole seconds: what the writer adds within this one would never be searched.
+    if (found.changedMeanwhile)
+        run.outcome.fileStamp.reset();
     switch (found.end) {
     case SearchResult::End::Hit:
         run.say([&] { return path + ", line " + std::to_string(found.number) + ": " + shown(found.text); });

@@ -97,6 +97,12 @@ SearchResult resultOf(const PatternScanner& scanner, const std::stop_token& stop
     return result;
 }
 
+bool changedSince(const Descriptor& file, const struct stat& before) {
+    struct stat now {};
+    return fstat(file.get(), &now) != 0 || now.st_size != before.st_size ||
+           now.st_mtim.tv_sec != before.st_mtim.tv_sec || now.st_mtim.tv_nsec != before.st_mtim.tv_nsec;
+}
+
 } // namespace
 
 std::string nativePath(const std::string& path) {
@@ -132,7 +138,9 @@ SearchResult searchTextFile(const std::string& path, const CompiledPattern& patt
         return unreadable;
     if (!stop.stop_requested())
         scanner.finish(stop);
-    return resultOf(scanner, stop);
+    SearchResult result = resultOf(scanner, stop);
+    result.changedMeanwhile = changedSince(file, status);
+    return result;
 }
 
 } // namespace mirovane

@@ -24,6 +24,9 @@ struct SearchResult {
     std::uint64_t number = 0;    ///< of that line, counted from 1; without a hit how many were searched
     std::uint64_t undecided = 0; ///< lines that took the pattern too many steps; they count as no match
     std::string trouble;         ///< a few words, for people
+
+    /// Somebody wrote to the file during the search, perhaps behind the place that was read last.
+    bool changedMeanwhile = false;
 };
 
 /// The path of a text file as this system spells it: backslashes part folders, too, unless the path as it

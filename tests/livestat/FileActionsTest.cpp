@@ -2,7 +2,9 @@
 #include "tests/livestat/ActionFixture.h"
 #include "tests/support/TestFolder.h"
 
+#include <atomic>
 #include <fcntl.h>
+#include <fstream>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -142,6 +144,21 @@ TEST_F(FileActionsTest, ALineTooLongForAFieldIsCut) {
     input.criteria.FieldPos = 1;
     inText("xxx");
     EXPECT_EQ(outcome.result, input.device.Comment);
+}
+
+TEST_F(FileActionsTest, AFileThatIsBeingWrittenIsSearchedAgain) {
+    ASSERT_EQ(truncate(path.c_str(), off_t{256} << 20), 0);
+    std::atomic<bool> searched = false;
+    std::thread writer([&] {
+        while (!searched)
+            std::ofstream(path, std::ios::app) << "more\n";
+    });
+    EXPECT_EQ(inText("never"), "failed:");
+    searched = true;
+    writer.join();
+    EXPECT_EQ(outcome.fileStamp, std::nullopt);
+    EXPECT_EQ(inText("never"), "failed:");
+    EXPECT_NE(outcome.fileStamp, std::nullopt) << "now nobody writes";
 }
 
 TEST_F(FileActionsTest, AStoppedSearchLeavesTheStampsAlone) {
