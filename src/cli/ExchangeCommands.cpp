@@ -127,6 +127,10 @@ ExitStatus runImport(CommandContext& context) {
     if (!text)
         return ExitStatus::FileFailed;
     const std::string source = words[1] == standardStream ? "standard input" : words[1];
+    if (text->starts_with("\xFF\xFE") || text->starts_with("\xFE\xFF")) {
+        context.out.diagnose("cannot read " + source, "it is UTF-16 text; save it as UTF-8 with TABs");
+        return ExitStatus::FileFailed;
+    }
     const ClipboardReading reading = readClipboardText(*text, secondsNow());
     if (!reading.problems.empty()) {
         diagnoseProblems(context.out, source, reading);
@@ -146,8 +150,9 @@ ExitStatus runImport(CommandContext& context) {
                 static_cast<void>(place(device, context.arguments));
                 const CHardware* added = doc.append(std::move(device));
                 if (!added)
-                    return EditRefusal{"cannot add " + std::to_string(reading.rows.size()) + " devices to " +
-                                           words[0] + ": there is no room for them, nothing was imported",
+                    return EditRefusal{"cannot add " + std::to_string(reading.rows.size()) +
+                                           " device(s) to " + words[0] +
+                                           ": there is no room for them, nothing was imported",
                                        ExitStatus::FileFailed};
                 recIDs.push_back(added->RecID);
             }

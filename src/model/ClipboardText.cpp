@@ -3,6 +3,7 @@
 #include "model/Dates.h"
 #include "model/Text.h"
 
+#include <algorithm>
 #include <array>
 
 namespace mirovane {
@@ -12,6 +13,9 @@ namespace {
 constexpr std::string_view active = "Active";
 constexpr std::string_view inactive = "Inactive";
 constexpr std::string_view check = "Check";
+
+/// What spreadsheets put before UTF-8 text.
+constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 
 /// The places of the fields that are read apart.
 constexpr std::size_t modifiedField = 0;
@@ -192,13 +196,14 @@ std::string clipboardText(std::span<const CHardware* const> devices, ClipboardFo
 ClipboardReading readClipboardText(std::string_view text, TimeStamp now) {
     ClipboardReading reading;
     LineReader reader(reading, now);
-    const std::vector<std::string_view> lines = split(text, '\n');
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        std::string_view line = lines[i];
-        if (line.ends_with('\r'))
-            line.remove_suffix(1);
-        if (!line.empty())
-            reader.read(i + 1, line);
+    if (text.starts_with(utf8Mark))
+        text.remove_prefix(utf8Mark.size());
+    for (std::size_t line = 1; !text.empty(); ++line) {
+        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+        if (end > 0)
+            reader.read(line, text.substr(0, end));
+        text.remove_prefix(end);
+        text.remove_prefix(std::min<std::size_t>(text.starts_with("\r\n") ? 2 : 1, text.size()));
     }
     return reading;
 }

@@ -51,9 +51,9 @@ struct ClipboardReading {
     std::vector<Problem> problems;
 };
 
-/// Lines may end with CR LF or LF; empty ones say nothing; fields missing at a line's end are empty. Dates
-/// are read in the locale's form, in that of the C locale and as "2026-11-22 14:30". `now` is for lines
-/// without a Modified.
+/// Lines may end with CR LF, LF or CR; empty ones say nothing, nor does a byte-order mark; fields missing at
+/// a line's end are empty. Dates are read in the locale's form, in that of the C locale and as "2026-11-22
+/// 14:30". `now` is for lines without a Modified.
 ClipboardReading readClipboardText(std::string_view text, TimeStamp now);
 
 } // namespace mirovane

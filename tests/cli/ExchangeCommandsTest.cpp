@@ -76,6 +76,10 @@ TEST(ImportCommand, allOrNothingWithLineNumbers) {
     EXPECT_THAT(bad.err, AllOf(HasSubstr("bad.txt line 3: "), HasSubstr("\"Toaster\""),
                                HasSubstr("bad.txt line 4: "), HasSubstr("\"soon\"")));
     EXPECT_EQ(cli({"import", file, folder.path("none.txt")}).status, 3);
+    writeBytes(folder.path("wide.txt"), std::string("\xFF\xFE\t\0\t\0", 6));
+    const CliResult wide = cli({"import", file, folder.path("wide.txt")});
+    EXPECT_EQ(wide.status, 3);
+    EXPECT_THAT(wide.err, HasSubstr("UTF-16"));
     writeBytes(folder.path("empty.txt"), "\r\n");
     EXPECT_EQ(cli({"import", file, folder.path("empty.txt")}).status, 1);
     EXPECT_EQ(cli({"import", file, folder.path("empty.txt"), "--position", "here"}).status, 2);

@@ -124,6 +124,20 @@ TEST_F(ClipboardText, unknownTypesAndShiftedColumnsAreDropped) {
     EXPECT_THAT(reading.problems[1].sentence, HasSubstr("20 fields"));
 }
 
+TEST_F(ClipboardText, everyKindOfLineEndAndAMarkBeforeTheText) {
+    const ClipboardReading reading =
+        readClipboardText("\xEF\xBB\xBF\t\t\t\tJack\tone\r\t\t\t\tJack\ttwo\r\r\n"
+                          "\t\t\t\tJack\tthree\n\t\t\t\tJack\tfour\r",
+                          now);
+    EXPECT_TRUE(reading.problems.empty());
+    ASSERT_EQ(reading.rows.size(), 4U) << "two devices on one line would be one with mixed-up fields";
+    EXPECT_EQ(reading.rows[0].device.Name, "one");
+    EXPECT_EQ(reading.rows[1].device.Name, "two");
+    EXPECT_EQ(reading.rows[2].device.Name, "three");
+    EXPECT_EQ(reading.rows[3].device.Name, "four");
+    EXPECT_EQ(reading.rows[3].line, 5U);
+}
+
 TEST_F(ClipboardText, aDateThatNobodyCanReadIsNamedAndLeftOut) {
     const ClipboardReading reading = readClipboardText("2026-01-02 03:04\t\t2026-11-22 14:30\t\tJack\n"
                                                        "last week\t\tSat Feb 30 10:00:00 2026\t\tJack\n",
