@@ -1,6 +1,7 @@
 #include "cli/Cli.h"
 
 #include "cli/Commands.h"
+#include "cli/FoldedText.h"
 
 #include <array>
 #include <cstring>
@@ -39,7 +40,7 @@ std::string overallHelp() {
     text += "\n" + optionLine(configOption) +
             helpLine("--help", "show this help, or a command's behind its name") + optionLine(versionOption);
     text += "\nExit status: 0 done, 1 the answer is no, 2 wrong command line, 3 a file could not be read or\n"
-            "written, 4 refused because another station runs Live Stat.\n";
+            "written, 4 refused because another station runs Live Stat or Live Discover.\n";
     return text;
 }
 
@@ -53,6 +54,11 @@ std::string commandHelp(const Command& command) {
     if (!command.details.empty())
         text += "\n" + std::string(command.details);
     return text;
+}
+
+void printHelp(Output& out, const std::string& text) {
+    const int width = out.terminalWidth();
+    out.print(width > 0 ? folded(text, static_cast<std::size_t>(width)) : text);
 }
 
 /// Where the command's name stands: the first word that is neither an option nor the value of --config.
@@ -76,7 +82,7 @@ ExitStatus withoutCommand(std::span<const std::string> words, Output& out) {
     if (parsed.value().has("--version"))
         out.printLine("mirovanectl " MIROVANE_VERSION);
     else if (parsed.value().has("--help") || parsed.value().has("-h"))
-        out.print(overallHelp());
+        printHelp(out, overallHelp());
     else {
         out.diagnose("no command", "run mirovanectl --help for those there are");
         return ExitStatus::Usage;
@@ -94,7 +100,7 @@ ExitStatus runCommand(const Command& command, std::span<const std::string> words
     }
     CommandContext context{out, std::move(parsed.value()), ""};
     if (context.arguments.has("--help") || context.arguments.has("-h")) {
-        out.print(commandHelp(command));
+        printHelp(out, commandHelp(command));
         return ExitStatus::Done;
     }
     context.configFolder = context.arguments.value("--config").value_or("");

@@ -1,3 +1,4 @@
+#include "cli/FoldedText.h"
 #include "cli/TextTable.h"
 #include "tests/cli/CliRunner.h"
 
@@ -54,6 +55,22 @@ TEST(Terminal, aTableFitsAndKeepsWhatMattersMost) {
     EXPECT_THAT(wide, AllOf(HasSubstr("Modified"), HasSubstr("xxx\u2026"), Not(HasSubstr("Username"))));
     EXPECT_LE(widestLine(onTerminal({"criteria", file, "--type", "Computer"}, 40)), 40U);
     EXPECT_THAT(cli({"list", file}).out, HasSubstr(std::string(300, 'x'))) << "a pipe gets it all";
+}
+
+TEST(Terminal, helpBreaksBetweenWords) {
+    for (const char* command : {"export", "list", "registry", "station", "import"}) {
+        for (const unsigned short columns : std::array<unsigned short, 2>{40, 80}) {
+            const std::string help = onTerminal({command, "--help"}, columns);
+            EXPECT_LE(widestLine(help), columns) << help;
+        }
+    }
+    EXPECT_EQ(
+        folded("  --sort COLUMN           by this title or another one of them all\n\nOne\ntwo.\nThree.\n",
+               60),
+        "  --sort COLUMN           by this title or another one of\n"
+        "                          them all\n\nOne two.\nThree.\n");
+    EXPECT_EQ(folded("usage: x\nabcdefghijkl abc\n", 8), "usage: x\nabcdefghijkl\nabc\n");
+    EXPECT_EQ(folded("", 8), "");
 }
 
 TEST(Terminal, clippingNeverCutsACharacter) {
