@@ -38,7 +38,7 @@ ListColumnWidths::ListColumnWidths(QHeaderView& titles, CSettings& settings)
 void ListColumnWidths::makeRoomFor(int column, const QString& text) {
     constexpr int margins = 10;
     const int wanted = titles_.fontMetrics().horizontalAdvance(text) + margins;
-    if (titles_.sectionSize(column) == firstWidth(column) && wanted > firstWidth(column))
+    if (titles_.sectionSize(column) >= firstWidth(column) && wanted > titles_.sectionSize(column))
         titles_.resizeSection(column, wanted);
 }
 

@@ -15,8 +15,8 @@ class ListColumnWidths final : public QObject {
 public:
     ListColumnWidths(QHeaderView& titles, CSettings& settings);
 
-    /// Makes a column that was never resized wide enough for a text: of a number that is cut off nothing
-    /// useful is left.
+    /// Makes a column wide enough for a text, unless the user made it narrower than it began: of a number
+    /// that is cut off nothing useful is left, and widths fitted to one datafile serve the next, too.
     void makeRoomFor(int column, const QString& text);
 
     /// The widths that they begin with; remembered as such.

@@ -298,6 +298,16 @@ TEST_F(ListViewWindowTest, aLongNumberGetsTheRoomItNeeds) {
     EXPECT_GE(titles->sectionSize(0), table().fontMetrics().horizontalAdvance(QStringLiteral("2000")) + 6);
 }
 
+TEST_F(ListViewWindowTest, aWidthFittedToAnotherDatafileGrowsOneMadeNarrowStays) {
+    site.store.writeInteger("ListViewWidth0", 31);
+    open(2000);
+    EXPECT_GT(table().horizontalHeader()->sectionSize(0), 31);
+    table().horizontalHeader()->resizeSection(0, 20);
+    window->close();
+    window->present();
+    EXPECT_EQ(table().horizontalHeader()->sectionSize(0), 20);
+}
+
 TEST_F(ListViewWindowTest, placeAndWidthsAreRemembered) {
     for (const auto& [name, value] :
          {std::pair{"WindowLVTopX", 40}, {"WindowLVTopY", 50}, {"WindowLVBotX", 620}})
