@@ -30,7 +30,8 @@ std::string delimitedField(std::string_view line, std::string_view delimiter, st
             begin = i;
             continue;
         }
-        quoted = quoted != (line[i] == '"');
+        if (line[i] == '"') // one that has no partner protects nothing: a 19" monitor
+            quoted = !quoted && line.find('"', i + 1) != std::string_view::npos;
         ++i;
     }
     return field == position ? std::string(line.substr(begin)) : std::string();

@@ -7,9 +7,9 @@
 namespace mirovane {
 
 /// Field number `position`, counted from 1, of a line whose fields stand between delimiters. The two
-/// characters \t in the delimiter stand for a tab. Double quotes protect the delimiters between them and stay
-/// in the field's text; one that is never closed protects the rest of the line. Empty when the line has fewer
-/// fields. Pure.
+/// characters \t in the delimiter stand for a tab. A pair of double quotes protects the delimiters between
+/// them and stays in the field's text; one that is never closed protects nothing. Empty when the line has
+/// fewer fields. Pure.
 std::string delimitedField(std::string_view line, std::string_view delimiter, std::int32_t position);
 
 } // namespace mirovane

@@ -26,7 +26,8 @@ TEST(FieldTextTest, FieldsStandBetweenDelimitersOutsideQuotes) {
         {"a::b:c::d", "::", 2, "b:c"},
         {"a:::b", "::", 2, ":b"},
         {"x\\y\\z", "\\", 3, "z"},
-        {"a,\"never,closed", ",", 2, "\"never,closed"},
+        {"19\" monitor,Room 5", ",", 2, "Room 5"}, // a quote alone protects nothing
+        {"\"a,b\",19\" monitor,Room 5", ",", 3, "Room 5"},
         {"1\"x\"2,3", ",", 1, "1\"x\"2"},
         {"KeptAsItStands;B", ";", 1, "KeptAsItStands"},
         {"a,b", ",", 2147483647, ""},
