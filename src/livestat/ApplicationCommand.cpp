@@ -20,6 +20,9 @@ constexpr std::array<std::string_view, 30> terminalPrograms = {
     "telnet", "top",    "tracepath", "traceroute", "traceroute6", "whois",
 };
 
+constexpr std::array<std::string_view, 9> shells = {"ash", "bash", "csh",  "dash", "fish",
+                                                    "ksh", "sh",   "tcsh", "zsh"};
+
 struct Prefix {
     std::string_view text;
     ProgramPlace place;
@@ -112,9 +115,41 @@ bool isForeignProgram(std::string_view word) {
            (word.size() > 2 && letter(word[0]) && word[1] == ':' && (word[2] == '\\' || word[2] == '/'));
 }
 
+std::string_view fileName(std::string_view word) {
+    return word.substr(word.rfind('/') + 1); // npos + 1 is 0
+}
+
 bool isTerminalProgram(std::string_view word) {
-    word.remove_prefix(word.rfind('/') + 1); // npos + 1 is 0
-    return std::ranges::find(terminalPrograms, word) != terminalPrograms.end();
+    return std::ranges::find(terminalPrograms, fileName(word)) != terminalPrograms.end();
+}
+
+bool isShell(const Argument& argument) {
+    return !argument.holdsField && std::ranges::find(shells, fileName(argument.text)) != shells.end();
+}
+
+/// "-o pipefail", "--rcfile FILE"
+bool takesValue(std::string_view option) {
+    return option.starts_with("--") || option.ends_with('o') || option.ends_with('O');
+}
+
+/// "sh -c LINE", "sudo bash -lc LINE": a field in LINE would be read as commands. What follows LINE is not,
+/// nor is anything behind the name of a script.
+bool givesFieldToShell(const std::vector<Argument>& arguments) {
+    bool takesLine = false;
+    std::string_view option;
+    auto argument = std::ranges::find_if(arguments, isShell);
+    while (argument != arguments.end() && ++argument != arguments.end()) {
+        const std::string_view text = argument->text;
+        if (text.starts_with('-') || text.starts_with('+')) {
+            option = text;
+            takesLine = takesLine || (!text.starts_with("--") && text.find('c') != std::string_view::npos);
+        } else if (takesLine) {
+            return argument->holdsField;
+        } else if (!takesValue(std::exchange(option, {}))) {
+            return false;
+        }
+    }
+    return false;
 }
 
 bool holdsField(std::string_view word) {
@@ -144,11 +179,17 @@ std::string addressPart(std::string_view value) {
 constexpr std::string_view programFromField =
     "the program itself must be written in the command; it cannot come from a device's field";
 
+constexpr std::string_view fieldForShell =
+    "a shell would run what stands in a device's field; write the shell's line into a script and start that "
+    "with the placeholders as its arguments";
+
 std::string refusalOf(const std::vector<Argument>& arguments, ProgramPlace place) {
     if (arguments.empty() || arguments.front().text.empty())
         return "no program is left when the text is put in";
     if (place != ProgramPlace::Browser && arguments.front().holdsField)
         return std::string(programFromField);
+    if (givesFieldToShell(arguments))
+        return std::string(fieldForShell);
     bool optionsEnded = false;
     for (const Argument& argument : arguments) {
         if (argument.text.find('\0') != std::string::npos)
@@ -159,6 +200,22 @@ std::string refusalOf(const std::vector<Argument>& arguments, ProgramPlace place
         optionsEnded = optionsEnded || (argument.text == "--" && !argument.holdsField);
     }
     return {};
+}
+
+std::vector<Argument> cut(std::string_view line, ProgramPlace place, const CHardware& device,
+                          std::string_view insertedText) {
+    Splitter splitter;
+    for (const TemplatePiece& piece : templatePieces(line, ExpandMode::Command)) {
+        if (piece.selector == 0) {
+            splitter.text(piece.text);
+        } else if (piece.selector == insertedTextSelector) {
+            splitter.inserted(insertedText);
+        } else {
+            const std::string value = placeholderValue(piece.selector, device, ExpandMode::Command);
+            splitter.field(place == ProgramPlace::Browser ? addressPart(value) : value);
+        }
+    }
+    return std::move(splitter).finish();
 }
 
 std::string nameForPeople(const CHardware& device) {
@@ -218,23 +275,15 @@ std::string ApplicationCommand::problem() const {
         return "\"" + words.front() + "\" is a program of another system and cannot be started on this one";
     if (place_ == ProgramPlace::Browser)
         return words.size() > 1 ? "a web address must be one word; write %20 for a blank" : std::string();
-    return holdsField(words.front()) ? std::string(programFromField) : std::string();
+    if (holdsField(words.front()))
+        return std::string(programFromField);
+    return givesFieldToShell(cut(line_, place_, CHardware(), {})) ? std::string(fieldForShell)
+                                                                  : std::string();
 }
 
 ApplicationCommand::Filled ApplicationCommand::fill(const CHardware& device,
                                                     std::string_view insertedText) const {
-    Splitter splitter;
-    for (const TemplatePiece& piece : templatePieces(line_, ExpandMode::Command)) {
-        if (piece.selector == 0) {
-            splitter.text(piece.text);
-        } else if (piece.selector == insertedTextSelector) {
-            splitter.inserted(insertedText);
-        } else {
-            const std::string value = placeholderValue(piece.selector, device, ExpandMode::Command);
-            splitter.field(place_ == ProgramPlace::Browser ? addressPart(value) : value);
-        }
-    }
-    std::vector<Argument> arguments = std::move(splitter).finish();
+    std::vector<Argument> arguments = cut(line_, place_, device, insertedText);
     Filled filled;
     filled.refusal = refusalOf(arguments, place_);
     for (Argument& argument : arguments)

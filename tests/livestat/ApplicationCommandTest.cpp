@@ -91,6 +91,17 @@ TEST(ApplicationCommand, AFieldNeverBecomesAnOptionOrTheProgram) {
                 HasSubstr("zero byte"));
 }
 
+TEST(ApplicationCommand, AFieldIsNeverReadByAShell) {
+    for (const char* line : {"sh -c \"ping $mvI\"", "term: sudo /bin/bash -o pipefail -lc $mvN",
+                             "env X=1 zsh -f -c \"a $mvC\"", "sh -c -- \"x $mvN\""})
+        EXPECT_THAT(ApplicationCommand(line).problem(), HasSubstr("shell")) << line;
+    for (const char* line : {"sh /opt/tool.sh -c $mvN", "sh -c \"exec ping \"\"$1\"\"\" x $mvI",
+                             "tool -c $mvN", "sh --rcfile x $mvN", "sh -c $mvW"})
+        EXPECT_EQ(ApplicationCommand(line).problem(), "") << line;
+    EXPECT_THAT(ApplicationCommand("$mvW $mvN").fill(device("reboot"), "sh -c").refusal, HasSubstr("shell"));
+    EXPECT_EQ(filled("tool $mvN -c $mvI", device("sh")), (Words{"tool", "sh", "-c", "10.0.0.5"}));
+}
+
 TEST(ApplicationCommand, ThePlaceFollowsFromPrefixAndProgram) {
     using enum ProgramPlace;
     const std::pair<const char*, ProgramPlace> cases[] = {
