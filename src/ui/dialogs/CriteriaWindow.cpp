@@ -83,7 +83,9 @@ CCriteriaWindow::CCriteriaWindow(CStation& station, StationDialogs& dialogs, QWi
     document_.addObserver(*this);
 }
 
+/// Whoever still types while the program ends leaves the box here, not when there is nobody left to store.
 CCriteriaWindow::~CCriteriaWindow() {
+    hide();
     document_.removeObserver(*this);
 }
 

@@ -88,6 +88,7 @@ CDiscoverNowWindow::CDiscoverNowWindow(CStation& station, StationDialogs& dialog
 }
 
 CDiscoverNowWindow::~CDiscoverNowWindow() {
+    hide(); // the box of the pace tells of its value when it loses the focus
     discoverNow_.onProgress = {};
     discoverNow_.onRunning = {};
 }

@@ -54,6 +54,7 @@ CListViewWindow::CListViewWindow(CStation& station)
 }
 
 CListViewWindow::~CListViewWindow() {
+    hide(); // the table must not lose the focus when its rows are gone
     widths_->flush();
 }
 

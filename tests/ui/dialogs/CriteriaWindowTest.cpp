@@ -94,6 +94,13 @@ TEST_F(CriteriaWindow, OpensOnComputerAndShowsWhatIsStored) {
     EXPECT_TRUE(list(0, "Command")->hasFocus()) << "the first stop after the device list";
 }
 
+TEST_F(CriteriaWindow, WhatIsTypedIsStoredWhenTheWindowIsDestroyed) {
+    type(box(0, "Argument"), "10.0.0.1");
+    ASSERT_NE(stored(DeviceType::Computer, 0).Argument, "10.0.0.1");
+    window.reset();
+    EXPECT_EQ(stored(DeviceType::Computer, 0).Argument, "10.0.0.1");
+}
+
 TEST_F(CriteriaWindow, ABoxStoresWhenItIsLeft) {
     chooseType(DeviceType::Printer);
     choose(list(1, "Command"), "Search in Text File");
