@@ -197,12 +197,15 @@ void CDiscoverNowWindow::start() {
     }
     const int rate = pace_->value();
     if (const auto warning = sweepWarning(plan.value(), rate);
-        warning && !dialogs_.ask(*warning + "\n\nDo you want to begin?"))
+        warning && !dialogs_.ask(*warning + "\n\nDo you want to begin?")) {
+        activateWindow();
         return;
+    }
     station_.settings().write(sweepRateSetting, rate);
     hosts_->clear();
     if (const auto refusal = discoverNow_.start(rate); refusal && !refusal->empty())
         dialogs_.fail("Discover Now cannot begin.\n\n" + *refusal);
+    activateWindow(); // boxes belong to the main window and hand the focus to that
     showRunning();
 }
 
@@ -221,7 +224,7 @@ void CDiscoverNowWindow::reject() {
                                  " found so far?";
     if (found == 0 || dialogs_.ask(question))
         discoverNow_.end(CDiscoverNow::Found::Discard);
-    activateWindow(); // the box belongs to the main window and hands the focus to that
+    activateWindow();
 }
 
 void CDiscoverNowWindow::showPlan() {
