@@ -260,7 +260,8 @@ void CDiscoverNowWindow::showSums() {
 /// Follows the end of the list, except while somebody has scrolled up to read.
 void CDiscoverNowWindow::showProgress(const std::vector<std::size_t>& changed) {
     const QScrollBar* scroll = table_->verticalScrollBar();
-    const bool follows = scroll->value() == scroll->maximum();
+    constexpr int slack = 3; // rows by which the table shrinks when a line above it wraps
+    const bool follows = scroll->value() >= scroll->maximum() - slack;
     hosts_->update(discoverNow_.found(), changed);
     if (follows)
         table_->scrollToBottom();
