@@ -111,7 +111,7 @@ bool listensOn(std::uint16_t port) {
 
 } // namespace
 
-SmbServer::SmbServer() {
+SmbServer::SmbServer(std::uint16_t port) : port_(port) {
     whyNot_ = start();
 }
 
@@ -128,7 +128,8 @@ std::string SmbServer::start() {
             return std::string(program) + " is not installed";
     }
     prctl(PR_SET_CHILD_SUBREAPER, 1);
-    port_ = freeLoopbackPort();
+    if (port_ == 0)
+        port_ = freeLoopbackPort();
     writeConfiguration();
     const std::string log = folder_.file("log");
     writeBytes(folder_.file("password"), "Right-1\nRight-1\n");
@@ -192,6 +193,10 @@ bool SmbServer::import(const std::string& entries) const {
 
 bool SmbServer::setText(const std::string& key, const std::string& value, const std::string& text) const {
     return net({"setvalue", key, value, "sz", text});
+}
+
+bool SmbServer::deleteKey(const std::string& key) const {
+    return net({"deletekey", key});
 }
 
 std::uint16_t freeLoopbackPort() {

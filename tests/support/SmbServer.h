@@ -13,7 +13,8 @@ namespace mirovane::test {
 /// the constructor and ended, with all its processes, by the destructor.
 class SmbServer {
 public:
-    SmbServer();
+    /// `port` 0: one that is free.
+    explicit SmbServer(std::uint16_t port = 0);
     ~SmbServer();
     SmbServer(const SmbServer&) = delete;
     SmbServer& operator=(const SmbServer&) = delete;
@@ -29,6 +30,7 @@ public:
     /// Keys and values in the registry editor's format, behind its first line.
     bool import(const std::string& entries) const;
     bool setText(const std::string& key, const std::string& value, const std::string& text) const;
+    bool deleteKey(const std::string& key) const;
 
 private:
     std::string start();

@@ -95,8 +95,10 @@ inline SnmpBytes snmpGetOfUpTime(const std::string& community, std::int32_t requ
 /// A real agent (snmpd) on a loopback port, with files of its own. Ended with the object.
 class SnmpDaemon {
 public:
-    /// `configuration`: further lines, for example "override 1.3.6.1.4.1.99999.1.0 integer -5".
-    explicit SnmpDaemon(const std::string& configuration = "") : port_(LoopbackSocket().port()) {
+    /// `configuration`: further lines, for example "override 1.3.6.1.4.1.99999.1.0 integer -5". `port` 0: one
+    /// that is free.
+    explicit SnmpDaemon(const std::string& configuration = "", std::uint16_t port = 0)
+        : port_(port != 0 ? port : LoopbackSocket().port()) {
         writeBytes(
             folder_.file("snmpd.conf"),
             "agentaddress udp:127.0.0.1:" + std::to_string(port_) +
