@@ -24,6 +24,8 @@ using testing::Not;
 class SweepCommand : public testing::Test {
 protected:
     void SetUp() override {
+        if (network_.refused())
+            GTEST_SKIP() << *network_.refused();
         if (cli({"ping", "127.0.0.1"}).status != 0)
             GTEST_SKIP() << "this process may not send echoes";
     }
@@ -32,13 +34,6 @@ protected:
         Words words{"sweep", file_, "--config", folder_.config()};
         words.insert(words.end(), options.begin(), options.end());
         return words;
-    }
-
-    /// In a network of its own: the look-ups of names must not leave this computer.
-    static CliResult run(const Words& words) { return cli(words, enterOwnNetwork); }
-    static void enterOwnNetwork() {
-        if (::unshare(CLONE_NEWNET) == 0)
-            OwnNetwork::raise("lo");
     }
 
     void addRanges(const std::vector<std::pair<std::string, std::string>>& ranges) const {
@@ -81,13 +76,14 @@ protected:
         return list;
     }
 
+    OwnNetwork network_; ///< the look-ups of names must not leave this computer
     const CliFolder folder_;
     const std::string file_ = folder_.datafile({{"Printer", "Name=known", "IPAddress=127.0.1.1>>"}});
 };
 
 TEST_F(SweepCommand, addsWhoAnswersAndPrintsTheRecIDs) {
     addRanges({{"127.0.0.254", "127.0.1.2"}, {"127.0.1.0", "127.0.1.3"}});
-    const CliResult first = run(sweep({"--json", "--rate", "10000"}));
+    const CliResult first = cli(sweep({"--json", "--rate", "10000"}));
     EXPECT_EQ(first.status, 0) << first.err;
     EXPECT_THAT(first.err, IsEmpty());
     EXPECT_THAT(addresses(first.out),
@@ -103,7 +99,7 @@ TEST_F(SweepCommand, addsWhoAnswersAndPrintsTheRecIDs) {
         EXPECT_EQ((*device)->Comment, "NEW");
     }
     EXPECT_EQ(owner().State, 0);
-    const CliResult second = run(sweep());
+    const CliResult second = cli(sweep());
     EXPECT_EQ(second.status, 1);
     EXPECT_THAT(second.err, HasSubstr("Every address of the ranges belongs to a device already."));
 }
@@ -111,18 +107,18 @@ TEST_F(SweepCommand, addsWhoAnswersAndPrintsTheRecIDs) {
 TEST_F(SweepCommand, aDryRunWritesNothingAtAll) {
     addRanges({{"127.0.0.5", "127.0.0.7"}});
     const auto before = readBytes(file_);
-    const CliResult result = run(sweep({"--dry-run"}));
+    const CliResult result = cli(sweep({"--dry-run"}));
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.out, AllOf(HasSubstr("127.0.0.5"), HasSubstr("127.0.0.7"), Not(HasSubstr("RecID"))));
     EXPECT_EQ(readBytes(file_), before);
     EXPECT_TRUE(std::filesystem::is_empty(folder_.config())) << "no settings either";
     claimForOther();
-    EXPECT_EQ(run(sweep({"--dry-run"})).status, 0) << "looking disturbs nobody";
+    EXPECT_EQ(cli(sweep({"--dry-run"})).status, 0) << "looking disturbs nobody";
 }
 
 TEST_F(SweepCommand, aSignalEndsItWithWhatWasFound) {
     addRanges({{"127.2.0.1", "127.2.255.254"}});
-    CliProcess process(sweep({"--rate", "200"}), enterOwnNetwork);
+    CliProcess process(sweep({"--rate", "200"}));
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
     while (owner().State == 0 && std::chrono::steady_clock::now() < deadline)
         std::this_thread::yield();
@@ -140,24 +136,24 @@ TEST_F(SweepCommand, leavesLiveDiscoverToItsOwner) {
     addRanges({{"127.0.0.5", "127.0.0.7"}});
     claimForOther();
     const auto before = readBytes(file_);
-    const CliResult refused = run(sweep());
+    const CliResult refused = cli(sweep());
     EXPECT_EQ(refused.status, 4);
     EXPECT_THAT(refused.err, HasSubstr("Live Discover is enabled by OTHER-HOST\\somebody."));
     EXPECT_EQ(readBytes(file_), before);
-    EXPECT_EQ(run(sweep({"--take-over"})).status, 0);
+    EXPECT_EQ(cli(sweep({"--take-over"})).status, 0);
     EXPECT_EQ(owner().State, 0);
 }
 
 TEST_F(SweepCommand, refusesWhatCannotBeMeant) {
-    EXPECT_THAT(run(sweep()).err, HasSubstr("Live Discover does not have IP range(s) to discover."));
+    EXPECT_THAT(cli(sweep()).err, HasSubstr("Live Discover does not have IP range(s) to discover."));
     addRanges({{"127.0.0.1", "127.255.255.254"}});
-    const CliResult huge = run(sweep());
+    const CliResult huge = cli(sweep());
     EXPECT_EQ(huge.status, 2);
     EXPECT_THAT(huge.err, AllOf(HasSubstr("16,777,214 addresses"), HasSubstr("--yes")));
-    EXPECT_EQ(run(sweep({"--rate", "0"})).status, 2);
-    EXPECT_EQ(run(sweep({"--rate", "10001"})).status, 2);
+    EXPECT_EQ(cli(sweep({"--rate", "0"})).status, 2);
+    EXPECT_EQ(cli(sweep({"--rate", "10001"})).status, 2);
     addRanges({{"127.0.0.9", "127.0.0.1"}});
-    const CliResult invalid = run(sweep({"--yes"}));
+    const CliResult invalid = cli(sweep({"--yes"}));
     EXPECT_EQ(invalid.status, 1);
     EXPECT_THAT(invalid.err,
                 HasSubstr("Invalid IP Address/Range or entry cannot be blank (From \"127.0.0.9\""));
