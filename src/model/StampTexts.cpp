@@ -56,7 +56,7 @@ bool StampTexts::learn(std::int64_t quarter) {
         return false;
     firstMinute_ = local.tm_min;
     // Digits that no day, month or hour has, and seldom a year: found once, they are the minutes and seconds.
-    pattern_ = stampText(static_cast<TimeStamp>(first + 13 * 60 + 47));
+    pattern_ = stampText(static_cast<TimeStamp>(first + 13L * 60 + 47));
     const std::string probe = minuteAndSecond(firstMinute_ + 13, 47);
     digits_ = pattern_.find(probe);
     if (digits_ == std::string::npos || pattern_.find(probe, digits_ + 1) != std::string::npos)

@@ -54,7 +54,10 @@ public:
         for (std::size_t column = 1; column < listColumnCount; ++column) {
             const bool quoted = format.quoteAll || (format.quoteComment && isComment(column));
             const std::string quote = quoted ? "\"" : "";
-            between_[column] = quoteBefore + (column > 1 ? format.delimiter : std::string()) + quote;
+            between_[column] = quoteBefore;
+            if (column > 1)
+                between_[column] += format.delimiter;
+            between_[column] += quote;
             quoteBefore = quote;
         }
         between_.back() = quoteBefore + "\r\n";

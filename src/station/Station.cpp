@@ -161,7 +161,7 @@ std::optional<FileError> CStation::save(CMirovaneDoc::Attempt attempt) {
         saveOwed_ = true;
         return std::nullopt;
     }
-    const auto error = lastSaveError_ = doc_->save(attempt);
+    auto error = lastSaveError_ = doc_->save(attempt);
     if (!error && !doc_->path().empty()) {
         doc_->setPendingChanges(false);
         unreadable_ = false;
