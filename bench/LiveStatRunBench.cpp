@@ -116,12 +116,15 @@ int measure() {
 
     fill(station, "127.9.");
     station.toggleLiveStat();
+    // Without EventWaits: each of its events wakes the event loop, which then rounds what is left of the
+    // millisecond up to a whole one. That would measure the asking (2.85 s a run instead of 2.12 s).
+    const double median = bench::medianOf(runs(station, measuredRuns));
+    std::printf("run  | %-44s | %.0f ms, timers' bound %.0f ms, ratio %.3f, goal %.2f: %s\n",
+                "1,000 devices on loopback, 1,000 slots", median, runBoundMs, median / runBoundMs, runGoal,
+                median <= runGoal * runBoundMs ? "ok" : "MISSED");
     {
         const EventWaits events;
-        const double median = bench::medianOf(runs(station, measuredRuns));
-        std::printf("run  | %-44s | %.0f ms, timers' bound %.0f ms, ratio %.3f, goal %.2f: %s\n",
-                    "1,000 devices on loopback, 1,000 slots", median, runBoundMs, median / runBoundMs,
-                    runGoal, median <= runGoal * runBoundMs ? "ok" : "MISSED");
+        wait(std::chrono::seconds(15));
         printEvents("the same, living hosts", events);
     }
     fill(station, "10.77.");
