@@ -172,18 +172,22 @@ std::optional<FileError> CStation::save(CMirovaneDoc::Attempt attempt) {
     return error;
 }
 
-/// Steps that are under way go on: they work on copies, and find their device by its number.
 void CStation::afterReadAgain() {
     if (reloading_)
         return;
     reloading_ = true;
     unreadable_ = false;
+    tellOfReadAgain();
+    reloading_ = false;
+}
+
+/// Steps that are under way go on: they work on copies, and find their device by its number.
+void CStation::tellOfReadAgain() {
     liveStat_->afterReload();
     liveDiscover_->afterReload();
     if (discoverNow_)
         discoverNow_->afterReload();
     redraw();
-    reloading_ = false;
 }
 
 std::optional<FileError> CStation::saveDatafileAs(const std::string& path) {

@@ -195,6 +195,7 @@ private:
     std::size_t writeRows(const ExportSettings& settings, std::chrono::milliseconds patience);
     std::optional<FileError> save(CMirovaneDoc::Attempt attempt = CMirovaneDoc::Attempt::First);
     void afterReadAgain();
+    void tellOfReadAgain();
     void settleReload();
     void saveBackgroundChanges();
     void leaveDatafile();

@@ -107,11 +107,7 @@ void CStation::finishReload() {
         if (doc_->unsavedEdits())
             save();
         refillListView();
-        liveStat_->afterReload();
-        liveDiscover_->afterReload();
-        if (discoverNow_)
-            discoverNow_->afterReload();
-        redraw();
+        tellOfReadAgain();
     }
     reloading_ = false;
     startTimers(reminderPeriodAfterReload);

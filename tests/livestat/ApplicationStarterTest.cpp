@@ -2,6 +2,7 @@
 
 #include "tests/support/FakeLauncher.h"
 #include "tests/support/FakeTime.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/TestFolder.h"
 
 #include <cstdlib>
@@ -29,10 +30,7 @@ protected:
         return made;
     }
 
-    std::string lastLine() const {
-        const std::string& line = log.lines().back();
-        return line.substr(line.find(" - ") + 3);
-    }
+    std::string lastLine() const { return test::withoutDate(log.lines().back()); }
 };
 
 TEST_F(ApplicationStarter, EveryPlaceGetsItsCommandLine) {

@@ -4,6 +4,7 @@
 #include "platform/PosixFiles.h"
 #include "tests/support/FakeTime.h"
 #include "tests/support/InlineWorkers.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/ScriptedProbes.h"
 
 #include <gtest/gtest.h>
@@ -68,14 +69,7 @@ protected:
     void pass(int milliseconds) { timers.advance(std::chrono::milliseconds(milliseconds)); }
 
     /// The log's lines since the last call, without their dates.
-    std::vector<std::string> logged() {
-        std::vector<std::string> lines;
-        for (; seenLines < log.lines().size(); ++seenLines) {
-            const std::string& line = log.lines()[seenLines];
-            lines.push_back(line.substr(line.find(" - ") + 3));
-        }
-        return lines;
-    }
+    std::vector<std::string> logged() { return logLines.next(); }
 
     FakeClock clock;
     FakeTimers timers{clock};
@@ -88,7 +82,7 @@ protected:
     NotedDiscoverHost host;
     InlineWorkers inlineWorkers;
     CLiveDiscover discover;
-    std::size_t seenLines = 0;
+    LogLines logLines{log};
 };
 
 } // namespace mirovane::test

@@ -4,6 +4,7 @@
 #include "platform/PosixFiles.h"
 #include "tests/support/FakeTime.h"
 #include "tests/support/InlineWorkers.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/ScriptedProbes.h"
 
 #include <gtest/gtest.h>
@@ -78,14 +79,7 @@ protected:
     void run() { pass(3000 + static_cast<int>(scheduler->slotCount())); }
 
     /// The log's lines since the last call, without their dates.
-    std::vector<std::string> logged() {
-        std::vector<std::string> lines;
-        for (; seenLines < log.lines().size(); ++seenLines) {
-            const std::string& line = log.lines()[seenLines];
-            lines.push_back(line.substr(line.find(" - ") + 3));
-        }
-        return lines;
-    }
+    std::vector<std::string> logged() { return logLines.next(); }
 
     FakeClock clock;
     FakeTimers timers{clock};
@@ -100,7 +94,7 @@ protected:
     Workers& workers;
     LiveStatSettings liveStatSettings;
     std::unique_ptr<CLiveStatScheduler> scheduler;
-    std::size_t seenLines = 0;
+    LogLines logLines{log};
 };
 
 } // namespace mirovane::test

@@ -3,6 +3,7 @@
 #include "model/Document.h"
 #include "platform/PosixFiles.h"
 #include "tests/support/FakeTime.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/TestFolder.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ class DocumentFixture : public testing::Test {
 protected:
     DocumentFixture() {
         log.addListener([this](const std::string& line, bool toStatusBar) {
-            lastLine = line.substr(line.find(" - ") + 3);
+            lastLine = withoutDate(line);
             lastToStatusBar = toStatusBar;
         });
     }

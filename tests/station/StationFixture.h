@@ -4,6 +4,7 @@
 #include "station/Station.h"
 #include "tests/support/FakeTime.h"
 #include "tests/support/InlineWorkers.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/ScriptedProbes.h"
 #include "tests/support/TestFolder.h"
 
@@ -49,14 +50,7 @@ public:
     const CHardware& device(std::int32_t recID) { return *doc().findDevice(recID); }
 
     /// The log's lines since the last call, without their dates.
-    Lines logged() {
-        Lines lines;
-        for (; seen < log.lines().size(); ++seen) {
-            const std::string& line = log.lines()[seen];
-            lines.push_back(line.substr(line.find(" - ") + 3));
-        }
-        return lines;
-    }
+    Lines logged() { return logLines.next(); }
 
     PosixFiles files;
     CMessageLog log;
@@ -66,7 +60,7 @@ public:
     ScriptedProbes probes;
     InlineWorkers workers;
     std::unique_ptr<CStation> station;
-    std::size_t seen = 0;
+    LogLines logLines{log};
 };
 
 /// Two stations, A and B, and a datafile on disk with three printers.
