@@ -1,5 +1,6 @@
 #include "livestat/ApplicationCommand.h"
 
+#include "livestat/ShellArguments.h"
 #include "model/Text.h"
 
 #include <algorithm>
@@ -20,9 +21,6 @@ constexpr std::array<std::string_view, 30> terminalPrograms = {
     "telnet", "top",    "tracepath", "traceroute", "traceroute6", "whois",
 };
 
-constexpr std::array<std::string_view, 9> shells = {"ash", "bash", "csh",  "dash", "fish",
-                                                    "ksh", "sh",   "tcsh", "zsh"};
-
 struct Prefix {
     std::string_view text;
     ProgramPlace place;
@@ -35,12 +33,6 @@ constexpr std::array<Prefix, 2> prefixes = {{
 bool startsWith(std::string_view text, std::string_view beginning) {
     return equalIgnoringCase(text.substr(0, beginning.size()), beginning);
 }
-
-struct Argument {
-    std::string text;
-    bool holdsField = false;
-    bool beginsWithField = false;
-};
 
 /// Cuts what it is given into arguments, as it comes.
 class Splitter {
@@ -61,18 +53,18 @@ public:
     }
 
     void field(std::string_view value) {
-        Argument& argument = current();
+        CommandArgument& argument = current();
         argument.holdsField = true;
-        if (argument.text.empty() && !value.empty())
-            argument.beginsWithField = true;
+        argument.beginsWithField = argument.beginsWithField || argument.text.empty();
+        argument.oddField = argument.oddField || !isPlainForShell(value);
         argument.text += value;
         quoteClosed_ = false;
     }
 
-    std::vector<Argument> finish() && { return std::move(arguments_); }
+    std::vector<CommandArgument> finish() && { return std::move(arguments_); }
 
 private:
-    Argument& current() {
+    CommandArgument& current() {
         if (!inArgument_)
             arguments_.emplace_back();
         inArgument_ = true;
@@ -96,7 +88,7 @@ private:
         }
     }
 
-    std::vector<Argument> arguments_;
+    std::vector<CommandArgument> arguments_;
     bool inArgument_ = false;
     bool quoted_ = false;
     bool quoteClosed_ = false; ///< by the character before: one more quote is meant as a character
@@ -121,35 +113,6 @@ std::string_view fileName(std::string_view word) {
 
 bool isTerminalProgram(std::string_view word) {
     return std::ranges::find(terminalPrograms, fileName(word)) != terminalPrograms.end();
-}
-
-bool isShell(const Argument& argument) {
-    return !argument.holdsField && std::ranges::find(shells, fileName(argument.text)) != shells.end();
-}
-
-/// "-o pipefail", "--rcfile FILE"
-bool takesValue(std::string_view option) {
-    return option.starts_with("--") || option.ends_with('o') || option.ends_with('O');
-}
-
-/// "sh -c LINE", "sudo bash -lc LINE": a field in LINE would be read as commands. What follows LINE is not,
-/// nor is anything behind the name of a script.
-bool givesFieldToShell(const std::vector<Argument>& arguments) {
-    bool takesLine = false;
-    std::string_view option;
-    auto argument = std::ranges::find_if(arguments, isShell);
-    while (argument != arguments.end() && ++argument != arguments.end()) {
-        const std::string_view text = argument->text;
-        if (text.starts_with('-') || text.starts_with('+')) {
-            option = text;
-            takesLine = takesLine || (!text.starts_with("--") && text.find('c') != std::string_view::npos);
-        } else if (takesLine) {
-            return argument->holdsField;
-        } else if (!takesValue(std::exchange(option, {}))) {
-            return false;
-        }
-    }
-    return false;
 }
 
 bool holdsField(std::string_view word) {
@@ -183,7 +146,11 @@ constexpr std::string_view fieldForShell =
     "a shell would run what stands in a device's field; write the shell's line into a script and start that "
     "with the placeholders as its arguments";
 
-std::string refusalOf(const std::vector<Argument>& arguments, ProgramPlace place) {
+constexpr std::string_view oddFieldForShell = "the program hands its arguments to a shell, and a field among "
+                                              "them is empty or holds blanks or characters "
+                                              "that a shell obeys";
+
+std::string refusalOf(const std::vector<CommandArgument>& arguments, ProgramPlace place) {
     if (arguments.empty() || arguments.front().text.empty())
         return "no program is left when the text is put in";
     if (place != ProgramPlace::Browser && arguments.front().holdsField)
@@ -191,19 +158,19 @@ std::string refusalOf(const std::vector<Argument>& arguments, ProgramPlace place
     if (givesFieldToShell(arguments))
         return std::string(fieldForShell);
     bool optionsEnded = false;
-    for (const Argument& argument : arguments) {
+    for (const CommandArgument& argument : arguments) {
         if (argument.text.find('\0') != std::string::npos)
             return "a field holds a zero byte";
         if (argument.beginsWithField && argument.text.starts_with('-') && !optionsEnded)
-            return "a field begins with \"-\" and would be taken for an option (an argument \"--\" before "
-                   "the placeholder allows it, where the program knows that)";
+            return "what a field begins starts with \"-\" and would be taken for an option (an argument "
+                   "\"--\" before the placeholder allows it, where the program knows that)";
         optionsEnded = optionsEnded || (argument.text == "--" && !argument.holdsField);
     }
-    return {};
+    return handsOddFieldToShell(arguments) ? std::string(oddFieldForShell) : std::string();
 }
 
-std::vector<Argument> cut(std::string_view line, ProgramPlace place, const CHardware& device,
-                          std::string_view insertedText) {
+std::vector<CommandArgument> cut(std::string_view line, ProgramPlace place, const CHardware& device,
+                                 std::string_view insertedText) {
     Splitter splitter;
     for (const TemplatePiece& piece : templatePieces(line, ExpandMode::Command)) {
         if (piece.selector == 0) {
@@ -238,7 +205,7 @@ std::vector<std::string> splitCommandLine(std::string_view line) {
     Splitter splitter;
     splitter.text(line);
     std::vector<std::string> words;
-    for (Argument& argument : std::move(splitter).finish())
+    for (CommandArgument& argument : std::move(splitter).finish())
         words.push_back(std::move(argument.text));
     return words;
 }
@@ -283,10 +250,10 @@ std::string ApplicationCommand::problem() const {
 
 ApplicationCommand::Filled ApplicationCommand::fill(const CHardware& device,
                                                     std::string_view insertedText) const {
-    std::vector<Argument> arguments = cut(line_, place_, device, insertedText);
+    std::vector<CommandArgument> arguments = cut(line_, place_, device, insertedText);
     Filled filled;
     filled.refusal = refusalOf(arguments, place_);
-    for (Argument& argument : arguments)
+    for (CommandArgument& argument : arguments)
         filled.words.push_back(std::move(argument.text));
     return filled;
 }

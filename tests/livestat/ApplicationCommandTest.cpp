@@ -81,6 +81,10 @@ TEST(ApplicationCommand, AFieldNeverBecomesAnOptionOrTheProgram) {
     second.IPAddress.clear();
     EXPECT_THAT(ApplicationCommand("ssh $mvI\"$mvN\"").fill(second, "").refusal, HasSubstr("option"));
 
+    second.Username.clear();
+    second.Name = "oProxyCommand=reboot";
+    EXPECT_THAT(ApplicationCommand("ssh $mvU-$mvN").fill(second, "").refusal, HasSubstr("option"));
+
     EXPECT_THAT(ApplicationCommand("$mvN -x").problem(), HasSubstr("program"));
     EXPECT_THAT(ApplicationCommand("/opt/$mvN/run").problem(), HasSubstr("program"));
     // Nothing typed: the next argument would be the program.
@@ -100,6 +104,27 @@ TEST(ApplicationCommand, AFieldIsNeverReadByAShell) {
         EXPECT_EQ(ApplicationCommand(line).problem(), "") << line;
     EXPECT_THAT(ApplicationCommand("$mvW $mvN").fill(device("reboot"), "sh -c").refusal, HasSubstr("shell"));
     EXPECT_EQ(filled("tool $mvN -c $mvI", device("sh")), (Words{"tool", "sh", "-c", "10.0.0.5"}));
+}
+
+TEST(ApplicationCommand, ProgramsThatCallAShellGetPlainFieldsOnly) {
+    const char* handedOver[] = {"watch ping -x $mvN",     "term: sudo watch -n 5 \"ping $mvN | tail\"",
+                                "ssh $mvI uptime $mvN",   "ssh -o \"ProxyCommand=nc $mvN 22\" $mvI",
+                                "ssh -p 22 -- $mvI $mvN", "su -c \"ping $mvN\" nobody",
+                                "xterm -e \"ping $mvN\""};
+    const char* passedOn[] = {
+        "watch -n 5 -x ping $mvN", "ssh $mvN",           "ssh -l $mvN -p 22 $mvI uptime",
+        "ssh -v root@$mvN -4 ls",  "xterm -e ping $mvN", "xterm -T $mvN -e top",
+        "tool watch.txt $mvN"};
+    for (const char* odd : {"x;reboot", "$(reboot)", "a b", "a\nb", "`x`", "'", "*"}) {
+        for (const char* line : handedOver)
+            EXPECT_THAT(ApplicationCommand(line).fill(device(odd), "").refusal, HasSubstr("shell"))
+                << line << " with " << odd;
+        for (const char* line : passedOn)
+            EXPECT_EQ(ApplicationCommand(line).fill(device(odd), "").refusal, "") << line << " with " << odd;
+    }
+    EXPECT_THAT(ApplicationCommand("watch ping $mvN x").fill(device(""), "").refusal, HasSubstr("empty"));
+    for (const char* line : handedOver)
+        EXPECT_EQ(ApplicationCommand(line).fill(device("pc-1.b\xC3\xBCro"), "").refusal, "") << line;
 }
 
 TEST(ApplicationCommand, ThePlaceFollowsFromPrefixAndProgram) {
