@@ -142,6 +142,8 @@ std::string addressPart(std::string_view value) {
 constexpr std::string_view programFromField =
     "the program itself must be written in the command; it cannot come from a device's field";
 
+constexpr std::string_view addressOfWords = "a web address must be one word; write %20 for a blank";
+
 constexpr std::string_view fieldForShell =
     "a shell would run what stands in a device's field; write the shell's line into a script and start that "
     "with the placeholders as its arguments";
@@ -153,7 +155,9 @@ constexpr std::string_view oddFieldForShell = "the program hands its arguments t
 std::string refusalOf(const std::vector<CommandArgument>& arguments, ProgramPlace place) {
     if (arguments.empty() || arguments.front().text.empty())
         return "no program is left when the text is put in";
-    if (place != ProgramPlace::Browser && arguments.front().holdsField)
+    if (place == ProgramPlace::Browser)
+        return std::string(arguments.size() > 1 ? addressOfWords : std::string_view());
+    if (arguments.front().holdsField)
         return std::string(programFromField);
     if (givesFieldToShell(arguments))
         return std::string(fieldForShell);
@@ -216,16 +220,20 @@ ApplicationCommand::ApplicationCommand(std::string_view line) {
         prefixes, [line](const Prefix& candidate) { return startsWith(line, candidate.text); });
     if (prefix != prefixes.end()) {
         line.remove_prefix(prefix->text.size());
-        place_ = prefix->place;
+        prefixPlace_ = prefix->place;
     }
     line_ = line;
-    const std::vector<std::string> words = splitCommandLine(line_);
-    if (prefix != prefixes.end() || words.empty())
-        return;
-    if (isWebAddress(words.front()))
-        place_ = ProgramPlace::Browser;
-    else if (isTerminalProgram(words.front()))
-        place_ = ProgramPlace::Terminal;
+}
+
+ProgramPlace ApplicationCommand::place(std::string_view insertedText) const {
+    if (prefixPlace_)
+        return *prefixPlace_;
+    const auto arguments = cut(line_, ProgramPlace::OwnWindow, CHardware(), insertedText);
+    if (arguments.empty())
+        return ProgramPlace::OwnWindow;
+    if (isWebAddress(arguments.front().text))
+        return ProgramPlace::Browser;
+    return isTerminalProgram(arguments.front().text) ? ProgramPlace::Terminal : ProgramPlace::OwnWindow;
 }
 
 bool ApplicationCommand::wantsText() const {
@@ -240,19 +248,20 @@ std::string ApplicationCommand::problem() const {
         return "its command is empty";
     if (isForeignProgram(words.front()))
         return "\"" + words.front() + "\" is a program of another system and cannot be started on this one";
-    if (place_ == ProgramPlace::Browser)
-        return words.size() > 1 ? "a web address must be one word; write %20 for a blank" : std::string();
+    if (place() == ProgramPlace::Browser)
+        return words.size() > 1 ? std::string(addressOfWords) : std::string();
     if (holdsField(words.front()))
         return std::string(programFromField);
-    return givesFieldToShell(cut(line_, place_, CHardware(), {})) ? std::string(fieldForShell)
-                                                                  : std::string();
+    return givesFieldToShell(cut(line_, place(), CHardware(), {})) ? std::string(fieldForShell)
+                                                                   : std::string();
 }
 
 ApplicationCommand::Filled ApplicationCommand::fill(const CHardware& device,
                                                     std::string_view insertedText) const {
-    std::vector<CommandArgument> arguments = cut(line_, place_, device, insertedText);
+    const ProgramPlace where = place(insertedText);
+    std::vector<CommandArgument> arguments = cut(line_, where, device, insertedText);
     Filled filled;
-    filled.refusal = refusalOf(arguments, place_);
+    filled.refusal = refusalOf(arguments, where);
     for (CommandArgument& argument : arguments)
         filled.words.push_back(std::move(argument.text));
     return filled;
@@ -262,7 +271,6 @@ ApplicationRun planApplicationRun(std::string_view command, std::span<const CHar
                                   const std::function<std::optional<std::string>()>& askForText) {
     const ApplicationCommand application(command);
     ApplicationRun run;
-    run.place = application.place();
     if (devices.empty())
         return run;
     if (const std::string problem = application.problem(); !problem.empty()) {
@@ -273,6 +281,7 @@ ApplicationRun planApplicationRun(std::string_view command, std::span<const CHar
     run.cancelled = !insertedText;
     if (run.cancelled)
         return run;
+    run.place = application.place(*insertedText);
     for (const CHardware& device : devices) {
         ApplicationCommand::Filled filled = application.fill(device, *insertedText);
         if (filled.refusal.empty())

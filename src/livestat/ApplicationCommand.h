@@ -45,7 +45,8 @@ class ApplicationCommand {
 public:
     explicit ApplicationCommand(std::string_view line);
 
-    ProgramPlace place() const { return place_; }
+    /// The program may be the typed text, or begin with it.
+    ProgramPlace place(std::string_view insertedText = {}) const;
 
     /// It holds a $mvW that counts.
     bool wantsText() const;
@@ -63,7 +64,7 @@ public:
 
 private:
     std::string line_; ///< without its prefix
-    ProgramPlace place_ = ProgramPlace::OwnWindow;
+    std::optional<ProgramPlace> prefixPlace_;
 };
 
 /// What one choice of an application comes to.

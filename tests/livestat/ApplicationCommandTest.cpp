@@ -144,6 +144,14 @@ TEST(ApplicationCommand, ThePlaceFollowsFromPrefixAndProgram) {
     };
     for (const auto& [line, place] : cases)
         EXPECT_EQ(ApplicationCommand(line).place(), place) << line;
+    const std::vector<CHardware> one{device("x")};
+    const auto typed = [&one](const char* line, const char* text) {
+        return planApplicationRun(line, one, [text] { return std::optional<std::string>(text); });
+    };
+    EXPECT_EQ(typed("$mvW $mvI", "ping -n").place, Terminal) << "an endless ping that nobody sees";
+    EXPECT_EQ(typed("$mvW", "https://x/").place, Browser);
+    EXPECT_EQ(typed("$mvW $mvI", "xfreerdp").place, OwnWindow);
+    EXPECT_EQ(typed("noterm: $mvW $mvI", "ping").place, OwnWindow);
     EXPECT_EQ(filled("term: tool $mvI", device("x")), (Words{"tool", "10.0.0.5"}));
     EXPECT_EQ(filled("noterm:ping", device("x")), (Words{"ping"}));
 }
@@ -153,6 +161,8 @@ TEST(ApplicationCommand, CommandsOfAnotherSystemAndBadAddressesSaySo) {
          {R"("C:\Windows\System32\mstsc.exe" /v:$mvN)", R"(\\server\tools\vnc.exe $mvI)", "d:/tools/x.exe"})
         EXPECT_THAT(ApplicationCommand(line).problem(), HasSubstr("another system")) << line;
     EXPECT_THAT(ApplicationCommand("http://$mvI two").problem(), HasSubstr("one word"));
+    EXPECT_THAT(ApplicationCommand("http://$mvI/$mvW").fill(device("x"), "a b").refusal,
+                HasSubstr("one word"));
     EXPECT_THAT(ApplicationCommand(" ").problem(), HasSubstr("empty"));
     EXPECT_EQ(filled("http://$mvI/?q=$mvN&x", device("a b';$(x)\"\xC3\xA4/1")),
               (Words{"http://10.0.0.5/?q=a%20b%27%3B%24%28x%29%22%C3%A4/1&x"}));
