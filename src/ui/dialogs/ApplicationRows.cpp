@@ -87,8 +87,8 @@ void CApplicationRows::makeHeader(QGridLayout& grid) {
 }
 
 void CApplicationRows::makeRow(QGridLayout& grid, int number) {
-    constexpr int nameWidth = 200;
-    constexpr int commandWidth = 420;
+    constexpr int nameWidth = 110;
+    constexpr int commandWidth = 180;
     Row& row = rows_[static_cast<std::size_t>(number)];
     row.onMenu = new QCheckBox;
     row.onMenu->setObjectName(QStringLiteral("applicationOnMenu%1").arg(number));

@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 namespace mirovane {
@@ -19,6 +20,8 @@ namespace mirovane {
 namespace {
 
 constexpr std::chrono::milliseconds saveDelay{2000};
+
+constexpr int wantedWidth = 870; // a command of some sixty characters is seen whole
 
 constexpr const char* instructions =
     "To run Program/Command:\n"
@@ -106,6 +109,7 @@ CApplicationsWindow::CApplicationsWindow(CStation& station, std::function<void(c
       saveFailed_(std::move(saveFailed)),
       rows_(new CApplicationRows(station.document())),
       terminal_(new QLineEdit),
+      add_(new QPushButton(QStringLiteral("Add"))),
       explanation_(makeLabel("")) {
     setObjectName(QStringLiteral("applicationsWindow"));
     setWindowTitle(QStringLiteral("External Applications"));
@@ -121,7 +125,9 @@ CApplicationsWindow::CApplicationsWindow(CStation& station, std::function<void(c
     layout->addSpacing(6);
     layout->addWidget(makeLabel(variables));
     layout->addSpacing(6);
-    layout->addWidget(makeLabel(terminalHint));
+    auto* hint = makeLabel(terminalHint);
+    hint->setWordWrap(true);
+    layout->addWidget(hint);
     layout->addWidget(makeTerminal());
     layout->addStretch();
     layout->addWidget(makeButtons());
@@ -130,6 +136,16 @@ CApplicationsWindow::CApplicationsWindow(CStation& station, std::function<void(c
     connect(rows_, &CApplicationRows::commandShown, this, &CApplicationsWindow::explain);
     saveTimer_.setSingleShot(true);
     connect(&saveTimer_, &QTimer::timeout, this, &CApplicationsWindow::saveLater);
+    fitToScreen();
+    // The only box there is without entries is the terminal's: whoever types at once would name another one.
+    if (applicationRecords(station_.document()).empty())
+        add_->setFocus();
+}
+
+void CApplicationsWindow::fitToScreen() {
+    const QScreen* where = parentWidget() ? parentWidget()->screen() : screen();
+    const QSize room = where->availableGeometry().size() - QSize(20, 60);
+    resize(sizeHint().expandedTo(QSize(wantedWidth, 0)).boundedTo(room));
 }
 
 CApplicationsWindow::~CApplicationsWindow() {
@@ -169,17 +185,16 @@ QWidget* CApplicationsWindow::makeButtons() {
     auto* line = new QWidget;
     auto* layout = new QHBoxLayout(line);
     layout->setContentsMargins(0, 0, 0, 0);
-    auto* add = new QPushButton(QStringLiteral("Add"));
-    add->setObjectName(QStringLiteral("applicationAdd"));
-    add->setShortcut(QKeySequence(Qt::ALT | Qt::Key_A));
+    add_->setObjectName(QStringLiteral("applicationAdd"));
+    add_->setShortcut(QKeySequence(Qt::ALT | Qt::Key_A));
     auto* close = new QPushButton(QStringLiteral("Close"));
     close->setObjectName(QStringLiteral("applicationClose"));
     close->setShortcut(QKeySequence(Qt::ALT | Qt::Key_C));
-    for (QPushButton* button : {add, close})
+    for (QPushButton* button : {add_, close})
         button->setAutoDefault(false); // Enter belongs to the boxes
-    connect(add, &QPushButton::clicked, rows_, &CApplicationRows::addEntry);
+    connect(add_, &QPushButton::clicked, rows_, &CApplicationRows::addEntry);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
-    layout->addWidget(add);
+    layout->addWidget(add_);
     layout->addStretch();
     layout->addWidget(close);
     return line;

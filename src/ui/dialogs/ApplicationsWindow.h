@@ -9,6 +9,7 @@
 
 class QLabel;
 class QLineEdit;
+class QPushButton;
 
 namespace mirovane {
 
@@ -39,6 +40,7 @@ protected:
 private:
     QWidget* makeTerminal();
     QWidget* makeButtons();
+    void fitToScreen();
     void explain(const QString& command);
     void storeTerminal();
     void saveSoon();
@@ -49,6 +51,7 @@ private:
     std::function<void(const FileError&)> saveFailed_;
     CApplicationRows* rows_;
     QLineEdit* terminal_;
+    QPushButton* add_;
     QLabel* explanation_;
     QTimer saveTimer_;
     bool unsaved_ = false;

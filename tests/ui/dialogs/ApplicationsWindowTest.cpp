@@ -177,6 +177,14 @@ TEST_F(ApplicationsWindow, AnEntryThatTwoEditKeepsBothAndOneThatWentComesBack) {
     EXPECT_EQ(entry(6).command, "mine");
 }
 
+TEST_F(ApplicationsWindow, TypingIntoAnEmptyWindowDoesNotNameTheTerminal) {
+    while (count() > 0)
+        document().remove(*applicationRecords(document()).front());
+    open();
+    EXPECT_EQ(QApplication::focusWidget(), part<QPushButton>("applicationAdd"));
+    EXPECT_LE(window->minimumSizeHint().width(), 780) << "half of a screen of 1600 pixels at twice the size";
+}
+
 TEST_F(ApplicationsWindow, TheTerminalIsTheUsersOwn) {
     auto* box = part<QLineEdit>("applicationTerminal");
     type(box, "xterm -e");
