@@ -148,10 +148,8 @@ void CMainFrame::showOnFloor(std::int32_t recID) {
 void CMainFrame::showDiscoverNow() {
     if (!discoverNow_) {
         discoverNow_ = new CDiscoverNowWindow(station_, dialogs_, this);
-        connect(discoverNow_, &CDiscoverNowWindow::rangesWanted, this, [this] {
-            if (QAction* options = actions_->action("toolsLiveStatOptions"))
-                options->trigger();
-        });
+        connect(discoverNow_, &CDiscoverNowWindow::rangesWanted, this,
+                [this] { toolsCommands_.openLiveStatOptions(discoverNow_); });
     }
     discoverNow_->present();
 }

@@ -49,8 +49,8 @@ void CToolsCommands::connectTo(CCommandActions& actions) {
                         }});
 }
 
-void CToolsCommands::openLiveStatOptions() {
-    options_ = new CLiveStatOptionsWindow(station_, dialogs_, parts_.window);
+void CToolsCommands::openLiveStatOptions(QWidget* asking) {
+    options_ = new CLiveStatOptionsWindow(station_, dialogs_, asking ? asking : parts_.window);
     options_->setAttribute(Qt::WA_DeleteOnClose);
     options_->open();
 }

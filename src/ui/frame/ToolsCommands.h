@@ -27,8 +27,9 @@ public:
 
     void chooseFloorMap();
 
-    /// Shows the options window, which goes on by itself.
-    void openLiveStatOptions();
+    /// Shows the options window, which goes on by itself, in front of the window that asks for it: that one
+    /// hands the keyboard to it and has it back afterwards.
+    void openLiveStatOptions(QWidget* asking = nullptr);
 
     /// The session ends or the datafile is saved: a rule that is being typed counts.
     void storeTyping();

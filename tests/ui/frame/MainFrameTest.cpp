@@ -303,6 +303,18 @@ TEST_F(MainFrame, titleAndRecentFilesFollowTheDocument) {
     EXPECT_EQ(frame->windowHandle()->title(), QStringLiteral("plan[*].mv - Mirovane"));
 }
 
+TEST_F(MainFrame, rangesAskedForByDiscoverNowTakeTheKeyboardFromIt) {
+    action("toolsDiscoverNow")->trigger();
+    auto* discover = frame->findChild<QDialog*>(QStringLiteral("discoverNowWindow"));
+    ASSERT_NE(discover, nullptr);
+    discover->findChild<QPushButton*>(QStringLiteral("discoverNowRanges"))->click();
+    auto* options = frame->findChild<QDialog*>(QStringLiteral("liveStatOptions"));
+    ASSERT_NE(options, nullptr);
+    // By this a window manager hands the keyboard over and back.
+    EXPECT_EQ(options->parentWidget(), discover);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(options));
+}
+
 TEST_F(MainFrame, closingAnUnsavedFloorCanBeCalledOff) {
     addComputer();
     dialogs.saveAnswers = {SaveAnswer::Cancel};
