@@ -14,8 +14,6 @@ constexpr std::chrono::milliseconds pollPeriod{100};
 /// Longer than anybody waits who did not mean it.
 constexpr std::chrono::minutes longSweep{10};
 
-constexpr std::size_t mostRecords = 65'534; ///< of a datafile
-
 /// Each try loses against a station that saved in the very moment.
 constexpr int saveTries = 3;
 
@@ -121,7 +119,7 @@ std::optional<std::string> CDiscoverNow::start(int perSecond) {
     }
     SweepOptions options;
     options.perSecond = perSecond;
-    options.mostFound = mostRecords - std::min(mostRecords, document_.size());
+    options.mostFound = Datafile::maxRecords - std::min(Datafile::maxRecords, document_.size());
     found_.clear();
     places_.clear();
     result_.reset();

@@ -2,6 +2,7 @@
 
 #include "livestat/SweepPace.h"
 #include "livestat/SweepPlan.h"
+#include "model/Datafile.h"
 #include "platform/Clock.h"
 #include "probes/SweepProbes.h"
 
@@ -24,8 +25,8 @@ struct SweepOptions {
     /// slow links are found.
     EchoOptions echo;
 
-    /// The sweep ends when it has found so many: more than the datafile takes.
-    std::size_t mostFound = 65'534;
+    /// The sweep ends when it has found so many: the datafile takes no more.
+    std::size_t mostFound = Datafile::maxRecords;
 };
 
 /// A host that answered.
