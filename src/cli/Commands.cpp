@@ -138,7 +138,10 @@ constexpr std::string_view fieldDetails =
 constexpr std::string_view criteriaDetails =
     "Rows: 0 Live Stat Status (LSS), 1 Name, 2 IP Address, 3 Username, 4 MAC/Port, 5 to Jack/#,\n"
     "6 Comment/Marker, 7 / Text, 8 \\ Text, 9 -- Text, 10 | Text, 11 To Do; by number or label.\n"
-    "Columns: Command, Argument, Delimiter, FieldPos, SearchFor, IfMatch, Condition.\n";
+    "Columns: Command, Argument, Delimiter, FieldPos, SearchFor, IfMatch, Condition.\n"
+    "Arguments: Ping, NS Lookup: HOST...; NS Lookup(reverse): ADDRESS...; SNMPGet: HOST COMMUNITY OID;\n"
+    "Registry: \\\\HOST\\HIVE\\KEY\\...\\VALUE; Search in Text File: FILE; Search for File: FOLDER/NAMES*;\n"
+    "Set Value: TEXT; with $mvN, $mvI, $mvU, $mvM, $mvJ, $mvC ... for the device's fields (quote them).\n";
 
 constexpr std::string_view rangesDetails =
     "Addresses are four numbers from 0 to 255, a range goes from a low one to a high one. Leave out the "
