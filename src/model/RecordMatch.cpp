@@ -60,7 +60,10 @@ CHardware* CRecordMatch::findChanged(const CHardware& base, const CHardware& hel
 CHardware* CRecordMatch::findSameNew(const CHardware& added) {
     if (added.isDevice()) {
         const auto place = index_.device(added.RecID);
-        return place && sameContent(*theirs_[*place], added) ? theirs_[*place].get() : nullptr;
+        if (!place || !sameContent(*theirs_[*place], added))
+            return nullptr;
+        // Two users who each add a blank device at the same place have two devices, not one.
+        return theirs_[*place]->Modified == added.Modified ? theirs_[*place].get() : nullptr;
     }
     if (!isListedSpecial(added.Type))
         return nullptr;

@@ -28,7 +28,8 @@ public:
     /// that `base` became.
     CHardware* findChanged(const CHardware& base, const CHardware& held);
 
-    /// For a record that we added: one that says the same and that was not in the earlier reading.
+    /// For a record that we added: one that says the same and that was not in the earlier reading. A device
+    /// counts as ours only with our stamp on it: then a save that was reported as failed did reach the file.
     CHardware* findSameNew(const CHardware& added);
 
 private:

@@ -184,7 +184,11 @@ INSTANTIATE_TEST_SUITE_P(
              both(add("y"), add("z")),
              "1 a; 2 b; 3 c; " + apps + "4 x; 6 y; 5 z; ",
              {"Device 4 \"y\" has the RecID 6 now: another station gave its own to a device of its own"}},
-        Case{"the same new device", add("x"), add("x"), "1 a; 2 b; 3 c; " + apps + "4 x; ", {}},
+        Case{"new devices that look alike",
+             add("x"),
+             add("x"),
+             "1 a; 2 b; 3 c; " + apps + "4 x; 5 x; ",
+             {"Device 4 \"x\" has the RecID 5 now: another station gave its own to a device of its own"}},
         Case{"both delete", del(2), del(2), "1 a; 3 c; " + apps, {}},
         Case{"deleted there, changed here",
              del(2),
@@ -377,6 +381,53 @@ TEST_F(MergedDocument, WhatIsSelectedFollowsItsDeviceToItsNewNumber) {
     EXPECT_EQ(watcher.told, "4>5 replaced ");
     EXPECT_EQ(device(doc, 5).Selected + device(doc, 5).ShowAll + device(doc, 2).LSNowMark, 3);
     EXPECT_EQ(device(doc, 4).Selected, 0);
+}
+
+/// A share whose connection breaks after the file was replaced: the save counts as failed.
+class BreakingShare final : public Files {
+public:
+    Result<FileIdentity, FileError> status(const std::string& path) override { return real_.status(path); }
+    Result<std::unique_ptr<LockedFile>, FileError> lock(const std::string& path, FileAccess access,
+                                                        std::chrono::milliseconds patience) override {
+        auto taken = real_.lock(path, access, patience);
+        if (!taken)
+            return taken.error();
+        return std::unique_ptr<LockedFile>(std::make_unique<File>(std::move(taken.value()), breaks));
+    }
+
+    bool breaks = false;
+
+private:
+    struct File final : LockedFile {
+        File(std::unique_ptr<LockedFile> real, bool breaks) : real_(std::move(real)), breaks_(breaks) {}
+        bool exists() const override { return real_->exists(); }
+        FileIdentity identity() const override { return real_->identity(); }
+        Result<std::string, FileError> read() override { return real_->read(); }
+        Result<FileIdentity, FileError> replace(std::string_view content) override {
+            auto replaced = real_->replace(content);
+            return breaks_ ? FileError{FileError::Kind::Other, EIO, "cannot write"} : replaced;
+        }
+
+        std::unique_ptr<LockedFile> real_;
+        bool breaks_;
+    };
+
+    PosixFiles real_;
+};
+
+TEST_F(MergedDocument, ASaveThatReachedTheFileAllTheSameIsNotDoneTwice) {
+    BreakingShare share;
+    CMirovaneDoc doubtful(share, clock, log, settings, {"doubtful", "user"});
+    ASSERT_FALSE(doubtful.open(path));
+    share.breaks = true;
+    both(add("x"), both(set(1, Name, "y"), del(2)))(doubtful);
+    doubtful.append(special(app, "new", "command"));
+    ASSERT_TRUE(doubtful.save());
+    share.breaks = false;
+    clock.advance(std::chrono::seconds(3));
+    ASSERT_FALSE(doubtful.save());
+    EXPECT_EQ(summary(doubtful), "1 y; 3 c; " + apps + "4 x; new=command; ");
+    EXPECT_EQ(merged, Lines{});
 }
 
 } // namespace
