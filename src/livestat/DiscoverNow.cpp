@@ -219,7 +219,13 @@ void CDiscoverNow::addFound(SweepResult& result) {
         const SaveResult saved = host_.saveDatafile("Discover Now ");
         result.saveFailed = saved != SaveResult::Saved;
         if (saved != SaveResult::Reloaded)
-            return;
+            break;
+    }
+    // A save that met another station's may have given them other numbers.
+    const auto there = stillThere(result.added);
+    for (SweepResult::Added& one : result.added) {
+        if (const auto survivor = there.find(one.host.address); survivor != there.end())
+            one.recID = survivor->second;
     }
 }
 

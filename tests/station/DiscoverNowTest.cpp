@@ -199,6 +199,7 @@ TEST_F(DiscoverNowTest, aSaveThatCollidesAddsAgain) {
     findHosts(1);
     ASSERT_FALSE(b.station->openDatafile(path));
     rename(b, 1, "renamed by B");
+    b.doc().addDevice(DeviceType::Printer); // takes the number that the sweep's first find would get
     ASSERT_FALSE(b.station->saveDatafile());
     now().end(CDiscoverNow::Found::Keep); // before the watch has seen it
     EXPECT_THAT(onDisk(), Contains(Pair("127.0.0.9", testing::_)));
