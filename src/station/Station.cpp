@@ -173,6 +173,7 @@ std::optional<FileError> CStation::save(CMirovaneDoc::Attempt attempt) {
 }
 
 void CStation::afterReadAgain() {
+    readAgainMeanwhile_ = true;
     if (reloading_)
         return;
     reloading_ = true;
@@ -181,12 +182,17 @@ void CStation::afterReadAgain() {
     reloading_ = false;
 }
 
-/// Steps that are under way go on: they work on copies, and find their device by its number.
+/// Steps that are under way go on: they work on copies, and find their device by its number. A question may
+/// stand there for hours, and the save that follows the answer may bring yet another owner along, also of the
+/// feature that was looked at before.
 void CStation::tellOfReadAgain() {
-    liveStat_->afterReload();
-    liveDiscover_->afterReload();
-    if (discoverNow_)
-        discoverNow_->afterReload();
+    do {
+        readAgainMeanwhile_ = false;
+        liveStat_->afterReload();
+        liveDiscover_->afterReload();
+        if (discoverNow_)
+            discoverNow_->afterReload();
+    } while (readAgainMeanwhile_);
     redraw();
 }
 

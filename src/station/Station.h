@@ -237,10 +237,11 @@ private:
     bool busy_ = false;          ///< a reload, an update or a delete is under way; nothing is saved
     bool reloadWaiting_ = false; ///< busy_, because a reload waits for Live Stat's jobs
     bool reloading_ = false; ///< the records are being replaced, or the owner is being asked about afterwards
-    bool unreadable_ = false; ///< the last reload failed; reported once
-    bool saveOwed_ = false;   ///< a save failed or was left out, and what it was for is in no datafile yet
-    int ticksToRetry_ = 0;    ///< watch ticks until the owed save is tried again
-    int retryPause_ = 0;      ///< what ticksToRetry_ begins with; grows with every try that fails
+    bool readAgainMeanwhile_ = false; ///< a save read the file again since the owners were looked at
+    bool unreadable_ = false;         ///< the last reload failed; reported once
+    bool saveOwed_ = false; ///< a save failed or was left out, and what it was for is in no datafile yet
+    int ticksToRetry_ = 0;  ///< watch ticks until the owed save is tried again
+    int retryPause_ = 0;    ///< what ticksToRetry_ begins with; grows with every try that fails
     bool shutDown_ = false;
     int pauses_ = 0;
     int saveTicks_ = 0;

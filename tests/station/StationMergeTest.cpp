@@ -172,6 +172,29 @@ TEST_F(StationMergeTest, QuestionsAnsweredLateDoNotOverwriteWhatHappenedMeanwhil
     EXPECT_EQ(b.device(1).Name, "by c");
 }
 
+TEST_F(StationMergeTest, AnOwnerWhoComesWhileTheOtherFeatureIsAskedAboutIsAskedAboutToo) {
+    Site c{clock, timers, {"C-HOST", "c-user"}, false};
+    open(a);
+    CHardware range;
+    range.Type = SpecialType::DiscoverRangeRecord;
+    range.Name = range.IPAddress = "127.0.0.1";
+    a.doc().append(range);
+    a.station->toggleLiveStat();
+    a.station->toggleLiveDiscover();
+    open(b);
+    open(c);
+    a.dialogs.answer = b.dialogs.answer = c.dialogs.answer = true;
+    b.station->toggleLiveDiscover();
+    a.dialogs.whileAsking = [&] {
+        if (a.dialogs.questions.size() == 1)
+            c.station->toggleLiveStat();
+    };
+    pass(3000);
+    EXPECT_EQ(a.dialogs.questions.size(), 2U);
+    EXPECT_TRUE(contains(a.dialogs.questions, "Live stat is enabled by C-HOST"));
+    EXPECT_EQ(a.owner().Name, "A-HOST");
+}
+
 /// Steps that take until the test lets them end, or somebody waits for them.
 class LateWorkers final : public Workers {
 public:
