@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace mirovane {
@@ -15,11 +14,6 @@ constexpr std::int32_t firstToDoRow = criteriaRecordType(DeviceType::first, 11);
 
 Datafile::Error cannotRead(const FileError& error) {
     return {Datafile::Error::Kind::CannotRead, 0, 0, error.sentence};
-}
-
-bool existsOnDisk(const std::filesystem::path& path) {
-    std::error_code failed;
-    return std::filesystem::exists(path, failed);
 }
 
 bool looksLikeWindowsPath(std::string_view path) {
@@ -37,7 +31,7 @@ std::string resolveFrom(const std::string& datafile, const std::string& stored) 
     if (existsOnDisk(stored))
         return stored;
     const std::filesystem::path beside = folder / stored.substr(stored.find_last_of("\\/") + 1);
-    return existsOnDisk(beside) ? beside.string() : stored;
+    return existsOnDisk(beside.string()) ? beside.string() : stored;
 }
 
 } // namespace

@@ -3,20 +3,13 @@
 #include "platform/FilePaths.h"
 
 #include <cerrno>
-#include <filesystem>
 #include <new>
-#include <system_error>
 #include <unordered_map>
 #include <utility>
 
 namespace mirovane {
 
 namespace {
-
-bool existsOnDisk(const std::string& path) {
-    std::error_code failed;
-    return std::filesystem::exists(path, failed);
-}
 
 /// What the user sees of a device beyond its stored fields.
 struct SeenFlags {

@@ -22,10 +22,19 @@ bool isSameFile(const std::string& a, const std::string& b) {
     return a == b || std::filesystem::equivalent(a, b, failed);
 }
 
+bool existsOnDisk(const std::string& path) {
+    std::error_code failed;
+    return std::filesystem::exists(path, failed);
+}
+
+/// Behind a symbolic link ".." leads elsewhere than the text says.
 std::string absolutePath(const std::string& path) {
     std::error_code failed;
     const std::filesystem::path absolute = std::filesystem::absolute(path, failed);
-    return failed || path.empty() ? path : absolute.string();
+    if (failed || path.empty())
+        return path;
+    const std::filesystem::path shortest = absolute.lexically_normal();
+    return isSameFile(shortest.parent_path(), absolute.parent_path()) ? shortest.string() : absolute.string();
 }
 
 std::string fingerprintOf(std::string_view text) {

@@ -1,22 +1,16 @@
 #include "ui/frame/ExportCommand.h"
 
 #include "model/TextExport.h"
+#include "platform/FilePaths.h"
 #include "ui/frame/WaitCursor.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 namespace mirovane {
 
 namespace {
 
 constexpr std::size_t previewRows = 6;
-
-bool fileExists(const std::string& path) {
-    std::error_code unknown;
-    return std::filesystem::exists(path, unknown);
-}
 
 } // namespace
 
@@ -44,7 +38,7 @@ void CExportCommand::run() {
     const std::string datafile = station_.document().path();
     settings->write(station_.settings(), datafile);
     const std::string target = exportTarget(settings->ExportFilename, datafile);
-    if (fileExists(target) && !dialogs_.askStop("File already exist! Do you want to overwrite the file?"))
+    if (existsOnDisk(target) && !dialogs_.askStop("File already exist! Do you want to overwrite the file?"))
         return;
     std::optional<FileError> error;
     {

@@ -1,12 +1,12 @@
 #include "ui/frame/FileCommands.h"
 
 #include "model/Text.h"
+#include "platform/FilePaths.h"
 #include "ui/dialogs/SaveFailure.h"
 #include "ui/frame/WaitCursor.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <system_error>
 
 namespace mirovane {
 
@@ -16,17 +16,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* datafileFilter = "Mirovane Files (*.mv)";
 constexpr const char* allFilesFilter = "All Files (*)";
-
-std::string absolutePath(const std::string& path) {
-    std::error_code ignored;
-    const fs::path absolute = fs::absolute(path, ignored);
-    return absolute.empty() ? path : absolute.lexically_normal().string();
-}
-
-bool fileExists(const std::string& path) {
-    std::error_code ignored;
-    return fs::exists(path, ignored);
-}
 
 std::string openRemedy(const Datafile::Error& error) {
     switch (error.kind) {
@@ -94,7 +83,7 @@ bool CFileCommands::openPath(const std::string& givenPath) {
         error = station_.openDatafile(path);
     }
     if (error) {
-        if (!fileExists(path))
+        if (!existsOnDisk(path))
             recent_.remove(path);
         onDocument_();
         dialogs_.fail("The datafile " + path + " could not be opened.\n\n" + error->sentence + "\n\n" +
@@ -122,7 +111,7 @@ bool CFileCommands::saveAs() {
     if (!chosen)
         return false;
     const std::string path = absolutePath(withDatafileExtension(*chosen));
-    if (path != current && fileExists(path) &&
+    if (path != current && existsOnDisk(path) &&
         !dialogs_.ask(displayText(path) + " already exists.\n\nDo you want to replace it?"))
         return false;
     return saveUnderNewName(path);
