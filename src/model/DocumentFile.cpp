@@ -49,6 +49,7 @@ CHardware CMirovaneDoc::makeSpecial(std::int32_t type, std::int32_t state) const
 void CMirovaneDoc::newDatafile() {
     path_.clear();
     knownIdentity_.reset();
+    journal_.clear();
     fileVersion_ = Datafile::currentVersion;
     saveNote_.clear();
     loading_ = pendingChanges_ = upgradePending_ = mustReload_ = exportAuto_ = false;

@@ -92,6 +92,11 @@ void CExportWriter::write(Job job, std::chrono::milliseconds patience) {
         shared_->changed.wait_for(lock, patience, [this] { return shared_->idle(); });
 }
 
+bool CExportWriter::hangs() const {
+    const std::lock_guard lock(shared_->mutex);
+    return !shared_->idle();
+}
+
 std::optional<FileError> CExportWriter::error() const {
     const std::lock_guard lock(shared_->mutex);
     if (shared_->idle())

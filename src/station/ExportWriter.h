@@ -9,7 +9,7 @@
 
 namespace mirovane {
 
-/// Writes automatic exports on a thread of its own: a share that went away holds its callers for minutes, and
+/// Writes exports on a thread of its own: a share that went away holds its callers for minutes, and
 /// that must not be the window. While a write hangs only the latest text waits behind it. The functions are
 /// called on the main thread.
 class CExportWriter {
@@ -32,6 +32,9 @@ public:
     /// Returns once the job is written or has failed, after `patience` in any case, and at once while an
     /// earlier one still hangs.
     void write(Job job, std::chrono::milliseconds patience);
+
+    /// A write has not come to an end, or waits for one.
+    bool hangs() const;
 
     /// Why the latest write failed, or that it has not come to an end; nothing when it was done.
     std::optional<FileError> error() const;

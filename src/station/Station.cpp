@@ -83,8 +83,8 @@ void CStation::newDatafile() {
 
 std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
     std::optional<Datafile::Error> error;
-    const bool works =
-        liveStat_->enabled() || liveDiscover_->enabled() || (discoverNow_ && discoverNow_->running());
+    const bool works = liveStat_->enabled() || liveStat_->nowActive() || liveDiscover_->enabled() ||
+                       (discoverNow_ && discoverNow_->running());
     if (works || doc_->pendingChanges() || doc_->unsavedEdits())
         error = whyNotReadable(services_.files, path);
     if (!error) {

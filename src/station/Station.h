@@ -56,8 +56,9 @@ struct StationServices {
     /// Where the steps run; null: on a pool of threads of the station's own.
     Workers* workers = nullptr;
 
-    /// Where automatic exports are written, on a thread of their own; null: the system's files.
-    std::shared_ptr<Files> exportFiles = nullptr;
+    /// Where a thread that writes exports writes them; called once for each such thread. Null: the system's
+    /// files.
+    std::function<std::shared_ptr<Files>()> makeExportFiles = nullptr;
 
     /// What Discover Now asks the network with; null: this station has none.
     SweepProbes* sweepProbes = nullptr;
@@ -192,7 +193,8 @@ private:
     bool liveDiscoverRuns() const override { return liveDiscover_->enabled(); }
 
     void autoExport();
-    std::size_t writeRows(const ExportSettings& settings, std::chrono::milliseconds patience);
+    std::size_t writeRows(std::unique_ptr<CExportWriter>& writer, const ExportSettings& settings,
+                          std::chrono::milliseconds patience);
     std::optional<FileError> save(CMirovaneDoc::Attempt attempt = CMirovaneDoc::Attempt::First);
     void afterReadAgain();
     void tellOfReadAgain();
@@ -232,7 +234,9 @@ private:
     std::unique_ptr<CDiscoverNow> discoverNow_;
     std::unique_ptr<Timer> watchTimer_;
     std::unique_ptr<Timer> reminderTimer_;
-    std::unique_ptr<CExportWriter> exportWriter_;
+    std::unique_ptr<CExportWriter> autoWriter_;
+    std::unique_ptr<CExportWriter> commandWriter_; ///< a dead share of the other must not hold it up
+    const CExportWriter* lastWriter_ = nullptr;
 
     bool busy_ = false;          ///< a reload, an update or a delete is under way; nothing is saved
     bool reloadWaiting_ = false; ///< busy_, because a reload waits for Live Stat's jobs

@@ -26,12 +26,16 @@ void CStation::autoExport() {
         return;
     ExportSettings settings;
     settings.read(services_.settings, doc_->path());
-    writeRows(settings, autoPatience);
+    writeRows(autoWriter_, settings, autoPatience);
     services_.log.LogMessage("Auto exported to text file", true);
 }
 
 std::optional<FileError> CStation::exportNow(const ExportSettings& settings) {
-    const std::size_t rows = writeRows(settings, commandPatience);
+    if (onListRefill)
+        onListRefill(); // the file has the order that is seen
+    if (commandWriter_ && commandWriter_->hangs())
+        commandWriter_.reset(); // the user was told; another file may well be written
+    const std::size_t rows = writeRows(commandWriter_, settings, commandPatience);
     auto error = exportError();
     if (!error)
         services_.log.LogMessage("Exported " + std::to_string(rows) + " device(s) to " +
@@ -41,20 +45,21 @@ std::optional<FileError> CStation::exportNow(const ExportSettings& settings) {
 }
 
 /// Returns how many rows there are.
-std::size_t CStation::writeRows(const ExportSettings& settings, std::chrono::milliseconds patience) {
-    if (!exportWriter_) {
-        auto files = services_.exportFiles ? services_.exportFiles : std::make_shared<UnflushedFiles>();
-        exportWriter_ = std::make_unique<CExportWriter>(std::move(files));
-    }
+std::size_t CStation::writeRows(std::unique_ptr<CExportWriter>& writer, const ExportSettings& settings,
+                                std::chrono::milliseconds patience) {
+    if (!writer)
+        writer = std::make_unique<CExportWriter>(
+            services_.makeExportFiles ? services_.makeExportFiles() : std::make_shared<UnflushedFiles>());
     const auto rows = listViewRows(*doc_, listView_);
-    exportWriter_->write({exportTarget(settings.ExportFilename, doc_->path()), doc_->path(),
-                          exportText(rows, settings.format())},
-                         patience);
+    writer->write({exportTarget(settings.ExportFilename, doc_->path()), doc_->path(),
+                   exportText(rows, settings.format())},
+                  patience);
+    lastWriter_ = writer.get();
     return rows.size();
 }
 
 std::optional<FileError> CStation::exportError() const {
-    return exportWriter_ ? exportWriter_->error() : std::nullopt;
+    return lastWriter_ ? lastWriter_->error() : std::nullopt;
 }
 
 } // namespace mirovane

@@ -144,14 +144,18 @@ TEST_F(StationExport, aDatafileSavedElsewhereHasAnExportOfItsOwn) {
     EXPECT_THAT(exportedNames(), Not(Contains("in the copy")));
 }
 
-/// A share that takes every call and gives no answer until it is released.
+/// A share that takes every call for its files and gives no answer until it is released.
 class HangingFiles final : public Files {
 public:
+    explicit HangingFiles(std::string share) : share_(std::move(share)) {}
+
     Result<FileIdentity, FileError> status(const std::string& path) override { return real_.status(path); }
     Result<std::unique_ptr<LockedFile>, FileError> lock(const std::string& path, FileAccess access,
                                                         std::chrono::milliseconds patience) override {
-        ++calls;
-        back_.wait();
+        if (path.starts_with(share_)) {
+            ++calls;
+            back_.wait();
+        }
         return real_.lock(path, access, patience);
     }
     void answer() { released_.set_value(); }
@@ -159,26 +163,37 @@ public:
     std::atomic<int> calls = 0;
 
 private:
+    const std::string share_;
     PosixFiles real_;
     std::promise<void> released_;
     std::shared_future<void> back_ = released_.get_future().share();
 };
 
-TEST_F(StationExport, aDeadShareHoldsTheStationOnce) {
-    wantExport(a);
-    const auto share = std::make_shared<HangingFiles>();
-    auto station = std::make_unique<CStation>(StationServices{a.files,
-                                                              clock,
-                                                              timers,
-                                                              a.settings,
-                                                              a.log,
-                                                              a.dialogs,
-                                                              a.probes,
-                                                              {"A-HOST", "a-user"},
-                                                              false,
-                                                              &a.workers,
-                                                              share});
-    station->openDatafile(path);
+/// The automatic export goes to a share that is dead.
+class DeadShareExport : public StationExport {
+protected:
+    DeadShareExport() {
+        wantExport(a);
+        station->openDatafile(path);
+    }
+
+    std::shared_ptr<HangingFiles> share = std::make_shared<HangingFiles>(target);
+    std::unique_ptr<CStation> station = std::make_unique<CStation>(StationServices{a.files,
+                                                                                   clock,
+                                                                                   timers,
+                                                                                   a.settings,
+                                                                                   a.log,
+                                                                                   a.dialogs,
+                                                                                   a.probes,
+                                                                                   {"A-HOST", "a-user"},
+                                                                                   false,
+                                                                                   &a.workers,
+                                                                                   [this] {
+                                                                                       return share;
+                                                                                   }});
+};
+
+TEST_F(DeadShareExport, holdsTheStationOnce) {
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < 50; ++i) {
         station->updateDevices(std::vector{1},
@@ -193,6 +208,19 @@ TEST_F(StationExport, aDeadShareHoldsTheStationOnce) {
     station.reset(); // waits for the last of them
     EXPECT_THAT(exportedNames(), Contains("save 49"));
     EXPECT_EQ(share->calls, 2) << "of those that waited only the latest";
+}
+
+TEST_F(DeadShareExport, keepsNobodyFromExportingElsewhere) {
+    ExportSettings wanted;
+    wanted.ExportFilename = "elsewhere.txt";
+    station->onListRefill = [this] {
+        ++refills;
+    };
+    EXPECT_FALSE(station->exportNow(wanted));
+    EXPECT_EQ(exportedNames(folder.file("elsewhere.txt")).size(), 3U);
+    EXPECT_EQ(refills, 1) << "the table shows another order than the file";
+    EXPECT_EQ(share->calls, 1);
+    share->answer();
 }
 
 } // namespace

@@ -270,6 +270,16 @@ TEST_F(BusyMergeTest, ACommandWhileAReloadWaitsWorksOnWhatTheReloadBrings) {
     EXPECT_EQ(a.device(1).Comment, "new");
 }
 
+TEST_F(BusyMergeTest, AnOpenThatFailsLeavesLiveStatNowAlone) {
+    open(late);
+    check(1);
+    EXPECT_TRUE(late.station->openDatafile(folder.file("missing.mv")));
+    EXPECT_TRUE(late.liveStat().nowActive());
+    workers.finish();
+    pass(3000);
+    EXPECT_NE(late.device(1).State, DeviceState::Def);
+}
+
 TEST_F(BusyMergeTest, LeavingADatafileWhileAReloadWaitsSavesWhatWaits) {
     open(a);
     open(late);
