@@ -42,8 +42,8 @@ struct CriteriaRow {
 
 enum class CriteriaColumn { Command, Argument, Delimiter, FieldPos, SearchFor, IfMatch, Condition };
 
-/// `Type` of the record that holds row `row` of device type `type` (with or without the Discovered/Misc
-/// offset).
+/// `Type` of the record that holds row `row` of device type `type` (1 to 13, with or without the
+/// Discovered/Misc offset).
 constexpr std::int32_t criteriaRecordType(std::int32_t type, int row) {
     const std::int32_t floor =
         type > DeviceType::discoveredOffset ? type - DeviceType::discoveredOffset : type;
@@ -51,8 +51,9 @@ constexpr std::int32_t criteriaRecordType(std::int32_t type, int row) {
 }
 
 constexpr bool isCriteriaRecordType(std::int32_t recordType) {
-    const std::int32_t code = -recordType - 80;
-    return code >= 20 && code / 20 <= DeviceType::last && code % 20 < criteriaRowCount;
+    return recordType <= criteriaRecordType(DeviceType::first, 0) &&
+           recordType >= criteriaRecordType(DeviceType::last, criteriaRowCount - 1) &&
+           (-recordType - 80) % 20 < criteriaRowCount;
 }
 
 CriteriaRow criteriaFromRecord(const CHardware& record);

@@ -42,7 +42,12 @@ const CHardware* CMirovaneDoc::findSpecial(std::int32_t type) const {
     return place ? records_[*place].get() : nullptr;
 }
 
+/// A damaged file may hold any number as a device's type, and for a large one the arithmetic ends at the rows
+/// of some other type.
 const CHardware* CMirovaneDoc::criteria(std::int32_t type, int row) const {
+    const std::int32_t floor = floorCode(type);
+    if (floor < DeviceType::first || floor > DeviceType::last)
+        return nullptr;
     return findSpecial(criteriaRecordType(type, row));
 }
 

@@ -45,6 +45,9 @@ TEST_F(DocumentTest, NewDatafileHoldsSharedSettingsAndCriteria) {
     EXPECT_EQ(doc.at(3).Type, -100);
     EXPECT_EQ(doc.at(158).Type, -351);
     EXPECT_EQ(criteriaFromRecord(*doc.criteria(1004, 0)).Command, "Ping");
+    // 20 times the last one ends, in 32 bits, at a row of the jacks.
+    for (const std::int32_t noType : {14, 1000, 1014, 214'749'366})
+        EXPECT_EQ(doc.criteria(noType, 0), nullptr) << noType;
     EXPECT_EQ(doc.deviceCount(), 0U);
     EXPECT_EQ(doc.nextRecordID(), 1);
     EXPECT_FALSE(doc.modified() || doc.pendingChanges());
