@@ -3,7 +3,7 @@
 #include "livestat/FeatureOwner.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <utility>
 
 namespace mirovane {
 
@@ -106,13 +106,14 @@ void CLiveStatScheduler::disableNow() {
     stopJobs();
     waitForJobs();
     collect();
-    nowActive_ = false;
     timer_->stop();
-    if (changed_)
-        document_.setPendingChanges(true);
     if (disabling_)
         finishDisabling();
+    else if (changed_)
+        document_.setPendingChanges(true);
     freeAllSlots();
+    if (std::exchange(nowActive_, false))
+        clearLeftMarks(); // or the next selection would be checked together with what is left of this one
 }
 
 void CLiveStatScheduler::finishDisabling() {
@@ -121,6 +122,8 @@ void CLiveStatScheduler::finishDisabling() {
         return;
     }
     freeAllSlots();
+    if (changed_) // where another station owns Live Stat by now, the periodic save writes them
+        document_.setPendingChanges(true);
     FeatureOwner::giveUp(document_, Feature::LiveStat, host_);
     timer_->stop();
     disabling_ = false;
@@ -219,6 +222,11 @@ void CLiveStatScheduler::arm(std::chrono::milliseconds period) {
 // ---- Live Stat Now
 
 void CLiveStatScheduler::performNow() {
+    if (slots_.empty()) { // it would never come to an end, and Live Stat could not go off behind it
+        document_.log().LogMessage(
+            "Live Stat Now checks nothing: the number of devices to check per run is 0", true);
+        return;
+    }
     int count = 0;
     for (std::size_t i = 0; i < document_.size(); ++i) {
         const CHardware& record = document_.at(i);
@@ -310,6 +318,8 @@ void CLiveStatScheduler::resizeSlots(std::size_t count) {
     if (slotCursor_ && *slotCursor_ >= count)
         slotCursor_ = count > 0 ? std::optional(count - 1) : std::nullopt;
     jobs_.setLimit(count);
+    if (slots_.empty() && nowActive_)
+        finishNow();
     resume();
 }
 

@@ -321,8 +321,10 @@ SaveResult CStation::saveDatafile(const std::string& note) {
     if (!note.empty())
         doc_->setSaveNote(note);
     const auto before = owners(*doc_);
+    // Devices of earlier runs may have waited for the periodic save, which this save makes needless.
+    const bool devicesChanged = !note.empty() || doc_->pendingChanges();
     const auto error = save();
-    if (!note.empty() || doc_->readAgainBySave()) // otherwise only an owner record changed
+    if (devicesChanged || doc_->readAgainBySave()) // otherwise only an owner record changed
         refillListView();
     if (!std::ranges::equal(before, owners(*doc_), sameOwner))
         return SaveResult::Reloaded;

@@ -223,6 +223,56 @@ TEST_F(SchedulerTest, DisablingWaitsForLiveStatNow) {
     EXPECT_EQ(owner().State, 0);
 }
 
+TEST_F(SchedulerTest, WithoutSlotsLiveStatNowEndsAndLiveStatGoesOff) {
+    pool(1);
+    addPrinters(2);
+    scheduler->toggle();
+    select(1);
+    scheduler->performNow();
+    liveStatSettings.LSNumPerRun = 0;
+    scheduler->setSettings(liveStatSettings);
+    EXPECT_FALSE(scheduler->nowActive());
+    scheduler->performNow();
+    EXPECT_FALSE(scheduler->nowActive());
+    EXPECT_EQ(logged().back(), "Live Stat Now checks nothing: the number of devices to check per run is 0");
+    EXPECT_EQ(device(1).LSNowMark, 0);
+    scheduler->toggle();
+    pass(300);
+    EXPECT_EQ(logged().back(), "Live Stat disabled");
+}
+
+TEST_F(SchedulerTest, GoingOffAtOnceLeavesNoMarkBehind) {
+    pool(1);
+    addPrinters(3);
+    scheduler->toggle();
+    select(1);
+    select(2);
+    scheduler->performNow();
+    scheduler->disableNow();
+    doc.setSelected(device(1), false);
+    doc.setSelected(device(2), false);
+    select(3);
+    scheduler->performNow();
+    run();
+    run();
+    run();
+    EXPECT_EQ(probes.pinged(), Lines{"127.0.0.3"});
+}
+
+TEST_F(SchedulerTest, WhatWasFoundWhileAnotherStationTookOverIsSavedLater) {
+    addPrinters(1);
+    scheduler->toggle();
+    pass(3000 + 2); // the first slot's step has come back, the run is not over
+    ASSERT_EQ(device(1).State, DeviceState::Off);
+    scheduler->toggle();
+    doc.edit(owner(), [](CHardware& record) { record.Name = "B-HOST"; });
+    ASSERT_FALSE(doc.pendingChanges());
+    pass(300);
+    EXPECT_EQ(logged().back(), "Live Stat disabled");
+    EXPECT_EQ(owner().Name, "B-HOST");
+    EXPECT_TRUE(doc.pendingChanges());
+}
+
 TEST_F(SchedulerTest, OwnershipIsClaimedAskedForAndReleased) {
     scheduler->toggle();
     EXPECT_FALSE(scheduler->enabled()); // no device

@@ -91,6 +91,20 @@ TEST_F(StationExport, aReloadAndBackgroundChangesReachTheFile) {
     EXPECT_THAT(a.logged(), ElementsAre(exportedLine, "Saved Live Stat changes to data file"));
 }
 
+/// The save that releases the datafile takes the last runs' changes along: no periodic save comes after it.
+TEST_F(StationExport, whatLiveStatFoundBeforeItWentOffReachesTheFile) {
+    wantExport(a);
+    open(a);
+    a.station->toggleLiveStat();
+    pass(4000);
+    ASSERT_EQ(a.device(3).State, DeviceState::Off);
+    EXPECT_THAT(readBytes(target), Not(HasSubstr("Inactive"))) << "nothing was saved yet";
+    a.station->toggleLiveStat();
+    pass(60'000);
+    ASSERT_FALSE(a.liveStat().disabling());
+    EXPECT_THAT(readBytes(target), HasSubstr("Inactive"));
+}
+
 TEST_F(StationExport, theRowsAreThoseOfTheListView) {
     wantExport(a);
     a.station->listView().column = ListColumn::ID;
