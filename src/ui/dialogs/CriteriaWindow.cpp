@@ -199,11 +199,11 @@ void CCriteriaWindow::fitToScreen() {
 
 // ---- showing
 
+/// The examples stay: who goes from type to type mostly gives each of them the same rule.
 void CCriteriaWindow::typePicked() {
     storeTyping(); // what is being typed belongs to the type that was shown
     type_ = typeOfEntry(storedText(device_->currentText()));
     showRows();
-    enterRow(currentRow_);
 }
 
 void CCriteriaWindow::showRows() {
@@ -302,6 +302,7 @@ void CCriteriaWindow::edited() {
 }
 
 void CCriteriaWindow::reset() {
+    storeTyping(); // Alt+R does not leave the text box, which would write its rule over the defaults later
     if (!dialogs_.ask("Are you sure you want to reset all the Devices' Criteria settings?"))
         return;
     document_.resetCriteria();

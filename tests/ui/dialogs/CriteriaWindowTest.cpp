@@ -158,6 +158,11 @@ TEST_F(CriteriaWindow, ChoosingAnActionExplainsItAndStoresIt) {
     EXPECT_EQ(cell("exampleFieldCommand"), QStringLiteral("SNMPGet"));
     EXPECT_TRUE(text("exampleFieldDescription").startsWith(QStringLiteral("If device is On, get the value")));
 
+    chooseType(DeviceType::Switch); // whose row is perhaps to become the same
+    EXPECT_EQ(text("argumentSyntax"), QStringLiteral("<hname|IP> <cmty> <oid>"));
+    EXPECT_EQ(cell("exampleTestCommand"), QStringLiteral("SNMPGet"));
+    chooseType(DeviceType::Router);
+
     choose(list(11, "Command"), "Who's Logon");
     EXPECT_EQ(stored(DeviceType::Router, 11).Argument, "$mvN $mvI");
     EXPECT_EQ(box(11, "Argument")->text(), QStringLiteral("$mvN $mvI"));
@@ -258,7 +263,9 @@ TEST_F(CriteriaWindow, ResetAsksFirst) {
               test::Lines{"Are you sure you want to reset all the Devices' Criteria settings?"});
     EXPECT_EQ(stored(DeviceType::Computer, 1).Command, "Set Value");
     a.dialogs.answer = true;
-    reset->click();
+    type(box(1, "Argument"), "before the reset");
+    reset->click(); // as by its key: the focus stays in the box
+    EXPECT_EQ(box(1, "Argument")->text(), QString());
     EXPECT_EQ(stored(DeviceType::Computer, 1).Command, "Do Nothing");
     EXPECT_EQ(list(1, "Command")->currentText(), QStringLiteral("Do Nothing"));
 }
