@@ -55,14 +55,6 @@ std::vector<StepInput> inputsFor(const CMirovaneDoc& document, const CHardware& 
     return inputs;
 }
 
-std::string outcomeText(const RowTrial& trial) {
-    if (trial.cancelled)
-        return "stopped";
-    if (!trial.acted)
-        return "nothing is done";
-    return trial.failed ? "no match" : "match";
-}
-
 std::string changeText(const RowTrial::Change& change) {
     const std::string was = change.before.empty() ? " (was empty)" : " (was: " + change.before + ")";
     return change.field + (change.after.empty() ? " emptied" : ": " + change.after) + was;

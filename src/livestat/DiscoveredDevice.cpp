@@ -7,12 +7,6 @@
 
 namespace mirovane {
 
-namespace {
-
-constexpr std::string_view keptByUser = ">>";
-
-} // namespace
-
 std::optional<std::uint32_t> deviceAddress(const CHardware& record) {
     if (!record.isDevice() || record.IPAddress.empty())
         return std::nullopt;

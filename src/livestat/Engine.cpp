@@ -10,11 +10,17 @@ namespace mirovane {
 
 namespace {
 
-constexpr std::string_view keptByUser = ">>";
-
 /// Every station reads the datafile whole, and a field is a line for people. Without a limit the value
 /// "$mvC $mvC" in the comment's row doubles the comment each time, until no memory is left.
 constexpr std::size_t longestResult = 60'000;
+
+/// Half a character would have the whole field shown as if it were no UTF-8.
+void cutToLongest(std::string& result) {
+    std::size_t end = longestResult;
+    while (end > longestResult - 3 && (static_cast<unsigned char>(result[end]) & 0xC0) == 0x80)
+        --end;
+    result.resize(end);
+}
 
 bool decidesState(std::string_view command) {
     return command == Action::Ping || command == Action::DoNothing || command == Action::MatchToJack;
@@ -107,7 +113,7 @@ StepOutcome runStep(const StepInput& input, const StepProbes& probes, std::strin
         // A field that keeps its text keeps it whole.
         if (outcome.result.size() > longestResult &&
             (input.row == 0 || outcome.result != input.device.*criteriaTargetField(input.row)))
-            outcome.result.resize(longestResult);
+            cutToLongest(outcome.result);
     }
     return outcome;
 }

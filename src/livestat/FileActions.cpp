@@ -107,6 +107,9 @@ void searchForFile(ActionRun& run) {
     else if (found.search.end == SearchResult::End::Hit) {
         run.say([&] { return "file: " + found.search.text; });
         takeHit(run, found.search.text);
+    } else if (found.search.end == SearchResult::End::Unreadable) {
+        run.say([&] { return run.argument + ": " + found.search.trouble; });
+        failWithNothing(run);
     } else
         takeMiss(run, found.search, "file names");
 }

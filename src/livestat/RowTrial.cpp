@@ -60,6 +60,14 @@ TimeStamp stampOf(const Clock& clock) {
 
 } // namespace
 
+std::string_view outcomeText(const RowTrial& trial) {
+    if (trial.cancelled)
+        return "stopped";
+    if (!trial.acted)
+        return "nothing is done";
+    return trial.failed ? "no match" : "match";
+}
+
 StepInput trialInput(const CMirovaneDoc& document, const CHardware& device, int row, std::stop_token stop) {
     StepInput input;
     input.device = device;

@@ -7,6 +7,7 @@
 
 #include <stop_token>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace mirovane {
@@ -39,6 +40,9 @@ struct RowTrial {
     bool cancelled = false;
     std::vector<Change> changes; ///< what would be written, but for Modified and the stamps of text files
 };
+
+/// "match", "no match", "nothing is done", "stopped".
+std::string_view outcomeText(const RowTrial& trial);
 
 /// What tryRow() needs, copied out of the document. Main thread. `row` is 0 to 11.
 StepInput trialInput(const CMirovaneDoc& document, const CHardware& device, int row, std::stop_token stop);

@@ -118,6 +118,9 @@ struct CHardware {
     bool inDiscovered() const { return Type > DeviceType::discoveredOffset; }
 };
 
+/// End of a field's text that the user keeps for himself: Live Stat never overwrites it.
+constexpr std::string_view keptByUser = ">>";
+
 /// `Type` without the offset of the Discovered/Misc window.
 std::int32_t floorCode(std::int32_t type);
 

@@ -135,6 +135,13 @@ TEST_F(FileActionsTest, AStateFromAFileIsNotSearchedForAgain) {
 }
 
 TEST_F(FileActionsTest, ALineTooLongForAFieldIsCut) {
+    std::string accents = "x";
+    for (int i = 0; i < 40'000; ++i)
+        accents += "\xC3\xA9";
+    write(accents + "\n", 700);
+    inText("^x");
+    EXPECT_TRUE(outcome.result == accents.substr(0, 59'999)) << "cut within a character";
+
     write(std::string(200'000, 'x') + "\n", 600);
     inText("xxx");
     EXPECT_EQ(outcome.result.size(), 60'000U);

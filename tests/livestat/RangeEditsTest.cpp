@@ -1,7 +1,6 @@
 #include "livestat/RangeEdits.h"
 
 #include "livestat/AddressRanges.h"
-#include "livestat/PatternCheck.h"
 #include "tests/model/DocumentFixture.h"
 
 #include <gtest/gtest.h>
@@ -64,14 +63,6 @@ TEST_F(RangeEdits, WhatAnotherStationDidMeanwhileStays) {
     const RangeEdit lost{c, RangeText{"10.0.2.1", "10.0.2.5"}};
     EXPECT_TRUE(applyRangeEdits(doc, std::span(&lost, 1)));
     EXPECT_EQ(ranges(), (Ranges{a, b, *lost.after}));
-}
-
-TEST(PatternCheck, TellsAboutThePatternNotAboutTheDevice) {
-    for (const char* good : {"", "$mvN", "^$mvI,", "($mvU)+", R"(\D\S)", "[a-z]{2,3}"})
-        EXPECT_EQ(patternProblem(good), "") << good;
-    EXPECT_NE(patternProblem("ab(").find("(at character 3)"), std::string::npos) << patternProblem("ab(");
-    EXPECT_NE(patternProblem("$mvN["), "");
-    EXPECT_EQ(patternProblem("$mvN[").find("at character"), std::string::npos);
 }
 
 } // namespace

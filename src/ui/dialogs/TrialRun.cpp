@@ -14,14 +14,6 @@ QString quoted(const std::string& bytes) {
     return u'"' + shownText(bytes) + u'"';
 }
 
-QString outcome(const RowTrial& trial) {
-    if (trial.cancelled)
-        return QObject::tr("stopped");
-    if (!trial.acted)
-        return QObject::tr("nothing is done");
-    return trial.failed ? QObject::tr("no match") : QObject::tr("match");
-}
-
 QString indented(const std::string& lines) {
     const QString text = shownText(lines).trimmed();
     return QStringLiteral("    ") + QString(text).replace(u'\n', QStringLiteral("\n    "));
@@ -71,7 +63,7 @@ QString trialText(const RowTrial& trial) {
         lines << QObject::tr("Search for: ") + quoted(trial.expandedPattern);
     if (!trial.answer.empty())
         lines << QObject::tr("Answer:") << indented(trial.answer);
-    lines << QObject::tr("Outcome: ") + outcome(trial);
+    lines << QObject::tr("Outcome: ") + qText(outcomeText(trial));
     lines << (trial.changes.empty() ? QObject::tr("Live Stat would write nothing.")
                                     : QObject::tr("Live Stat would write:"));
     for (const RowTrial::Change& change : trial.changes)
