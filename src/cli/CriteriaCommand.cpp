@@ -2,6 +2,7 @@
 #include "cli/Datafiles.h"
 #include "cli/RecordJson.h"
 #include "cli/TextTable.h"
+#include "livestat/PatternCheck.h"
 #include "model/ActionCatalogue.h"
 #include "model/Criteria.h"
 #include "model/Text.h"
@@ -158,15 +159,30 @@ void printJson(Output& out, const CMirovaneDoc& doc, std::int32_t onlyType) {
     printer.end();
 }
 
+/// Stored all the same, as the criteria window does; without a word it would be found out in Live Stat's log
+/// at best.
+void warnOfPatterns(Output& out, const std::vector<Change>& changes) {
+    for (const Change& change : changes) {
+        if (change.column != CriteriaColumn::SearchFor)
+            continue;
+        if (const std::string problem = patternProblem(change.value); !problem.empty())
+            out.diagnose("SearchFor of row " + std::to_string(change.row) + " will match nothing", problem);
+    }
+}
+
 ExitStatus changeRows(CommandContext& context, std::int32_t type) {
     const auto changes = changesFrom(type, context.arguments.values("--set"));
     if (!changes)
         return usageError(context, changes.error().sentence);
-    return editDatafile(context.out, context.arguments.positionals[0], [&](CMirovaneDoc& doc) {
+    const auto edit = [&](CMirovaneDoc& doc) {
         if (context.arguments.has("--reset"))
             doc.resetCriteria();
         return applyChanges(doc, type, changes.value());
-    });
+    };
+    const ExitStatus status = editDatafile(context.out, context.arguments.positionals[0], edit);
+    if (status == ExitStatus::Done)
+        warnOfPatterns(context.out, changes.value());
+    return status;
 }
 
 } // namespace

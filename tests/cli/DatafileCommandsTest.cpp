@@ -284,6 +284,11 @@ TEST(CriteriaCommand, changesWhatItShows) {
     EXPECT_THAT(cli({"criteria", file, "--type", "printer"}).out,
                 HasSubstr("Live Stat Status (LSS)  Search in Text"));
 
+    const CliResult broken = cli({"criteria", file, "--type", "Printer", "--set", "6", "SearchFor", "$mvN("});
+    EXPECT_EQ(broken.status, 0);
+    EXPECT_EQ(broken.err, "mirovanectl: SearchFor of row 6 will match nothing: mismatched parenthesis\n");
+    EXPECT_EQ(textOf(rows()[6], "SearchFor"), "$mvN(");
+
     EXPECT_EQ(cli({"criteria", file, "--reset"}).status, 0);
     EXPECT_EQ(textOf(rows()[0], "Command"), "Ping");
     EXPECT_EQ(jsonArray(cli({"criteria", file, "--json"}).out).size(), 156);
