@@ -62,6 +62,7 @@ TEST(ApplicationCommand, TypedTextIsCutLikeTheCommandButHoldsNoPlaceholders) {
     EXPECT_EQ(filled("ssh $mvW $mvN", computer, "-l \"root user\" -p 22"),
               (Words{"ssh", "-l", "root user", "-p", "22", "pc-1"}));
     EXPECT_EQ(filled("tool \"$mvW\" x$mvW.", computer, "a \"b"), (Words{"tool", "a \"b", "xa", "b."}));
+    EXPECT_EQ(filled("tool $mvW $mvN", computer, "\"a b"), (Words{"tool", "a b", "pc-1"})) << "open quote";
     EXPECT_EQ(filled("tool $mvW $mvN", computer, ""), (Words{"tool", "pc-1"}));
     EXPECT_EQ(filled("tool $mvW", computer, "$mvN"), (Words{"tool", "$mvN"}));
     EXPECT_EQ(filled("$mvW", computer, "xclock -digital"), (Words{"xclock", "-digital"}));

@@ -89,8 +89,8 @@ TEST_F(DiscoverTest, ADeviceThatIsEnteredDuringThePingIsNotAddedAgain) {
     EXPECT_EQ(host.discoveries, 0);
 }
 
-TEST_F(DiscoverTest, ARangeDeletedUnderTheWalkSendsItToTheFirst) {
-    addRange("10.0.0.1", "10.0.0.9");
+TEST_F(DiscoverTest, ARangeDeletedOrChangedUnderTheWalkSendsItToTheFirst) {
+    const CHardware& first = addRange("10.0.0.1", "10.0.0.9");
     const CHardware& middle = addRange("10.0.1.1", "10.0.1.9");
     addRange("10.0.2.1", "10.0.2.9");
     doc.edit(owner(), [](CHardware& record) {
@@ -101,6 +101,8 @@ TEST_F(DiscoverTest, ARangeDeletedUnderTheWalkSendsItToTheFirst) {
     enable();
     EXPECT_EQ(pingedAfter(5000), Lines{"10.0.1.4"}) << "the walk goes on where it stopped";
     doc.remove(middle);
+    EXPECT_EQ(pingedAfter(5000), Lines{"10.0.0.1"});
+    doc.edit(first, [](CHardware& record) { record.IPAddress = "10.0.0.19"; });
     EXPECT_EQ(pingedAfter(5000), Lines{"10.0.0.1"});
 }
 
@@ -149,10 +151,16 @@ TEST_F(DiscoverTest, ItAsksBeforeItTakesLiveDiscoverOver) {
               "Doing so will prompt the other user to disable Live Discover."});
     EXPECT_FALSE(discover.enabled());
     EXPECT_EQ(pingedAfter(60'000), Lines{});
+    doc.edit(owner(), [](CHardware& record) {
+        record.Name = "host";
+        record.Username = "colleague";
+    });
+    discover.toggle();
+    EXPECT_FALSE(discover.enabled()) << "another user of this computer is another station";
     host.answer = true;
     discover.toggle();
     EXPECT_TRUE(discover.enabled());
-    EXPECT_EQ(owner().Name, "host");
+    EXPECT_EQ(owner().Name + "\\" + owner().Username, "host\\user");
 }
 
 TEST_F(DiscoverTest, TheWalkOutlivesAReloadAndYieldsToAnotherOwner) {

@@ -44,7 +44,9 @@ TEST(SweepPlan, asksEachAddressOnceHoweverTheRangesLie) {
 
 TEST(SweepPlan, knowsTheEndsOfTheAddressSpace) {
     EXPECT_EQ(plan({{"0.0.0.0", "255.255.255.255"}}).toProbe(), 4'294'967'295U);
-    EXPECT_THAT(addressesOf(plan({{"0.0.0.0", "0.0.0.1"}, {"255.255.255.254", "255.255.255.255"}})),
+    EXPECT_THAT(addressesOf(plan({{"0.0.0.0", "0.0.0.1"},
+                                  {"255.255.255.254", "255.255.255.255"},
+                                  {"255.255.255.255", "255.255.255.255"}})),
                 ElementsAre("0.0.0.1", "255.255.255.254", "255.255.255.255"));
     EXPECT_THAT(addressesOf(plan({{"0.0.0.0", "0.0.0.0"}})), IsEmpty()) << "it means this computer";
     EXPECT_THAT(addressesOf(SweepPlan()), IsEmpty());

@@ -133,6 +133,21 @@ TEST_F(DiscoverNowTest, cancellingKeepsOrDiscardsAsTold) {
     EXPECT_THAT(describeResult(now().result().value()), HasSubstr("Stopped after "));
 }
 
+TEST_F(DiscoverNowTest, leavesLiveDiscoverToThoseWhoRunItHere) {
+    ASSERT_EQ(now().start(500), std::nullopt);
+    sweeper.station->toggleLiveDiscover();
+    finishSweep();
+    EXPECT_TRUE(FeatureOwner::isHere(doc(), Feature::LiveDiscover)) << "it goes on behind the sweep";
+    sweeper.station->toggleLiveDiscover();
+    pass(10'000);
+    ASSERT_FALSE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
+
+    FeatureOwner::claim(doc(), Feature::LiveDiscover); // as another program of this user did
+    ASSERT_EQ(now().start(500), std::nullopt);
+    finishSweep();
+    EXPECT_TRUE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
+}
+
 TEST_F(DiscoverNowTest, asksBeforeItTakesLiveDiscoverFromAnother) {
     claimForOther();
     pass(3000);
