@@ -155,6 +155,7 @@ void CLiveStatScheduler::reset() {
     devicesThisRun_ = 0;
     slotCursor_.reset();
     statusText_.clear();
+    searchAgain_.clear();
     picker_.rewind();
     host_.indicatorsChanged();
 }

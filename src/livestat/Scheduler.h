@@ -14,6 +14,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace mirovane {
@@ -103,7 +104,11 @@ private:
         std::optional<std::int32_t> recID;
         int row = -1;
         std::shared_ptr<StepJob> job;
+        TimeStamp stepBegan = 0;
     };
+
+    /// One criteria row of one device.
+    using DeviceRow = std::pair<std::int32_t, int>;
 
     void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;
 
@@ -119,9 +124,11 @@ private:
     void visit(std::size_t index);
     void collect();
     void takeBack(JobSlot& slot, const StepJob& job);
+    void noteSearch(const JobSlot& slot, const StepJob& job);
     void moveOn(JobSlot& slot);
     void pick(JobSlot& slot);
     void startStep(JobSlot& slot, std::size_t index);
+    StepInput inputFor(const CHardware& device, int row);
     void finishRound();
     void finishNow();
     void clearLeftMarks();
@@ -156,6 +163,7 @@ private:
     bool changed_ = false; ///< a device changed since the last publishChanges()
     std::string statusText_;
     std::set<std::string> brokenPatterns_; ///< already reported
+    std::set<DeviceRow> searchAgain_;      ///< although the text file's stamp says that it has not changed
     bool threadShortageReported_ = false;
 };
 

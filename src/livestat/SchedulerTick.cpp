@@ -13,6 +13,14 @@ constexpr int lastRow = criteriaRowCount - 1;
 /// Row of a slot whose device has gone; anything behind the last row frees the slot.
 constexpr int vanishedRow = 9999;
 
+/// A stamp has whole seconds. What a writer adds later within the second in which the file was searched would
+/// never be found; a clock of a file server that is a little fast makes that second longer.
+bool mayChangeUnseen(TimeStamp fileStamp, TimeStamp searchBegan) {
+    constexpr std::int64_t fastestClock = 2;
+    const std::int64_t age = std::int64_t{searchBegan} - fileStamp;
+    return age <= 0 && age >= -fastestClock;
+}
+
 } // namespace
 
 void CLiveStatScheduler::tick() {
@@ -130,18 +138,25 @@ std::optional<int> CLiveStatScheduler::nextRow(const CHardware& device, int from
     return std::nullopt;
 }
 
+StepInput CLiveStatScheduler::inputFor(const CHardware& device, int row) {
+    StepInput input;
+    input.device = device;
+    if (searchAgain_.contains({device.RecID, row}))
+        input.device.RuleStamps[static_cast<std::size_t>(row)] = 0;
+    input.row = row;
+    input.criteria = criteriaFromRecord(*document_.criteria(device.Type, row));
+    if (input.criteria.Command == Action::MatchToJack)
+        input.matchedState = jacks_.stateAtJack(device.ToJack);
+    input.computerName = document_.station().computerName;
+    return input;
+}
+
 void CLiveStatScheduler::startStep(JobSlot& slot, std::size_t index) {
     const CHardware& device = *document_.findDevice(*slot.recID);
     if (tracking_ && slot.row == 0)
         host_.track(device.RecID);
-    StepInput input;
-    input.device = device;
-    input.row = slot.row;
-    input.criteria = criteriaFromRecord(*document_.criteria(device.Type, slot.row));
-    if (input.criteria.Command == Action::MatchToJack)
-        input.matchedState = jacks_.stateAtJack(device.ToJack);
-    input.computerName = document_.station().computerName;
-    slot.job = jobs_.start(std::move(input), index);
+    slot.stepBegan = document_.now();
+    slot.job = jobs_.start(inputFor(device, slot.row), index);
     if (slot.job)
         return;
     --slot.row; // tried again at the slot's next visit
@@ -176,12 +191,23 @@ void CLiveStatScheduler::takeBack(JobSlot& slot, const StepJob& job) {
     }
     if (!job.outcome.brokenPattern.empty())
         reportBrokenPattern(job);
+    noteSearch(slot, job);
     CHardware after = *device;
     const Applied applied = applyOutcome(after, job.input, job.outcome, document_.now());
     if (applied == Applied::Nothing)
         return;
     document_.editInBackground(*device, [&after](CHardware& record) { record = std::move(after); });
     changed_ = changed_ || applied == Applied::Change;
+}
+
+void CLiveStatScheduler::noteSearch(const JobSlot& slot, const StepJob& job) {
+    const DeviceRow searched{*slot.recID, slot.row};
+    if (!job.outcome.fileStamp)
+        return;
+    if (mayChangeUnseen(*job.outcome.fileStamp, slot.stepBegan))
+        searchAgain_.insert(searched);
+    else
+        searchAgain_.erase(searched);
 }
 
 /// Once for each text, wherever it stands: a row whose pattern is broken fails for every device of its type.

@@ -3,6 +3,9 @@
 #include "tests/livestat/SchedulerFixture.h"
 #include "tests/support/TestFolder.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 namespace mirovane {
 
 namespace {
@@ -155,6 +158,34 @@ TEST_F(SchedulerTest, AFileThatWasSearchedIsRememberedWithoutASave) {
     EXPECT_EQ(device(printer).StampsModified, device(printer).Modified);
     EXPECT_TRUE(host.saves.empty());
     EXPECT_EQ(host.redraws, 0);
+}
+
+/// Its time stamp says that it has not changed.
+TEST_F(SchedulerTest, AFileThatIsWrittenTwiceWithinASecondIsSearchedTwice) {
+    const test::TestFolder folder;
+    const std::string path = folder.file("hosts");
+    const auto write = [&](const std::string& bytes, TimeStamp changed) {
+        test::writeBytes(path, bytes);
+        const timespec times[2] = {{changed, 0}, {changed, 0}};
+        ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+    };
+    const std::int32_t printer = add(DeviceType::Printer, "127.0.0.1");
+    rule(DeviceType::Printer, 0, Action::SearchInTextFile, path, "On");
+    doc.setCriteria(DeviceType::Printer, 0, static_cast<int>(CriteriaColumn::SearchFor), "$mvI");
+    scheduler->toggle();
+    write("127.0.0.9\n", doc.now() + 3); // just before the first run searches it
+    run();
+    EXPECT_EQ(device(printer).State, DeviceState::Off);
+    const TimeStamp searched = device(printer).RuleStamps[0];
+    EXPECT_NE(searched, 0);
+    write("127.0.0.9\n127.0.0.1\n", searched);
+    run();
+    run();
+    EXPECT_EQ(device(printer).State, DeviceState::On);
+    write("127.0.0.8\n", searched); // which is long ago by now
+    run();
+    run();
+    EXPECT_EQ(device(printer).State, DeviceState::On);
 }
 
 TEST_F(SchedulerTest, LiveStatNowWithLiveStatOffChecksTheSelectionAndEnds) {
