@@ -38,12 +38,19 @@ void changeApplication(CMirovaneDoc& document, const CHardware& record, const Ap
     });
 }
 
-std::vector<CHardware> applicationDevices(const CMirovaneDoc& document) {
-    std::vector<CHardware> devices;
+std::vector<const CHardware*> applicationTargets(const CMirovaneDoc& document) {
+    std::vector<const CHardware*> targets;
     for (std::size_t i = 0; i < document.size(); ++i) {
         if (document.at(i).onFloor() && document.at(i).Selected != 0)
-            devices.push_back(document.at(i));
+            targets.push_back(&document.at(i));
     }
+    return targets;
+}
+
+std::vector<CHardware> applicationDevices(const CMirovaneDoc& document) {
+    std::vector<CHardware> devices;
+    for (const CHardware* target : applicationTargets(document))
+        devices.push_back(*target);
     return devices;
 }
 

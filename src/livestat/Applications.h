@@ -30,7 +30,10 @@ const CHardware* addApplication(CMirovaneDoc& document);
 
 void changeApplication(CMirovaneDoc& document, const CHardware& record, const ApplicationValues& values);
 
-/// Copies of the devices that an application runs for: the selected ones on the floor map, in list order.
+/// The devices that an application runs for: the selected ones on the floor map, in list order.
+std::vector<const CHardware*> applicationTargets(const CMirovaneDoc& document);
+
+/// Copies of them, for a run that asks before it starts: the records may change meanwhile.
 std::vector<CHardware> applicationDevices(const CMirovaneDoc& document);
 
 /// Command of the k-th item (from 0) of the Applications menu.

@@ -78,14 +78,6 @@ QString placeText(ProgramPlace place) {
     return QStringLiteral("Starts the program");
 }
 
-const CHardware* firstSelected(const CMirovaneDoc& document) {
-    for (std::size_t i = 0; i < document.size(); ++i) {
-        if (document.at(i).onFloor() && document.at(i).Selected != 0)
-            return &document.at(i);
-    }
-    return nullptr;
-}
-
 } // namespace
 
 QString commandExplained(const std::string& command, const CHardware* device) {
@@ -201,7 +193,8 @@ QWidget* CApplicationsWindow::makeButtons() {
 }
 
 void CApplicationsWindow::explain(const QString& command) {
-    explanation_->setText(commandExplained(storedText(command), firstSelected(station_.document())));
+    const auto targets = applicationTargets(station_.document());
+    explanation_->setText(commandExplained(storedText(command), targets.empty() ? nullptr : targets.front()));
 }
 
 void CApplicationsWindow::storeTerminal() {

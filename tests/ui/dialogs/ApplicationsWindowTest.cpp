@@ -95,20 +95,19 @@ TEST_F(ApplicationsWindow, ABoxIsStoredWhenItIsLeftAndTheFileSavedAtTheEnd) {
 }
 
 TEST_F(ApplicationsWindow, AFieldThatNobodyTouchedKeepsItsBytes) {
-    changeApplication(document(), *applicationRecords(document())[0],
-                      {true,
-                       "Dr\xFC"
-                       "cker",
-                       "c0"});
+    const std::string bytes = "Dr\xFC"
+                              "cker";
+    changeApplication(document(), *applicationRecords(document())[0], {true, bytes, "c0"});
+    changeApplication(document(), *applicationRecords(document())[1], {true, "n1", bytes});
     QTest::qWait(0);
     EXPECT_EQ(name(0)->text(), QString::fromUtf8("Dr\xC3\xBC"
                                                  "cker"));
     type(command(0), "new");
     QTest::keyClick(command(0), Qt::Key_Return);
-    EXPECT_EQ(entry(0), (ApplicationValues{true,
-                                           "Dr\xFC"
-                                           "cker",
-                                           "new"}));
+    EXPECT_EQ(entry(0), (ApplicationValues{true, bytes, "new"}));
+    type(name(1), "new");
+    QTest::keyClick(name(1), Qt::Key_Return);
+    EXPECT_EQ(entry(1), (ApplicationValues{true, "new", bytes}));
 }
 
 TEST_F(ApplicationsWindow, AddScrollsToTheNewEntryAndDeleteTakesTheRightOne) {
@@ -131,6 +130,15 @@ TEST_F(ApplicationsWindow, AddScrollsToTheNewEntryAndDeleteTakesTheRightOne) {
     EXPECT_FALSE(name(0)->isVisible());
     part<QPushButton>("applicationAdd")->click();
     EXPECT_TRUE(name(0)->hasFocus());
+}
+
+TEST_F(ApplicationsWindow, DeleteSparesAnEntryThatMovesUnderThePointer) {
+    document().remove(*applicationRecords(document())[0]); // as a reload does, in the moment of the click
+    part<QPushButton>("applicationDelete", 0)->click();
+    EXPECT_EQ(count(), 6U);
+    EXPECT_EQ(name(0)->text(), QStringLiteral("n1"));
+    part<QPushButton>("applicationDelete", 0)->click();
+    EXPECT_EQ(entry(0).name, "n2");
 }
 
 TEST_F(ApplicationsWindow, ArrowKeysReachEveryEntryAndStoreOnTheWay) {

@@ -168,6 +168,15 @@ TEST_F(DiscoverNowWindow, escapeAsksBeforeItForgetsFoundHosts) {
     EXPECT_FALSE(window->isVisible());
 }
 
+TEST_F(DiscoverNowWindow, escapeAsksNothingWhereNothingIsLost) {
+    addRange("127.0.0.1", "127.0.3.254");
+    open();
+    button("discoverNowStart")->click();
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    EXPECT_THAT(dialogs.questions, ElementsAre());
+    EXPECT_TRUE(over());
+}
+
 TEST_F(DiscoverNowWindow, stopAndAddKeepsThem) {
     addRange("127.0.0.1", "127.0.3.254");
     network.living = {at("127.0.0.1"), at("127.0.0.2")};

@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <gmock/gmock.h>
+
 namespace mirovane {
 namespace {
 
@@ -117,6 +119,16 @@ TEST_F(LiveStatOptions, ARangeThatCameFromElsewhereIsCheckedToo) {
     press("close");
     EXPECT_FALSE(window->isVisible());
     EXPECT_EQ(ranges(a), test::Lines{});
+}
+
+TEST_F(LiveStatOptions, SaysWhenTheRangesCouldNotBeSaved) {
+    addRange("10.0.0.1", "10.0.0.9");
+    std::filesystem::remove_all(folder.path());
+    press("close");
+    EXPECT_FALSE(window->isVisible());
+    ASSERT_EQ(a.dialogs.failures.size(), 1U);
+    EXPECT_THAT(a.dialogs.failures[0], testing::HasSubstr(path));
+    EXPECT_EQ(ranges(a), std::vector<std::string>{"10.0.0.1-10.0.0.9"}) << "kept for the next save";
 }
 
 TEST_F(LiveStatOptions, OpensTheCriteria) {
