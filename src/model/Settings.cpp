@@ -146,7 +146,7 @@ bool readExportAuto(CSettings& settings, const std::string& datafile) {
     const std::int32_t value = settings.read(name, absentFlag);
     if (value == absentFlag)
         settings.write(name, 0);
-    return value != absentFlag && value != 0;
+    return value == 1;
 }
 
 void DisplaySettings::readAll(const CSettings& settings) {
