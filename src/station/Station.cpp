@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace mirovane {
 
@@ -234,7 +235,7 @@ void CStation::waitForLiveStat() {
     liveStat_->waitForJobs();
 }
 
-/// For a command that comes while a reload waits: it works on what the reload brings.
+/// For a copy of the datafile, which must not be older than the original.
 void CStation::settleReload() {
     if (!reloadWaiting_)
         return;
@@ -242,8 +243,22 @@ void CStation::settleReload() {
     finishReload();
 }
 
+/// Who edits goes by what he sees. Where a reload waited the edit was made on the records of before, and the
+/// save puts it on top of the file: then the log names what it met there. Made on records that were reloaded
+/// under the user's hands it would replace another station's work without a line.
+std::optional<FileError> CStation::saveEdit(bool reloadWaited) {
+    busy_ = false;
+    auto error = saveDatafile();
+    redraw();
+    if (reloadWaited)
+        startTimers(reminderPeriodAfterReload);
+    else
+        watchTimer_->start(watchPeriod);
+    return error;
+}
+
 std::optional<FileError> CStation::deleteDevices(std::span<const std::int32_t> recIDs) {
-    settleReload();
+    const bool reloadWaited = std::exchange(reloadWaiting_, false);
     watchTimer_->stop();
     liveStat_->pause();
     busy_ = true;
@@ -255,16 +270,12 @@ std::optional<FileError> CStation::deleteDevices(std::span<const std::int32_t> r
     liveStat_->resume();
     if (liveStat_->enabled() && doc_->deviceCount() == 0)
         liveStat_->toggle();
-    busy_ = false;
-    auto error = saveDatafile();
-    redraw();
-    watchTimer_->start(watchPeriod);
-    return error;
+    return saveEdit(reloadWaited);
 }
 
 std::optional<FileError> CStation::updateDevices(std::span<const std::int32_t> recIDs,
                                                  const std::function<void(CHardware&)>& change) {
-    settleReload();
+    const bool reloadWaited = std::exchange(reloadWaiting_, false);
     busy_ = true;
     watchTimer_->stop();
     if (recIDs.size() > 1 || (recIDs.size() == 1 && liveStat_->holdsDevice(recIDs.front()))) {
@@ -277,11 +288,7 @@ std::optional<FileError> CStation::updateDevices(std::span<const std::int32_t> r
             doc_->editByUser(*device, change);
     }
     services_.log.LogMessage("Updated Item(s)", true);
-    busy_ = false;
-    auto error = saveDatafile();
-    redraw();
-    watchTimer_->start(watchPeriod);
-    return error;
+    return saveEdit(reloadWaited);
 }
 
 std::optional<FileError> CStation::shutDown() {

@@ -199,6 +199,7 @@ private:
     void afterReadAgain();
     void tellOfReadAgain();
     void settleReload();
+    std::optional<FileError> saveEdit(bool reloadWaited);
     void saveBackgroundChanges();
     void leaveDatafile();
     void endDiscoverNow();
@@ -220,6 +221,7 @@ private:
     bool wantsLiveStat() const { return services_.autoStart && liveStatSettings_.LSAutoStart; }
 
     static constexpr std::chrono::milliseconds watchPeriod{3000};
+    static constexpr std::chrono::milliseconds reminderPeriodAfterReload{4000};
 
     StationServices services_;
     LiveStatSettings liveStatSettings_;

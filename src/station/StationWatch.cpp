@@ -8,7 +8,6 @@ namespace mirovane {
 namespace {
 
 constexpr std::chrono::milliseconds reloadRetryPeriod{100};
-constexpr std::chrono::milliseconds reminderPeriodAfterReload{4000};
 constexpr std::chrono::milliseconds reminderPeriod{5000};
 constexpr std::chrono::milliseconds reminderHiddenPeriod{2000};
 

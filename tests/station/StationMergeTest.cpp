@@ -254,20 +254,28 @@ TEST_F(BusyMergeTest, ASaveWhileAReloadWaitsIsMadeUpFor) {
     EXPECT_EQ(b.device(1).Name + ", " + b.device(2).Comment, "by late, by a");
 }
 
-TEST_F(BusyMergeTest, ACommandWhileAReloadWaitsWorksOnWhatTheReloadBrings) {
+TEST_F(BusyMergeTest, AnEditWhileAReloadWaitsReplacesNobodysWorkWithoutALine) {
     open(a);
     open(late);
     check(3);
-    const std::vector<std::int32_t> second{2};
-    a.station->deleteDevices(second);
+    comment(a, 1, "by a");
+    a.station->saveDatafile();
     pass(3000);
-    late.logged();
-    const std::vector<std::int32_t> both{1, 2};
-    EXPECT_FALSE(late.station->updateDevices(both, [](CHardware& device) { device.Comment = "new"; }));
-    EXPECT_EQ(late.logged().front(), "Loaded from data file");
-    EXPECT_EQ(late.doc().findDevice(2), nullptr); // not brought back by an edit that came later
+    EXPECT_FALSE(
+        late.station->updateDevices(std::vector{1}, [](CHardware& device) { device.Comment = "by late"; }));
+    EXPECT_TRUE(contains(late.logged(), "\"by a\", saved by another station, gave way to \"by late\""));
+
     pass(3000);
-    EXPECT_EQ(a.device(1).Comment, "new");
+    comment(a, 2, "by a");
+    a.station->saveDatafile();
+    pass(3000);
+    EXPECT_FALSE(late.station->deleteDevices(std::vector{2}));
+    EXPECT_TRUE(contains(late.logged(), "was deleted here and changed by another station: it is kept"));
+    EXPECT_EQ(late.device(2).Comment, "by a");
+    rename(a, 2, "seen");
+    a.station->saveDatafile();
+    pass(3000);
+    EXPECT_EQ(late.device(2).Name, "seen") << "the watch goes on";
 }
 
 TEST_F(BusyMergeTest, AnOpenThatFailsLeavesLiveStatNowAlone) {
