@@ -74,7 +74,8 @@ void searchLines(ActionRun& run, const std::string& path) {
 
 void searchInTextFile(ActionRun& run) {
     const CHardware& device = run.input.device;
-    const bool stale = device.Modified > device.StampsModified;
+    // Also where the edit looks older: it may come from a station whose clock is slow.
+    const bool stale = device.Modified != device.StampsModified;
     if (stale)
         run.outcome.stampsModified = device.Modified;
     if (run.argument.empty())

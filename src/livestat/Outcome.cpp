@@ -42,7 +42,7 @@ bool applyDrawFlag(CHardware& device, int row, std::int32_t ifMatch, bool failed
 bool applyStamps(CHardware& device, int row, const StepOutcome& outcome) {
     const auto before = device.RuleStamps;
     bool moved = false;
-    if (outcome.stampsModified && *outcome.stampsModified > device.StampsModified) {
+    if (outcome.stampsModified && *outcome.stampsModified != device.StampsModified) {
         device.StampsModified = *outcome.stampsModified;
         device.RuleStamps.fill(0);
         moved = true;

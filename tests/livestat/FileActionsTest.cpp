@@ -116,6 +116,14 @@ TEST_F(FileActionsTest, AnEditedDeviceIsSearchedAgainInAllItsRows) {
     EXPECT_EQ(input.device.RuleStamps[6], 500);
     EXPECT_EQ(input.device.RuleStamps[0], 0);
 
+    input.device.RuleStamps[0] = 500;
+    input.device.Modified = 1990; // on a station whose clock is slow
+    EXPECT_NE(inText("pc1"), "nothing");
+    apply();
+    EXPECT_EQ(input.device.StampsModified, 1990);
+    EXPECT_EQ(input.device.RuleStamps[0], 0);
+    EXPECT_EQ(inText("pc1"), "nothing");
+
     input.device.Modified = 3000; // even where there is no file to search
     outcome = run(Action::SearchInTextFile, "/missing/file");
     apply();
