@@ -233,7 +233,7 @@ std::optional<FileError> CApplicationsWindow::save() {
     const bool wanted = std::exchange(unsaved_, false) && station_.document().modified();
     if (!wanted)
         return std::nullopt;
-    const auto error = station_.saveDatafile();
+    auto error = station_.saveDatafile();
     if (station_.document().modified())
         station_.document().setPendingChanges(true);
     return error;
