@@ -14,6 +14,9 @@ constexpr qsizetype headerBytes = 38;
 constexpr qsizetype sizeEnd = 26;
 constexpr quint32 newestHeaders = 40; ///< bytes of the oldest header that has all of the fields read here
 
+/// A header may state any size; with this one the sum still fits.
+constexpr qint64 moreThanAnyFile = qint64{1} << 62;
+
 template <typename T>
 T field(const QByteArray& head, qsizetype offset) {
     return qFromLittleEndian<T>(head.constData() + offset);
@@ -25,8 +28,11 @@ qint64 statedBytesOf(const QByteArray& head, QSize size) {
     const auto depth = field<quint16>(head, 28);
     const auto compression = field<quint32>(head, 30);
     const bool plain = compression == 0 || compression == 3;
+    if (!plain)
+        return qint64{field<quint32>(head, 10)} + field<quint32>(head, 34);
     const qint64 line = (qint64{size.width()} * depth + 31) / 32 * 4;
-    return field<quint32>(head, 10) + (plain ? line * size.height() : qint64{field<quint32>(head, 34)});
+    const qint64 lines = qMax(size.height(), 1);
+    return field<quint32>(head, 10) + qMin(line, moreThanAnyFile / lines) * lines;
 }
 
 } // namespace
