@@ -212,6 +212,7 @@ private:
     void retryOwedSave();
     void periodicSave(const Result<FileIdentity, FileError>& status);
     void reload();
+    bool mayStopJobs();
     void finishReload();
     void readAgain();
     void reportUnreadable(const Datafile::Error& error);
@@ -240,7 +241,8 @@ private:
     std::unique_ptr<CExportWriter> commandWriter_; ///< a dead share of the other must not hold it up
     const CExportWriter* lastWriter_ = nullptr;
 
-    bool busy_ = false;          ///< a reload, an update or a delete is under way; nothing is saved
+    bool busy_ = false; ///< a reload, an update or a delete is under way; nothing is saved
+    std::optional<std::chrono::steady_clock::time_point> jobsStopped_; ///< for a reload, the last time
     bool reloadWaiting_ = false; ///< busy_, because a reload waits for Live Stat's jobs
     bool reloading_ = false; ///< the records are being replaced, or the owner is being asked about afterwards
     bool readAgainMeanwhile_ = false; ///< a save read the file again since the owners were looked at

@@ -8,6 +8,9 @@ namespace mirovane {
 namespace {
 
 constexpr std::chrono::milliseconds reloadRetryPeriod{100};
+
+/// Longer than nearly every step: after one was stopped for a reload, the next attempt comes to its end.
+constexpr std::chrono::minutes betweenStops{1};
 constexpr std::chrono::milliseconds reminderPeriod{5000};
 constexpr std::chrono::milliseconds reminderHiddenPeriod{2000};
 
@@ -80,21 +83,29 @@ void CStation::periodicSave(const Result<FileIdentity, FileError>& status) {
 }
 
 /// Another station saved. The steps in flight are told to stop and the reload waits for them, ticking, not
-/// blocking.
+/// blocking. Where that was so a moment ago they go on instead, as they do after a save that merged: a step
+/// against a silent host takes ten seconds, and colleagues who save more often would starve Live Stat.
 void CStation::reload() {
     stopTimers();
     if (!busy_ && !unreadable_)
         services_.log.LogMessage("Loading from data file, please wait...", true);
     busy_ = true;
-    // A file that stays unreadable is tried every few seconds; stopping the steps each time would starve Live
-    // Stat.
-    if (liveStat_->anyJobInProgress() && !unreadable_) {
+    if (liveStat_->anyJobInProgress() && (reloadWaiting_ || mayStopJobs())) {
         liveStat_->stopJobs();
         reloadWaiting_ = true;
         watchTimer_->start(reloadRetryPeriod);
         return;
     }
     finishReload();
+}
+
+/// A file that stays unreadable is tried every few seconds.
+bool CStation::mayStopJobs() {
+    const auto now = services_.clock.monotonic();
+    if (unreadable_ || (jobsStopped_ && now - *jobsStopped_ < betweenStops))
+        return false;
+    jobsStopped_ = now;
+    return true;
 }
 
 void CStation::finishReload() {

@@ -265,7 +265,7 @@ TEST_F(BusyMergeTest, AnEditWhileAReloadWaitsReplacesNobodysWorkWithoutALine) {
         late.station->updateDevices(std::vector{1}, [](CHardware& device) { device.Comment = "by late"; }));
     EXPECT_TRUE(contains(late.logged(), "\"by a\", saved by another station, gave way to \"by late\""));
 
-    pass(3000);
+    pass(60'000);
     comment(a, 2, "by a");
     a.station->saveDatafile();
     pass(3000);
@@ -276,6 +276,32 @@ TEST_F(BusyMergeTest, AnEditWhileAReloadWaitsReplacesNobodysWorkWithoutALine) {
     a.station->saveDatafile();
     pass(3000);
     EXPECT_EQ(late.device(2).Name, "seen") << "the watch goes on";
+}
+
+TEST_F(BusyMergeTest, AStoppedStepComesToItsEndHoweverOftenColleaguesSave) {
+    open(a);
+    open(late);
+    check(3);
+    comment(a, 1, "first");
+    a.station->saveDatafile();
+    pass(3000);
+    workers.finish();
+    pass(100);
+    EXPECT_EQ(late.device(1).Comment, "first");
+    EXPECT_EQ(late.device(3).State, DeviceState::Def) << "stopped";
+    pass(6000);
+    ASSERT_TRUE(workers.busy()) << "begun again";
+
+    for (const char* text : {"second", "third"}) {
+        comment(a, 1, text);
+        a.station->saveDatafile();
+        pass(3000);
+        EXPECT_EQ(late.device(1).Comment, text);
+    }
+    ASSERT_TRUE(workers.busy());
+    workers.finish();
+    pass(3000);
+    EXPECT_NE(late.device(3).State, DeviceState::Def);
 }
 
 TEST_F(BusyMergeTest, AnOpenThatFailsLeavesLiveStatNowAlone) {
