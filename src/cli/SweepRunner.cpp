@@ -28,7 +28,7 @@ void Interrupt::setAction(std::function<void()> action) {
 }
 
 std::string describeProgress(const SweepProgress& progress) {
-    const std::string found = groupedNumber(progress.found) + " found";
+    std::string found = groupedNumber(progress.found) + " found";
     switch (progress.phase) {
     case SweepPhase::Sending:
         return groupedNumber(progress.sent) + "/" + groupedNumber(progress.total) + ", " + found + ", " +

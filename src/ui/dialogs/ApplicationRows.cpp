@@ -158,7 +158,7 @@ void CApplicationRows::removeEntry(int number) {
     }
     store();
     const auto records = applicationRecords(document_);
-    const auto place = static_cast<std::size_t>(first_ + number);
+    const std::size_t place = placeOf(number);
     if (place >= records.size())
         return;
     document_.remove(*records[place]);
@@ -260,7 +260,7 @@ void CApplicationRows::refresh() {
 std::optional<CApplicationRows::Edit> CApplicationRows::openEdit() const {
     for (int number = 0; number < rowCount; ++number) {
         const Row& row = rows_[static_cast<std::size_t>(number)];
-        const bool used = static_cast<std::size_t>(first_ + number) < entries_.size();
+        const bool used = placeOf(number) < entries_.size();
         if (!used || !row.edited())
             continue;
         const auto controls = row.controls();
@@ -274,7 +274,7 @@ std::optional<CApplicationRows::Edit> CApplicationRows::openEdit() const {
 
 /// Where the entry stands now; -1 when there is none like it any more.
 int CApplicationRows::placeFor(const Edit& edit) const {
-    const auto old = static_cast<std::size_t>(first_ + edit.row);
+    const std::size_t old = placeOf(edit.row);
     if (old < entries_.size() && entries_[old] == edit.shown)
         return first_ + edit.row;
     const auto found = std::ranges::find(entries_, edit.shown);
@@ -310,7 +310,7 @@ void CApplicationRows::fillRows() {
 
 void CApplicationRows::fillRow(int number) {
     Row& row = rows_[static_cast<std::size_t>(number)];
-    const auto place = static_cast<std::size_t>(first_ + number);
+    const std::size_t place = placeOf(number);
     row.setVisible(place < entries_.size());
     const ApplicationValues values = place < entries_.size() ? entries_[place] : ApplicationValues{};
     if (row.shown == values && row.edited())

@@ -84,6 +84,10 @@ private:
     void orderChanged() override { refreshSoon_.start(); }
     void documentReplaced() override { refreshSoon_.start(); }
 
+    /// The entry that stands in this row of the window.
+    std::size_t placeOf(int row) const {
+        return static_cast<std::size_t>(first_) + static_cast<std::size_t>(row);
+    }
     void changed(const CHardware& record);
     void makeHeader(QGridLayout& grid);
     void makeRow(QGridLayout& grid, int number);

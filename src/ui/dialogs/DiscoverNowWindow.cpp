@@ -25,8 +25,8 @@ QString number(std::uint64_t value) {
 }
 
 QString statusText(const SweepProgress& progress) {
-    const QString found = progress.found == 1 ? QStringLiteral("1 host found")
-                                              : number(progress.found) + QStringLiteral(" hosts found");
+    QString found = progress.found == 1 ? QStringLiteral("1 host found")
+                                        : number(progress.found) + QStringLiteral(" hosts found");
     const QString left = qText(describeDuration(progress.left)) + QStringLiteral(" left");
     switch (progress.phase) {
     case SweepPhase::Sending:

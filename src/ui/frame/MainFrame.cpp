@@ -92,7 +92,7 @@ std::optional<FileError> CMainFrame::endSession() {
     sessionEnded_ = true;
     applicationCommands_.storeTyping();
     toolsCommands_.storeTyping();
-    const auto error = station_.shutDown();
+    auto error = station_.shutDown();
     close();
     return error;
 }
