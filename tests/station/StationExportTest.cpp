@@ -191,20 +191,16 @@ protected:
         station->openDatafile(path);
     }
 
+    std::unique_ptr<CStation> withDeadShare() {
+        StationServices services = servicesOfA(a.files);
+        services.makeExportFiles = [this] {
+            return share;
+        };
+        return std::make_unique<CStation>(std::move(services));
+    }
+
     std::shared_ptr<HangingFiles> share = std::make_shared<HangingFiles>(target);
-    std::unique_ptr<CStation> station = std::make_unique<CStation>(StationServices{a.files,
-                                                                                   clock,
-                                                                                   timers,
-                                                                                   a.settings,
-                                                                                   a.log,
-                                                                                   a.dialogs,
-                                                                                   a.probes,
-                                                                                   {"A-HOST", "a-user"},
-                                                                                   false,
-                                                                                   &a.workers,
-                                                                                   [this] {
-                                                                                       return share;
-                                                                                   }});
+    std::unique_ptr<CStation> station = withDeadShare();
 };
 
 TEST_F(DeadShareExport, holdsTheStationOnce) {

@@ -87,6 +87,12 @@ protected:
         site.doc().editByUser(site.device(recID), [&name](CHardware& device) { device.Name = name; });
     }
 
+    /// For a second station in A's place, which reaches the datafile by way of `files`.
+    StationServices servicesOfA(Files& files) {
+        return {files, clock,     timers, a.settings, a.log, a.dialogs, a.probes, {"A-HOST", "a-user"},
+                false, &a.workers};
+    }
+
     TestFolder folder;
     std::string path = folder.file("floor.mv");
     FakeClock clock;

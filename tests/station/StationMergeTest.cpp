@@ -373,16 +373,7 @@ public:
 TEST_F(StationMergeTest, ATickOnAnUnchangedFileIsOneStatusCall) {
     CountingCalls calls;
     PosixFiles counted(calls, folder.file("backup"));
-    CStation station({counted,
-                      clock,
-                      timers,
-                      a.settings,
-                      a.log,
-                      a.dialogs,
-                      a.probes,
-                      {"A-HOST", "a-user"},
-                      false,
-                      &a.workers});
+    CStation station(servicesOfA(counted));
     ASSERT_FALSE(station.openDatafile(path));
     calls.statusCalls = calls.opens = 0;
     pass(300'000);

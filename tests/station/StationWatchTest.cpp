@@ -116,16 +116,7 @@ private:
 
 TEST_F(StationWatchTest, AStationThatHangsWithTheFileHoldsThisOneUpOnce) {
     HeldFiles files;
-    CStation station({files,
-                      clock,
-                      timers,
-                      a.settings,
-                      a.log,
-                      a.dialogs,
-                      a.probes,
-                      {"A-HOST", "a-user"},
-                      false,
-                      &a.workers});
+    CStation station(servicesOfA(files));
     ASSERT_FALSE(station.openDatafile(path));
     open(b);
     rename(b, 1, "by b");

@@ -12,20 +12,8 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-class ApplicationsMenu : public test::FrameFixture {
+class ApplicationsMenu : public test::ShownFrame {
 protected:
-    CMirovaneView* floor = nullptr;
-    std::unique_ptr<CMainFrame> frame;
-
-    void SetUp() override {
-        FrameFixture::SetUp();
-        floor = new CMirovaneView(*station);
-        frame = std::make_unique<CMainFrame>(*station, dialogs, recent, launcher, floor);
-        frame->files().newFile();
-        frame->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(frame.get()));
-    }
-
     const CHardware* entry(bool onMenu, const std::string& name, const std::string& command) {
         const CHardware* added = addApplication(document());
         changeApplication(document(), *added, {onMenu, name, command});

@@ -9,10 +9,12 @@
 #include "tests/support/InstantNetwork.h"
 #include "tests/support/ScriptedProbes.h"
 #include "tests/ui/frame/ScriptedDialogs.h"
+#include "ui/floor/MirovaneView.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/frame/RecentFiles.h"
 
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -63,6 +65,22 @@ protected:
     void addComputer() { document().addDevice(DeviceType::Computer); }
 
     bool logged(const std::string& part) const { return log.text().find(part) != std::string::npos; }
+};
+
+/// The main window on the screen, with a new datafile.
+class ShownFrame : public FrameFixture {
+protected:
+    CMirovaneView* floor = nullptr;
+    std::unique_ptr<CMainFrame> frame;
+
+    void SetUp() override {
+        FrameFixture::SetUp();
+        floor = new CMirovaneView(*station);
+        frame = std::make_unique<CMainFrame>(*station, dialogs, recent, launcher, floor);
+        frame->files().newFile();
+        frame->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(frame.get()));
+    }
 };
 
 } // namespace mirovane::test

@@ -21,20 +21,8 @@
 namespace mirovane {
 namespace {
 
-class MainFrame : public test::FrameFixture {
+class MainFrame : public test::ShownFrame {
 protected:
-    CMirovaneView* floor = nullptr;
-    std::unique_ptr<CMainFrame> frame;
-
-    void SetUp() override {
-        FrameFixture::SetUp();
-        floor = new CMirovaneView(*station);
-        frame = std::make_unique<CMainFrame>(*station, dialogs, recent, launcher, floor);
-        frame->files().newFile();
-        frame->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(frame.get()));
-    }
-
     QAction* action(const char* name) { return frame->actions().action(name); }
     QString pane(const char* name) { return frame->findChild<QLabel*>(QLatin1String(name))->text(); }
     QImage picture() {
