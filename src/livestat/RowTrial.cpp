@@ -6,6 +6,8 @@
 #include "livestat/Placeholders.h"
 #include "model/FieldNames.h"
 
+#include <new>
+
 namespace mirovane {
 
 namespace {
@@ -58,6 +60,31 @@ TimeStamp stampOf(const Clock& clock) {
     return static_cast<TimeStamp>(std::chrono::system_clock::to_time_t(clock.wall()));
 }
 
+void carryOut(const StepInput& input, const StepProbes& probes, const Clock& clock, RowTrial& trial) {
+    trial.command = input.criteria.Command;
+    trial.expandedArgument = Expand(input.criteria.Argument, input.device, ExpandMode::Argument);
+    trial.expandedPattern = Expand(input.criteria.SearchFor, input.device, ExpandMode::Pattern);
+    trial.conditionAllows = conditionAllows(input.device, input.row, input.criteria);
+    trial.passedOver = !rowCounts(input.device, input.row, input.criteria);
+    if (trial.passedOver) {
+        trial.answer = whyPassedOver(input);
+        return;
+    }
+    if (!trial.conditionAllows) {
+        trial.answer = whyNotRun(input.device, input.criteria);
+        return;
+    }
+    StepInput fresh = input;
+    fresh.device.RuleStamps.fill(0); // else a text file that has not changed would show nothing
+    const StepOutcome outcome = runStep(fresh, probes, &trial.answer);
+    trial.acted = outcome.acted;
+    trial.failed = outcome.failed;
+    trial.cancelled = outcome.cancelled;
+    CHardware after = input.device;
+    applyOutcome(after, input, outcome, stampOf(clock));
+    trial.changes = changesBetween(input.device, after);
+}
+
 } // namespace
 
 std::string_view outcomeText(const RowTrial& trial) {
@@ -82,29 +109,14 @@ StepInput trialInput(const CMirovaneDoc& document, const CHardware& device, int 
 
 RowTrial tryRow(const StepInput& input, const StepProbes& probes, const Clock& clock) {
     RowTrial trial;
+    try {
+        carryOut(input, probes, clock, trial);
+    } catch (const std::bad_alloc&) { // whoever waits for it may have edits that are in no file yet
+        trial = {};
+        trial.cancelled = true;
+        trial.answer = "there is not enough memory for it";
+    }
     trial.row = input.row;
-    trial.command = input.criteria.Command;
-    trial.expandedArgument = Expand(input.criteria.Argument, input.device, ExpandMode::Argument);
-    trial.expandedPattern = Expand(input.criteria.SearchFor, input.device, ExpandMode::Pattern);
-    trial.conditionAllows = conditionAllows(input.device, input.row, input.criteria);
-    trial.passedOver = !rowCounts(input.device, input.row, input.criteria);
-    if (trial.passedOver) {
-        trial.answer = whyPassedOver(input);
-        return trial;
-    }
-    if (!trial.conditionAllows) {
-        trial.answer = whyNotRun(input.device, input.criteria);
-        return trial;
-    }
-    StepInput fresh = input;
-    fresh.device.RuleStamps.fill(0); // else a text file that has not changed would show nothing
-    const StepOutcome outcome = runStep(fresh, probes, &trial.answer);
-    trial.acted = outcome.acted;
-    trial.failed = outcome.failed;
-    trial.cancelled = outcome.cancelled;
-    CHardware after = input.device;
-    applyOutcome(after, input, outcome, stampOf(clock));
-    trial.changes = changesBetween(input.device, after);
     return trial;
 }
 

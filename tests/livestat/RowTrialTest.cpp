@@ -51,6 +51,20 @@ TEST_F(RowTrialTest, ShowsWhatWasAskedWhatCameBackAndWhatWouldBeWritten) {
     EXPECT_TRUE(wrong.failed && wrong.changes.empty());
 }
 
+class GreedySnmp final : public SnmpProbe {
+public:
+    SnmpAnswer SnmpGet(const SnmpQuery&, std::stop_token) override { throw std::bad_alloc(); }
+    std::optional<std::string> snmpUnusable() override { return std::nullopt; }
+};
+
+TEST_F(RowTrialTest, WantOfMemoryEndsTheTrialAlone) {
+    rule(DeviceType::Printer, 1, Action::SnmpGet, "$mvI public 1.3", "On");
+    GreedySnmp greedy;
+    const RowTrial ended = tryRow(trialInput(doc, device(recID), 1, {}), {probes, greedy, probes}, clock);
+    EXPECT_TRUE(ended.cancelled && ended.changes.empty());
+    EXPECT_EQ(ended.answer, "there is not enough memory for it");
+}
+
 TEST_F(RowTrialTest, SaysWhyARowIsNotRun) {
     const RowTrial off = trial(6, Action::SetValue, "x", "", "Off");
     EXPECT_FALSE(off.conditionAllows || off.acted);
