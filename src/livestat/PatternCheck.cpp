@@ -1,6 +1,7 @@
 #include "livestat/PatternCheck.h"
 
 #include "livestat/Placeholders.h"
+#include "model/Criteria.h"
 #include "probes/Pattern.h"
 
 namespace mirovane {
@@ -10,11 +11,8 @@ namespace {
 /// Every field holds something: a quantifier after a placeholder has a text to repeat.
 CHardware anyDevice() {
     CHardware device;
-    for (std::string CHardware::*field :
-         {&CHardware::Name, &CHardware::IPAddress, &CHardware::Username, &CHardware::MACAddress,
-          &CHardware::ToJack, &CHardware::Comment, &CHardware::SlashText, &CHardware::BackslashText,
-          &CHardware::HorzText, &CHardware::VertText, &CHardware::ToDo})
-        device.*field = "x";
+    for (int row = 1; row < criteriaRowCount; ++row)
+        device.*criteriaTargetField(row) = "x";
     return device;
 }
 

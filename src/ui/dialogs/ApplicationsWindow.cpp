@@ -5,6 +5,7 @@
 #include "platform/Terminal.h"
 #include "ui/dialogs/ApplicationRows.h"
 #include "ui/dialogs/DialogText.h"
+#include "ui/dialogs/WindowPlacement.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -12,7 +13,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScreen>
 #include <QVBoxLayout>
 
 namespace mirovane {
@@ -128,16 +128,10 @@ CApplicationsWindow::CApplicationsWindow(CStation& station, std::function<void(c
     connect(rows_, &CApplicationRows::commandShown, this, &CApplicationsWindow::explain);
     saveTimer_.setSingleShot(true);
     connect(&saveTimer_, &QTimer::timeout, this, &CApplicationsWindow::saveLater);
-    fitToScreen();
+    fitToScreen(*this, QSize(wantedWidth, 0));
     // The only box there is without entries is the terminal's: whoever types at once would name another one.
     if (applicationRecords(station_.document()).empty())
         add_->setFocus();
-}
-
-void CApplicationsWindow::fitToScreen() {
-    const QScreen* where = parentWidget() ? parentWidget()->screen() : screen();
-    const QSize room = where->availableGeometry().size() - QSize(20, 60);
-    resize(sizeHint().expandedTo(QSize(wantedWidth, 0)).boundedTo(room));
 }
 
 CApplicationsWindow::~CApplicationsWindow() {

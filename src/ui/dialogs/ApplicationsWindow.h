@@ -40,7 +40,6 @@ protected:
 private:
     QWidget* makeTerminal();
     QWidget* makeButtons();
-    void fitToScreen();
     void explain(const QString& command);
     void storeTerminal();
     void saveSoon();

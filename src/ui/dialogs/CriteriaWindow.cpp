@@ -6,11 +6,11 @@
 #include "ui/dialogs/FaultColours.h"
 #include "ui/dialogs/RowTrialWindow.h"
 #include "ui/dialogs/SaveFailure.h"
+#include "ui/dialogs/WindowPlacement.h"
 
 #include <QAbstractItemView>
 #include <QFrame>
 #include <QPushButton>
-#include <QScreen>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
@@ -79,7 +79,7 @@ CCriteriaWindow::CCriteriaWindow(CStation& station, StationDialogs& dialogs, QWi
                  this));
     layout->addLayout(makeButtons());
     showRows();
-    fitToScreen();
+    fitToScreen(*this, wantedSize);
     document_.addObserver(*this);
 }
 
@@ -189,12 +189,6 @@ QLayout* CCriteriaWindow::makeButtons() {
     line->addWidget(resetButton);
     line->addWidget(close);
     return line;
-}
-
-void CCriteriaWindow::fitToScreen() {
-    const QScreen* where = parentWidget() ? parentWidget()->screen() : screen();
-    const QSize room = where->availableGeometry().size() - QSize(20, 60);
-    resize(wantedSize.expandedTo(sizeHint()).boundedTo(room));
 }
 
 // ---- showing

@@ -42,7 +42,6 @@ private:
     void makeRows(QGridLayout& grid);
     QLayout* makeDeviceLine();
     QLayout* makeButtons();
-    void fitToScreen();
 
     void typePicked();
     void showRows();

@@ -75,6 +75,13 @@ void restorePlacement(QWidget& window, const CSettings& settings, const Placemen
         applyPlacement(window, stored);
 }
 
+void fitToScreen(QWidget& window, const QSize& wanted) {
+    constexpr QSize frame(20, 60); // that the window system adds
+    const QWidget& shown = window.parentWidget() ? *window.parentWidget() : window;
+    const QSize room = shown.screen()->availableGeometry().size() - frame;
+    window.resize(wanted.expandedTo(window.sizeHint()).boundedTo(room));
+}
+
 PlacementKeeper::PlacementKeeper(QWidget& window, CSettings& settings, const PlacementKeys& keys)
     : QObject(&window), window_(window), settings_(settings), keys_(keys) {
     delay_.setSingleShot(true);

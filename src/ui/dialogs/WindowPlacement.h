@@ -52,6 +52,10 @@ void applyPlacement(QWidget& window, const StoredPlacement& stored);
 /// The same for a window that is not the main one: its default stays unless left, width and height are set.
 void restorePlacement(QWidget& window, const CSettings& settings, const PlacementKeys& keys);
 
+/// Gives a window that is not yet shown the wanted size, or what its contents need, but no more than the
+/// screen of its parent has.
+void fitToScreen(QWidget& window, const QSize& wanted);
+
 /// Writes the window's place to the settings shortly after every move or resize, except while it is minimised
 /// or maximised. Shortly after, because a window system may report the size of a maximised window before it
 /// reports that the window is maximised. Belongs to the window.
