@@ -1,12 +1,7 @@
 #include "ui/dialogs/DiscoverNowWindow.h"
 
-#include "model/MessageLog.h"
-#include "platform/PosixFiles.h"
-#include "tests/support/FakeTime.h"
-#include "tests/support/InlineWorkers.h"
+#include "tests/station/StationFixture.h"
 #include "tests/support/InstantNetwork.h"
-#include "tests/support/ScriptedProbes.h"
-#include "tests/support/TestFolder.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -23,18 +18,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class Answers final : public StationDialogs {
-public:
-    bool ask(const std::string& question) override {
-        questions.push_back(question);
-        return answer;
-    }
-    void fail(const std::string& text) override { failures.push_back(text); }
-
-    bool answer = false;
-    std::vector<std::string> questions, failures;
-};
-
 std::uint32_t at(const char* text) {
     return parseRangeAddress(text).value();
 }
@@ -42,19 +25,6 @@ std::uint32_t at(const char* text) {
 class DiscoverNowWindow : public testing::Test {
 protected:
     void SetUp() override {
-        settings.initialise();
-        station = std::make_unique<CStation>(StationServices{files,
-                                                             clock,
-                                                             timers,
-                                                             settings,
-                                                             log,
-                                                             dialogs,
-                                                             probes,
-                                                             {"host", "user"},
-                                                             false,
-                                                             &workers,
-                                                             nullptr,
-                                                             &network});
         station->newDatafile();
         ASSERT_FALSE(station->saveDatafileAs(folder.file("floor.mv")));
     }
@@ -85,21 +55,26 @@ protected:
             },
             20'000);
     }
+    /// A slow sweep that has found two hosts and goes on.
+    void findTwo() {
+        addRange("127.0.0.1", "127.0.3.254");
+        network.living = {at("127.0.0.1"), at("127.0.0.2")};
+        settings.write(sweepRateSetting, 20);
+        open();
+        button("discoverNowStart")->click();
+        ASSERT_TRUE(passUntil([this] { return station->discoverNow()->found().size() == 2; }));
+    }
     bool over() { return !station->discoverNow()->running(); }
     std::size_t devices() { return station->document().deviceCount(); }
 
     TestFolder folder;
     FakeClock clock;
     FakeTimers timers{clock};
-    PosixFiles files;
-    MemorySettingsStore store;
-    CSettings settings{store};
-    CMessageLog log{clock};
-    Answers dialogs;
-    ScriptedProbes probes;
-    InlineWorkers workers;
     InstantNetwork network;
-    std::unique_ptr<CStation> station;
+    Site site{clock, timers, {"host", "user"}, false, nullptr, &network};
+    CStation* station = site.station.get();
+    ScriptedDialogs& dialogs = site.dialogs;
+    CSettings& settings = site.settings;
     std::unique_ptr<CDiscoverNowWindow> window;
 };
 
@@ -150,12 +125,7 @@ TEST_F(DiscoverNowWindow, saysWhereRangesAreEntered) {
 }
 
 TEST_F(DiscoverNowWindow, escapeAsksBeforeItForgetsFoundHosts) {
-    addRange("127.0.0.1", "127.0.3.254");
-    network.living = {at("127.0.0.1"), at("127.0.0.2")};
-    settings.write(sweepRateSetting, 20);
-    open();
-    button("discoverNowStart")->click();
-    ASSERT_TRUE(passUntil([this] { return station->discoverNow()->found().size() == 2; }));
+    ASSERT_NO_FATAL_FAILURE(findTwo());
     QTest::keyClick(window.get(), Qt::Key_Escape);
     EXPECT_THAT(dialogs.questions, ElementsAre("Cancel Discover Now and forget the 2 hosts found so far?"));
     EXPECT_FALSE(over()) << "the answer was No";
@@ -178,12 +148,7 @@ TEST_F(DiscoverNowWindow, escapeAsksNothingWhereNothingIsLost) {
 }
 
 TEST_F(DiscoverNowWindow, stopAndAddKeepsThem) {
-    addRange("127.0.0.1", "127.0.3.254");
-    network.living = {at("127.0.0.1"), at("127.0.0.2")};
-    settings.write(sweepRateSetting, 20);
-    open();
-    button("discoverNowStart")->click();
-    ASSERT_TRUE(passUntil([this] { return station->discoverNow()->found().size() == 2; }));
+    ASSERT_NO_FATAL_FAILURE(findTwo());
     QTest::keyClick(window.get(), Qt::Key_Return);
     EXPECT_TRUE(over());
     EXPECT_EQ(devices(), 2U);
