@@ -39,7 +39,9 @@ class Worker:
         self.generation += 1
         self.process = subprocess.Popen(self.command(self), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                         text=True, errors="replace")
-        threading.Thread(target=self.read, args=(self.process,), daemon=True).start()
+        self.lines_before = len(self.lines)
+        self.reader = threading.Thread(target=self.read, args=(self.process,), daemon=True)
+        self.reader.start()
 
     def read(self, process):
         for line in process.stdout:
@@ -48,6 +50,7 @@ class Worker:
     def kill(self):
         self.process.kill()
         self.process.wait()
+        self.reader.join()
         self.start()
 
     def stop(self):
@@ -58,7 +61,10 @@ class Worker:
             self.process.kill()
             self.trial.faults.append(f"{self.name} did not end within 30 s of SIGTERM")
             return
-        if self.process.returncode != 0:
+        self.reader.join()
+        # Started anew a moment ago it may not have come as far as to take signals.
+        had_begun = len(self.lines) > self.lines_before
+        if self.process.returncode != 0 and (had_begun or self.process.returncode != -signal.SIGTERM):
             self.trial.faults.append(f"{self.name} ended with {self.process.returncode}: {self.lines[-3:]}")
 
 
