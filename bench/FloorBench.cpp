@@ -3,13 +3,13 @@
 
 #include "bench/support/PairedRounds.h"
 #include "model/Document.h"
-#include "platform/PosixFiles.h"
-#include "tests/ui/floor/PlainPainter.h"
-#include "ui/floor/FloorFrame.h"
-#include "ui/floor/FloorIndex.h"
-#include "ui/floor/IconSet.h"
-#include "ui/floor/MapTiles.h"
-#include "ui/floor/PhotoStore.h"
+#include "platform/files/PosixFiles.h"
+#include "tests/ui/floor/paint/PlainPainter.h"
+#include "ui/floor/geometry/FloorIndex.h"
+#include "ui/floor/map/MapTiles.h"
+#include "ui/floor/paint/FloorFrame.h"
+#include "ui/floor/paint/IconSet.h"
+#include "ui/floor/paint/PhotoStore.h"
 
 #include <QGuiApplication>
 
@@ -30,10 +30,9 @@ QImage drawnMap() {
     map.fill(Qt::white);
     QPainter painter(&map);
     painter.setPen(QPen(Qt::darkGray, 3));
-    for (int x = 40; x < map.width(); x += 170) {
+    for (int x = 40; x < map.width(); x += 170)
         for (int y = 40; y < map.height(); y += 130)
             painter.drawRect(x, y, 150, 110);
-    }
     return map;
 }
 
@@ -74,29 +73,29 @@ struct Site {
         state.LabelFontHeight = 12;
     }
 
-    FloorSources sources() { return {doc, index, icons, tiles, photos}; }
+    FloorSources sources() { return {doc, doc.display(), index, icons, tiles, photos}; }
 
     void zoom(std::int32_t percent) {
         doc.display().ZoomPercent = doc.display().ZoomDevicesPercent = percent;
     }
 
-    SystemClock clock;
-    PosixFiles files;
+    CSystemClock clock;
+    CPosixFiles files;
     CMessageLog log{clock};
-    MemorySettingsStore store;
+    CMemorySettingsStore store;
     CSettings settings{store};
-    CMirovaneDoc doc{files, clock, log, settings, {"bench", "bench"}};
-    FloorIndex index{doc};
-    IconSet icons;
+    CMirovaneDoc doc{clock, log, {"bench", "bench"}};
+    CFloorIndex index{doc};
+    CIconSet icons;
     QImage map = drawnMap();
-    std::shared_ptr<const MapPicture> picture = std::make_shared<const MapPicture>(map);
-    MapTiles tiles;
-    PhotoStore photos{PhotoStore::Reading::Now};
+    std::shared_ptr<const CMapPicture> picture = std::make_shared<const CMapPicture>(map);
+    CMapTiles tiles;
+    CPhotoStore photos{CPhotoStore::Reading::Now};
     FloorViewState state;
 };
 
 /// What the window does between two frames when it has nothing else to do.
-void prepareAll(FloorFrame& frame) {
+void prepareAll(CFloorFrame& frame) {
     while (frame.prepare(std::chrono::seconds(1))) {
     }
 }
@@ -107,7 +106,7 @@ void scrollTo(Site& site, int step) {
 
 void benchLaterFrames(int devices, double goal) {
     Site site(devices, 0);
-    FloorFrame frame(site.sources());
+    CFloorFrame frame(site.sources());
     test::PlainPainter plain(site.doc, site.icons, site.map);
     QImage canvas(window, QImage::Format_RGB32);
     frame.setView(site.state, 1);
@@ -165,7 +164,7 @@ void benchFirstFrame(int devices, std::int32_t percent) {
     test::PlainPainter plain(site.doc, site.icons, site.map);
     QImage canvas(window, QImage::Format_RGB32);
     if (percent == 100) {
-        FloorFrame frame(site.sources());
+        CFloorFrame frame(site.sources());
         frame.setView(site.state, 1);
         plain.draw(canvas, site.state);
         require(frame.image() == canvas, "first and plain frames differ");
@@ -173,7 +172,7 @@ void benchFirstFrame(int devices, std::int32_t percent) {
     const auto ours = [&] {
         site.tiles.setPicture(site.picture);
         site.icons.loadWithFallback(QStringLiteral("/nowhere"));
-        FloorFrame frame(site.sources());
+        CFloorFrame frame(site.sources());
         const auto start = std::chrono::steady_clock::now();
         frame.setView(site.state, 1);
         frame.image();
@@ -187,8 +186,8 @@ void benchFirstFrame(int devices, std::int32_t percent) {
 }
 
 void benchMap(std::int32_t percent) {
-    MapTiles tiles;
-    tiles.setPicture(std::make_shared<const MapPicture>(drawnMap()));
+    CMapTiles tiles;
+    tiles.setPicture(std::make_shared<const CMapPicture>(drawnMap()));
     QImage canvas(window, QImage::Format_RGB32);
     QImage copy(window, QImage::Format_RGB32);
     canvas.fill(Qt::white);
@@ -213,10 +212,10 @@ void benchMap(std::int32_t percent) {
 void benchManyElsewhere() {
     Site large(1000, 64000);
     Site small(1000, 0);
-    FloorFrame largeFrame(large.sources());
-    FloorFrame smallFrame(small.sources());
+    CFloorFrame largeFrame(large.sources());
+    CFloorFrame smallFrame(small.sources());
     int step = 0;
-    const auto frameOf = [&step](Site& site, FloorFrame& frame) {
+    const auto frameOf = [&step](Site& site, CFloorFrame& frame) {
         scrollTo(site, ++step);
         frame.setView(site.state, 1);
         frame.image();

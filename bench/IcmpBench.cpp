@@ -1,8 +1,8 @@
 // Echo engine: lost replies, sweep speed against fping, many callers at once, silent hosts.
 
 #include "bench/support/PairedRounds.h"
-#include "probes/HostAddress.h"
 #include "probes/SystemHostProbes.h"
+#include "probes/names/HostAddress.h"
 #include "tests/support/OwnNetwork.h"
 #include "tests/support/TunHosts.h"
 
@@ -34,11 +34,9 @@ constexpr std::size_t rounds = 9;
 /// `count` addresses from `first` on, without those that end in 0 or 255.
 Addresses addressesFrom(const char* first, std::size_t count) {
     Addresses addresses;
-    for (std::uint32_t next = ntohl(*parseDottedAddress(first)); addresses.size() < count; ++next) {
-        if ((next & 0xff) != 0 && (next & 0xff) != 0xff) {
+    for (std::uint32_t next = ntohl(*parseDottedAddress(first)); addresses.size() < count; ++next)
+        if ((next & 0xff) != 0 && (next & 0xff) != 0xff)
             addresses.push_back(htonl(next));
-        }
-    }
     return addresses;
 }
 
@@ -51,15 +49,14 @@ void countRow(const char* name, const std::string& what, std::size_t count, std:
 }
 
 /// Keeps `window` probes in flight until all addresses are done; returns how many answered.
-std::size_t probeWindow(IcmpEngine& engine, const Addresses& addresses, std::size_t window) {
+std::size_t probeWindow(CIcmpEngine& engine, const Addresses& addresses, std::size_t window) {
     std::atomic<std::size_t> next{window};
     std::atomic<std::size_t> answered{0};
     std::latch done(static_cast<std::ptrdiff_t>(addresses.size()));
     EchoCallback callback = [&](const EchoResult& result) {
         answered += result.answered() ? 1 : 0;
-        if (const std::size_t mine = next++; mine < addresses.size()) {
+        if (const std::size_t mine = next++; mine < addresses.size())
             engine.start(addresses[mine], {}, callback);
-        }
         done.count_down();
     };
     engine.startAll(std::span(addresses).first(std::min(window, addresses.size())), {}, callback);
@@ -67,7 +64,7 @@ std::size_t probeWindow(IcmpEngine& engine, const Addresses& addresses, std::siz
     return answered;
 }
 
-std::size_t sweep(IcmpEngine& engine, const Addresses& addresses, std::uint32_t timeoutMs) {
+std::size_t sweep(CIcmpEngine& engine, const Addresses& addresses, std::uint32_t timeoutMs) {
     std::size_t answered = 0; // callbacks come from one thread
     std::latch done(static_cast<std::ptrdiff_t>(addresses.size()));
     EchoOptions options;
@@ -83,7 +80,7 @@ std::size_t sweep(IcmpEngine& engine, const Addresses& addresses, std::uint32_t 
 void lostReplies(const std::string& what, const Addresses& addresses) {
     std::size_t lost = 0;
     for (int run = 0; run < 5; ++run) {
-        IcmpEngine engine;
+        CIcmpEngine engine;
         lost += addresses.size() - probeWindow(engine, addresses, 1000);
     }
     countRow("I1", what, lost, 5 * addresses.size(), 0);
@@ -94,13 +91,12 @@ void sweepAgainstFping(std::size_t count) {
     const auto list = std::filesystem::temp_directory_path() / ("hosts-" + std::to_string(::getpid()));
     {
         std::ofstream file(list);
-        for (const std::uint32_t address : addresses) {
+        for (const std::uint32_t address : addresses)
             file << formatAddress(address) << '\n';
-        }
     }
     const std::string command = "fping -q -i 0 -r 0 -t 500 < " + list.string() + " > /dev/null 2>&1";
     const auto ours = [&] {
-        IcmpEngine engine;
+        CIcmpEngine engine;
         if (const auto answered = sweep(engine, addresses, 500); answered != addresses.size()) {
             std::printf("lost %zu replies of %zu\n", addresses.size() - answered, addresses.size());
             std::exit(1);
@@ -134,7 +130,7 @@ struct CallersRun {
 
 /// `callers` threads call PingHost for all addresses between them.
 CallersRun callersRun(const Addresses& addresses, std::size_t callers) {
-    SystemHostProbes probes;
+    CSystemHostProbes probes;
     std::vector<std::string> targets;
     std::transform(addresses.begin(), addresses.end(), std::back_inserter(targets), formatAddress);
     std::atomic<std::size_t> next{0};
@@ -155,9 +151,8 @@ CallersRun callersRun(const Addresses& addresses, std::size_t callers) {
     CallersRun result;
     result.milliseconds = bench::millisecondsOf([&] {
         ready.arrive_and_wait();
-        while (answered == 0) {
+        while (answered == 0)
             std::this_thread::yield();
-        }
         result.sockets = openSockets() - socketsBefore;
         threads.clear();
     });
@@ -189,7 +184,7 @@ void halfSilent(const Addresses& addresses) {
         addresses.begin(), addresses.end(), [](std::uint32_t a) { return (ntohl(a) & 1) == 0; }));
     std::size_t wrong = 0;
     const auto ours = [&] {
-        IcmpEngine engine;
+        CIcmpEngine engine;
         const std::size_t answered = sweep(engine, addresses, timeoutMs);
         wrong += living > answered ? living - answered : answered - living;
     };
@@ -206,14 +201,14 @@ void answerAfter5ms(TunHosts& hosts, const TunHosts::Bytes& request) {
 }
 
 void answerWhenEven(TunHosts& hosts, const TunHosts::Bytes& request) {
-    if (TunHosts::lastPartOfTarget(request) % 2 == 0) {
+    if (TunHosts::lastPartOfTarget(request) % 2 == 0)
         hosts.send(TunHosts::replyTo(request));
-    }
 }
 
 bool wanted(int argc, char** argv, const char* name) {
     return argc < 2 ||
-           std::any_of(argv + 1, argv + argc, [name](const char* a) { return std::strcmp(a, name) == 0; });
+           std::any_of(
+               argv + 1, argv + argc, [name](const char* a) { return std::strcmp(a, name) == 0; });
 }
 
 void overDelayedNetwork(int argc, char** argv) {
@@ -229,12 +224,10 @@ void overDelayedNetwork(int argc, char** argv) {
             std::printf("I1 (5 ms), I3 and I5 left out: %s\n", hosts.refused()->c_str());
             return;
         }
-        if (wanted(argc, argv, "I1")) {
+        if (wanted(argc, argv, "I1"))
             lostReplies("lost, 1,000 in flight, 5 ms, five runs", addresses);
-        }
-        if (wanted(argc, argv, "I3")) {
+        if (wanted(argc, argv, "I3"))
             callersAtOnce(addresses);
-        }
     }
     if (wanted(argc, argv, "I5")) {
         TunHosts hosts(answerWhenEven);
@@ -247,7 +240,7 @@ void overDelayedNetwork(int argc, char** argv) {
 /// Usage: IcmpBench [I1] [I2] [I3] [I5]
 int main(int argc, char** argv) {
     { // gone before the measuring: every raw socket costs every packet a copy
-        IcmpEngine engine;
+        CIcmpEngine engine;
         if (const auto reason = engine.unusable()) {
             std::printf("%s\n", reason->c_str());
             return 1;
@@ -255,9 +248,8 @@ int main(int argc, char** argv) {
         std::printf("%s\n", engine.socketKind().c_str());
     }
     bench::printHeader();
-    if (wanted(argc, argv, "I1")) {
+    if (wanted(argc, argv, "I1"))
         lostReplies("lost, 1,000 in flight, loopback, five runs", addressesFrom("127.1.0.1", 4094));
-    }
     if (wanted(argc, argv, "I2")) {
         sweepAgainstFping(4094);
         sweepAgainstFping(65534);

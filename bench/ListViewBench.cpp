@@ -3,11 +3,11 @@
 
 #include "bench/support/BigFloor.h"
 #include "bench/support/PairedRounds.h"
-#include "model/ListRows.h"
-#include "model/Text.h"
-#include "platform/PosixFiles.h"
-#include "ui/dialogs/ListTable.h"
-#include "ui/dialogs/ListViewModel.h"
+#include "model/records/Text.h"
+#include "model/rows/ListRows.h"
+#include "platform/files/PosixFiles.h"
+#include "ui/list/ListTable.h"
+#include "ui/list/ListViewModel.h"
 
 #include <QAbstractTableModel>
 #include <QApplication>
@@ -36,17 +36,18 @@ struct Floor {
             });
     }
 
-    PosixFiles files;
-    SystemClock clock;
+    CPosixFiles files;
+    CSystemClock clock;
     CMessageLog log{clock};
-    MemorySettingsStore store;
+    CMemorySettingsStore store;
     CSettings settings{store};
-    CMirovaneDoc doc{files, clock, log, settings, {"host", "user"}};
+    CMirovaneDoc doc{clock, log, {"host", "user"}};
+    CSelection selection{doc};
 };
 
 /// The program's own list.
 struct OurList {
-    explicit OurList(Floor& floor) : rows(floor.doc, state), table(rows) {
+    explicit OurList(Floor& floor) : rows(floor.doc, floor.selection, state), table(rows) {
         rows.setLive(true);
         table.resize(windowSize);
         table.show();
@@ -61,8 +62,8 @@ struct OurList {
     }
 
     ListViewState state;
-    ListViewModel rows;
-    ListTable table;
+    CListViewModel rows;
+    CListTable table;
     bool byName = true;
 };
 
@@ -78,10 +79,9 @@ public:
         };
         std::vector<Entry> entries;
         entries.reserve(doc_.size());
-        for (std::size_t i = 0; i < doc_.size(); ++i) {
+        for (std::size_t i = 0; i < doc_.size(); ++i)
             if (doc_.at(i).isDevice())
                 entries.push_back({keyOf(doc_.at(i), column), &doc_.at(i)});
-        }
         std::stable_sort(entries.begin(), entries.end(),
                          [](const Entry& a, const Entry& b) { return a.key < b.key; });
         beginResetModel();

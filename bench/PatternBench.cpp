@@ -3,7 +3,7 @@
 #define PCRE2_CODE_UNIT_WIDTH 8
 
 #include "bench/support/PairedRounds.h"
-#include "livestat/TextFileSearch.h"
+#include "livestat/steps/TextFileSearch.h"
 
 #include <array>
 #include <cmath>
@@ -103,14 +103,12 @@ void oneValue() {
         int found = 0;
         const auto result = bench::measurePaired(
             [&] {
-                for (int i = 0; i < repeats; ++i) {
-                    found += MatchPattern(text, pattern) ? 1 : 0;
-                }
+                for (int i = 0; i < repeats; ++i)
+                    found += MatchPattern(text, pattern) == PatternOutcome::Match ? 1 : 0;
             },
             [&] {
-                for (int i = 0; i < repeats; ++i) {
+                for (int i = 0; i < repeats; ++i)
                     found -= bareMatch(text, pattern) ? 1 : 0;
-                }
             });
         if (found != 0) {
             std::fprintf(stderr, "wrong answer for %s\n", pattern.c_str());
@@ -125,9 +123,8 @@ void hungryPatterns() {
     const std::string letters(40, 'a');
     const std::string runs = [] {
         std::string text;
-        for (int i = 0; i < 12; ++i) {
+        for (int i = 0; i < 12; ++i)
             text += "aaaaaaaaaaaaaaaa!";
-        }
         return text;
     }();
     const std::vector<std::pair<const char*, std::string>> cases{
@@ -140,9 +137,8 @@ void hungryPatterns() {
     for (const auto& [pattern, line] : cases) {
         const CompiledPattern compiled = CompilePattern(pattern);
         std::vector<double> times;
-        for (int i = 0; i < 9; ++i) {
-            times.push_back(bench::millisecondsOf([&] { compiled.search(line); }));
-        }
+        for (int i = 0; i < 9; ++i)
+            times.push_back(bench::millisecondsOf([&] { SearchPattern(compiled, line); }));
         const double median = bench::medianOf(times);
         bench::printRow("P4", std::string(pattern) + " on " + std::to_string(line.size()) + " bytes / 10 ms",
                         {median, 10, median / 10}, 1.0);
@@ -152,9 +148,8 @@ void hungryPatterns() {
 /// How long a search runs on after Live Stat was switched off.
 void stopping(const std::string& path) {
     std::string lines;
-    while (lines.size() < 20'000'000) {
+    while (lines.size() < 20'000'000)
         lines += std::string(60, 'a') + "!\n";
-    }
     const std::string oneLine(20'000'000, 'a');
     const std::array<std::pair<const char*, const std::string*>, 2> texts{
         {{"lines", &lines}, {"one line of 20 MB", &oneLine}}};

@@ -1,7 +1,7 @@
 #include "bench/support/PairedRounds.h"
-#include "livestat/Scheduler.h"
-#include "livestat/WorkerPool.h"
-#include "platform/PosixFiles.h"
+#include "livestat/schedule/Scheduler.h"
+#include "platform/WorkerPool.h"
+#include "platform/files/PosixFiles.h"
 
 #include <cstdio>
 #include <memory>
@@ -41,7 +41,7 @@ private:
 };
 
 /// Every host lives but each seventh, in turn, so that states keep changing.
-class QuickProbes final : public HostProbes, public SnmpProbe, public RegistryProbes {
+class QuickProbes final : public HostProbes, public SNMPProbe, public RegistryProbes {
 public:
     bool PingHost(const std::string&, PingReply&, std::optional<std::uint32_t>&, std::uint8_t, std::uint32_t,
                   std::uint8_t, std::stop_token) override {
@@ -51,14 +51,13 @@ public:
         return false;
     }
     std::optional<std::string> echoUnusable() override { return std::nullopt; }
-    SnmpAnswer SnmpGet(const SnmpQuery&, std::stop_token) override { return {}; }
+    SNMPAnswer SnmpGet(const SNMPQuery&, std::stop_token) override { return {}; }
     std::optional<std::string> snmpUnusable() override { return std::nullopt; }
     std::optional<std::string> ReadRegistryValue(const std::string&, const std::string&, std::stop_token,
                                                  std::string*) override {
         return std::nullopt;
     }
     LoggedOnUser LookUpLoggedOnUser(const std::string&, std::stop_token, std::string*) override { return {}; }
-    std::string GetDefaultUserName(const std::string&, std::stop_token) override { return {}; }
     std::vector<std::string> takeTroubles() override { return {}; }
 
 private:
@@ -67,7 +66,7 @@ private:
 
 class QuietHost final : public LiveStatHost {
 public:
-    bool askUser(const std::string&) override { return true; }
+    bool ask(const Question&) override { return true; }
     void failUser(const std::string& text) override { std::fprintf(stderr, "%s\n", text.c_str()); }
     bool holdsStill() const override { return false; }
     SaveResult saveDatafile(const std::string&) override { return SaveResult::Saved; }
@@ -89,8 +88,9 @@ public:
             });
         LiveStatSettings settings;
         settings.LSNumPerRun = slots;
-        scheduler_ = std::make_unique<CLiveStatScheduler>(doc_, StepProbes{probes_, probes_, probes_},
-                                                          workers_, timers_, host_, settings);
+        const FeatureServices services{doc_, timers_, log_, clock_};
+        scheduler_ = std::make_unique<CLiveStatScheduler>(services, StepProbes{probes_, probes_, probes_},
+                                                          workers_, host_, settings);
         scheduler_->toggle();
     }
 
@@ -114,10 +114,10 @@ public:
     int loops() const { return scheduler_->loops(); }
 
 private:
-    SystemClock clock_;
-    PosixFiles files_;
+    CSystemClock clock_;
+    CPosixFiles files_;
     CMessageLog log_{clock_};
-    MemorySettingsStore store_;
+    CMemorySettingsStore store_;
     CSettings settings_{store_};
     CMirovaneDoc doc_{files_, clock_, log_, settings_, {"bench", "bench"}};
     QuickProbes probes_;

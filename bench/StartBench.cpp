@@ -5,8 +5,8 @@
 
 #include "bench/support/PairedRounds.h"
 #include "bench/support/PlainFloor.h"
-#include "model/Datafile.h"
-#include "model/Hardware.h"
+#include "model/records/Datafile.h"
+#include "model/records/Hardware.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/Desktop.h"
 
@@ -95,11 +95,13 @@ protected:
 
 private:
     void look() {
-        QTimer::singleShot(0, this, [this] {
-            if (complete_())
-                ::_exit(0);
-            look();
-        });
+        QTimer::singleShot(
+            0, this,
+            [this] {
+                if (complete_())
+                    ::_exit(0);
+                look();
+            });
     }
 
     QWidget* floor_;

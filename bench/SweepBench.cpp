@@ -1,7 +1,7 @@
 // Discover Now: how close a sweep stays to its pace, and how long a silent network takes.
 
 #include "bench/support/PairedRounds.h"
-#include "livestat/Sweep.h"
+#include "discover/sweep/Sweep.h"
 #include "probes/SystemSweepProbes.h"
 #include "tests/support/OwnNetwork.h"
 #include "tests/support/TunHosts.h"
@@ -31,8 +31,8 @@ struct Outcome {
     std::size_t twice = 0;
 };
 
-Outcome sweep(SweepProbes& network, const SweepPlan& plan, int perSecond) {
-    const SystemClock clock;
+Outcome sweep(SweepProbes& network, const CSweepPlan& plan, int perSecond) {
+    const CSystemClock clock;
     Outcome outcome;
     std::set<std::uint32_t> found;
     std::set<std::uint32_t> named;
@@ -63,7 +63,7 @@ void countRow(const std::string& what, std::size_t count, std::size_t of) {
 /// Against the moment at which the last probe is planned to leave.
 void atItsPace(SweepProbes& network) {
     constexpr int perSecond = 10'000;
-    const SweepPlan plan({makeRange("127.8.0.0", "127.8.15.255").value()}, {});
+    const CSweepPlan plan({makeRange("127.8.0.0", "127.8.15.255").value()}, {});
     std::size_t missed = 0;
     std::size_t twice = 0;
     const auto ours = [&] {
@@ -82,7 +82,7 @@ void atItsPace(SweepProbes& network) {
 }
 
 void silentNetwork(SweepProbes& network) {
-    const SweepPlan plan({makeRange("10.77.1.1", "10.77.1.254").value()}, {});
+    const CSweepPlan plan({makeRange("10.77.1.1", "10.77.1.254").value()}, {});
     const auto ours = [&] {
         return sweep(network, plan, usualSweepRate).milliseconds;
     };
@@ -101,9 +101,9 @@ int main() {
         std::printf("left out: %s\n", own.refused()->c_str());
         return 0;
     }
-    SystemHostProbes hosts(std::make_unique<IcmpEngine>(),
-                           std::make_unique<Resolver>(std::make_shared<InstantNames>()));
-    SystemSweepProbes network(hosts);
+    CSystemHostProbes hosts(std::make_unique<CIcmpEngine>(),
+                            std::make_unique<CResolver>(std::make_shared<InstantNames>()));
+    CSystemSweepProbes network(hosts);
     if (const auto reason = network.echoUnusable()) {
         std::printf("%s\n", reason->c_str());
         return 1;

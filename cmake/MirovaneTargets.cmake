@@ -35,9 +35,11 @@ set(mirovane_json_headers <QCoreApplication> <QJsonArray> <QJsonDocument> <QJson
 
 add_library(mirovane_warnings INTERFACE)
 target_compile_options(mirovane_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Woverloaded-virtual
+  -Wall -Wextra -Wpedantic -Wconversion -Wold-style-cast -Woverloaded-virtual
   # GCC 12 sees overlapping copies in std::string's own operator+ at -O3; GCC 13 does not.
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
+  # In a unity build each file sees the names that another one keeps to itself.
+  $<$<NOT:$<BOOL:${CMAKE_UNITY_BUILD}>>:-Wshadow>
   $<$<BOOL:${MIROVANE_WERROR}>:-Werror>)
 
 if(MIROVANE_SANITIZE)
@@ -45,16 +47,29 @@ if(MIROVANE_SANITIZE)
   add_link_options(-fsanitize=${MIROVANE_SANITIZE})
 endif()
 
-# A layer: one static library per folder under src/, made of every .cpp file in that folder. It sees src/ for its
-# includes and links the layers named, nothing else, so that the linker refuses an include that runs the wrong way.
-function(mirovane_layer name folder)
+# The library of a folder under src/: "ui/floor" becomes mirovane_ui_floor.
+function(mirovane_target_of folder variable)
+  string(REPLACE "/" "_" stem ${folder})
+  set(${variable} mirovane_${stem} PARENT_SCOPE)
+endfunction()
+
+# A layer: one static library per folder under src/, made of every .cpp file in that folder but main.cpp. What it links
+# is other folders of src/, by their names, or targets of other projects.
+function(mirovane_layer folder)
+  mirovane_target_of(${folder} name)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
-  if(NOT sources)
-    return()
-  endif()
+  list(REMOVE_ITEM sources ${CMAKE_SOURCE_DIR}/src/${folder}/main.cpp)
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
-  target_link_libraries(${name} PUBLIC ${ARGN} PRIVATE mirovane_warnings)
+  target_link_libraries(${name} PRIVATE mirovane_warnings)
+  foreach(dependency ${ARGN})
+    if(dependency MATCHES "::")
+      target_link_libraries(${name} PUBLIC ${dependency})
+    else()
+      mirovane_target_of(${dependency} library)
+      target_link_libraries(${name} PUBLIC ${library})
+    endif()
+  endforeach()
   set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
   mirovane_precompile(${name})
 endfunction()
@@ -64,4 +79,23 @@ function(mirovane_qt_guards name)
   target_compile_definitions(${name} PRIVATE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_CONTEXTLESS_CONNECT
     QT_NO_FOREACH QT_NO_KEYWORDS QT_NO_NARROWING_CONVERSIONS_IN_CONNECT)
+endfunction()
+
+# A layer of the desktop program.
+function(mirovane_ui_layer folder)
+  mirovane_layer(${folder} ${ARGN})
+  mirovane_target_of(${folder} name)
+  target_link_libraries(${name} PUBLIC Qt6::Widgets)
+  set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  mirovane_qt_guards(${name})
+  mirovane_precompile(${name} ${mirovane_widget_headers})
+endfunction()
+
+# A layer of the command line, which uses Qt Core.
+function(mirovane_cli_layer folder)
+  mirovane_layer(${folder} ${ARGN})
+  mirovane_target_of(${folder} name)
+  target_link_libraries(${name} PUBLIC Qt6::Core)
+  mirovane_qt_guards(${name})
+  mirovane_precompile(${name} ${mirovane_json_headers})
 endfunction()

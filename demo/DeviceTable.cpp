@@ -1,6 +1,6 @@
 #include "DeviceTable.h"
 
-#include "model/Dates.h"
+#include "model/records/Dates.h"
 
 #include <algorithm>
 #include <charconv>
@@ -64,7 +64,7 @@ std::int32_t deviceType(const Row& row) {
     const std::string& name = row.find("Type")->second;
     const std::int32_t type = typeFromName(name);
     if (type == 0)
-        throw BadCell("\"" + name + "\" in the column Type is no device type");
+        throw BadCell("\"" + name + "\" in the column Type is not a device type");
     const std::string& place = row.find("Place")->second;
     if (place != "floor" && place != "misc")
         throw BadCell("\"" + place + "\" in the column Place is neither floor nor misc");

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/Hardware.h"
+#include "model/records/Hardware.h"
 #include "platform/Result.h"
 
 #include <string>

@@ -1,9 +1,10 @@
 // Makes the demo's datafile: `make_demo devices.csv office.mv`. The same table always gives the same bytes.
 
 #include "DeviceTable.h"
-#include "model/Criteria.h"
-#include "model/Document.h"
-#include "platform/PosixFiles.h"
+#include "model/CriteriaEdit.h"
+#include "model/FloorMap.h"
+#include "model/datafile/DatafileLink.h"
+#include "platform/files/PosixFiles.h"
 
 #include <cstdio>
 #include <fstream>
@@ -22,18 +23,13 @@ public:
     std::chrono::steady_clock::time_point monotonic() const override { return {}; }
 };
 
-void setCriteria(CMirovaneDoc& document, std::int32_t type, int row, CriteriaColumn column,
-                 std::string_view text) {
-    document.setCriteria(type, row, static_cast<int>(column), std::string(text));
-}
-
 /// By default computers and laptops are pinged by their names, and their address and user are looked up by
 /// name. The names of this office are made up: no name server shall be asked for them.
 void askNoNameServer(CMirovaneDoc& document) {
     for (const std::int32_t type : {DeviceType::Computer, DeviceType::Laptop}) {
         setCriteria(document, type, 0, CriteriaColumn::Argument, "$mvI");
         for (const int row : {2, 3}) {
-            setCriteria(document, type, row, CriteriaColumn::Command, Action::DoNothing);
+            setCriteria(document, type, row, CriteriaColumn::Command, std::string(Action::DoNothing));
             setCriteria(document, type, row, CriteriaColumn::Argument, "");
         }
     }
@@ -41,15 +37,10 @@ void askNoNameServer(CMirovaneDoc& document) {
 
 /// The bitmap is named without a folder: it lies beside the datafile wherever that is copied.
 void addFloorMap(CMirovaneDoc& document) {
-    CHardware map;
-    map.Type = SpecialType::FloorMapRecord;
-    map.Name = "office.bmp";
-    map.Modified = document.now();
-    document.append(map);
+    setFloorMap(document, {"office.bmp", {}});
 }
 
 void fill(CMirovaneDoc& document, const std::vector<CHardware>& devices) {
-    document.newDatafile();
     askNoNameServer(document);
     addFloorMap(document);
     for (CHardware device : devices) {
@@ -78,15 +69,15 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "make_demo: %s: %s\n", argv[1], devices.error().c_str());
         return 1;
     }
-    PosixFiles files;
+    CPosixFiles files;
     const FixedClock clock;
     CMessageLog log(clock);
-    MemorySettingsStore store;
-    CSettings settings(store);
-    CMirovaneDoc document(files, clock, log, settings, StationIdentity{});
+    CMirovaneDoc document(clock, log, StationIdentity{});
+    CDatafileLink link(document, files, log);
+    link.newDatafile();
     fill(document, devices.value());
-    if (const auto error = document.saveAs(argv[2])) {
-        std::fprintf(stderr, "make_demo: %s\n", error->sentence.c_str());
+    if (const SaveReport report = link.saveAs(argv[2]); report.failed()) {
+        std::fprintf(stderr, "make_demo: %s\n", report.error->sentence.c_str());
         return 1;
     }
     return 0;

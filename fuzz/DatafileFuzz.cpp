@@ -1,9 +1,9 @@
 // Any bytes as a datafile: an error that points into the file, or content that is written and read again as
 // it was.
 
-#include "model/Datafile.h"
 #include "model/RecordIndex.h"
-#include "model/Text.h"
+#include "model/records/Datafile.h"
+#include "model/records/Text.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -27,7 +27,7 @@ void checkError(const Datafile::Error& error, std::size_t size) {
 
 void checkContent(const Datafile::Content& content) {
     const std::string written = Datafile::encode(content.records);
-    RecordIndex index;
+    CRecordIndex index;
     index.rebuild(content.records);
     for (const auto& record : content.records) {
         require(!record->isDevice() || index.device(record->RecID).has_value(), "a device is not found");

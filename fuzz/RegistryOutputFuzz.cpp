@@ -1,6 +1,6 @@
 // Any bytes as what Samba prints: whatever is read from them fits into what was printed.
 
-#include "probes/RegistryOutput.h"
+#include "probes/registry/RegistryOutput.h"
 
 #include <algorithm>
 #include <cstdint>

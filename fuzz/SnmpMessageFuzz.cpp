@@ -1,7 +1,7 @@
 // Datagrams as they may come from anywhere: decoded, turned into text, and back.
 
-#include "probes/SNMPObject.h"
-#include "probes/SnmpMessage.h"
+#include "probes/snmp/SNMPObject.h"
+#include "probes/snmp/transport/SNMPMessage.h"
 
 #include <cstdlib>
 
@@ -10,21 +10,20 @@ using namespace mirovane;
 namespace {
 
 void require(bool condition) {
-    if (!condition) {
+    if (!condition)
         std::abort();
-    }
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     auto message = decodeSnmpMessage({data, size});
-    if (!message) {
+    if (!message)
         return 0;
-    }
-    require(message->community.size() <= size);
-    require(message->bindings.size() <= size);
-    for (SnmpBinding& binding : message->bindings) {
+    SNMPPdu& pdu = message->pdu;
+    require(message->context.community.size() <= size);
+    require(pdu.bindings.size() <= size);
+    for (SNMPBinding& binding : pdu.bindings) {
         require(binding.name.size() <= longestSnmpOid);
         require(binding.value.octets.size() <= size);
         const auto name = SnmpOidToStr(binding.name);
@@ -36,14 +35,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         binding.value = {};
     }
     // What was decoded can be asked for again, and reads the same.
-    message->type = static_cast<std::int32_t>(SnmpPduType::GetRequest);
+    pdu.type = static_cast<std::int32_t>(SNMPPduType::GetRequest);
     const auto encoded = encodeSnmpMessage(*message);
     require(encoded.has_value());
     const auto again = decodeSnmpMessage(*encoded);
-    require(again && !again->damaged && again->requestId == message->requestId &&
-            again->community == message->community && again->bindings.size() == message->bindings.size());
-    for (std::size_t i = 0; i < again->bindings.size(); ++i) {
-        require(again->bindings[i].name == message->bindings[i].name);
-    }
+    require(again && !again->pdu.damaged && again->pdu.requestId == pdu.requestId &&
+            again->context == message->context && again->pdu.bindings.size() == pdu.bindings.size());
+    for (std::size_t i = 0; i < pdu.bindings.size(); ++i)
+        require(again->pdu.bindings[i].name == pdu.bindings[i].name);
     return 0;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/Document.h"
+#include "tests/support/NewFloor.h"
 
 #include <string>
 
@@ -9,7 +10,7 @@ namespace mirovane::bench {
 /// Fills a new datafile with so many devices of about 270 bytes each, as a grown site has them: names,
 /// addresses and a comment on every device, jack numbers and a label on most.
 inline void fillBigFloor(CMirovaneDoc& doc, std::int32_t devices) {
-    doc.newDatafile();
+    test::newFloor(doc);
     for (std::int32_t i = 0; i < devices; ++i) {
         const std::int32_t type = 1 + i % 12;
         const std::string number = std::to_string(10'000 + i);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/floor/IconSet.h"
+#include "ui/floor/paint/IconSet.h"
 
 #include <QDir>
 #include <QPaintEvent>
@@ -86,10 +86,9 @@ public:
     PlainFloor(const std::vector<PlainRecord>& records, const QString& mapFile)
         : records_(records), map_(mapFile) {
         QDir icons;
-        for (const QString& folder : IconSet::ownFolders()) {
+        for (const QString& folder : CIconSet::ownFolders())
             if (icons.setPath(folder); icons.exists())
                 break;
-        }
         for (const QString& name : icons.entryList({QStringLiteral("*.bmp")}))
             icons_.emplace_back(icons.filePath(name));
     }

@@ -39,11 +39,11 @@ void onMessage(QtMsgType type, const QMessageLogContext&, const QString& message
 
 } // namespace
 
-DisplayGuard::DisplayGuard() {
+CDisplayGuard::CDisplayGuard() {
     qInstallMessageHandler(onMessage);
 }
 
-DisplayGuard::~DisplayGuard() {
+CDisplayGuard::~CDisplayGuard() {
     qInstallMessageHandler(nullptr);
 }
 

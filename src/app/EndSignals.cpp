@@ -22,7 +22,7 @@ extern "C" void mirovaneOnEndSignal(int) {
 
 } // namespace
 
-EndSignals::EndSignals(std::function<void()> onEnd) : onEnd_(std::move(onEnd)) {
+CEndSignals::CEndSignals(std::function<void()> onEnd) : onEnd_(std::move(onEnd)) {
     if (::pipe2(pipe_.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         return; // without it the signals keep ending the program the hard way
     writeEnd = pipe_[1];
@@ -41,7 +41,7 @@ EndSignals::EndSignals(std::function<void()> onEnd) : onEnd_(std::move(onEnd)) {
     }
 }
 
-EndSignals::~EndSignals() {
+CEndSignals::~CEndSignals() {
     if (pipe_[0] < 0)
         return;
     for (const int number : signals)

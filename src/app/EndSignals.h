@@ -10,12 +10,12 @@ namespace mirovane {
 
 /// SIGTERM, SIGHUP and SIGINT as an event of the main thread. A second signal of the same kind ends the
 /// program at once. At most one object of this class may live: signals belong to the process.
-class EndSignals {
+class CEndSignals {
 public:
-    explicit EndSignals(std::function<void()> onEnd);
-    ~EndSignals();
-    EndSignals(const EndSignals&) = delete;
-    EndSignals& operator=(const EndSignals&) = delete;
+    explicit CEndSignals(std::function<void()> onEnd);
+    ~CEndSignals();
+    CEndSignals(const CEndSignals&) = delete;
+    CEndSignals& operator=(const CEndSignals&) = delete;
 
 private:
     std::function<void()> onEnd_;

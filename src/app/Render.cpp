@@ -1,17 +1,19 @@
 #include "app/Render.h"
 
 #include "app/RenderOptions.h"
-#include "model/Dates.h"
 #include "model/Document.h"
-#include "model/Text.h"
-#include "platform/PosixFiles.h"
-#include "ui/floor/FloorFrame.h"
-#include "ui/floor/FloorIndex.h"
-#include "ui/floor/FloorMap.h"
-#include "ui/floor/FontBands.h"
-#include "ui/floor/HoverRule.h"
-#include "ui/floor/IconSet.h"
-#include "ui/floor/PhotoStore.h"
+#include "model/FloorMap.h"
+#include "model/datafile/DatafileLink.h"
+#include "model/records/Dates.h"
+#include "model/records/Text.h"
+#include "platform/files/PosixFiles.h"
+#include "ui/floor/FloorHover.h"
+#include "ui/floor/geometry/FloorIndex.h"
+#include "ui/floor/map/FloorMap.h"
+#include "ui/floor/paint/FloorFrame.h"
+#include "ui/floor/paint/FontBands.h"
+#include "ui/floor/paint/IconSet.h"
+#include "ui/floor/paint/PhotoStore.h"
 
 #include <QDir>
 #include <QFile>
@@ -50,32 +52,34 @@ void dropRemarks(QtMsgType type, const QMessageLogContext&, const QString& text)
 }
 
 /// A document of its own, which forgets its settings and writes nothing.
-class RenderedFloor {
+class CRenderedFloor {
 public:
-    explicit RenderedFloor(const RenderOptions& options) : options_(options) {
+    explicit CRenderedFloor(const RenderOptions& options) : options_(options) {
         settings_.initialise();
+        display_.readAll(settings_);
+        display_.readAtOpen(settings_);
         icons_.loadWithFallback(QDir::currentPath());
-        QObject::connect(&map_, &FloorMap::failed, &map_,
+        QObject::connect(&map_, &CFloorMap::failed, &map_,
                          [](const QString& sentence) { complain(sentence); });
     }
 
     /// The exit status so far.
     int open() {
         const std::string path = QFile::encodeName(options_.datafile).toStdString();
-        if (const auto error = document_.open(path)) {
+        if (const auto error = link_.open(path)) {
             complain(QString::fromStdString(displayText(error->sentence)));
             return FileProblem;
         }
         applySettings();
         markDueReminders();
-        map_.loadNow(QString::fromStdString(displayText(document_.floorMapPath())),
-                     QString::fromStdString(displayText(document_.path())));
+        map_.loadNow(QString::fromStdString(displayText(floorMapOf(document_).mapPath)),
+                     QString::fromStdString(displayText(link_.path())));
         return applySelection() ? Written : UsageError;
     }
 
     bool chooseSize() {
         const QSize extent =
-            scrollExtent(document_, map_.size(), icons_.sizes(), floorZoom(document_.display()).ZoomPercent);
+            scrollExtent(document_, map_.size(), icons_.sizes(), floorZoom(display_).ZoomPercent);
         const QSize rest = extent - QSize(options_.scroll.x(), options_.scroll.y());
         state_.client = options_.size.value_or(rest.isEmpty() ? emptyFloorSize : rest);
         const bool fits = std::max(state_.client.width(), state_.client.height()) <= largestRenderSide &&
@@ -91,28 +95,26 @@ public:
 
     QImage frame() {
         state_.scroll = options_.scroll;
-        state_.LabelFontHeight = startLabelFontHeight(document_.display());
-        FloorFrame frame({document_, index_, icons_, map_.tiles(), photos_});
+        state_.LabelFontHeight = startLabelFontHeight(display_);
+        CFloorFrame frame({document_, display_, index_, icons_, map_.tiles(), photos_});
         frame.setView(state_, 1);
         return frame.image();
     }
 
 private:
     void applySettings() {
-        DisplaySettings& display = document_.display();
-        display.ZoomPercent = options_.ZoomPercent;
-        display.ZoomDevicesPercent = options_.ZoomDevicesPercent;
+        display_.ZoomPercent = options_.ZoomPercent;
+        display_.ZoomDevicesPercent = options_.ZoomDevicesPercent;
         const auto named = [this](std::string_view name) {
             return std::ranges::find(options_.shown, name) != options_.shown.end();
         };
         for (const std::string_view name : labelToggles)
-            display.*displayToggle(name) = false;
-        if (std::ranges::any_of(lineToggles, named)) {
+            display_.*displayToggle(name) = false;
+        if (std::ranges::any_of(lineToggles, named))
             for (const std::string_view name : lineToggles)
-                display.*displayToggle(name) = false;
-        }
+                display_.*displayToggle(name) = false;
         for (const std::string& name : options_.shown)
-            display.*displayToggle(name) = true;
+            display_.*displayToggle(name) = true;
     }
 
     /// A picture shows what the window shows while it blinks: due reminders are seen.
@@ -122,7 +124,7 @@ private:
             const CHardware& record = document_.at(i);
             document_.setReminderDue(record, record.isDevice() && isReminderDue(record, now));
         }
-        state_.labels.ReminderPhase = true;
+        state_.ReminderPhase = true;
     }
 
     const CHardware* deviceOnFloor(std::int32_t recID) {
@@ -138,7 +140,7 @@ private:
             const CHardware* device = deviceOnFloor(recID);
             if (!device)
                 return false;
-            document_.setSelected(*device, true);
+            selection_.add(*device);
             if (device->Type == DeviceType::LocationMarker)
                 state_.SelectedMarker = recID;
         }
@@ -147,25 +149,28 @@ private:
         const CHardware* device = deviceOnFloor(*options_.hovered);
         if (!device)
             return false;
-        showOnly(document_, index_, device);
-        state_.LastPoint = toScaled(device->Position, options_.ZoomPercent);
+        CFloorHover hover(selection_, index_, icons_.sizes(), display_);
+        hover.showOnly(device);
         if (state_.SelectedMarker == 0)
             state_.SelectedMarker =
-                hoverAt(document_, index_, icons_.sizes(), state_.LastPoint, true).SelectedMarker;
+                hover.at(toScaled(device->Position, options_.ZoomPercent), true).SelectedMarker;
         return true;
     }
 
     const RenderOptions& options_;
-    SystemClock clock_;
-    PosixFiles files_;
+    CSystemClock clock_;
+    CPosixFiles files_;
     CMessageLog log_{clock_};
-    MemorySettingsStore store_;
+    CMemorySettingsStore store_;
     CSettings settings_{store_};
-    CMirovaneDoc document_{files_, clock_, log_, settings_, {}};
-    FloorIndex index_{document_};
-    IconSet icons_;
-    FloorMap map_;
-    PhotoStore photos_{PhotoStore::Reading::Now};
+    CMirovaneDoc document_{clock_, log_, {}};
+    CDatafileLink link_{document_, files_, log_};
+    DisplaySettings display_;
+    CSelection selection_{document_};
+    CFloorIndex index_{document_};
+    CIconSet icons_;
+    CFloorMap map_;
+    CPhotoStore photos_{CPhotoStore::Reading::Now};
     FloorViewState state_;
 };
 
@@ -207,7 +212,7 @@ int runRender(const QStringList& arguments) {
     char* argv[] = {name, nullptr};
     int argc = 1;
     const QGuiApplication application(argc, argv);
-    RenderedFloor floor(options.value());
+    CRenderedFloor floor(options.value());
     if (const int status = floor.open())
         return status;
     if (!floor.chooseSize())

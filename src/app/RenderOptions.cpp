@@ -1,7 +1,7 @@
 #include "app/RenderOptions.h"
 
 #include "model/Settings.h"
-#include "ui/floor/FloorGeometry.h"
+#include "ui/floor/geometry/FloorGeometry.h"
 
 #include <QCommandLineParser>
 

@@ -2,8 +2,8 @@
 #include "app/DisplayGuard.h"
 #include "app/EndSignals.h"
 #include "app/Render.h"
-#include "platform/StandardDescriptors.h"
-#include "platform/Terminal.h"
+#include "platform/process/StandardDescriptors.h"
+#include "platform/process/Terminal.h"
 #include "ui/frame/Desktop.h"
 
 #include <QApplication>
@@ -41,7 +41,7 @@ std::optional<int> runWithoutWindow(const QStringList& arguments) {
 }
 
 std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
-    const DisplayGuard guard;
+    const CDisplayGuard guard;
     auto application = std::make_unique<QApplication>(argc, argv);
     QApplication::setApplicationName(QStringLiteral("mirovane"));
     QApplication::setApplicationDisplayName(QString());
@@ -53,7 +53,7 @@ std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
 int runWindow(const CommandLine& line) {
     CDesktop desktop({QFile::encodeName(line.configFolder).toStdString(), QStringLiteral(MIROVANE_VERSION)});
     std::optional<int> ended;
-    const EndSignals signals([&desktop, &ended] {
+    const CEndSignals signals([&desktop, &ended] {
         ended = desktop.endSession();
         QApplication::exit(*ended); // also of the event loop of a box that is open
     });

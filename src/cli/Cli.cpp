@@ -1,7 +1,7 @@
 #include "cli/Cli.h"
 
 #include "cli/Commands.h"
-#include "cli/FoldedText.h"
+#include "cli/base/FoldedText.h"
 
 #include <array>
 #include <cstring>
@@ -35,10 +35,11 @@ std::string optionLine(const OptionDefinition& option) {
 std::string overallHelp() {
     std::string text = "usage: mirovanectl [--config DIR] COMMAND ...\n\n"
                        "Reads, changes and watches Mirovane datafiles without a display.\n\n";
-    for (const Command& command : commands())
-        text += helpLine(std::string(command.name), command.help);
+    for (const Command* command : commands())
+        text += helpLine(std::string(command->name), command->help);
     text += "\n" + optionLine(configOption) +
-            helpLine("--help", "show this help, or a command's behind its name") + optionLine(versionOption);
+            helpLine("--help", "show this help; after a command, the help of that command") +
+            optionLine(versionOption);
     text += "\nExit status: 0 done, 1 the answer is no, 2 wrong command line, 3 a file could not be read or\n"
             "written, 4 refused because another station runs Live Stat or Live Discover.\n";
     return text;
@@ -56,23 +57,22 @@ std::string commandHelp(const Command& command) {
     return text;
 }
 
-void printHelp(Output& out, const std::string& text) {
+void printHelp(COutput& out, const std::string& text) {
     const int width = out.terminalWidth();
     out.print(width > 0 ? folded(text, static_cast<std::size_t>(width)) : text);
 }
 
-/// Where the command's name stands: the first word that is neither an option nor the value of --config.
+/// Where the command's name is: the first word that is neither an option nor the value of --config.
 std::size_t commandPlace(std::span<const std::string> words) {
-    for (std::size_t at = 0; at < words.size(); ++at) {
+    for (std::size_t at = 0; at < words.size(); ++at)
         if (words[at] == configOption.name)
             ++at;
         else if (words[at].empty() || words[at][0] != '-')
             return at;
-    }
     return words.size();
 }
 
-ExitStatus withoutCommand(std::span<const std::string> words, Output& out) {
+ExitStatus withoutCommand(std::span<const std::string> words, COutput& out) {
     const std::array definitions{configOption, helpOption, shortHelpOption, versionOption};
     const auto parsed = parseArguments(words, definitions);
     if (!parsed) {
@@ -90,7 +90,7 @@ ExitStatus withoutCommand(std::span<const std::string> words, Output& out) {
     return ExitStatus::Done;
 }
 
-ExitStatus runCommand(const Command& command, std::span<const std::string> words, Output& out) {
+ExitStatus runCommand(const Command& command, std::span<const std::string> words, COutput& out) {
     std::vector<OptionDefinition> definitions(command.options.begin(), command.options.end());
     definitions.insert(definitions.end(), {configOption, helpOption, shortHelpOption});
     auto parsed = parseArguments(words, definitions);
@@ -115,7 +115,7 @@ ExitStatus runCommand(const Command& command, std::span<const std::string> words
     return command.run(context);
 }
 
-ExitStatus dispatch(std::span<const std::string> words, Output& out) {
+ExitStatus dispatch(std::span<const std::string> words, COutput& out) {
     const std::size_t place = commandPlace(words);
     if (place == words.size())
         return withoutCommand(words, out);
@@ -131,7 +131,7 @@ ExitStatus dispatch(std::span<const std::string> words, Output& out) {
 
 } // namespace
 
-int runCli(std::span<const std::string> words, Output& out) {
+int runCli(std::span<const std::string> words, COutput& out) {
     ExitStatus status = ExitStatus::FileFailed;
     try {
         status = dispatch(words, out);

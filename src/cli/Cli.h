@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/Output.h"
+#include "cli/base/Output.h"
 
 #include <span>
 #include <string>
@@ -9,6 +9,6 @@ namespace mirovane {
 
 /// mirovanectl without its process: `words` are the command line behind the program's name. Returns the exit
 /// status.
-int runCli(std::span<const std::string> words, Output& out);
+int runCli(std::span<const std::string> words, COutput& out);
 
 } // namespace mirovane

@@ -1,5 +1,5 @@
 #include "cli/Cli.h"
-#include "platform/StandardDescriptors.h"
+#include "platform/process/StandardDescriptors.h"
 
 #include <clocale>
 #include <csignal>
@@ -30,6 +30,6 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is a failed write, not a death with work in hand
     std::signal(SIGCHLD, SIG_DFL); // a parent's "ignore" would hide how our own children end
     const std::vector<std::string> words(argv + (argc > 0 ? 1 : 0), argv + argc);
-    mirovane::Output out(stdout, stderr);
+    mirovane::COutput out(stdout, stderr);
     return mirovane::runCli(words, out);
 }

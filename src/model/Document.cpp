@@ -1,22 +1,32 @@
 #include "model/Document.h"
 
-#include "model/Criteria.h"
+#include "model/records/Criteria.h"
 
 #include <algorithm>
 #include <cassert>
+#include <new>
 #include <stdexcept>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace mirovane {
 
-CMirovaneDoc::CMirovaneDoc(Files& files, const Clock& clock, CMessageLog& log, CSettings& settings,
-                           StationIdentity station)
-    : files_(files), clock_(clock), log_(log), settings_(settings), station_(std::move(station)) {
-    display_.readAll(settings_);
+namespace {
+
+/// What the user sees of a device beyond its stored fields.
+struct SeenFlags {
+    DeviceKey device;
+    bool selected = false;
+    bool marked = false;
+};
+
+} // namespace
+
+CMirovaneDoc::CMirovaneDoc(const Clock& clock, CMessageLog& log, StationIdentity station)
+    : clock_(clock), log_(log), station_(std::move(station)) {
     index_.rebuild(records_);
 }
-
-CMirovaneDoc::~CMirovaneDoc() = default;
 
 TimeStamp CMirovaneDoc::now() const {
     return static_cast<TimeStamp>(std::chrono::system_clock::to_time_t(clock_.wall()));
@@ -24,17 +34,31 @@ TimeStamp CMirovaneDoc::now() const {
 
 // ---- look-ups
 
-std::size_t CMirovaneDoc::deviceCount() const {
-    return index_.deviceCount();
-}
-
 const CHardware* CMirovaneDoc::findDevice(std::int32_t recID) const {
     const auto place = index_.device(recID);
     return place ? records_[*place].get() : nullptr;
 }
 
-std::optional<std::size_t> CMirovaneDoc::indexOfDevice(std::int32_t recID) const {
-    return index_.device(recID);
+const CHardware* CMirovaneDoc::findDevice(const DeviceKey& key) const {
+    if (key.twin == 0)
+        return findDevice(key.recID);
+    std::size_t before = 0;
+    for (const auto& record : records_)
+        if (record->isDevice() && record->RecID == key.recID && before++ == key.twin)
+            return record.get();
+    return nullptr;
+}
+
+DeviceKey CMirovaneDoc::keyOf(const CHardware& device) const {
+    DeviceKey key{device.RecID, 0};
+    if (findDevice(device.RecID) == &device)
+        return key;
+    for (const auto& record : records_) {
+        if (record.get() == &device)
+            break;
+        key.twin += record->isDevice() && record->RecID == device.RecID ? 1 : 0;
+    }
+    return key;
 }
 
 const CHardware* CMirovaneDoc::findSpecial(std::int32_t type) const {
@@ -51,10 +75,6 @@ const CHardware* CMirovaneDoc::criteria(std::int32_t type, int row) const {
     return findSpecial(criteriaRecordType(type, row));
 }
 
-std::int32_t CMirovaneDoc::nextRecordID() const {
-    return index_.nextRecordID();
-}
-
 /// The index knows the place of all but the repeated ones, which a look through the list finds.
 std::size_t CMirovaneDoc::placeOf(const CHardware& record) const {
     const auto known = record.isDevice() ? index_.device(record.RecID) : index_.special(record.Type);
@@ -69,6 +89,126 @@ std::size_t CMirovaneDoc::placeOf(const CHardware& record) const {
 
 CHardware& CMirovaneDoc::slot(const CHardware& record) {
     return *records_[placeOf(record)];
+}
+
+// ---- edits
+
+const CHardware* CMirovaneDoc::append(CHardware record) {
+    if (records_.size() >= Datafile::maxRecords) {
+        log_.LogMessage("The datafile is full (65,534 records); nothing was added", true);
+        return nullptr;
+    }
+    try {
+        records_.push_back(std::make_unique<CHardware>(std::move(record)));
+        index_.appended(records_);
+    } catch (const std::bad_alloc&) {
+        log_.LogMessage("Out of memory", true);
+        return nullptr;
+    }
+    ++orderRevision_;
+    const CHardware& added = *records_.back();
+    modified_ = true;
+    if (keepsJournal_)
+        journal_.added(added);
+    for (DocumentObserver* observer : observers_)
+        observer->recordAdded(added);
+    return &added;
+}
+
+const CHardware* CMirovaneDoc::addDevice(std::int32_t type, const std::function<void(CHardware&)>& fill) {
+    CHardware device;
+    device.Type = type;
+    device.RecID = nextRecordID();
+    device.Priority = newDevicePriority(type);
+    device.Modified = now();
+    if (fill)
+        fill(device);
+    return append(std::move(device));
+}
+
+void CMirovaneDoc::change(const CHardware& record, const std::function<void(CHardware&)>& change,
+                          bool byUser) {
+    const std::size_t place = placeOf(record);
+    CHardware& held = *records_[place];
+    const CHardware before = held;
+    change(held);
+    if (before == held)
+        return;
+    index_.rekeyed(records_, place, before.Type, before.RecID);
+    if (held.Type != before.Type || held.Priority != before.Priority || held.RecID != before.RecID)
+        ++orderRevision_;
+    if (!sameStored(before, held)) {
+        modified_ = true;
+        if (keepsJournal_)
+            journal_.changed(before, held, byUser ? allFields : FieldSet());
+    }
+    for (DocumentObserver* observer : observers_)
+        observer->recordChanged(before, held);
+}
+
+void CMirovaneDoc::edit(const CHardware& record, const std::function<void(CHardware&)>& change) {
+    this->change(record, change, true);
+}
+
+void CMirovaneDoc::editInBackground(const CHardware& record, const std::function<void(CHardware&)>& change) {
+    this->change(record, change, false);
+}
+
+void CMirovaneDoc::editByUser(const CHardware& record, const std::function<void(CHardware&)>& change) {
+    const auto stamped = [this, &change](CHardware& held) {
+        change(held);
+        held.Modified = now();
+    };
+    edit(record, stamped);
+}
+
+void CMirovaneDoc::remove(const CHardware& record) {
+    const std::size_t place = placeOf(record);
+    std::unique_ptr<CHardware> gone = std::move(records_[place]);
+    records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(place));
+    index_.removed(records_, place, *gone);
+    ++orderRevision_;
+    modified_ = true;
+    for (DocumentObserver* observer : observers_)
+        observer->recordRemoved(*gone);
+    if (keepsJournal_)
+        journal_.removed(std::move(gone));
+}
+
+std::size_t CMirovaneDoc::removeDevices(std::span<const DeviceKey> keys) {
+    std::unordered_set<const CHardware*> wanted;
+    for (const DeviceKey& key : keys)
+        if (const CHardware* device = findDevice(key))
+            wanted.insert(device);
+    if (wanted.empty())
+        return 0;
+    Datafile::RecordList gone;
+    for (auto& record : records_)
+        if (wanted.contains(record.get()))
+            gone.push_back(std::move(record));
+    std::erase(records_, nullptr);
+    index_.rebuild(records_);
+    ++orderRevision_;
+    modified_ = true;
+    for (auto& record : gone) {
+        for (DocumentObserver* observer : observers_)
+            observer->recordRemoved(*record);
+        if (keepsJournal_)
+            journal_.removed(std::move(record));
+    }
+    return gone.size();
+}
+
+void CMirovaneDoc::exchange(std::size_t a, std::size_t b) {
+    assert(a < records_.size() && b < records_.size());
+    if (a == b)
+        return;
+    std::swap(records_[a], records_[b]);
+    index_.exchanged(records_, a, b);
+    ++orderRevision_;
+    modified_ = true;
+    for (DocumentObserver* observer : observers_)
+        observer->orderChanged();
 }
 
 // ---- run-time flags
@@ -98,13 +238,67 @@ void CMirovaneDoc::setReminderDue(const CHardware& record, bool on) {
     setFlag(record, &CHardware::ReminderDue, on);
 }
 
+// ---- other records
+
+void CMirovaneDoc::replaceAll(Datafile::RecordList records, bool inDatafile) {
+    records_ = std::move(records);
+    index_.rebuild(records_);
+    journal_.clear();
+    keepsJournal_ = inDatafile;
+    modified_ = false;
+    tellReplaced();
+}
+
+void CMirovaneDoc::replaceByReload(Datafile::RecordList records, CEditJournal journal,
+                                   const std::vector<Renumbering>& renumbered) {
+    std::unordered_map<std::int32_t, std::int32_t> newIDs;
+    for (const Renumbering& change : renumbered)
+        newIDs[change.from] = change.to;
+    std::vector<SeenFlags> seen;
+    for (const auto& record : records_) {
+        if (!record->isDevice() || (record->Selected == 0 && record->LSNowMark == 0))
+            continue;
+        const auto moved = newIDs.find(record->RecID);
+        const DeviceKey key = moved == newIDs.end() ? keyOf(*record) : DeviceKey{moved->second, 0};
+        seen.push_back({key, record->Selected != 0, record->LSNowMark != 0});
+    }
+    journal_ = std::move(journal);
+    // Observers let go of the records before they are freed.
+    const Datafile::RecordList before = std::exchange(records_, std::move(records));
+    index_.rebuild(records_);
+    for (const SeenFlags& flags : seen) {
+        if (const CHardware* device = findDevice(flags.device)) {
+            CHardware& held = slot(*device);
+            held.Selected = held.ShowAll = flags.selected ? 1 : 0;
+            held.LSNowMark = flags.marked ? 1 : 0;
+        }
+    }
+    modified_ = unsavedEdits();
+    for (const Renumbering& change : renumbered)
+        for (DocumentObserver* observer : observers_)
+            observer->recordRenumbered(change.from, change.to);
+    tellReplaced();
+}
+
+void CMirovaneDoc::tellReplaced() {
+    ++orderRevision_;
+    for (DocumentObserver* observer : observers_)
+        observer->documentReplaced();
+}
+
+void CMirovaneDoc::allSaved() {
+    journal_.clear();
+    keepsJournal_ = true;
+    modified_ = false;
+}
+
 // ---- observers
 
-void CMirovaneDoc::addObserver(DocumentObserver& observer) {
+void CMirovaneDoc::addObserver(DocumentObserver& observer) const {
     observers_.push_back(&observer);
 }
 
-void CMirovaneDoc::removeObserver(DocumentObserver& observer) {
+void CMirovaneDoc::removeObserver(DocumentObserver& observer) const {
     std::erase(observers_, &observer);
 }
 

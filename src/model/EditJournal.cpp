@@ -1,5 +1,7 @@
 #include "model/EditJournal.h"
 
+#include "model/records/SpecialRecords.h"
+
 #include <utility>
 
 namespace mirovane {
@@ -17,16 +19,13 @@ FieldSet changedFields(const CHardware& before, const CHardware& after) {
     return set;
 }
 
-bool isOwnerRecord(const CHardware& record) {
-    return record.Type == SpecialType::LiveStatOwnerRecord ||
-           record.Type == SpecialType::LiveDiscoverOwnerRecord;
-}
-
 bool sameOwner(const CHardware& a, const CHardware& b) {
-    return a.State == b.State && a.Name == b.Name && a.Username == b.Username;
+    const OwnerValues first = ownerFromRecord(a);
+    const OwnerValues second = ownerFromRecord(b);
+    return first.on == second.on && first.station == second.station;
 }
 
-void EditJournal::changed(const CHardware& before, const CHardware& after, const FieldSet& byUser) {
+void CEditJournal::changed(const CHardware& before, const CHardware& after, const FieldSet& byUser) {
     if (isAdded(after))
         return;
     // Signs of life and the position of a walk are made anew.
@@ -40,15 +39,14 @@ void EditJournal::changed(const CHardware& before, const CHardware& after, const
     if (first)
         copyStored(before, change.base);
     const FieldSet toKeep = isOwnerRecord(after) ? fields : fields & byUser;
-    changesToKeep_ += change.byUser.none() && toKeep.any() ? 1 : 0;
+    keepsChanges_ = keepsChanges_ || toKeep.any();
     change.byUser |= toKeep;
 }
 
-void EditJournal::removed(std::unique_ptr<CHardware> gone) {
+void CEditJournal::removed(std::unique_ptr<CHardware> gone) {
     if (added_.erase(gone.get()) > 0)
         return;
     if (const auto entry = changes_.find(gone.get()); entry != changes_.end()) {
-        changesToKeep_ -= entry->second.byUser.any() ? 1 : 0;
         CHardware base = std::move(entry->second.base);
         changes_.erase(entry);
         *gone = std::move(base);
@@ -58,16 +56,16 @@ void EditJournal::removed(std::unique_ptr<CHardware> gone) {
 
 /// not the clear() of the tables: that would go through the tables as large as they once were at every later
 /// save.
-void EditJournal::clear() {
+void CEditJournal::clear() {
     if (!added_.empty())
         added_ = {};
     if (!changes_.empty())
         changes_ = {};
     removals_.clear();
-    changesToKeep_ = 0;
+    keepsChanges_ = false;
 }
 
-const EditJournal::Change* EditJournal::changeOf(const CHardware& record) const {
+const CEditJournal::Change* CEditJournal::changeOf(const CHardware& record) const {
     const auto entry = changes_.find(&record);
     return entry == changes_.end() ? nullptr : &entry->second;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/Datafile.h"
-#include "model/FieldNames.h"
+#include "model/records/Datafile.h"
+#include "model/records/FieldNames.h"
 
 #include <bitset>
 #include <cstddef>
@@ -25,9 +25,6 @@ bool isMergedField(const RecordField& field);
 /// Merged fields in which the two differ.
 FieldSet changedFields(const CHardware& before, const CHardware& after);
 
-/// The records that tell which station runs a feature.
-bool isOwnerRecord(const CHardware& record);
-
 /// Both name the same station, or nobody, as the one that runs the feature.
 bool sameOwner(const CHardware& a, const CHardware& b);
 
@@ -38,16 +35,16 @@ bool sameOwner(const CHardware& a, const CHardware& b);
 ///
 /// The document tells it of every edit and empties it at every load and save. It knows records by their
 /// address, which stays the same for a record's whole life in the list. Main thread.
-class EditJournal {
+class CEditJournal {
 public:
     struct Change {
         CHardware base;  ///< as it was before the first change
         FieldSet byUser; ///< which fields the user has changed since
     };
 
-    EditJournal() = default;
-    EditJournal(EditJournal&&) = default;
-    EditJournal& operator=(EditJournal&&) = default;
+    CEditJournal() = default;
+    CEditJournal(CEditJournal&&) = default;
+    CEditJournal& operator=(CEditJournal&&) = default;
 
     void added(const CHardware& record) { added_.insert(&record); }
 
@@ -61,7 +58,7 @@ public:
     void clear();
 
     /// Nothing that must not get lost: no edit of the user, no claim to run a feature.
-    bool nothingToKeep() const { return added_.empty() && changesToKeep_ == 0 && removals_.empty(); }
+    bool nothingToKeep() const { return added_.empty() && !keepsChanges_ && removals_.empty(); }
     bool isAdded(const CHardware& record) const { return added_.contains(&record); }
 
     /// Null when the record was not changed, or was added.
@@ -75,7 +72,7 @@ private:
     std::unordered_set<const CHardware*> added_;
     std::unordered_map<const CHardware*, Change> changes_;
     Datafile::RecordList removals_;
-    std::size_t changesToKeep_ = 0;
+    bool keepsChanges_ = false; ///< some of them are not found again by themselves
 };
 
 } // namespace mirovane

@@ -21,41 +21,46 @@ std::string localDateTime(std::chrono::system_clock::time_point when) {
     return std::string(text.data(), length);
 }
 
-/// A host name may come from the network: it shall not forge a line of its own.
+/// A host name may come from the network: it must not forge a line of its own, nor steer the terminal that
+/// shows the log.
 std::string oneLine(std::string_view text) {
     std::string line(text);
-    std::replace_if(
-        line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+    const auto isControl = [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+    };
+    std::ranges::replace_if(line, isControl, ' ');
     return line;
 }
 
 } // namespace
 
+std::string LogLine::shown() const {
+    return when ? localDateTime(*when) + " - " + text : text;
+}
+
 void CMessageLog::LogMessage(std::string_view text, bool toStatusBar) {
-    append(localDateTime(clock_.wall()) + " - " + oneLine(text), toStatusBar);
+    append({clock_.wall(), oneLine(text), toStatusBar});
 }
 
 void CMessageLog::begin(std::string_view line) {
     if (lines_.empty())
-        append(oneLine(line), false);
+        append({std::nullopt, oneLine(line), false});
 }
 
-void CMessageLog::append(std::string line, bool toStatusBar) {
-    lines_.push_back(std::move(line));
+void CMessageLog::append(const LogLine& line) {
+    lines_.push_back(line);
     if (lines_.size() > maxLines)
         lines_.pop_front();
-    // A copy: a listener that logs in turn may push this line out.
-    const std::string told = lines_.back();
-    for (const Listener& listener : listeners_)
-        listener(told, toStatusBar);
+    const std::vector<LogListener*> told = listeners_; // whoever is told may add or remove some
+    for (LogListener* listener : told)
+        if (std::ranges::find(listeners_, listener) != listeners_.end())
+            listener->lineLogged(line);
 }
 
 std::string CMessageLog::text() const {
     std::string all;
-    for (const std::string& line : lines_) {
-        all += line;
-        all += "\r\n";
-    }
+    for (const LogLine& line : lines_)
+        all += line.shown() + "\r\n";
     return all;
 }
 

@@ -2,44 +2,63 @@
 
 #include "platform/Clock.h"
 
+#include <chrono>
 #include <deque>
-#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace mirovane {
 
+/// One line of the message log.
+struct LogLine {
+    std::optional<std::chrono::system_clock::time_point> when; ///< the log's first line is not dated
+    std::string text;
+    bool toStatusBar = false; ///< also for the status bar's message pane
+
+    /// With the local date and time in the locale's form before it.
+    std::string shown() const;
+
+    bool operator==(const LogLine&) const = default;
+};
+
+/// Told of each line as it is written. Main thread.
+class LogListener {
+public:
+    virtual ~LogListener() = default;
+    virtual void lineLogged(const LogLine& line) = 0;
+};
+
 /// What the system did in the background, a dated line each. Main thread only. Holds at most 400 lines (the
 /// empty one after the last line end counts) by dropping the oldest, one per call; nothing of it is written
 /// to disk.
 class CMessageLog {
 public:
-    /// `line` is complete, without line end. `toStatusBar` asks for the status bar's message pane as well.
-    using Listener = std::function<void(const std::string& line, bool toStatusBar)>;
-
     explicit CMessageLog(const Clock& clock) : clock_(clock) {}
+    CMessageLog(const CMessageLog&) = delete;
+    CMessageLog& operator=(const CMessageLog&) = delete;
 
-    /// Appends the local date and time in the locale's form, " - " and the text.
     void LogMessage(std::string_view text, bool toStatusBar = false);
 
     /// The first line of the log, undated; only into an empty log.
     void begin(std::string_view line);
 
-    /// Listeners stay for the log's life.
-    void addListener(Listener listener) { listeners_.push_back(std::move(listener)); }
+    /// A listener stays until it is removed. It may log, and add or remove listeners, while it is told.
+    void addListener(LogListener& listener) { listeners_.push_back(&listener); }
+    void removeListener(LogListener& listener) { std::erase(listeners_, &listener); }
 
-    const std::deque<std::string>& lines() const { return lines_; }
+    const std::deque<LogLine>& lines() const { return lines_; }
 
-    /// Every line with CR LF.
+    /// Every line as it is shown, with CR LF.
     std::string text() const;
 
 private:
-    void append(std::string line, bool toStatusBar);
+    void append(const LogLine& line);
 
     const Clock& clock_;
-    std::deque<std::string> lines_;
-    std::vector<Listener> listeners_;
+    std::deque<LogLine> lines_;
+    std::vector<LogListener*> listeners_;
 };
 
 } // namespace mirovane

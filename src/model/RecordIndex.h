@@ -1,82 +1,52 @@
 #pragma once
 
-#include "model/Datafile.h"
+#include "model/records/Datafile.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <vector>
+#include <unordered_map>
 
 namespace mirovane {
 
-/// From a number to the first place in the list where it stands: an open-addressing table of eight bytes a
-/// slot, at most two thirds full. A number that stands more than once is marked, because then its first place
-/// can only be found again by looking through the list.
-class FirstPlaceTable {
+/// From a number to the first place in a list where it is, and whether it is in the list more than once: then
+/// only a look through the list finds the other places, or the new first one when this one goes.
+class CFirstPlaceTable {
 public:
     struct Entry {
         std::uint32_t place = 0;
         bool repeated = false;
     };
 
-    void clear();
-    void reserve(std::size_t count);
+    void clear() { entries_.clear(); }
+    void reserve(std::size_t count) { entries_.reserve(count); }
     std::optional<Entry> find(std::int32_t key) const;
 
-    /// Another record with this key stands at `place`.
+    /// One more record with this key is at `place`.
     void add(std::int32_t key, std::uint32_t place);
 
     /// Sets or replaces.
-    void put(std::int32_t key, Entry entry);
-    void erase(std::int32_t key);
+    void put(std::int32_t key, Entry entry) { entries_.insert_or_assign(key, entry); }
+    void erase(std::int32_t key) { entries_.erase(key); }
 
-    /// The record at `place` went: what stood behind it moved up by one.
+    /// The record at `place` went: what was behind it moved up by one.
     void closeGap(std::uint32_t place);
 
 private:
-    struct Slot {
-        std::int32_t key = 0;
-        std::uint32_t value = 0; ///< 0 = empty, else the place plus one, shifted past the mark
-    };
-
-    std::size_t slotFor(std::int32_t key) const;
-    Slot& slotToFill(std::int32_t key);
-    void grow(std::size_t capacity);
-
-    std::vector<Slot> slots_;
-    std::size_t used_ = 0;
+    std::unordered_map<std::int32_t, Entry> entries_;
 };
 
-/// Which IDs from 1 up are taken, with a summary bit for each full word and each full group of words: the
-/// lowest free one is three bit scans away, however many are taken.
-class FreeIDs {
-public:
-    /// The document holds fewer records than this, so its smallest free ID always lies below.
-    static constexpr std::size_t capacity = 65536;
-
-    void clear();
-    void take(std::int32_t id);
-    void release(std::int32_t id);
-    std::int32_t smallest() const;
-
-private:
-    std::array<std::uint64_t, capacity / 64> words_ = {};
-    std::array<std::uint64_t, capacity / 64 / 64> fullWords_ = {};
-    std::uint64_t fullGroups_ = 0;
-};
-
-/// What the document needs to find in constant time. It is told of every change to the list right after it
-/// happened. A record ID or special type that stands twice (in a damaged file) is found at its first place;
-/// changes around such a number may look through the whole list once.
-class RecordIndex {
+/// What the document needs to find without a look through the list. It is told of every change to the list
+/// right after it happened. A damaged file may hold one record ID or special type several times: it is found
+/// at its first place, and a change around such a number may look through the whole list once.
+class CRecordIndex {
 public:
     void rebuild(const Datafile::RecordList& records);
 
     /// The last record of the list is new.
     void appended(const Datafile::RecordList& records);
 
-    /// `record` stood at `place` and is gone from the list.
+    /// `record` was at `place` and is gone from the list.
     void removed(const Datafile::RecordList& records, std::size_t place, const CHardware& record);
     void exchanged(const Datafile::RecordList& records, std::size_t a, std::size_t b);
 
@@ -85,8 +55,19 @@ public:
                  std::int32_t oldRecID);
 
     std::optional<std::size_t> device(std::int32_t recID) const;
+
+    /// Of the devices with this record ID the one that has `twin` others before it in the list.
+    std::optional<std::size_t> device(const Datafile::RecordList& records, std::int32_t recID,
+                                      std::size_t twin) const;
+
+    /// How many devices before the one at `place` have its record ID: 0 in every healthy file.
+    std::size_t twinOf(const Datafile::RecordList& records, std::size_t place) const;
+
     std::optional<std::size_t> special(std::int32_t type) const;
-    std::int32_t nextRecordID() const { return freeIDs_.smallest(); }
+
+    /// The smallest number from 1 up that no device has. Looks on from where it last found one, so that a
+    /// device added after another costs one step.
+    std::int32_t nextRecordID() const;
     std::size_t deviceCount() const { return deviceCount_; }
 
 private:
@@ -99,15 +80,15 @@ private:
 
     static Key keyOf(std::int32_t type, std::int32_t recID);
     static Key keyOf(const CHardware& record) { return keyOf(record.Type, record.RecID); }
-    FirstPlaceTable& table(const Key& key) { return key.isDevice ? devices_ : specials_; }
+    CFirstPlaceTable& table(const Key& key) { return key.isDevice ? devices_ : specials_; }
     void add(const Key& key, std::size_t place);
     void drop(const Datafile::RecordList& records, const Key& key);
     void searchAgain(const Datafile::RecordList& records, const Key& key);
     void moved(const Datafile::RecordList& records, const Key& key, std::size_t to);
 
-    FirstPlaceTable devices_;
-    FirstPlaceTable specials_;
-    FreeIDs freeIDs_;
+    CFirstPlaceTable devices_;
+    CFirstPlaceTable specials_;
+    mutable std::int32_t lowestFree_ = 1; ///< no free record ID is below
     std::size_t deviceCount_ = 0;
 };
 

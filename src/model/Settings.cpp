@@ -89,10 +89,9 @@ constexpr std::size_t labelsReadAtOpen = 6;
 
 /// What counts when the value is not there: the start-up default, or shown for what has none.
 std::int32_t fallbackFor(std::string_view name) {
-    for (const SettingDefinition& definition : startup) {
+    for (const SettingDefinition& definition : startup)
         if (definition.name == name)
             return definition.initial;
-    }
     return absentFlag;
 }
 
@@ -123,10 +122,9 @@ std::string_view hideSettingName(std::int32_t type) {
 }
 
 void CSettings::initialise() {
-    for (const SettingDefinition& definition : startup) {
+    for (const SettingDefinition& definition : startup)
         if (read(definition.name, definition.absent) == definition.absent)
             write(definition.name, definition.initial);
-    }
 }
 
 std::int32_t CSettings::read(std::string_view name, std::int32_t fallback) const {
@@ -163,10 +161,9 @@ void DisplaySettings::readAtOpen(const CSettings& settings) {
     for (const Toggle& toggle : std::span(toggles).first(labelsReadAtOpen))
         this->*toggle.field = readFlag(settings, toggle.name);
     std::uint32_t visible = ~std::uint32_t{0};
-    for (std::size_t i = 0; i < hideNames.size(); ++i) {
+    for (std::size_t i = 0; i < hideNames.size(); ++i)
         if (readFlag(settings, hideNames[i]))
             visible &= ~(std::uint32_t{1} << i);
-    }
     VisibleTypes = static_cast<std::int32_t>(visible);
 }
 
@@ -177,10 +174,9 @@ bool DisplaySettings::typeVisible(std::int32_t type) const {
 }
 
 bool DisplaySettings::*displayToggle(std::string_view name) {
-    for (const Toggle& toggle : toggles) {
+    for (const Toggle& toggle : toggles)
         if (toggle.name == name)
             return toggle.field;
-    }
     return nullptr;
 }
 

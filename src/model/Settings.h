@@ -87,8 +87,13 @@ struct DisplaySettings {
     std::int32_t PhotoScale = 100;
     std::int32_t VisibleTypes = -1; ///< bit (Type - 1) set = that type is shown
 
-    /// When the document is made.
+    /// As the station reads them at its start.
     void readAll(const CSettings& settings);
+    static DisplaySettings of(const CSettings& settings) {
+        DisplaySettings display;
+        display.readAll(settings);
+        return display;
+    }
 
     /// At every open and reload: hide values and the six labels from PropertiesComputer to PropertiesComment.
     void readAtOpen(const CSettings& settings);
@@ -113,6 +118,11 @@ struct LiveStatSettings {
     bool LSIncludeMisc = true;
 
     void readAll(const CSettings& settings);
+    static LiveStatSettings of(const CSettings& settings) {
+        LiveStatSettings liveStat;
+        liveStat.readAll(settings);
+        return liveStat;
+    }
     void writeAll(CSettings& settings) const;
 };
 

@@ -17,7 +17,7 @@ public:
     virtual std::chrono::steady_clock::time_point monotonic() const = 0;
 };
 
-class SystemClock final : public Clock {
+class CSystemClock final : public Clock {
 public:
     std::chrono::system_clock::time_point wall() const override { return std::chrono::system_clock::now(); }
     std::chrono::steady_clock::time_point monotonic() const override {

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::size_t longestComputerName = 30;
 
+} // namespace
+
 std::string computerName() {
     std::array<char, 256> name = {};
     if (gethostname(name.data(), name.size() - 1) != 0)
@@ -25,17 +27,10 @@ std::string loginName() {
     passwd* found = nullptr;
     if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found)
         return found->pw_name;
-    for (const char* variable : {"LOGNAME", "USER"}) {
+    for (const char* variable : {"LOGNAME", "USER"})
         if (const char* value = std::getenv(variable))
             return value;
-    }
     return {};
-}
-
-} // namespace
-
-StationIdentity thisStation() {
-    return {computerName(), loginName()};
 }
 
 } // namespace mirovane

@@ -26,7 +26,7 @@ public:
 };
 
 /// Forgets everything at its end: for tests and for `--render`, which must leave no trace.
-class MemorySettingsStore final : public SettingsStore {
+class CMemorySettingsStore final : public SettingsStore {
 public:
     std::optional<std::int32_t> readInteger(const std::string& name) const override {
         return find(integers_, name);

@@ -1,22 +1,13 @@
 #pragma once
 
+#include "probes/icmp/EchoTypes.h"
+
 #include <cstdint>
 #include <optional>
 #include <stop_token>
 #include <string>
 
 namespace mirovane {
-
-/// A successful echo.
-struct PingReply {
-    std::uint32_t address = 0;     ///< IPv4 address that answered, network byte order
-    std::uint32_t roundTripMs = 0; ///< milliseconds
-};
-
-/// What Live Stat and Live Discover send: more than ten hops away counts as Off.
-constexpr std::uint8_t pingTtl = 10;
-constexpr std::uint32_t pingTimeoutMs = 5000;
-constexpr std::uint8_t pingPayloadSize = 32;
 
 /// Reachability and names of hosts, as Live Stat and Live Discover ask for them. Any thread, any number at
 /// once; each call blocks its caller until it knows, until its time-out or until `stop` is requested. Never

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "probes/LoggedOnUser.h"
+#include "probes/registry/LoggedOnUser.h"
 
 #include <optional>
 #include <stop_token>
@@ -29,9 +29,6 @@ public:
     /// `host` carries its two leading backslashes.
     virtual LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
                                             std::string* trouble = nullptr) = 0;
-
-    /// Empty when it cannot be read. `computerName` has no backslashes.
-    virtual std::string GetDefaultUserName(const std::string& computerName, std::stop_token stop) = 0;
 
     /// Why no other computer can be asked at all and what to do about it (Samba is missing, the credentials
     /// file is open to others), one line each, for the log. Each is handed out once in the object's life.

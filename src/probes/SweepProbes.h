@@ -1,6 +1,6 @@
 #pragma once
 
-#include "probes/EchoTypes.h"
+#include "probes/icmp/EchoTypes.h"
 
 #include <cstdint>
 #include <functional>

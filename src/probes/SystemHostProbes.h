@@ -1,9 +1,9 @@
 #pragma once
 
-#include "probes/EchoTypes.h"
 #include "probes/HostProbes.h"
-#include "probes/IcmpEngine.h"
-#include "probes/Resolver.h"
+#include "probes/icmp/EchoTypes.h"
+#include "probes/icmp/IcmpEngine.h"
+#include "probes/names/Resolver.h"
 
 #include <memory>
 
@@ -21,10 +21,10 @@ struct PingOutcome {
 
 /// The probes of the real network: one echo engine and one resolver for the whole program, owned by its main
 /// object.
-class SystemHostProbes final : public HostProbes {
+class CSystemHostProbes final : public HostProbes {
 public:
-    SystemHostProbes();
-    SystemHostProbes(std::unique_ptr<IcmpEngine> engine, std::unique_ptr<Resolver> resolver);
+    CSystemHostProbes();
+    CSystemHostProbes(std::unique_ptr<CIcmpEngine> engine, std::unique_ptr<CResolver> resolver);
 
     bool PingHost(const std::string& target, PingReply& reply, std::optional<std::uint32_t>& resolvedAddress,
                   std::uint8_t ttl, std::uint32_t timeoutMs, std::uint8_t payloadSize,
@@ -36,21 +36,18 @@ public:
     std::optional<std::string> echoUnusable() override { return engine_->unusable(); }
 
     /// PingHost() with its reasons. A name's look-up and the echo each take at most the time-out.
-    PingOutcome ping(const std::string& target, const EchoOptions& options, std::stop_token stop);
+    PingOutcome ping(const std::string& target, const EchoOptions& options, const std::stop_token& stop);
 
     /// Which kind of socket the echoes use.
     std::string socketKind() { return engine_->socketKind(); }
 
     /// For sweeps, which keep many probes in flight from one thread. Lives as long as this object.
-    IcmpEngine& engine() { return *engine_; }
-    Resolver& resolver() { return *resolver_; }
+    CIcmpEngine& engine() { return *engine_; }
+    CResolver& resolver() { return *resolver_; }
 
 private:
-    const std::unique_ptr<IcmpEngine> engine_;
-    const std::unique_ptr<Resolver> resolver_;
+    const std::unique_ptr<CIcmpEngine> engine_;
+    const std::unique_ptr<CResolver> resolver_;
 };
-
-/// One line for people about a probe: "fax: unknown host", "10.0.0.5: no reply within 5000 ms".
-std::string describePing(const std::string& target, const PingOutcome& outcome, const EchoOptions& options);
 
 } // namespace mirovane

@@ -1,38 +1,17 @@
 #include "probes/SystemRegistryProbes.h"
 
-#include "probes/RegistryPath.h"
-#include "probes/RegistryRead.h"
+#include "probes/registry/LocalRegistry.h"
+#include "probes/registry/RegistryPath.h"
+#include "probes/registry/RegistryRead.h"
 
 #include <algorithm>
 
 namespace mirovane {
 
-namespace {
-
-/// Stands for the security identifier of the user who runs the program, as long as a real one.
-constexpr const char* ownHive = "S-1-5-21-0000000000-0000000000-0000000000-1000";
-
-} // namespace
-
-void fillRegistryOfThisComputer(RegistryInMemory& registry, const StationIdentity& station) {
-    const std::string& computer = station.computerName;
-    const std::string version = "Software\\Microsoft\\Windows NT\\CurrentVersion";
-    registry.setValue(computer, RegistryRoot::LocalMachine, version, "CurrentVersion", "6.3");
-    registry.setKey(computer, RegistryRoot::Users, ownHive);
-    if (station.userName.empty())
-        return;
-    const std::string environment = "Volatile Environment";
-    registry.setValue(computer, RegistryRoot::LocalMachine, version + "\\Winlogon", "DefaultUserName",
-                      station.userName);
-    registry.setValue(computer, RegistryRoot::CurrentUser, environment, "USERNAME", station.userName);
-    registry.setValue(computer, RegistryRoot::Users, ownHive + ("\\" + environment), "USERNAME",
-                      station.userName);
-}
-
-std::optional<std::string> SystemRegistryProbes::ReadRegistryValue(const std::string& path,
-                                                                   const std::string& localComputerName,
-                                                                   std::stop_token stop,
-                                                                   std::string* trouble) {
+std::optional<std::string> CSystemRegistryProbes::ReadRegistryValue(const std::string& path,
+                                                                    const std::string& localComputerName,
+                                                                    std::stop_token stop,
+                                                                    std::string* trouble) {
     std::optional<std::string> value;
     const auto read = [&](Registry& registry) {
         value = mirovane::ReadRegistryValue(registry, path, localComputerName);
@@ -41,8 +20,8 @@ std::optional<std::string> SystemRegistryProbes::ReadRegistryValue(const std::st
     return value;
 }
 
-LoggedOnUser SystemRegistryProbes::LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
-                                                      std::string* trouble) {
+LoggedOnUser CSystemRegistryProbes::LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
+                                                       std::string* trouble) {
     LoggedOnUser user;
     const auto lookUp = [&](Registry& registry) {
         user = mirovane::LookUpLoggedOnUser(registry, host);
@@ -52,26 +31,18 @@ LoggedOnUser SystemRegistryProbes::LookUpLoggedOnUser(const std::string& host, s
     return answered || !user.name.empty() ? user : LoggedOnUser();
 }
 
-std::string SystemRegistryProbes::GetDefaultUserName(const std::string& computerName, std::stop_token stop) {
-    std::string name;
-    withRegistryOf("\\\\" + computerName, std::move(stop),
-                   [&](Registry& registry) { name = mirovane::GetDefaultUserName(registry, computerName); });
-    return name;
-}
-
-bool SystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_token stop,
-                                          const std::function<void(Registry&)>& lookUp,
-                                          std::string* trouble) {
+bool CSystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_token stop,
+                                           const std::function<void(Registry&)>& lookUp,
+                                           std::string* trouble) {
     if (trouble)
         trouble->clear();
     if (sameRegistryName(host, "\\\\" + station_.computerName)) {
-        RegistryInMemory registry;
-        fillRegistryOfThisComputer(registry, station_);
+        CLocalRegistry registry(station_.computerName, station_.userName);
         lookUp(registry);
         note({});
         return true;
     }
-    RegistryRemote registry(options_, std::move(stop));
+    CRegistryRemote registry(options_, std::move(stop));
     lookUp(registry);
     note(registry.trouble());
     if (trouble)
@@ -79,7 +50,7 @@ bool SystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_tok
     return !registry.unreachable();
 }
 
-void SystemRegistryProbes::note(const RegistryTrouble& trouble) {
+void CSystemRegistryProbes::note(const RegistryTrouble& trouble) {
     const std::lock_guard lock(mutex_);
     last_ = trouble.last;
     if (trouble.setUp.empty() || std::find(told_.begin(), told_.end(), trouble.setUp) != told_.end())
@@ -88,12 +59,12 @@ void SystemRegistryProbes::note(const RegistryTrouble& trouble) {
     untold_.push_back(trouble.setUp);
 }
 
-std::vector<std::string> SystemRegistryProbes::takeTroubles() {
+std::vector<std::string> CSystemRegistryProbes::takeTroubles() {
     const std::lock_guard lock(mutex_);
     return std::exchange(untold_, {});
 }
 
-std::string SystemRegistryProbes::lastTrouble() const {
+std::string CSystemRegistryProbes::lastTrouble() const {
     const std::lock_guard lock(mutex_);
     return last_;
 }

@@ -1,23 +1,18 @@
 #pragma once
 
 #include "platform/Host.h"
-#include "probes/RegistryInMemory.h"
 #include "probes/RegistryProbes.h"
-#include "probes/RegistryRemote.h"
+#include "probes/registry/RegistryRemote.h"
 
 #include <functional>
 #include <mutex>
 
 namespace mirovane {
 
-/// What this computer answers of its own registry: the default user name, who is logged on (the user who runs
-/// the program) and a version that says where the latter stands. Nothing else exists.
-void fillRegistryOfThisComputer(RegistryInMemory& registry, const StationIdentity& station);
-
 /// Asks this computer itself or another one over the network, as the host says. Owned by the program.
-class SystemRegistryProbes final : public RegistryProbes {
+class CSystemRegistryProbes final : public RegistryProbes {
 public:
-    SystemRegistryProbes(RegistryRemoteOptions options, StationIdentity station)
+    CSystemRegistryProbes(RegistryRemoteOptions options, StationIdentity station)
         : options_(std::move(options)), station_(std::move(station)) {}
 
     std::optional<std::string> ReadRegistryValue(const std::string& path,
@@ -25,7 +20,6 @@ public:
                                                  std::string* trouble = nullptr) override;
     LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
                                     std::string* trouble = nullptr) override;
-    std::string GetDefaultUserName(const std::string& computerName, std::stop_token stop) override;
     std::vector<std::string> takeTroubles() override;
 
     /// Why the look-up that ended last failed, in a few words; means nothing after a good one. For a program
@@ -35,7 +29,7 @@ public:
 private:
     /// False when the computer did not answer to the end.
     bool withRegistryOf(const std::string& host, std::stop_token stop,
-                        const std::function<void(Registry&)>& lookUp, std::string* trouble = nullptr);
+                        const std::function<void(Registry&)>& lookUp, std::string* trouble);
     void note(const RegistryTrouble& trouble);
 
     RegistryRemoteOptions options_;

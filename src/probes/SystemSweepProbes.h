@@ -6,10 +6,10 @@
 namespace mirovane {
 
 /// The real network for sweeps, through the one engine and the one resolver of the program.
-class SystemSweepProbes final : public SweepProbes {
+class CSystemSweepProbes final : public SweepProbes {
 public:
     /// `probes` outlives this object.
-    explicit SystemSweepProbes(SystemHostProbes& probes) : probes_(probes) {}
+    explicit CSystemSweepProbes(CSystemHostProbes& probes) : probes_(probes) {}
 
     std::optional<std::string> echoUnusable() override { return probes_.echoUnusable(); }
 
@@ -23,7 +23,7 @@ public:
     }
 
 private:
-    SystemHostProbes& probes_;
+    CSystemHostProbes& probes_;
 };
 
 } // namespace mirovane

@@ -1,7 +1,7 @@
 #include "station/ExportWriter.h"
 
-#include "model/TextExport.h"
-#include "probes/BlockedSignals.h"
+#include "model/rows/TextExport.h"
+#include "platform/BlockedSignals.h"
 
 #include <cerrno>
 #include <condition_variable>
@@ -38,7 +38,7 @@ struct CExportWriter::Shared {
 
     /// False: the system has no thread to give.
     static bool startThread(const std::shared_ptr<Shared>& shared) {
-        const BlockedSignals noSignals;
+        const CBlockedSignals noSignals;
         try {
             std::thread([shared] { shared->run(); }).detach();
         } catch (const std::system_error&) {

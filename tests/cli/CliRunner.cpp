@@ -1,5 +1,7 @@
 #include "tests/cli/CliRunner.h"
 
+#include "tests/support/Paths.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -45,7 +47,7 @@ bool drain(int& descriptor, std::string& text) {
 } // namespace
 
 CliProcess::CliProcess(const Words& words, const std::function<void()>& arrange) {
-    Words command{MIROVANE_BINARY_DIR "/bin/mirovanectl"};
+    Words command{test::builtProgram("mirovanectl")};
     command.insert(command.end(), words.begin(), words.end());
     const std::vector<char*> argv = argumentVector(command);
     std::array<int, 2> out{};

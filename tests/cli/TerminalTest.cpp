@@ -1,5 +1,5 @@
-#include "cli/FoldedText.h"
-#include "cli/TextTable.h"
+#include "cli/base/FoldedText.h"
+#include "cli/base/TextTable.h"
 #include "tests/cli/CliRunner.h"
 
 #include <array>
@@ -39,7 +39,7 @@ std::size_t widestLine(const std::string& text) {
     return widest;
 }
 
-TEST(Terminal, aTableFitsAndKeepsWhatMattersMost) {
+TEST(TerminalTest, ATableFitsAndKeepsWhatMattersMost) {
     std::setlocale(LC_CTYPE, "C.UTF-8");
     const CliFolder folder;
     const std::string file = folder.datafile(
@@ -57,7 +57,7 @@ TEST(Terminal, aTableFitsAndKeepsWhatMattersMost) {
     EXPECT_THAT(cli({"list", file}).out, HasSubstr(std::string(300, 'x'))) << "a pipe gets it all";
 }
 
-TEST(Terminal, helpBreaksBetweenWords) {
+TEST(TerminalTest, HelpBreaksBetweenWords) {
     for (const char* command : {"export", "list", "registry", "station", "import"}) {
         for (const unsigned short columns : std::array<unsigned short, 2>{40, 80}) {
             const std::string help = onTerminal({command, "--help"}, columns);
@@ -73,7 +73,7 @@ TEST(Terminal, helpBreaksBetweenWords) {
     EXPECT_EQ(folded("", 8), "");
 }
 
-TEST(Terminal, clippingNeverCutsACharacter) {
+TEST(TerminalTest, ClippingNeverCutsACharacter) {
     std::setlocale(LC_CTYPE, "C.UTF-8");
     EXPECT_EQ(clipped("caf\u00E9", 4), "caf\u00E9");
     EXPECT_EQ(clipped("caf\u00E9s", 4), "caf\u2026");

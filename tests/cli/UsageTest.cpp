@@ -1,5 +1,6 @@
-#include "model/FieldNames.h"
-#include "model/ListRows.h"
+#include "cli/Commands.h"
+#include "model/records/FieldNames.h"
+#include "model/rows/ListRows.h"
 #include "tests/cli/CliRunner.h"
 
 #include <fcntl.h>
@@ -14,38 +15,34 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-const std::vector<std::string> allCommands{"new",  "records", "list",    "check",    "upgrade",
-                                           "add",  "set",     "delete",  "criteria", "station",
-                                           "ping", "lookup",  "snmpget", "registry", "loggedon"};
-
-TEST(Usage, helpNamesEveryCommandAndEachHasItsOwn) {
+TEST(UsageTest, HelpNamesEveryCommandAndEachHasItsOwn) {
     const CliResult overall = cli({"--help"});
     EXPECT_EQ(overall.status, 0);
     EXPECT_THAT(overall.err, IsEmpty());
-    for (const std::string& command : allCommands) {
+    for (const Command* each : commands()) {
+        const std::string command(each->name);
         EXPECT_THAT(overall.out, HasSubstr("\n  " + command + " "));
         const CliResult help = cli({command, "--help"});
         EXPECT_EQ(help.status, 0) << command;
         EXPECT_THAT(help.out, StartsWith("usage: mirovanectl " + command + " "));
-        EXPECT_THAT(help.out, HasSubstr("--config DIR"));
+        for (const OptionDefinition& option : each->options)
+            EXPECT_THAT(help.out, HasSubstr("\n  " + std::string(option.name))) << command;
         EXPECT_THAT(help.err, IsEmpty());
     }
     EXPECT_THAT(cli({"--version"}).out, StartsWith("mirovanectl 0."));
 }
 
-TEST(Usage, helpNamesEveryFieldAndColumn) {
+TEST(UsageTest, HelpNamesEveryFieldAndColumn) {
     const std::string fields = cli({"set", "--help"}).out;
-    for (const RecordField& field : recordFields()) {
-        if (field.keeper.empty()) {
+    for (const RecordField& field : recordFields())
+        if (field.keeper.empty())
             EXPECT_THAT(fields, HasSubstr(std::string(field.name)));
-        }
-    }
     const std::string columns = cli({"list", "--help"}).out;
     for (const ListColumnDefinition& column : listColumns())
         EXPECT_THAT(columns, HasSubstr(std::string(column.title)));
 }
 
-TEST(Usage, aWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
+TEST(UsageTest, AWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
     const CliFolder folder;
     const std::string file = folder.datafile();
     const std::string before = readBytes(file);
@@ -65,7 +62,7 @@ TEST(Usage, aWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
         {{"list", file, "--config"}, "it needs DIR"},
         {{"add", file}, "--type is missing"},
         {{"add", file, "--type", "VersionRecord"}, "unknown type"},
-        {{"add", file, "--type", "Printer", "Name"}, "is no FIELD=VALUE"},
+        {{"add", file, "--type", "Printer", "Name"}, "is not a FIELD=VALUE pair"},
         {{"add", file, "--type", "Printer", "Nmae=x"}, "unknown field \"Nmae\""},
         {{"add", file, "--type", "Printer", "RecID=7"}, "RecID cannot be set"},
         {{"add", file, "--type", "Printer", "Type=Jack"}, "--type says it already"},
@@ -80,7 +77,7 @@ TEST(Usage, aWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
         {{"station", file, "--loops", "0", "--live-stat"}, "--loops"},
         {{"station", file, "--loops", "2"}, "no loops to count"},
         {{"station", file, "--now"}, "at least one record ID"},
-        {{"station", file, "--per-run", "many"}, "no number from 1"},
+        {{"station", file, "--per-run", "many"}, "not a number from 1"},
         {{"ping"}, "too few arguments"},
     };
     for (const auto& wrong : cases) {
@@ -93,7 +90,7 @@ TEST(Usage, aWrongCommandLineSaysWhatIsWrongAndTouchesNothing) {
     EXPECT_EQ(readBytes(file), before);
 }
 
-TEST(Usage, optionsStandAnywhere) {
+TEST(UsageTest, OptionsStandAnywhere) {
     const CliFolder folder;
     const std::string file = folder.datafile({{"Printer", "Name=laser"}});
     const Words orders[] = {{"--config", folder.config(), "list", "--json", file},
@@ -103,7 +100,7 @@ TEST(Usage, optionsStandAnywhere) {
         EXPECT_THAT(cli(words).out, HasSubstr("\"Name\":\"laser\""));
 }
 
-TEST(Usage, resultsThatCannotBeWrittenAreAFailure) {
+TEST(UsageTest, ResultsThatCannotBeWrittenAreAFailure) {
     const CliFolder folder;
     const std::string file = folder.datafile();
     const CliResult full = cli({"records", file, "--json"}, [] {

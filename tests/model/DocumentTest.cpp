@@ -1,6 +1,5 @@
-#include "model/Document.h"
-
-#include "model/Criteria.h"
+#include "model/FloorMap.h"
+#include "model/records/Criteria.h"
 #include "tests/model/DocumentFixture.h"
 
 #include <array>
@@ -32,7 +31,7 @@ private:
 };
 
 TEST_F(DocumentTest, NewDatafileHoldsSharedSettingsAndCriteria) {
-    doc.newDatafile();
+    link.newDatafile();
     ASSERT_EQ(doc.size(), 159U);
     EXPECT_EQ(doc.at(0).Type, SpecialType::VersionRecord);
     EXPECT_EQ(doc.at(0).Modified, doc.now());
@@ -50,15 +49,15 @@ TEST_F(DocumentTest, NewDatafileHoldsSharedSettingsAndCriteria) {
         EXPECT_EQ(doc.criteria(noType, 0), nullptr) << noType;
     EXPECT_EQ(doc.deviceCount(), 0U);
     EXPECT_EQ(doc.nextRecordID(), 1);
-    EXPECT_FALSE(doc.modified() || doc.pendingChanges());
+    EXPECT_FALSE(doc.modified());
 }
 
 TEST_F(DocumentTest, DevicesTakeTheLowestFreeIDAndKeepTheirPlace) {
-    doc.newDatafile();
+    link.newDatafile();
     for (const std::int32_t type :
          {DeviceType::Jack, DeviceType::Computer, DeviceType::Printer, DeviceType::Switch})
         doc.addDevice(type);
-    const std::array<std::int32_t, 2> gone = {3, 99};
+    const std::array<DeviceKey, 2> gone = {DeviceKey{3}, DeviceKey{99}};
     EXPECT_EQ(doc.removeDevices(gone), 1U);
     EXPECT_EQ(doc.findDevice(3), nullptr);
     const CHardware* added = doc.addDevice(DeviceType::discoveredOffset + DeviceType::Camera,
@@ -71,8 +70,31 @@ TEST_F(DocumentTest, DevicesTakeTheLowestFreeIDAndKeepTheirPlace) {
     EXPECT_EQ(doc.nextRecordID(), 5);
 }
 
+TEST_F(DocumentTest, ATwinInADamagedFileIsNeverTakenForTheOther) {
+    link.newDatafile();
+    for (const char* name : {"first", "second", "third"})
+        doc.addDevice(DeviceType::Switch, [name](CHardware& device) {
+            device.RecID = 7;
+            device.Name = name;
+        });
+    const CHardware& second = *doc.findDevice(DeviceKey{7, 1});
+    EXPECT_EQ(second.Name, "second");
+    EXPECT_EQ(doc.keyOf(second), (DeviceKey{7, 1}));
+    EXPECT_EQ(doc.findDevice(DeviceKey{7, 3}), nullptr);
+    doc.setSelected(second, true);
+    const std::array<DeviceKey, 2> outer = {DeviceKey{7, 0}, DeviceKey{7, 2}};
+    EXPECT_EQ(doc.removeDevices(outer), 2U);
+    EXPECT_EQ(doc.findDevice(7), &second);
+
+    doc.addDevice(DeviceType::Switch, [](CHardware& device) { device.RecID = 7; });
+    ASSERT_FALSE(link.saveAs(path).failed());
+    ASSERT_FALSE(link.reload());
+    EXPECT_EQ(doc.findDevice(DeviceKey{7, 0})->Selected, 1);
+    EXPECT_EQ(doc.findDevice(DeviceKey{7, 1})->Selected, 0);
+}
+
 TEST_F(DocumentTest, EveryChangeIsToldOnceWithBeforeAndAfter) {
-    doc.newDatafile();
+    link.newDatafile();
     Witness witness;
     doc.addObserver(witness);
     const CHardware& device = *doc.addDevice(DeviceType::Computer, [](CHardware& held) { held.Name = "a"; });
@@ -80,7 +102,8 @@ TEST_F(DocumentTest, EveryChangeIsToldOnceWithBeforeAndAfter) {
     clock.advance(std::chrono::seconds(60));
     doc.edit(device, [](CHardware& held) { held.Name = "b"; });
     EXPECT_NE(device.Modified, doc.now());
-    doc.edit(device, [](CHardware& held) { held.Name = "b"; });
+    doc.edit(
+        device, [](CHardware& held) { held.Name = "b"; });
     doc.editByUser(device, [](CHardware& held) { held.Name = "c"; });
     EXPECT_EQ(device.Modified, doc.now());
     EXPECT_EQ(doc.orderRevision(), order);
@@ -88,7 +111,7 @@ TEST_F(DocumentTest, EveryChangeIsToldOnceWithBeforeAndAfter) {
     doc.setSelected(device, true);
     doc.exchange(0, doc.size() - 1);
     doc.remove(device);
-    doc.newDatafile();
+    link.newDatafile();
     doc.removeObserver(witness);
     doc.addDevice(DeviceType::Jack);
     const std::vector<std::string> expected = {"added a", "changed a to b", "changed b to c", "flags c",
@@ -97,7 +120,7 @@ TEST_F(DocumentTest, EveryChangeIsToldOnceWithBeforeAndAfter) {
 }
 
 TEST_F(DocumentTest, ChangedKeysAreFoundUnderTheNewOnes) {
-    doc.newDatafile();
+    link.newDatafile();
     const CHardware& device = *doc.addDevice(DeviceType::Unknown);
     const auto order = doc.orderRevision();
     doc.edit(device, [](CHardware& held) { held.RecID = 40; });
@@ -113,77 +136,33 @@ TEST_F(DocumentTest, ChangedKeysAreFoundUnderTheNewOnes) {
     EXPECT_THROW(doc.remove(stranger), std::logic_error);
 }
 
-TEST_F(DocumentTest, EditedCriteriaMakeDevicesForgetTheirTextFiles) {
-    doc.newDatafile();
-    const auto stamped = [](CHardware& held) {
-        held.RuleStamps.fill(9);
-    };
-    const CHardware& onFloor = *doc.addDevice(DeviceType::Printer, stamped);
-    const CHardware& discovered = *doc.addDevice(DeviceType::Printer + 1000, stamped);
-    const CHardware& jack = *doc.addDevice(DeviceType::Jack, stamped);
-
-    doc.setCriteria(DeviceType::Printer, 7, static_cast<int>(CriteriaColumn::IfMatch), "F");
-    EXPECT_EQ(doc.criteria(DeviceType::Printer, 7)->ReminderOn, 0);
-    for (std::size_t row = 0; row < onFloor.RuleStamps.size(); ++row)
-        EXPECT_EQ(onFloor.RuleStamps[row], row < 7 ? 9 : 0) << row;
-    doc.setCriteria(DeviceType::Printer, 1, static_cast<int>(CriteriaColumn::SearchFor), "x");
-    EXPECT_EQ(onFloor.RuleStamps[0], 0);
-    EXPECT_EQ(discovered.RuleStamps[0], 9);
-    EXPECT_EQ(jack.RuleStamps[11], 9);
-
-    doc.remove(*doc.criteria(DeviceType::Jack, 4));
-    doc.setCriteria(DeviceType::Jack, 4, static_cast<int>(CriteriaColumn::Argument), "$mvN");
-    ASSERT_TRUE(doc.criteria(DeviceType::Jack, 4));
-    EXPECT_EQ(criteriaFromRecord(*doc.criteria(DeviceType::Jack, 4)).Argument, "$mvN");
-
-    const std::size_t size = doc.size();
-    doc.edit(*doc.criteria(DeviceType::LocationMarker, 2), [](CHardware& held) { held.Name = "kept"; });
-    doc.resetCriteria();
-    EXPECT_EQ(doc.size(), size);
-    EXPECT_EQ(doc.criteria(DeviceType::Printer, 1)->MACAddress, "");
-    EXPECT_EQ(doc.criteria(DeviceType::LocationMarker, 2)->Name, "kept");
-}
-
 TEST_F(DocumentTest, FullDatafileRefusesOneMoreAndSaysSo) {
-    doc.newDatafile();
+    link.newDatafile();
     while (doc.size() < Datafile::maxRecords)
         doc.addDevice(DeviceType::Jack);
     EXPECT_EQ(doc.addDevice(DeviceType::Jack), nullptr);
     EXPECT_NE(lastLine.find("full"), std::string::npos);
     EXPECT_EQ(doc.size(), Datafile::maxRecords);
-    ASSERT_FALSE(doc.saveAs(path));
-    EXPECT_FALSE(other.open(path));
+    ASSERT_FALSE(link.saveAs(path).failed());
+    EXPECT_FALSE(otherLink.open(path));
     EXPECT_EQ(other.size(), Datafile::maxRecords);
 
     // Without a VersionRecord no station could read it, and there is no room for one.
     doc.edit(doc.at(0), [](CHardware& held) { held.Type = DeviceType::Jack; });
     const std::string before = test::readBytes(path);
-    const auto error = doc.save();
+    const auto error = link.save().error;
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind, FileError::Kind::TooLarge);
     EXPECT_EQ(test::readBytes(path), before);
 }
 
-TEST_F(DocumentTest, FloorMapIsFoundBesideTheDatafile) {
+TEST_F(DocumentTest, TheFloorMapsRecordIsMadeOnce) {
     makeFloor(0);
-    EXPECT_EQ(doc.floorMapPath(), "");
-    EXPECT_TRUE(doc.setFloorMapPath("maps/floor.bmp"));
-    EXPECT_TRUE(doc.setPhotoFolder("photos"));
+    EXPECT_EQ(floorMapOf(doc), FloorMapValues());
+    EXPECT_TRUE(setFloorMap(doc, {"maps/floor.bmp", "photos"}));
+    EXPECT_TRUE(setFloorMap(doc, {"other.bmp", "photos"}));
     EXPECT_EQ(doc.size(), 160U);
-    EXPECT_EQ(doc.floorMapPath(), "maps/floor.bmp");
-    EXPECT_EQ(doc.resolvedFloorMapPath(), folder.file("maps/floor.bmp"));
-    EXPECT_EQ(doc.resolvedPhotoFolder(), folder.file("photos"));
-    doc.setFloorMapPath("/srv/floor.bmp");
-    EXPECT_EQ(doc.resolvedFloorMapPath(), "/srv/floor.bmp");
-
-    test::writeBytes(folder.file("second.bmp"), "BM");
-    for (const char* foreign :
-         {"C:\\plans\\second.bmp", "\\\\server\\share\\second.bmp", "d:/plans/second.bmp"}) {
-        doc.setFloorMapPath(foreign);
-        EXPECT_EQ(doc.resolvedFloorMapPath(), folder.file("second.bmp")) << foreign;
-    }
-    doc.setFloorMapPath("C:\\plans\\none.bmp");
-    EXPECT_EQ(doc.resolvedFloorMapPath(), "C:\\plans\\none.bmp");
+    EXPECT_EQ(floorMapOf(doc), (FloorMapValues{"other.bmp", "photos"}));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "model/Settings.h"
 
 #include "model/MessageLog.h"
-#include "model/Text.h"
+#include "model/records/Text.h"
 #include "tests/support/FakeTime.h"
 
 #include <gtest/gtest.h>
@@ -11,39 +11,24 @@ namespace mirovane {
 
 namespace {
 
-TEST(Settings, FirstStartWritesEveryDefault) {
-    MemorySettingsStore store;
+/// What a user sees of the defaults, and that each of them is written down: other programs read them there.
+TEST(SettingsTest, FirstStartWritesEveryDefault) {
+    CMemorySettingsStore store;
     CSettings settings(store);
     settings.initialise();
-    const std::map<std::string, std::int32_t> notZero = {{"ReminderDeviceShow", 1},
-                                                         {"ReminderTitlebarShow", 1},
-                                                         {"PhotoScale", 100},
-                                                         {"LSRunSec", 3},
-                                                         {"LSNumPerRun", 30},
-                                                         {"LSAutoStart", 1},
-                                                         {"LSAutoPerform", 1},
-                                                         {"LSIncludeMisc", 1},
-                                                         {"PropertiesUsername", 1},
-                                                         {"PropertiesSlashDraw", 1},
-                                                         {"PropertiesBackslashDraw", 1},
-                                                         {"PropertiesHorzDraw", 1},
-                                                         {"PropertiesVertDraw", 1},
-                                                         {"ZoomPercent", 100},
-                                                         {"ZoomDevicesPercent", 100},
-                                                         {"ZoomDevices", 1},
-                                                         {"ZoomFloormap", 1}};
-    EXPECT_EQ(store.integers().size(), 40U);
-    for (const auto& [name, value] : store.integers())
-        EXPECT_EQ(value, notZero.contains(name) ? notZero.at(name) : 0) << name;
-    for (const auto& [name, value] : notZero)
+    EXPECT_EQ(store.integers().size(), startupSettings().size());
+    for (const auto& [name, value] : std::map<std::string, std::int32_t>{{"LSAutoStart", 1},
+                                                                         {"LSRunSec", 3},
+                                                                         {"LSNumPerRun", 30},
+                                                                         {"ZoomPercent", 100},
+                                                                         {"PropertiesUsername", 1},
+                                                                         {"PropertiesComputer", 0},
+                                                                         {"HideCards", 0}})
         EXPECT_EQ(store.readInteger(name), value) << name;
-    EXPECT_FALSE(store.readInteger("LSStatusDeviceShow"));
-    EXPECT_EQ(startupSettings().front().name, "ReminderDeviceShow");
-    EXPECT_EQ(startupSettings().back().name, "ZoomFloormap");
 }
 
-TEST(Settings, LaterStartsKeepWhatTheUserChose) {
-    MemorySettingsStore store;
+TEST(SettingsTest, LaterStartsKeepWhatTheUserChose) {
+    CMemorySettingsStore store;
     CSettings settings(store);
     settings.write("LSNumPerRun", 0);
     settings.write("LSRunSec", 10);
@@ -54,8 +39,8 @@ TEST(Settings, LaterStartsKeepWhatTheUserChose) {
     EXPECT_EQ(settings.read("HideCards", 0), 1);
 }
 
-TEST(Settings, DisplayIsReadWithoutAStartToo) {
-    MemorySettingsStore store;
+TEST(SettingsTest, DisplayIsReadWithoutAStartToo) {
+    CMemorySettingsStore store;
     CSettings settings(store);
     DisplaySettings display;
     display.readAll(settings);
@@ -88,30 +73,41 @@ TEST(Settings, DisplayIsReadWithoutAStartToo) {
     EXPECT_EQ(hideSettingName(13), hidden[3]);
 }
 
-TEST(MessageLog, KeepsTheLatestLinesAndTellsListeners) {
+class Told final : public LogListener {
+public:
+    void lineLogged(const LogLine& line) override { lines.push_back(line); }
+
+    std::vector<LogLine> lines;
+};
+
+TEST(MessageLogTest, KeepsTheLatestLinesAndTellsListeners) {
     test::FakeClock clock;
     CMessageLog log(clock);
-    std::vector<std::pair<std::string, bool>> told;
-    log.addListener(
-        [&told](const std::string& line, bool toStatusBar) { told.emplace_back(line, toStatusBar); });
+    Told listener;
+    const std::vector<LogLine>& told = listener.lines;
+    log.addListener(listener);
     log.begin("Start Mirovane");
     log.LogMessage("first", true);
-    EXPECT_EQ(log.lines()[0], "Start Mirovane");
-    EXPECT_NE(log.lines()[1].find(" - first"), std::string::npos);
-    EXPECT_EQ(told.back(), std::pair(log.lines()[1], true));
-    EXPECT_EQ(log.text(), "Start Mirovane\r\n" + log.lines()[1] + "\r\n");
+    EXPECT_EQ(log.lines()[0].shown(), "Start Mirovane");
+    EXPECT_TRUE(log.lines()[1].shown().ends_with(" - first"));
+    EXPECT_EQ(told.back(), (LogLine{clock.wall(), "first", true}));
+    EXPECT_EQ(log.text(), "Start Mirovane\r\n" + log.lines()[1].shown() + "\r\n");
     for (int i = 0; i < 397; ++i)
         log.LogMessage("more");
     EXPECT_EQ(log.lines().size(), 399U);
-    EXPECT_EQ(log.lines()[0], "Start Mirovane");
-    log.LogMessage("a name\r\nMon - forged");
+    EXPECT_EQ(log.lines()[0].text, "Start Mirovane");
+    log.LogMessage("a name\r\nMon - forged, \x1B[2Jwiped\x7F \xC3\xA9");
     EXPECT_EQ(log.lines().size(), 399U);
-    EXPECT_NE(log.lines()[0].find("first"), std::string::npos);
-    EXPECT_FALSE(told.back().second);
-    EXPECT_EQ(told.back().first.find('\n'), std::string::npos);
+    EXPECT_EQ(log.lines()[0].text, "first");
+    EXPECT_EQ(told.back(), (LogLine{clock.wall(), "a name  Mon - forged,  [2Jwiped  \xC3\xA9", false}));
+
+    log.removeListener(listener);
+    const std::size_t before = told.size();
+    log.LogMessage("unheard");
+    EXPECT_EQ(told.size(), before);
 }
 
-TEST(Text, BytesAreShownInTheRightCodePage) {
+TEST(TextTest, BytesAreShownInTheRightCodePage) {
     EXPECT_EQ(displayText("M\xC3\xBCller"), "M\xC3\xBCller");
     EXPECT_EQ(displayText("M\xFCller \x80"), "M\xC3\xBCller \xE2\x82\xAC");
     for (const char* invalid : {"\x80", "\xC3", "\xC0\xAF", "\xE0\x80\x80", "\xED\xA0\x80",
@@ -122,7 +118,7 @@ TEST(Text, BytesAreShownInTheRightCodePage) {
     EXPECT_TRUE(isValidUtf8("\xF4\x8F\xBF\xBF \xED\x9F\xBF \xF0\x90\x80\x80"));
 }
 
-TEST(Text, WideUnitsBecomeUtf8) {
+TEST(TextTest, WideUnitsBecomeUtf8) {
     EXPECT_EQ(bytesFromUtf16Le(std::string_view("A\0\xFC\0\xAC\x20", 6)), "A\xC3\xBC\xE2\x82\xAC");
     EXPECT_EQ(bytesFromUtf16Le("\x3D\xD8\xA7\xDD"), "\xF0\x9F\x96\xA7");
     const std::string lone = "\xEF\xBF\xBD";

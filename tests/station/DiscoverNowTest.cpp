@@ -1,4 +1,4 @@
-#include "livestat/FeatureOwner.h"
+#include "feature/FeatureOwner.h"
 #include "tests/station/StationFixture.h"
 #include "tests/support/InstantNetwork.h"
 
@@ -30,13 +30,17 @@ protected:
         range.IPAddress = "127.0.0.40";
         EXPECT_FALSE(b.station->openDatafile(path));
         b.doc().append(range);
-        EXPECT_FALSE(b.station->saveDatafile());
+        EXPECT_FALSE(b.station->saveDatafile().failed());
         network.living = {at("127.0.0.2"), at("127.0.0.30"), at("127.0.0.9")};
         network.names[at("127.0.0.9")] = "nine.example";
         open(sweeper);
     }
 
     CDiscoverNow& now() { return *sweeper.station->discoverNow(); }
+    std::string refusal(int perSecond) {
+        const auto refused = now().start(perSecond);
+        return refused ? refused->text : "it began";
+    }
     CMirovaneDoc& doc() { return sweeper.doc(); }
 
     /// Time passes until the sweep is over.
@@ -61,10 +65,9 @@ protected:
 
     static std::map<std::string, std::string> discovered(const CMirovaneDoc& document) {
         std::map<std::string, std::string> names;
-        for (std::size_t i = 0; i < document.size(); ++i) {
+        for (std::size_t i = 0; i < document.size(); ++i)
             if (document.at(i).inDiscovered())
                 names.emplace(document.at(i).IPAddress, document.at(i).Name);
-        }
         return names;
     }
 
@@ -80,7 +83,7 @@ protected:
             owner.Name = "B-HOST";
             owner.Username = "b-user";
         });
-        EXPECT_FALSE(b.station->saveDatafile());
+        EXPECT_FALSE(b.station->saveDatafile().failed());
     }
 
     std::size_t saves() {
@@ -93,11 +96,11 @@ protected:
     Site sweeper{clock, timers, {"A-HOST", "a-user"}, false, nullptr, &network};
 };
 
-TEST_F(DiscoverNowTest, addsWhatAnswersWithOneSaveAtItsEnd) {
-    ASSERT_EQ(now().start(500), std::nullopt);
+TEST_F(DiscoverNowTest, AddsWhatAnswersWithOneSaveAtItsEnd) {
+    ASSERT_FALSE(now().start(500));
     EXPECT_TRUE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
     EXPECT_EQ(saves(), 1U) << "the others must know who discovers";
-    EXPECT_EQ(now().start(500), "Discover Now runs already.");
+    EXPECT_EQ(refusal(500), "Discover Now runs already.");
     finishSweep();
     EXPECT_EQ(saves(), 1U);
     EXPECT_THAT(discovered(doc()), ElementsAre(Pair("127.0.0.30", ""), Pair("127.0.0.9", "nine.example")));
@@ -116,8 +119,8 @@ TEST_F(DiscoverNowTest, addsWhatAnswersWithOneSaveAtItsEnd) {
     EXPECT_EQ(device->State, DeviceState::On);
 }
 
-TEST_F(DiscoverNowTest, cancellingKeepsOrDiscardsAsTold) {
-    ASSERT_EQ(now().start(100), std::nullopt);
+TEST_F(DiscoverNowTest, CancellingKeepsOrDiscardsAsTold) {
+    ASSERT_FALSE(now().start(100));
     findHosts(1);
     now().end(CDiscoverNow::Found::Discard);
     EXPECT_FALSE(now().running());
@@ -125,7 +128,7 @@ TEST_F(DiscoverNowTest, cancellingKeepsOrDiscardsAsTold) {
     EXPECT_FALSE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
     EXPECT_THAT(describeResult(now().result().value()), HasSubstr("nothing was added"));
 
-    ASSERT_EQ(now().start(100), std::nullopt);
+    ASSERT_FALSE(now().start(100));
     findHosts(1);
     now().end(CDiscoverNow::Found::Keep);
     EXPECT_THAT(onDisk(), Contains(Pair("127.0.0.9", testing::_)));
@@ -133,8 +136,8 @@ TEST_F(DiscoverNowTest, cancellingKeepsOrDiscardsAsTold) {
     EXPECT_THAT(describeResult(now().result().value()), HasSubstr("Stopped after "));
 }
 
-TEST_F(DiscoverNowTest, leavesLiveDiscoverToThoseWhoRunItHere) {
-    ASSERT_EQ(now().start(500), std::nullopt);
+TEST_F(DiscoverNowTest, LeavesLiveDiscoverToThoseWhoRunItHere) {
+    ASSERT_FALSE(now().start(500));
     sweeper.station->toggleLiveDiscover();
     finishSweep();
     EXPECT_TRUE(FeatureOwner::isHere(doc(), Feature::LiveDiscover)) << "it goes on behind the sweep";
@@ -143,28 +146,67 @@ TEST_F(DiscoverNowTest, leavesLiveDiscoverToThoseWhoRunItHere) {
     ASSERT_FALSE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
 
     FeatureOwner::claim(doc(), Feature::LiveDiscover); // as another program of this user did
-    ASSERT_EQ(now().start(500), std::nullopt);
+    ASSERT_FALSE(now().start(500));
     finishSweep();
     EXPECT_TRUE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
 }
 
-TEST_F(DiscoverNowTest, asksBeforeItTakesLiveDiscoverFromAnother) {
+TEST_F(DiscoverNowTest, HoldsTheRecordUntilItsEndThoughLiveDiscoverGoesOff) {
+    sweeper.station->toggleLiveDiscover();
+    ASSERT_FALSE(now().start(3));
+    sweeper.station->toggleLiveDiscover();
+    pass(1000);
+    ASSERT_FALSE(sweeper.station->liveDiscover().disabling());
+    EXPECT_TRUE(FeatureOwner::isHere(doc(), Feature::LiveDiscover)) << "the sweep goes on";
+    now().end(CDiscoverNow::Found::Discard);
+    EXPECT_FALSE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
+}
+
+TEST_F(DiscoverNowTest, OneAnswerLeavesBothToTheOtherStation) {
+    sweeper.station->toggleLiveDiscover();
+    ASSERT_FALSE(now().start(3));
+    ASSERT_FALSE(b.station->openDatafile(path));
+    claimForOther();
+    pass(3000);
+    EXPECT_THAT(sweeper.dialogs.questions, SizeIs(1));
+    EXPECT_FALSE(sweeper.station->liveDiscover().enabled());
+    EXPECT_FALSE(now().running());
+    EXPECT_TRUE(now().result()->takenOver);
+    EXPECT_TRUE(FeatureOwner::isElsewhere(doc(), Feature::LiveDiscover));
+}
+
+TEST_F(DiscoverNowTest, ASecondSweepKnowsNothingOfTheFirstOne) {
+    ASSERT_FALSE(now().start(500));
+    finishSweep();
+    ASSERT_THAT(now().found(), SizeIs(2));
+    network.living = {at("127.0.0.12")};
+    ASSERT_FALSE(now().start(500));
+    EXPECT_THAT(now().found(), IsEmpty());
+    EXPECT_FALSE(now().result());
+    finishSweep();
+    EXPECT_EQ(describeResult(now().result().value()),
+              "Asked 35 addresses: 1 host answered, added to the Discovered/Misc window.");
+    EXPECT_THAT(now().found(), ElementsAre(FoundHost{at("127.0.0.12"), ""}));
+    EXPECT_THAT(onDisk(), SizeIs(3));
+}
+
+TEST_F(DiscoverNowTest, AsksBeforeItTakesLiveDiscoverFromAnother) {
     claimForOther();
     pass(3000);
     sweeper.dialogs.answer = false;
-    EXPECT_EQ(now().start(500), "");
+    EXPECT_EQ(refusal(500), "");
     EXPECT_THAT(sweeper.dialogs.questions,
                 ElementsAre(HasSubstr("Live Discover is enabled by B-HOST\\b-user.")));
     EXPECT_FALSE(now().running());
     EXPECT_TRUE(FeatureOwner::isElsewhere(doc(), Feature::LiveDiscover));
     sweeper.dialogs.answer = true;
-    EXPECT_EQ(now().start(500), std::nullopt);
+    EXPECT_FALSE(now().start(500));
     finishSweep();
     EXPECT_THAT(onDisk(), SizeIs(2));
 }
 
-TEST_F(DiscoverNowTest, endsWhenAnotherStationTakesOverAndTheUserGivesIn) {
-    ASSERT_EQ(now().start(3), std::nullopt);
+TEST_F(DiscoverNowTest, EndsWhenAnotherStationTakesOverAndTheUserGivesIn) {
+    ASSERT_FALSE(now().start(3));
     findHosts(1);
     pass(3000);
     ASSERT_FALSE(b.station->openDatafile(path));
@@ -179,15 +221,15 @@ TEST_F(DiscoverNowTest, endsWhenAnotherStationTakesOverAndTheUserGivesIn) {
     EXPECT_TRUE(FeatureOwner::isElsewhere(doc(), Feature::LiveDiscover)) << "it is that one's";
 }
 
-TEST_F(DiscoverNowTest, aSaveThatBringsTheOtherOwnerAlongAsksToo) {
-    ASSERT_EQ(now().start(3), std::nullopt);
+TEST_F(DiscoverNowTest, ASaveThatBringsTheOtherOwnerAlongAsksToo) {
+    ASSERT_FALSE(now().start(3));
     findHosts(1);
     pass(3000);
     ASSERT_FALSE(b.station->openDatafile(path));
     claimForOther();
     sweeper.dialogs.answer = false;
     rename(sweeper, 1, "renamed here");
-    ASSERT_FALSE(sweeper.station->saveDatafile());
+    ASSERT_FALSE(sweeper.station->saveDatafile().failed());
     EXPECT_FALSE(now().running());
     EXPECT_THAT(sweeper.dialogs.questions, SizeIs(1));
     EXPECT_TRUE(now().result().value().takenOver);
@@ -195,13 +237,14 @@ TEST_F(DiscoverNowTest, aSaveThatBringsTheOtherOwnerAlongAsksToo) {
     EXPECT_TRUE(FeatureOwner::isElsewhere(doc(), Feature::LiveDiscover));
 }
 
-TEST_F(DiscoverNowTest, goesOnWhileTheDocumentIsReplaced) {
-    ASSERT_EQ(now().start(10), std::nullopt);
+TEST_F(DiscoverNowTest, GoesOnWhileTheDocumentIsReplaced) {
+    ASSERT_FALSE(now().start(10));
     findHosts(1);
     ASSERT_FALSE(b.station->openDatafile(path));
-    b.doc().addDevice(DeviceType::Computer, [](CHardware& device) { device.IPAddress = "127.0.0.30 >>"; });
+    b.doc().addDevice(
+        DeviceType::Computer, [](CHardware& device) { device.IPAddress = "127.0.0.30 >>"; });
     b.doc().addDevice(DeviceType::Computer, [](CHardware& device) { device.IPAddress = "127.0.0.30>>"; });
-    ASSERT_FALSE(b.station->saveDatafile());
+    ASSERT_FALSE(b.station->saveDatafile().failed());
     finishSweep();
     EXPECT_THAT(sweeper.logged(), Contains("Loaded from data file"));
     EXPECT_THAT(onDisk(), ElementsAre(Pair("127.0.0.9", "nine.example"))) << "a colleague added the other";
@@ -209,13 +252,13 @@ TEST_F(DiscoverNowTest, goesOnWhileTheDocumentIsReplaced) {
     EXPECT_TRUE(now().result()->complete);
 }
 
-TEST_F(DiscoverNowTest, aSaveThatCollidesAddsAgain) {
-    ASSERT_EQ(now().start(100), std::nullopt);
+TEST_F(DiscoverNowTest, ASaveThatCollidesAddsAgain) {
+    ASSERT_FALSE(now().start(100));
     findHosts(1);
     ASSERT_FALSE(b.station->openDatafile(path));
     rename(b, 1, "renamed by B");
     b.doc().addDevice(DeviceType::Printer); // takes the number that the sweep's first find would get
-    ASSERT_FALSE(b.station->saveDatafile());
+    ASSERT_FALSE(b.station->saveDatafile().failed());
     now().end(CDiscoverNow::Found::Keep); // before the watch has seen it
     EXPECT_THAT(onDisk(), Contains(Pair("127.0.0.9", testing::_)));
     EXPECT_EQ(doc().findDevice(1)->Name, "renamed by B");
@@ -226,8 +269,8 @@ TEST_F(DiscoverNowTest, aSaveThatCollidesAddsAgain) {
     EXPECT_EQ(doc().findDevice(added[0].recID)->IPAddress, "127.0.0.9");
 }
 
-TEST_F(DiscoverNowTest, leavingTheDatafileKeepsWhatWasFound) {
-    ASSERT_EQ(now().start(100), std::nullopt);
+TEST_F(DiscoverNowTest, LeavingTheDatafileKeepsWhatWasFound) {
+    ASSERT_FALSE(now().start(100));
     findHosts(1);
     sweeper.station->newDatafile();
     EXPECT_FALSE(now().running());
@@ -235,10 +278,10 @@ TEST_F(DiscoverNowTest, leavingTheDatafileKeepsWhatWasFound) {
     EXPECT_THAT(discovered(doc()), IsEmpty());
 }
 
-TEST_F(DiscoverNowTest, waitsWithItsResultsWhileAQuestionIsOpen) {
-    ASSERT_EQ(now().start(500), std::nullopt);
+TEST_F(DiscoverNowTest, WaitsWithItsResultsWhileAQuestionIsOpen) {
+    ASSERT_FALSE(now().start(500));
     {
-        const CStation::Pause pause(*sweeper.station);
+        const CStation::CPause pause(*sweeper.station);
         findHosts(2);
         pass(10'000);
         EXPECT_TRUE(now().running());
@@ -248,24 +291,24 @@ TEST_F(DiscoverNowTest, waitsWithItsResultsWhileAQuestionIsOpen) {
     EXPECT_THAT(discovered(doc()), SizeIs(2));
 }
 
-TEST_F(DiscoverNowTest, saysWhyItCannotBegin) {
+TEST_F(DiscoverNowTest, SaysWhyItCannotBegin) {
     network.unusable = "Ping is not permitted: do this.";
-    EXPECT_EQ(now().start(500), "Ping is not permitted: do this.");
+    EXPECT_EQ(refusal(500), "Ping is not permitted: do this.");
     network.unusable.reset();
     const CHardware* range = doc().findSpecial(SpecialType::DiscoverRangeRecord);
     doc().edit(*range, [](CHardware& record) { record.IPAddress = "127.0.0.256"; });
-    EXPECT_EQ(now().start(500), std::string(invalidRangeText) + " (From \"127.0.0.1\" To \"127.0.0.256\").");
+    EXPECT_EQ(refusal(500), std::string(invalidRangeText) + " (From \"127.0.0.1\" To \"127.0.0.256\").");
     doc().edit(*range, [](CHardware& record) { record.IPAddress = "127.0.0.3"; });
-    EXPECT_EQ(now().start(500), "Every address of the ranges belongs to a device already.");
+    EXPECT_EQ(refusal(500), "Every address of the ranges belongs to a device already.");
     doc().remove(*range);
-    EXPECT_EQ(now().start(500), "Live Discover does not have IP range(s) to discover.");
+    EXPECT_EQ(refusal(500), "Live Discover does not have IP range(s) to discover.");
     EXPECT_FALSE(now().running());
     EXPECT_EQ(saves(), 0U) << "the datafile was left alone";
 }
 
-TEST_F(DiscoverNowTest, warnsOfAMistypedRange) {
-    EXPECT_EQ(sweepWarning(SweepPlan({{at("10.0.0.0"), at("10.0.255.255")}}, {}), 500), std::nullopt);
-    EXPECT_EQ(sweepWarning(SweepPlan({{at("10.0.0.0"), at("10.255.255.255")}}, {}), 500),
+TEST_F(DiscoverNowTest, WarnsOfAMistypedRange) {
+    EXPECT_EQ(sweepWarning(CSweepPlan({{at("10.0.0.0"), at("10.0.255.255")}}, {}), 500), std::nullopt);
+    EXPECT_EQ(sweepWarning(CSweepPlan({{at("10.0.0.0"), at("10.255.255.255")}}, {}), 500),
               "The ranges hold 16,777,216 addresses. At 500 probes a second that takes about 9:19 h.");
 }
 

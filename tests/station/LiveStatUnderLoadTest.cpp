@@ -1,4 +1,5 @@
-#include "livestat/WorkerPool.h"
+#include "model/CriteriaEdit.h"
+#include "platform/WorkerPool.h"
 #include "tests/station/StationFixture.h"
 
 #include <random>
@@ -27,7 +28,7 @@ protected:
         for (int i = 0; i < names; ++i) {
             for (unsigned place = 0; place < addressesEach; ++place) {
                 const std::string address = addressOf(nameOf(i), place);
-                a.probes.agent(address, "public", "1.3", {SnmpAnswer::Kind::Value, "asked " + address, 0});
+                a.probes.agent(address, "public", "1.3", {SNMPAnswer::Kind::Value, "asked " + address, 0});
             }
         }
         Site maker(clock, timers, {"maker", "m"}, false);
@@ -50,18 +51,20 @@ protected:
 
     static void rule(Site& site, int row, std::string_view command, const std::string& argument) {
         const auto set = [&](CriteriaColumn column, const std::string& text) {
-            site.doc().setCriteria(DeviceType::Computer, row, static_cast<int>(column), text);
+            setCriteria(site.doc(), DeviceType::Computer, row, column, text);
         };
         set(CriteriaColumn::Command, std::string(command));
         set(CriteriaColumn::Argument, argument);
         set(CriteriaColumn::Condition, "On/Off");
     }
     void add(Site& site, int number) {
-        site.doc().addDevice(DeviceType::Computer, [&](CHardware& device) {
-            device.Name = nameOf(number);
-            device.IPAddress = addressOf(device.Name, dice(addressesEach));
-            device.Priority = 5;
-        });
+        site.doc().addDevice(
+            DeviceType::Computer,
+            [&](CHardware& device) {
+                device.Name = nameOf(number);
+                device.IPAddress = addressOf(device.Name, dice(addressesEach));
+                device.Priority = 5;
+            });
     }
     void resize(std::int32_t slots) {
         LiveStatSettings settings = a.station->liveStatSettings();
@@ -86,10 +89,9 @@ protected:
 
     const CHardware* anyDevice(Site& site) {
         std::vector<const CHardware*> devices;
-        for (std::size_t i = 0; i < site.doc().size(); ++i) {
+        for (std::size_t i = 0; i < site.doc().size(); ++i)
             if (site.doc().at(i).isDevice())
                 devices.push_back(&site.doc().at(i));
-        }
         return devices.empty() ? nullptr : devices[dice(devices.size())];
     }
     void moveOne(Site& site) {
@@ -98,15 +100,15 @@ protected:
             return;
         const std::int32_t recID = device->RecID;
         const unsigned place = dice(addressesEach);
-        site.station->updateDevices(
-            {&recID, 1}, [place](CHardware& moved) { moved.IPAddress = addressOf(moved.Name, place); });
+        updateDevices(*site.station, {&recID, 1},
+                      [place](CHardware& moved) { moved.IPAddress = addressOf(moved.Name, place); });
     }
     void deleteOne(Site& site) {
         const CHardware* device = anyDevice(site);
         if (!device || site.doc().deviceCount() < names / 2)
             return;
         const std::int32_t recID = device->RecID;
-        site.station->deleteDevices({&recID, 1});
+        deleteDevices(*site.station, {&recID, 1});
     }
     /// A name that is there already makes a second device of that name: no harm, each has its own address.
     void addOne(Site& site) {
@@ -203,7 +205,7 @@ TEST_F(LiveStatUnderLoadTest, NoOutcomeIsLostAndNoneGoesToAnotherDevice) {
         pass(1000);
         ASSERT_TRUE(threads.waitUntilIdle(std::chrono::seconds(20)));
     }
-    EXPECT_EQ(forgotten(), "") << a.log.lines().back();
+    EXPECT_EQ(forgotten(), "") << a.log.lines().back().text;
     EXPECT_GE(a.doc().deviceCount(), static_cast<std::size_t>(names / 2 - 1));
 }
 

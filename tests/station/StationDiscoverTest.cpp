@@ -7,10 +7,10 @@ namespace {
 using test::Lines;
 using test::Site;
 
-const std::string askAboutA =
+const std::string askDiscoverA =
     "Live Discover is enabled by A-HOST\\a-user. Do you want to continue to enable Live Discover? "
     "Doing so will prompt the other user to disable Live Discover.";
-const std::string askAboutB =
+const std::string askDiscoverB =
     "Live Discover is enabled by B-HOST\\b-user. Do you want to continue to enable Live Discover? "
     "Doing so will prompt the other user to disable Live Discover.";
 
@@ -40,20 +40,17 @@ TEST_F(StationDiscoverTest, AHostReachesTheOtherStationWithOneSave) {
     open(a);
     open(b);
     a.probes.answer("127.0.0.5");
-    int redraws = 0;
-    a.station->onRedraw = [&redraws] {
-        ++redraws;
-    };
+    const test::StationNews news(*a.station);
     a.station->toggleLiveDiscover();
     EXPECT_EQ(saves(a), 1);
     pass(60'000);
     EXPECT_EQ(saves(a), 1);
-    EXPECT_EQ(redraws, 1);
+    EXPECT_EQ(news.redraws, 1);
     ASSERT_TRUE(b.doc().findDevice(4));
     EXPECT_EQ(b.device(4).IPAddress, "127.0.0.5");
     EXPECT_TRUE(b.device(4).inDiscovered());
     EXPECT_EQ(b.doc().deviceCount(), 4U);
-    EXPECT_EQ(a.doc().discovered(), 1U);
+    EXPECT_EQ(a.station->discovered(), 1U);
 }
 
 TEST_F(StationDiscoverTest, TakingOverAsksBothUsersAndTheWalkGoesOn) {
@@ -64,13 +61,13 @@ TEST_F(StationDiscoverTest, TakingOverAsksBothUsersAndTheWalkGoesOn) {
     EXPECT_EQ(walkOwner(b).Name, "A-HOST");
     pass(20'000);
     b.station->toggleLiveDiscover(); // No
-    EXPECT_EQ(b.dialogs.questions, Lines{askAboutA});
+    EXPECT_EQ(b.dialogs.questions, Lines{askDiscoverA});
     EXPECT_FALSE(b.station->liveDiscover().enabled());
 
     b.dialogs.answer = true;
     b.station->toggleLiveDiscover();
     pass(3000);
-    EXPECT_EQ(a.dialogs.questions, Lines{askAboutB});
+    EXPECT_EQ(a.dialogs.questions, Lines{askDiscoverB});
     EXPECT_FALSE(a.station->liveDiscover().enabled()); // a's user said No
     EXPECT_EQ(walkOwner(a).Name, "B-HOST");
     EXPECT_EQ(walkOwner(a).State, 1);
@@ -136,7 +133,7 @@ TEST_F(StationDiscoverTest, LeavingADatafileReleasesItAndSaveAsTakesTheWalkAlong
     open(a);
     a.station->toggleLiveDiscover();
     pass(12'000);
-    EXPECT_FALSE(a.station->saveDatafileAs(folder.file("copy.mv")));
+    EXPECT_FALSE(a.station->saveDatafileAs(folder.file("copy.mv")).failed());
     EXPECT_TRUE(a.station->liveDiscover().enabled());
     open(b);
     EXPECT_EQ(walkOwner(b).State, 0) << "the file that was left";
@@ -172,7 +169,7 @@ TEST_F(StationDiscoverTest, NothingTicksWhileTheStationIsPaused) {
     open(a);
     a.station->toggleLiveDiscover();
     {
-        const CStation::Pause pause(*a.station);
+        const CStation::CPause pause(*a.station);
         pass(60'000);
         EXPECT_EQ(a.probes.pinged(), Lines{});
     }

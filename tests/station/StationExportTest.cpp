@@ -1,4 +1,4 @@
-#include "model/TextExport.h"
+#include "model/rows/TextExport.h"
 #include "tests/station/StationFixture.h"
 
 #include <atomic>
@@ -16,14 +16,8 @@ using testing::Not;
 
 const std::string exportedLine = "Auto exported to text file";
 
-class StationExport : public StationFixture {
+class StationExportTest : public StationFixture {
 protected:
-    StationExport() {
-        a.station->onListRefill = [this] {
-            ++refills;
-        };
-    }
-
     void wantExport(Site& site) {
         ExportSettings wanted;
         wanted.ExportFilename = target;
@@ -46,33 +40,34 @@ protected:
     }
 
     std::string target = folder.file("devices.txt");
-    int refills = 0;
+    StationNews news{*a.station};
 };
 
-TEST_F(StationExport, everyChangeOfDevicesReachesTheFileOnceTheDatafileWasOpened) {
+TEST_F(StationExportTest, EveryChangeOfDevicesReachesTheFileOnceTheDatafileWasOpened) {
     open(a);
     wantExport(a);
-    a.station->updateDevices(std::vector{1}, [](CHardware& device) { device.Name = "early"; });
+    updateDevices(*a.station, std::vector{1}, [](CHardware& device) { device.Name = "early"; });
     EXPECT_FALSE(std::filesystem::exists(target)) << "ticked after the datafile was opened";
-    EXPECT_THAT(a.logged(), Not(Contains(exportedLine)));
+    a.station->saveDatafileAs(path);
+    EXPECT_THAT(a.logged(), Not(Contains(exportedLine))) << "the same datafile";
 
     a.station->openDatafile(path);
     EXPECT_THAT(a.logged(), Contains(exportedLine));
     EXPECT_EQ(exportedNames(), (Lines{"early", "", ""}));
-    refills = 0;
-    a.station->updateDevices(std::vector{1}, [](CHardware& device) { device.Name = "later"; });
+    news.settled = 0;
+    updateDevices(*a.station, std::vector{1}, [](CHardware& device) { device.Name = "later"; });
     EXPECT_EQ(exportedNames(), (Lines{"later", "", ""}));
-    a.station->deleteDevices(std::vector{2, 3});
+    deleteDevices(*a.station, std::vector{2, 3});
     EXPECT_EQ(exportedNames(), Lines{"later"});
     rename(a, 1, "by hand");
     a.station->saveDatafile();
     EXPECT_EQ(exportedNames(), Lines{"by hand"});
-    EXPECT_EQ(refills, 3);
+    EXPECT_EQ(news.settled, 3);
     const Lines lines = a.logged();
     EXPECT_EQ(std::count(lines.begin(), lines.end(), exportedLine), 3);
 }
 
-TEST_F(StationExport, aReloadAndBackgroundChangesReachTheFile) {
+TEST_F(StationExportTest, AReloadAndBackgroundChangesReachTheFile) {
     wantExport(a);
     open(a);
     open(b);
@@ -85,14 +80,14 @@ TEST_F(StationExport, aReloadAndBackgroundChangesReachTheFile) {
                 ElementsAre("Loading from data file, please wait...", "Loaded from data file", exportedLine));
 
     a.doc().edit(a.device(3), [](CHardware& device) { device.Name = "Live Stat's"; });
-    a.doc().setPendingChanges(true);
+    a.station->changesPending();
     pass(18000);
     EXPECT_THAT(exportedNames(), Contains("Live Stat's"));
     EXPECT_THAT(a.logged(), ElementsAre(exportedLine, "Saved Live Stat changes to data file"));
 }
 
 /// The save that releases the datafile takes the last runs' changes along: no periodic save comes after it.
-TEST_F(StationExport, whatLiveStatFoundBeforeItWentOffReachesTheFile) {
+TEST_F(StationExportTest, WhatLiveStatFoundBeforeItWentOffReachesTheFile) {
     wantExport(a);
     open(a);
     a.station->toggleLiveStat();
@@ -105,23 +100,23 @@ TEST_F(StationExport, whatLiveStatFoundBeforeItWentOffReachesTheFile) {
     EXPECT_THAT(readBytes(target), HasSubstr("Inactive"));
 }
 
-TEST_F(StationExport, theRowsAreThoseOfTheListView) {
+TEST_F(StationExportTest, TheRowsAreThoseOfTheListView) {
     wantExport(a);
-    a.station->listView().column = ListColumn::ID;
-    a.station->listView().greatestFirst = true;
+    a.station->listExport().listView().column = ListColumn::ID;
+    a.station->listExport().listView().greatestFirst = true;
     open(a);
-    a.station->updateDevices(std::vector{1, 2, 3}, [](CHardware& device) {
+    updateDevices(*a.station, std::vector{1, 2, 3}, [](CHardware& device) {
         device.Name = "d" + std::to_string(device.RecID);
         if (device.RecID == 2)
             device.Type += DeviceType::discoveredOffset;
     });
     EXPECT_EQ(exportedNames(), (Lines{"d3", "d2", "d1"}));
-    a.station->listView().filter.discovered = false;
+    a.station->listExport().listView().filter.discovered = false;
     a.station->saveDatafile();
     EXPECT_EQ(exportedNames(), (Lines{"d3", "d1"}));
 }
 
-TEST_F(StationExport, aFailureIsNotInTheLogButCanBeAskedFor) {
+TEST_F(StationExportTest, AFailureIsNotInTheLogButCanBeAskedFor) {
     ExportSettings wanted;
     wanted.ExportAuto = true;
     wanted.ExportFilename = "no/such/folder.txt";
@@ -130,24 +125,24 @@ TEST_F(StationExport, aFailureIsNotInTheLogButCanBeAskedFor) {
     a.station->saveDatafile();
     EXPECT_THAT(a.logged(), ElementsAre("Saved changes to data file", exportedLine));
     EXPECT_TRUE(a.dialogs.failures.empty());
-    ASSERT_TRUE(a.station->exportError());
-    EXPECT_THAT(a.station->exportError()->sentence, HasSubstr(folder.file("no/such/folder.txt")));
+    ASSERT_TRUE(a.station->listExport().error());
+    EXPECT_THAT(a.station->listExport().error()->sentence, HasSubstr(folder.file("no/such/folder.txt")));
 
     const std::string before = readBytes(path);
     wanted.ExportFilename = "floor.mv";
     wanted.write(a.settings, path);
-    a.station->refillListView();
+    a.station->settleList();
     EXPECT_EQ(readBytes(path), before) << "never over the datafile";
-    EXPECT_THAT(a.station->exportError()->sentence, HasSubstr("datafile itself"));
+    EXPECT_THAT(a.station->listExport().error()->sentence, HasSubstr("datafile itself"));
 
     wanted.ExportFilename = "beside.txt";
     wanted.write(a.settings, path);
-    a.station->refillListView();
-    EXPECT_FALSE(a.station->exportError());
+    a.station->settleList();
+    EXPECT_FALSE(a.station->listExport().error());
     EXPECT_EQ(exportedNames(folder.file("beside.txt")).size(), 3U) << "relative to the datafile";
 }
 
-TEST_F(StationExport, aDatafileSavedElsewhereHasAnExportOfItsOwn) {
+TEST_F(StationExportTest, ADatafileSavedElsewhereHasAnExportOfItsOwn) {
     wantExport(a);
     open(a);
     a.station->saveDatafileAs(folder.file("copy.mv"));
@@ -178,15 +173,15 @@ public:
 
 private:
     const std::string share_;
-    PosixFiles real_;
+    CPosixFiles real_;
     std::promise<void> released_;
     std::shared_future<void> back_ = released_.get_future().share();
 };
 
 /// The automatic export goes to a share that is dead.
-class DeadShareExport : public StationExport {
+class DeadShareExportTest : public StationExportTest {
 protected:
-    DeadShareExport() {
+    DeadShareExportTest() {
         wantExport(a);
         station->openDatafile(path);
     }
@@ -203,32 +198,30 @@ protected:
     std::unique_ptr<CStation> station = withDeadShare();
 };
 
-TEST_F(DeadShareExport, holdsTheStationOnce) {
+TEST_F(DeadShareExportTest, HoldsTheStationOnce) {
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < 50; ++i) {
-        station->updateDevices(std::vector{1},
-                               [i](CHardware& device) { device.Name = "save " + std::to_string(i); });
+        updateDevices(
+            *station, std::vector{1}, [i](CHardware& device) { device.Name = "save " + std::to_string(i); });
     }
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10))
         << "50 saves that each wait take 15 s";
     EXPECT_EQ(share->calls, 1);
-    ASSERT_TRUE(station->exportError());
-    EXPECT_THAT(station->exportError()->sentence, HasSubstr("does not answer"));
+    ASSERT_TRUE(station->listExport().error());
+    EXPECT_THAT(station->listExport().error()->sentence, HasSubstr("does not answer"));
     share->answer();
     station.reset(); // waits for the last of them
     EXPECT_THAT(exportedNames(), Contains("save 49"));
     EXPECT_EQ(share->calls, 2) << "of those that waited only the latest";
 }
 
-TEST_F(DeadShareExport, keepsNobodyFromExportingElsewhere) {
+TEST_F(DeadShareExportTest, KeepsNobodyFromExportingElsewhere) {
     ExportSettings wanted;
     wanted.ExportFilename = "elsewhere.txt";
-    station->onListRefill = [this] {
-        ++refills;
-    };
+    const StationNews seen(*station);
     EXPECT_FALSE(station->exportNow(wanted));
     EXPECT_EQ(exportedNames(folder.file("elsewhere.txt")).size(), 3U);
-    EXPECT_EQ(refills, 1) << "the table shows another order than the file";
+    EXPECT_EQ(seen.settled, 1) << "the table shows another order than the file";
     EXPECT_EQ(share->calls, 1);
     share->answer();
 }

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "platform/PosixFiles.h"
+#include "platform/files/PosixFiles.h"
 #include "station/Station.h"
 #include "tests/support/FakeTime.h"
 #include "tests/support/InlineWorkers.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/ScriptedProbes.h"
+#include "tests/support/StationEdits.h"
 #include "tests/support/TestFolder.h"
 
 #include <gtest/gtest.h>
@@ -19,8 +20,8 @@ using Lines = std::vector<std::string>;
 
 class ScriptedDialogs final : public StationDialogs {
 public:
-    bool ask(const std::string& question) override {
-        questions.push_back(question);
+    bool ask(const Question& question) override {
+        questions.push_back(question.text);
         if (whileAsking)
             whileAsking();
         return answer;
@@ -30,6 +31,23 @@ public:
     bool answer = false;
     std::function<void()> whileAsking;
     Lines questions, failures;
+};
+
+/// What a station tells, counted.
+class StationNews final : public StationObserver {
+public:
+    explicit StationNews(CStation& station) : station_(station) { station_.addObserver(*this); }
+    ~StationNews() override { station_.removeObserver(*this); }
+
+    int redraws = 0, settled = 0;
+    std::vector<bool> phases; ///< of the reminders
+
+private:
+    void redrawNeeded() override { ++redraws; }
+    void listSettled() override { ++settled; }
+    void remindersChanged() override { phases.push_back(station_.reminders().ReminderPhase()); }
+
+    CStation& station_;
 };
 
 /// One station with a user, a clock and settings of its own.
@@ -44,17 +62,18 @@ public:
                                                              other ? other : &workers, nullptr, sweepProbes});
     }
 
-    CMirovaneDoc& doc() { return station->document(); }
-    CLiveStatScheduler& liveStat() { return station->liveStat(); }
+    /// To change as background work does, and as an edit does that is not saved yet.
+    CMirovaneDoc& doc() { return const_cast<CMirovaneDoc&>(station->document()); }
+    const CLiveStatScheduler& liveStat() { return station->liveStat(); }
     const CHardware& owner() { return *doc().findSpecial(SpecialType::LiveStatOwnerRecord); }
     const CHardware& device(std::int32_t recID) { return *doc().findDevice(recID); }
 
     /// The log's lines since the last call, without their dates.
     Lines logged() { return logLines.next(); }
 
-    PosixFiles files;
+    CPosixFiles files;
     CMessageLog log;
-    MemorySettingsStore store;
+    CMemorySettingsStore store;
     CSettings settings{store};
     ScriptedDialogs dialogs;
     ScriptedProbes probes;
@@ -84,7 +103,8 @@ protected:
     }
     void pass(int milliseconds) { timers.advance(std::chrono::milliseconds(milliseconds)); }
     void rename(Site& site, std::int32_t recID, const std::string& name) {
-        site.doc().editByUser(site.device(recID), [&name](CHardware& device) { device.Name = name; });
+        site.doc().editByUser(
+            site.device(recID), [&name](CHardware& device) { device.Name = name; });
     }
 
     /// For a second station in A's place, which reaches the datafile by way of `files`.

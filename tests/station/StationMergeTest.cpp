@@ -1,4 +1,5 @@
 #include "tests/station/StationFixture.h"
+#include "tests/support/LateWorkers.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -29,12 +30,13 @@ protected:
     }
 
     void comment(Site& site, std::int32_t recID, const std::string& text) {
-        site.doc().editByUser(site.device(recID), [&](CHardware& device) { device.Comment = text; });
+        site.doc().editByUser(
+            site.device(recID), [&](CHardware& device) { device.Comment = text; });
     }
 
     static bool contains(const Lines& lines, const std::string& part) {
-        return std::ranges::any_of(lines,
-                                   [&](const auto& line) { return line.find(part) != std::string::npos; });
+        return std::ranges::any_of(
+            lines, [&](const auto& line) { return line.find(part) != std::string::npos; });
     }
 };
 
@@ -42,7 +44,7 @@ TEST_F(StationMergeTest, WhileTheShareIsGoneEditsWaitAndAreSavedWhenItIsBack) {
     open(a);
     disconnect();
     rename(a, 1, "meanwhile");
-    const auto error = a.station->saveDatafile();
+    const auto error = a.station->saveDatafile().error;
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind, FileError::Kind::NotFound);
     EXPECT_TRUE(fs::is_empty(folder.path())); // nothing that would be hidden by the share
@@ -87,7 +89,7 @@ TEST_F(StationMergeTest, ASaveThatKeepsFailingIsTriedAgainWithoutALineForEach) {
     open(a);
     fs::permissions(path, fs::perms::owner_read);
     rename(a, 1, "kept");
-    const auto error = a.station->saveDatafile();
+    const auto error = a.station->saveDatafile().error;
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind, FileError::Kind::Denied);
     EXPECT_EQ(a.logged().size(), 2U); // which error, on which file
@@ -106,7 +108,7 @@ TEST_F(StationMergeTest, NothingIsSavedOverAFileThatCannotBeRead) {
     const std::string half = whole.substr(0, whole.size() / 2);
     test::writeBytes(path, half);
     rename(a, 1, "kept");
-    const auto error = a.station->saveDatafile(); // before the watch noticed
+    const auto error = a.station->saveDatafile().error; // before the watch noticed
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind, FileError::Kind::Changed);
     EXPECT_EQ(test::readBytes(path), half);
@@ -195,29 +197,6 @@ TEST_F(StationMergeTest, AnOwnerWhoComesWhileTheOtherFeatureIsAskedAboutIsAskedA
     EXPECT_EQ(a.owner().Name, "A-HOST");
 }
 
-/// Steps that take until the test lets them end, or somebody waits for them.
-class LateWorkers final : public Workers {
-public:
-    bool start(std::function<void()> work) override {
-        waiting_.push_back(std::move(work));
-        return true;
-    }
-    bool waitUntilIdle(std::chrono::milliseconds) override {
-        finish();
-        return true;
-    }
-    void setLimit(std::size_t) override {}
-
-    void finish() {
-        for (const auto& work : std::exchange(waiting_, {}))
-            work();
-    }
-    bool busy() const { return !waiting_.empty(); }
-
-private:
-    std::vector<std::function<void()>> waiting_;
-};
-
 class BusyMergeTest : public StationMergeTest {
 protected:
     /// Live Stat Now is in the middle of this device.
@@ -229,7 +208,7 @@ protected:
         late.logged();
     }
 
-    LateWorkers workers;
+    test::LateWorkers workers;
     Site late{clock, timers, {"L-HOST", "l-user"}, false, &workers};
 };
 
@@ -242,7 +221,7 @@ TEST_F(BusyMergeTest, ASaveWhileAReloadWaitsIsMadeUpFor) {
     pass(3000);
     EXPECT_EQ(late.logged(), Lines{"Loading from data file, please wait..."});
     rename(late, 1, "by late");
-    EXPECT_FALSE(late.station->saveDatafile());
+    EXPECT_FALSE(late.station->saveDatafile().failed());
     pass(500);
     EXPECT_TRUE(late.doc().unsavedEdits());
     EXPECT_EQ(late.device(2).Comment, "");
@@ -261,15 +240,16 @@ TEST_F(BusyMergeTest, AnEditWhileAReloadWaitsReplacesNobodysWorkWithoutALine) {
     comment(a, 1, "by a");
     a.station->saveDatafile();
     pass(3000);
-    EXPECT_FALSE(
-        late.station->updateDevices(std::vector{1}, [](CHardware& device) { device.Comment = "by late"; }));
+    EXPECT_TRUE(test::updateDevices(*late.station, std::vector{1}, [](CHardware& device) {
+                    device.Comment = "by late";
+                }).saved());
     EXPECT_TRUE(contains(late.logged(), "\"by a\", saved by another station, gave way to \"by late\""));
 
     pass(60'000);
     comment(a, 2, "by a");
     a.station->saveDatafile();
     pass(3000);
-    EXPECT_FALSE(late.station->deleteDevices(std::vector{2}));
+    EXPECT_FALSE(test::deleteDevices(*late.station, std::vector{2}).failed());
     EXPECT_TRUE(contains(late.logged(), "was deleted here and changed by another station: it is kept"));
     EXPECT_EQ(late.device(2).Comment, "by a");
     rename(a, 2, "seen");
@@ -340,7 +320,7 @@ TEST_F(BusyMergeTest, AStepComesBackToItsDeviceUnderItsNewNumber) {
     check(4);
     a.doc().addDevice(DeviceType::Printer, [](CHardware& device) { device.Name = "of a"; });
     a.station->saveDatafile();
-    EXPECT_FALSE(late.station->saveDatafile());
+    EXPECT_FALSE(late.station->saveDatafile().failed());
     EXPECT_EQ(late.device(4).Name + ", " + late.device(5).Name, "of a, of late");
     EXPECT_TRUE(late.liveStat().holdsDevice(5));
     EXPECT_FALSE(late.liveStat().holdsDevice(4));
@@ -355,15 +335,15 @@ TEST_F(BusyMergeTest, AStepComesBackToItsDeviceUnderItsNewNumber) {
 // ---- what a tick costs, and what it takes for another file
 
 /// Counts what is asked of the operating system.
-class CountingCalls final : public FileCalls {
+class CountingCalls final : public CFileCalls {
 public:
     int statusAt(const std::string& path, struct stat& status) override {
         ++statusCalls;
-        return FileCalls::statusAt(path, status);
+        return CFileCalls::statusAt(path, status);
     }
     int openFile(const std::string& path, int flags, mode_t mode) override {
         ++opens;
-        return FileCalls::openFile(path, flags, mode);
+        return CFileCalls::openFile(path, flags, mode);
     }
 
     int statusCalls = 0;
@@ -372,7 +352,7 @@ public:
 
 TEST_F(StationMergeTest, ATickOnAnUnchangedFileIsOneStatusCall) {
     CountingCalls calls;
-    PosixFiles counted(calls, folder.file("backup"));
+    CPosixFiles counted(calls, folder.file("backup"));
     CStation station(servicesOfA(counted));
     ASSERT_FALSE(station.openDatafile(path));
     calls.statusCalls = calls.opens = 0;

@@ -1,4 +1,4 @@
-#include "livestat/WorkerPool.h"
+#include "platform/WorkerPool.h"
 #include "tests/station/StationFixture.h"
 
 namespace mirovane {
@@ -104,7 +104,7 @@ TEST_F(StationTest, ASilentOwnerIsReplacedAfterFourHours) {
     standby.settings.write("LSAutoStart", 1);
     open(a);
     a.station->toggleLiveStat();
-    a.station->document().edit(a.owner(), [](CHardware& owner) { owner.Name = "DEAD-HOST"; });
+    a.doc().edit(a.owner(), [](CHardware& owner) { owner.Name = "DEAD-HOST"; });
     a.station->saveDatafile();
     a.station->newDatafile(); // not the owner any more: nothing is released
     ASSERT_FALSE(standby.station->openDatafile(path));
@@ -166,12 +166,12 @@ TEST_F(StationTest, LeavingADatafileReleasesItAndAFailedOpenLeavesNothing) {
     a.station->toggleLiveStat();
     EXPECT_TRUE(a.station->openDatafile(folder.file("missing.mv")));
     EXPECT_TRUE(a.liveStat().enabled());
-    EXPECT_EQ(a.doc().path(), path);
+    EXPECT_EQ(a.station->datafile().path(), path);
     a.logged();
 
     a.station->newDatafile();
     EXPECT_FALSE(a.liveStat().enabled());
-    EXPECT_EQ(a.doc().path(), "");
+    EXPECT_EQ(a.station->datafile().path(), "");
     open(b);
     EXPECT_EQ(b.owner().State, 0);
 }
@@ -180,16 +180,16 @@ TEST_F(StationTest, SaveAsTakesLiveStatAlongAndReleasesTheFileThatIsLeft) {
     open(a);
     a.station->toggleLiveStat();
     pass(4000);
-    EXPECT_FALSE(a.station->saveDatafileAs(folder.file("copy.mv")));
+    EXPECT_FALSE(a.station->saveDatafileAs(folder.file("copy.mv")).failed());
     EXPECT_TRUE(a.liveStat().enabled());
     EXPECT_EQ(a.owner().Name, "A-HOST");
     open(b); // the file that was left
     EXPECT_EQ(b.owner().State, 0);
     EXPECT_EQ(b.owner().Name, "");
 
-    EXPECT_TRUE(a.station->saveDatafileAs(folder.file("nowhere/copy.mv")));
+    EXPECT_TRUE(a.station->saveDatafileAs(folder.file("nowhere/copy.mv")).failed());
     EXPECT_TRUE(a.liveStat().enabled());
-    EXPECT_EQ(a.doc().path(), folder.file("copy.mv"));
+    EXPECT_EQ(a.station->datafile().path(), folder.file("copy.mv"));
 }
 
 TEST_F(StationTest, DeletingAndUpdatingWaitForTheJobsAndSave) {
@@ -198,11 +198,12 @@ TEST_F(StationTest, DeletingAndUpdatingWaitForTheJobsAndSave) {
     pass(3003);
     a.logged();
     const std::vector<std::int32_t> first{1};
-    EXPECT_FALSE(a.station->updateDevices(first, [](CHardware& device) { device.Name = "new"; }));
+    EXPECT_FALSE(
+        test::updateDevices(*a.station, first, [](CHardware& device) { device.Name = "new"; }).failed());
     EXPECT_EQ(a.logged(), (Lines{"Updating item(s)..., waiting for Live Stat to finish with the items.",
                                  "Updated Item(s)", "Saved changes to data file"}));
     EXPECT_EQ(a.device(1).Modified, a.doc().now());
-    EXPECT_FALSE(a.station->deleteDevices(first));
+    EXPECT_FALSE(test::deleteDevices(*a.station, first).failed());
     EXPECT_EQ(a.logged(), (Lines{"Deleting item(s)..., waiting for Live Stat to finish with the item.",
                                  "Deleted item(s).", "Saved changes to data file"}));
     EXPECT_FALSE(a.liveStat().holdsDevice(1));
@@ -211,7 +212,7 @@ TEST_F(StationTest, DeletingAndUpdatingWaitForTheJobsAndSave) {
     EXPECT_GT(a.probes.pinged().size(), pings); // goes on with the others
 
     const std::vector<std::int32_t> rest{2, 3};
-    EXPECT_FALSE(a.station->deleteDevices(rest));
+    EXPECT_FALSE(test::deleteDevices(*a.station, rest).failed());
     EXPECT_FALSE(a.liveStat().enabled());
     pass(300);
     EXPECT_EQ(a.logged().back(), "Live Stat disabled");
@@ -255,7 +256,7 @@ TEST_F(BusyStationTest, AReloadStopsTheStepsAndBindsThemAgain) {
     startHanging();
     pass(3000); // a reads the claim
     const std::vector<std::int32_t> second{2};
-    a.station->deleteDevices(second);
+    test::deleteDevices(*a.station, second);
     pass(3000);
     ASSERT_TRUE(pool.waitUntilIdle(std::chrono::seconds(20)));
     busy.probes.answer("127.0.0.1");
@@ -276,7 +277,7 @@ TEST_F(BusyStationTest, AReloadStopsTheStepsAndBindsThemAgain) {
 TEST_F(BusyStationTest, NewDeleteAndTheEndTakeNoPingTimeOut) {
     startHanging();
     const std::vector<std::int32_t> first{1};
-    EXPECT_FALSE(busy.station->deleteDevices(first));
+    EXPECT_FALSE(test::deleteDevices(*busy.station, first).failed());
     EXPECT_FALSE(busy.liveStat().anyJobInProgress());
     busy.station->newDatafile();
     EXPECT_EQ(busy.doc().deviceCount(), 0U);

@@ -1,4 +1,5 @@
 #include "tests/station/StationFixture.h"
+#include "tests/support/Paths.h"
 
 namespace mirovane {
 
@@ -13,20 +14,17 @@ TEST_F(StationWatchTest, TheOtherStationReloadsAndKeepsItsSelection) {
     open(b);
     b.doc().setSelected(b.device(2), true);
     b.doc().setLSNowMark(b.device(3), true);
-    int redraws = 0;
-    b.station->onRedraw = [&redraws] {
-        ++redraws;
-    };
+    const test::StationNews news(*b.station);
     rename(a, 2, "renamed");
-    EXPECT_FALSE(a.station->saveDatafile());
+    EXPECT_FALSE(a.station->saveDatafile().failed());
     pass(3000);
     EXPECT_EQ(b.logged(), (Lines{"Loading from data file, please wait...", "Loaded from data file"}));
     EXPECT_EQ(b.device(2).Name, "renamed");
     EXPECT_EQ(b.device(2).Selected + b.device(2).ShowAll, 2);
     EXPECT_EQ(b.device(3).LSNowMark, 1);
     EXPECT_EQ(b.device(1).Selected + b.device(3).Selected, 0);
-    EXPECT_EQ(b.doc().knownIdentity(), a.doc().knownIdentity());
-    EXPECT_EQ(redraws, 1);
+    EXPECT_EQ(b.station->datafile().knownIdentity(), a.station->datafile().knownIdentity());
+    EXPECT_EQ(news.redraws, 1);
     pass(30'000);
     EXPECT_EQ(b.logged(), Lines{});
     EXPECT_EQ(a.logged(), Lines{"Saved changes to data file"}); // its own save makes it reload nothing
@@ -38,17 +36,21 @@ TEST_F(StationWatchTest, BackgroundChangesAreSavedAtTheSixthTick) {
     pass(60'000);
     EXPECT_EQ(a.logged(), Lines{}); // nothing changed
     open(a);
-    a.doc().setPendingChanges(true);
+    a.station->changesPending();
     pass(5 * 3000);
     EXPECT_EQ(a.logged(), Lines{});
     pass(3000);
     EXPECT_EQ(a.logged(), Lines{"Saved Live Stat changes to data file"});
-    EXPECT_FALSE(a.doc().pendingChanges());
+    EXPECT_FALSE(a.station->pendingChanges());
     EXPECT_EQ(test::readBytes(path), before);
+    pass(150 * 3000);
+    a.station->changesPending(); // after so long it is not Live Stat's
+    pass(3000);
+    EXPECT_EQ(a.logged(), Lines{"Saved changes to data file"});
 }
 
 TEST_F(StationWatchTest, AnUpgradeIsSavedAtTheNextTickUnderItsOwnName) {
-    test::writeBytes(path, test::readBytes(std::string(MIROVANE_SOURCE_DIR) + "/tests/golden/floor-2004.mv"));
+    test::writeBytes(path, test::readBytes(test::sourceFile("tests/golden/floor-2004.mv")));
     open(a);
     pass(2999);
     EXPECT_EQ(a.logged(), Lines{});
@@ -58,10 +60,41 @@ TEST_F(StationWatchTest, AnUpgradeIsSavedAtTheNextTickUnderItsOwnName) {
     EXPECT_EQ(a.logged(), Lines{});
 }
 
+TEST_F(StationWatchTest, AnUpgradeThatFailsIsNotTriedAtEveryTick) {
+    test::writeBytes(path, test::readBytes(test::sourceFile("tests/golden/floor-2004.mv")));
+    open(a);
+    std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+    pass(3000);
+    const std::size_t told = a.logged().size();
+    EXPECT_GT(told, 0U);
+    a.station->changesPending();
+    pass(5 * 3000);
+    EXPECT_EQ(a.logged(), Lines{});
+}
+
+TEST_F(StationWatchTest, TheEndWhileAQuestionIsOpenIsTheEnd) {
+    open(a);
+    open(b);
+    a.station->toggleLiveStat();
+    pass(3000);
+    b.dialogs.answer = true;
+    b.station->toggleLiveStat();
+    a.dialogs.whileAsking = [this] {
+        a.station->shutDown();
+    };
+    pass(3000); // reloads, and is asked
+    ASSERT_EQ(a.dialogs.questions.size(), 1U);
+    a.logged();
+    rename(b, 1, "by b");
+    ASSERT_TRUE(b.station->saveDatafile().saved());
+    pass(30'000);
+    EXPECT_EQ(a.logged(), Lines{});
+}
+
 TEST_F(StationWatchTest, AVanishedFileIsReportedAtEveryTick) {
     open(a);
     std::filesystem::rename(path, path + ".away");
-    a.doc().setPendingChanges(true);
+    a.station->changesPending();
     pass(6000);
     const Lines twice{"Error reading/loading from datafile!", "Error writing to datafile!",
                       "Error reading/loading from datafile!", "Error writing to datafile!"};
@@ -76,13 +109,13 @@ TEST_F(StationWatchTest, AnUnreadableFileIsNeverWrittenOver) {
     rename(a, 1, "in memory");
     const std::string whole = test::readBytes(path);
     test::writeBytes(path, whole.substr(0, whole.size() / 2));
-    a.doc().setPendingChanges(true);
+    a.station->changesPending();
     pass(60'000);
     Lines lines = a.logged();
     ASSERT_EQ(lines.size(), 3U);
     EXPECT_EQ(lines[0], "Loading from data file, please wait...");
     EXPECT_EQ(lines[2].substr(0, 36), "Error reading/loading from datafile!");
-    EXPECT_TRUE(a.station->saveDatafile());
+    EXPECT_TRUE(a.station->saveDatafile().failed());
     EXPECT_EQ(a.device(1).Name, "in memory");
     EXPECT_EQ(test::readBytes(path), whole.substr(0, whole.size() / 2));
     a.logged();
@@ -111,7 +144,7 @@ public:
     std::chrono::milliseconds waited{0};
 
 private:
-    PosixFiles real_;
+    CPosixFiles real_;
 };
 
 TEST_F(StationWatchTest, AStationThatHangsWithTheFileHoldsThisOneUpOnce) {
@@ -120,7 +153,7 @@ TEST_F(StationWatchTest, AStationThatHangsWithTheFileHoldsThisOneUpOnce) {
     ASSERT_FALSE(station.openDatafile(path));
     open(b);
     rename(b, 1, "by b");
-    ASSERT_FALSE(b.station->saveDatafile());
+    ASSERT_FALSE(b.station->saveDatafile().failed());
     files.held = true;
     pass(60'000);
     EXPECT_EQ(files.waited, lockPatience);
@@ -136,7 +169,7 @@ TEST_F(StationWatchTest, ASaveNeverGoesOverAnotherStationsFile) {
     a.station->saveDatafile();
     rename(b, 2, "by b");
     b.doc().setSelected(b.device(2), true);
-    EXPECT_FALSE(b.station->saveDatafile()); // before the watch noticed
+    EXPECT_FALSE(b.station->saveDatafile().failed()); // before the watch noticed
     EXPECT_EQ(b.logged(), (Lines{"Merged changes from data file", "Saved changes to data file"}));
     EXPECT_EQ(b.device(1).Name, "by a");
     EXPECT_EQ(b.device(2).Selected, 1);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/ProcessLaunch.h"
+#include "platform/process/ProgramLauncher.h"
 
 #include <string>
 #include <system_error>

@@ -32,10 +32,9 @@ std::unique_ptr<Timer> FakeTimers::makeTimer(std::function<void()> onTick) {
 
 FakeTimers::Entry* FakeTimers::nextDue(std::chrono::steady_clock::time_point until) {
     Entry* first = nullptr;
-    for (auto& [id, entry] : entries_) {
+    for (auto& [id, entry] : entries_)
         if (entry.active && entry.due <= until && (!first || entry.due < first->due))
             first = &entry;
-    }
     return first;
 }
 

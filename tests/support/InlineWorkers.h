@@ -1,6 +1,6 @@
 #pragma once
 
-#include "livestat/Workers.h"
+#include "platform/Workers.h"
 
 namespace mirovane::test {
 

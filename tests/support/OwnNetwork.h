@@ -29,9 +29,8 @@ public:
         raise("lo");
     }
     ~OwnNetwork() {
-        if (entered_) {
+        if (entered_)
             ::setns(before_, CLONE_NEWNET);
-        }
         ::close(before_);
     }
     OwnNetwork(const OwnNetwork&) = delete;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "livestat/StepProbes.h"
+#include "probes/StepProbes.h"
 
 #include <condition_variable>
 #include <map>
@@ -15,7 +15,7 @@ namespace mirovane::test {
 /// A network by script: hosts that answer, names that are known, SNMP agents, registries, and hosts whose
 /// probe (of any kind) hangs until it is told to stop or let go. Whatever is not scripted does not exist. Any
 /// thread; the script of names, agents and registries is written before the probes begin.
-class ScriptedProbes final : public HostProbes, public SnmpProbe, public RegistryProbes {
+class ScriptedProbes final : public HostProbes, public SNMPProbe, public RegistryProbes {
 public:
     void answer(const std::string& host, bool answers = true) {
         const std::lock_guard lock(mutex_);
@@ -24,13 +24,14 @@ public:
     void name(const std::string& host, std::uint32_t address) { addresses_[host] = address; }
     void reverse(const std::string& address, const std::string& host) { names_[address] = host; }
     void agent(const std::string& host, const std::string& community, const std::string& oid,
-               SnmpAnswer answer) {
+               SNMPAnswer answer) {
         agents_[host + " " + community + " " + oid] = std::move(answer);
     }
     void registryValue(const std::string& path, const std::string& value) { registry_[path] = value; }
     void loggedOn(const std::string& host, LoggedOnUser user) { users_[host] = std::move(user); }
     void trouble(const std::string& line) { troubles_.push_back(line); }
     void refuseEchoes(const std::string& why) { unusable_ = why; }
+    void allowEchoes() { unusable_.reset(); }
 
     void hang(const std::string& host) {
         const std::lock_guard lock(mutex_);
@@ -78,14 +79,14 @@ public:
 
     std::optional<std::string> echoUnusable() override { return unusable_; }
 
-    SnmpAnswer SnmpGet(const SnmpQuery& query, std::stop_token stop) override {
+    SNMPAnswer SnmpGet(const SNMPQuery& query, std::stop_token stop) override {
         std::unique_lock lock(mutex_);
         waitWhileHanging(lock, query.host, stop);
         const auto found = agents_.find(query.host + " " + query.community + " " + query.oid);
         if (stop.stop_requested())
-            return {SnmpAnswer::Kind::Stopped, "", 0};
+            return {SNMPAnswer::Kind::Stopped, "", 0};
         if (found == agents_.end() || query.timeoutMs != 1000)
-            return {SnmpAnswer::Kind::TimedOut, "", 0};
+            return {SNMPAnswer::Kind::TimedOut, "", 0};
         return found->second;
     }
     std::optional<std::string> snmpUnusable() override { return std::nullopt; }
@@ -108,7 +109,6 @@ public:
         const auto found = users_.find(host);
         return found == users_.end() ? LoggedOnUser() : found->second;
     }
-    std::string GetDefaultUserName(const std::string&, std::stop_token) override { return {}; }
     std::vector<std::string> takeTroubles() override { return std::exchange(troubles_, {}); }
 
     operator StepProbes() { return {*this, *this, *this}; }
@@ -129,7 +129,7 @@ private:
     std::set<std::string> hanging_;
     std::map<std::string, std::uint32_t> addresses_;
     std::map<std::string, std::string> names_;
-    std::map<std::string, SnmpAnswer> agents_;
+    std::map<std::string, SNMPAnswer> agents_;
     std::map<std::string, std::string> registry_;
     std::map<std::string, LoggedOnUser> users_;
     std::vector<std::string> troubles_;

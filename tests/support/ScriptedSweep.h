@@ -1,6 +1,6 @@
 #pragma once
 
-#include "livestat/AddressRanges.h"
+#include "discover/AddressRanges.h"
 #include "probes/SweepProbes.h"
 #include "tests/support/FakeTime.h"
 

@@ -123,10 +123,9 @@ SmbServer::~SmbServer() {
 std::string SmbServer::start() {
     if (geteuid() != 0)
         return "smbd is started by root only";
-    for (const char* program : {smbd, rpcDaemon}) {
+    for (const char* program : {smbd, rpcDaemon})
         if (access(program, X_OK) != 0)
             return std::string(program) + " is not installed";
-    }
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     if (port_ == 0)
         port_ = freeLoopbackPort();
@@ -223,10 +222,9 @@ bool SilentServer::waitForClient() {
 
 bool SilentServer::waitForLeaving() const {
     std::array<char, 4096> ignored{};
-    while (becomesReadable(client_)) {
+    while (becomesReadable(client_))
         if (recv(client_, ignored.data(), ignored.size(), 0) <= 0)
             return true;
-    }
     return false;
 }
 

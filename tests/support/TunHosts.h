@@ -126,9 +126,8 @@ private:
     static void putSum(Bytes& packet, std::size_t from, std::size_t to, std::size_t at) {
         packet[at] = packet[at + 1] = 0;
         std::uint32_t sum = 0;
-        for (std::size_t i = from; i < to; ++i) {
+        for (std::size_t i = from; i < to; ++i)
             sum += (i - from) % 2 == 0 ? static_cast<std::uint32_t>(packet[i]) << 8 : packet[i];
-        }
         sum = (sum & 0xffff) + (sum >> 16);
         sum = (sum & 0xffff) + (sum >> 16);
         packet[at] = static_cast<std::uint8_t>(~sum >> 8);
@@ -159,9 +158,8 @@ private:
         // A few at a time, so that replies which are due do not wait for a long burst to end.
         for (int i = 0; i < 64; ++i) {
             const auto size = ::read(device_, packet.data(), packet.size());
-            if (size <= 0) {
+            if (size <= 0)
                 return;
-            }
             if (size >= 28 && packet[0] == 0x45 && packet[9] == IPPROTO_ICMP && packet[20] == 8) {
                 ++requests_;
                 script_(*this, Bytes(packet.begin(), packet.begin() + size));

@@ -11,12 +11,13 @@
 /// apart by their names: record IDs change where two stations took the same one. usage: shared_editor FILE
 /// PREFIX SEED
 
-#include "model/FieldNames.h"
-#include "platform/PosixFiles.h"
+#include "model/records/FieldNames.h"
+#include "platform/files/PosixFiles.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
 #include "station/Station.h"
 #include "tests/support/ScriptedProbes.h"
+#include "tests/support/StationEdits.h"
 #include "tests/support/TestFolder.h"
 
 #include <QCoreApplication>
@@ -32,7 +33,7 @@ namespace {
 
 class NoToAll final : public StationDialogs {
 public:
-    bool ask(const std::string&) override { return false; }
+    bool ask(const Question&) override { return false; }
     void fail(const std::string&) override {}
 };
 
@@ -43,6 +44,11 @@ void say(const std::string& line) {
                 line.c_str());
     std::fflush(stdout);
 }
+
+class Teller final : public LogListener {
+public:
+    void lineLogged(const LogLine& line) override { say("log " + line.shown()); }
+};
 
 /// Devices that every process changes and none deletes have names that begin with it.
 constexpr std::string_view sharedPrefix = "shared-";
@@ -81,25 +87,22 @@ private:
 
     const CHardware* deviceNamed(std::string_view name) const {
         const CMirovaneDoc& document = station_.document();
-        for (std::size_t i = 0; i < document.size(); ++i) {
+        for (std::size_t i = 0; i < document.size(); ++i)
             if (document.at(i).isDevice() && document.at(i).Name == name)
                 return &document.at(i);
-        }
         return nullptr;
     }
 
     /// Acknowledged is what a user is told: no error, and nothing left to save.
-    bool saved(const std::optional<FileError>& error) const {
-        return !error && !station_.document().modified();
-    }
+    bool saved(const SaveReport& report) const { return !report.failed() && !station_.document().modified(); }
 
     void add() {
         const std::string token = prefix_ + "-" + std::to_string(++count_);
         say("try add " + token);
-        if (!station_.document().addDevice(DeviceType::Switch,
-                                           [&](CHardware& device) { device.Name = token; }))
-            return;
-        if (!saved(station_.saveDatafile()))
+        const auto addOne = [&](CMirovaneDoc& document) {
+            document.addDevice(DeviceType::Switch, [&](CHardware& device) { device.Name = token; });
+        };
+        if (!saved(station_.edit({EditRequest::Kind::Add, "Add a switch", {}}, addOne)))
             return;
         const CHardware* device = deviceNamed(token);
         say("ack add " + token + " " + (device ? std::to_string(device->RecID) : "0"));
@@ -116,8 +119,8 @@ private:
         const std::string what = "set " + name + " " + field.name + " " + token;
         say("try " + what);
         const std::int32_t recID = device->RecID;
-        if (saved(station_.updateDevices(std::span(&recID, 1),
-                                         [&](CHardware& held) { held.*field.member = token; })))
+        if (saved(updateDevices(station_, std::span(&recID, 1),
+                                [&](CHardware& held) { held.*field.member = token; })))
             say("ack " + what);
     }
 
@@ -130,7 +133,7 @@ private:
             return;
         say("try del " + token);
         const std::int32_t recID = device->RecID;
-        if (saved(station_.deleteDevices(std::span(&recID, 1))))
+        if (saved(deleteDevices(station_, std::span(&recID, 1))))
             say("ack del " + token);
     }
 
@@ -150,15 +153,16 @@ int run(int argc, char** argv) {
     }
     std::signal(SIGTERM, [](int) { QCoreApplication::quit(); });
     const TestFolder config;
-    IniSettingsStore store(config.path());
+    CIniSettingsStore store(config.path());
     CSettings settings(store);
     settings.initialise();
     settings.write("LSAutoStart", 0);
-    SystemClock clock;
+    CSystemClock clock;
     CMessageLog log(clock);
-    log.addListener([](const std::string& line, bool) { say("log " + line); });
-    PosixFiles files;
-    QtTimerFactory timers;
+    Teller teller;
+    log.addListener(teller);
+    CPosixFiles files;
+    CQtTimerFactory timers;
     ScriptedProbes probes;
     NoToAll dialogs;
     CStation station({files, clock, timers, settings, log, dialogs, probes, {"editor", argv[2]}});

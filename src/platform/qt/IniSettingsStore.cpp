@@ -53,31 +53,31 @@ QString iniFile(const std::string& folder) {
 
 } // namespace
 
-IniSettingsStore::IniSettingsStore(const std::string& folder)
+CIniSettingsStore::CIniSettingsStore(const std::string& folder)
     : settings_(std::make_unique<QSettings>(iniFile(folder), QSettings::IniFormat)) {}
 
-IniSettingsStore::~IniSettingsStore() = default;
+CIniSettingsStore::~CIniSettingsStore() = default;
 
-std::optional<std::int32_t> IniSettingsStore::readInteger(const std::string& name) const {
+std::optional<std::int32_t> CIniSettingsStore::readInteger(const std::string& name) const {
     bool isNumber = false;
     const std::int32_t value = settings_->value(settingsKey(name)).toInt(&isNumber);
     return isNumber ? std::optional<std::int32_t>(value) : std::nullopt;
 }
 
-void IniSettingsStore::writeInteger(const std::string& name, std::int32_t value) {
+void CIniSettingsStore::writeInteger(const std::string& name, std::int32_t value) {
     settings_->setValue(settingsKey(name), value);
 }
 
-std::optional<std::string> IniSettingsStore::readText(const std::string& name) const {
+std::optional<std::string> CIniSettingsStore::readText(const std::string& name) const {
     const QVariant value = settings_->value(settingsKey(name));
     return value.isValid() ? std::optional<std::string>(textOf(value)) : std::nullopt;
 }
 
-void IniSettingsStore::writeText(const std::string& name, const std::string& value) {
+void CIniSettingsStore::writeText(const std::string& name, const std::string& value) {
     settings_->setValue(settingsKey(name), stored(value));
 }
 
-std::vector<std::string> IniSettingsStore::readRecentFiles() const {
+std::vector<std::string> CIniSettingsStore::readRecentFiles() const {
     std::vector<std::string> paths;
     for (std::size_t i = 0; i < recentFilesKept; ++i) {
         const std::string path = textOf(settings_->value(recentFileKey(i)));
@@ -87,16 +87,15 @@ std::vector<std::string> IniSettingsStore::readRecentFiles() const {
     return paths;
 }
 
-void IniSettingsStore::writeRecentFiles(const std::vector<std::string>& paths) {
-    for (std::size_t i = 0; i < recentFilesKept; ++i) {
+void CIniSettingsStore::writeRecentFiles(const std::vector<std::string>& paths) {
+    for (std::size_t i = 0; i < recentFilesKept; ++i)
         if (i < paths.size())
             settings_->setValue(recentFileKey(i), stored(paths[i]));
         else
             settings_->remove(recentFileKey(i));
-    }
 }
 
-std::string IniSettingsStore::fileName() const {
+std::string CIniSettingsStore::fileName() const {
     return QFile::encodeName(settings_->fileName()).toStdString();
 }
 

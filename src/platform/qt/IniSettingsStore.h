@@ -11,11 +11,11 @@ namespace mirovane {
 /// One user's settings in an INI file that he can read: mirovane/mirovane.ini below the XDG config folder, or
 /// mirovane.ini in a folder of his choice. Values that this program does not know stay in the file. Several
 /// programs may have it open; each sees what the others wrote.
-class IniSettingsStore final : public SettingsStore {
+class CIniSettingsStore final : public SettingsStore {
 public:
     /// An empty `folder` means the user's config folder.
-    explicit IniSettingsStore(const std::string& folder = {});
-    ~IniSettingsStore() override;
+    explicit CIniSettingsStore(const std::string& folder = {});
+    ~CIniSettingsStore() override;
 
     std::optional<std::int32_t> readInteger(const std::string& name) const override;
     void writeInteger(const std::string& name, std::int32_t value) override;

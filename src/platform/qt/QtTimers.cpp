@@ -11,14 +11,14 @@ namespace mirovane {
 
 namespace {
 
-class QtTimer final : public Timer {
+class CQtTimer final : public Timer {
 public:
-    explicit QtTimer(std::function<void()> onTick) : timer_(new QTimer), onTick_(std::move(onTick)) {
+    explicit CQtTimer(std::function<void()> onTick) : timer_(new QTimer), onTick_(std::move(onTick)) {
         timer_->setTimerType(Qt::PreciseTimer);
         QObject::connect(timer_, &QTimer::timeout, timer_, [this] { tick(); });
     }
 
-    ~QtTimer() override {
+    ~CQtTimer() override {
         timer_->stop();
         timer_->disconnect();
         if (destroyed_) {
@@ -56,8 +56,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<Timer> QtTimerFactory::makeTimer(std::function<void()> onTick) {
-    return std::make_unique<QtTimer>(std::move(onTick));
+std::unique_ptr<Timer> CQtTimerFactory::makeTimer(std::function<void()> onTick) {
+    return std::make_unique<CQtTimer>(std::move(onTick));
 }
 
 } // namespace mirovane

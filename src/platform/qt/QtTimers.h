@@ -5,7 +5,7 @@
 namespace mirovane {
 
 /// Timers of the Qt event loop of the thread that made them.
-class QtTimerFactory final : public TimerFactory {
+class CQtTimerFactory final : public TimerFactory {
 public:
     std::unique_ptr<Timer> makeTimer(std::function<void()> onTick) override;
 };

@@ -1,7 +1,7 @@
 #include "ui/dialogs/ExportDialog.h"
 
-#include "model/Text.h"
-#include "ui/dialogs/DialogText.h"
+#include "model/records/Text.h"
+#include "ui/widgets/DialogText.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -24,7 +24,7 @@ namespace mirovane {
 namespace {
 
 /// Keeps a text within what its setting holds, in bytes.
-class ByteLimit final : public QValidator {
+class CByteLimit final : public QValidator {
 public:
     using QValidator::QValidator;
 
@@ -37,7 +37,7 @@ public:
 QLineEdit* makeEdit(const char* name) {
     auto* edit = new QLineEdit;
     edit->setObjectName(QLatin1String(name));
-    edit->setValidator(new ByteLimit(edit));
+    edit->setValidator(new CByteLimit(edit));
     return edit;
 }
 
@@ -62,7 +62,7 @@ QString fileText(const std::string& path) {
 
 /// One line as it stands in the file, its TABs to be seen.
 QString previewLine(const std::string& line) {
-    return QString::fromStdString(displayText(line)).replace(u'\t', QStringLiteral(" \u2192 ")).remove(u'\r');
+    return QString::fromStdString(displayText(line)).replace(u'\t', QObject::tr(" \u2192 ")).remove(u'\r');
 }
 
 } // namespace
@@ -70,7 +70,7 @@ QString previewLine(const std::string& line) {
 CExportDialog::CExportDialog(ExportRequest request, Browse browse, QWidget* parent)
     : QDialog(parent), request_(std::move(request)), browse_(std::move(browse)) {
     setObjectName(QStringLiteral("exportDialog"));
-    setWindowTitle(QStringLiteral("Export"));
+    setWindowTitle(QObject::tr("Export"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(makeFileRow());
     layout->addWidget(makeDelimiterGroup());
@@ -90,7 +90,7 @@ QWidget* CExportDialog::makeFileRow() {
         "Enter the path/filename (C:\\text.txt or \\\\computername\\share\\folder\\text.txt)"));
     filename_ = makeEdit("exportFilename");
     label->setBuddy(filename_);
-    auto* button = new QPushButton(QStringLiteral("&Browse..."));
+    auto* button = new QPushButton(tr("&Browse..."));
     button->setObjectName(QStringLiteral("exportBrowse"));
     button->setAutoDefault(false);
     connect(button, &QPushButton::clicked, this, &CExportDialog::browse);
@@ -108,13 +108,13 @@ QWidget* CExportDialog::makeFileRow() {
 }
 
 QWidget* CExportDialog::makeDelimiterGroup() {
-    auto* group = new QGroupBox(QStringLiteral("Delimiter"));
-    tab_ = new QRadioButton(QStringLiteral("Tab"));
+    auto* group = new QGroupBox(tr("Delimiter"));
+    tab_ = new QRadioButton(tr("Tab"));
     tab_->setObjectName(QStringLiteral("exportTab"));
-    custom_ = new QRadioButton(QStringLiteral("Custom"));
+    custom_ = new QRadioButton(tr("Custom"));
     custom_->setObjectName(QStringLiteral("exportCustom"));
     customText_ = makeEdit("exportCustomText");
-    customText_->setAccessibleName(QStringLiteral("Custom delimiter"));
+    customText_->setAccessibleName(tr("Custom delimiter"));
     auto* layout = new QHBoxLayout(group);
     layout->addWidget(tab_);
     layout->addSpacing(layout->spacing());
@@ -128,14 +128,13 @@ QWidget* CExportDialog::makeOptions() {
     quoteAll_ = makeCheck("exportQuoteAll", QStringLiteral("Place double quote on all fields (\"field\")"));
     quoteComment_ =
         makeCheck("exportQuoteComment", QStringLiteral("Place double quote on \"Comment\" field"));
-    includeHeader_ = makeCheck("exportIncludeHeader", QStringLiteral("Include header names"));
-    auto_ = makeCheck("exportAuto", QStringLiteral("Auto export on changes"));
+    includeHeader_ = makeCheck("exportIncludeHeader", tr("Include header names"));
+    auto_ = makeCheck("exportAuto", tr("Auto export on changes"));
     auto* layout = new QVBoxLayout(options);
     layout->setContentsMargins(0, 0, 0, 0);
     for (QCheckBox* check : {quoteAll_, quoteComment_, includeHeader_, auto_})
         layout->addWidget(check);
-    auto* note =
-        makeNote(QStringLiteral("After every save and reload, once this datafile has been opened again."));
+    auto* note = makeNote(tr("After every save and reload, once this datafile has been opened again."));
     const int indent = style()->pixelMetric(QStyle::PM_IndicatorWidth) +
                        style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing);
     note->setContentsMargins(indent, 0, 0, 0);
@@ -145,12 +144,12 @@ QWidget* CExportDialog::makeOptions() {
 
 QWidget* CExportDialog::makePreview() {
     const QString shown = request_.firstRows.size() < request_.rowCount
-                              ? QStringLiteral("Preview: first %1 of %2 rows").arg(request_.firstRows.size())
-                              : QStringLiteral("Preview: %1 of %2 rows").arg(request_.firstRows.size());
+                              ? tr("Preview: first %1 of %2 rows").arg(request_.firstRows.size())
+                              : tr("Preview: %1 of %2 rows").arg(request_.firstRows.size());
     auto* group = new QGroupBox(shown.arg(request_.rowCount));
     preview_ = new QPlainTextEdit;
     preview_->setObjectName(QStringLiteral("exportPreview"));
-    preview_->setAccessibleName(QStringLiteral("Preview"));
+    preview_->setAccessibleName(tr("Preview"));
     preview_->setReadOnly(true);
     preview_->setTabChangesFocus(true);
     preview_->setLineWrapMode(QPlainTextEdit::NoWrap);
@@ -166,7 +165,7 @@ QWidget* CExportDialog::makePreview() {
 }
 
 QWidget* CExportDialog::makeFailure() {
-    auto* failure = new QLabel(QStringLiteral("The last export failed: ") + shownText(request_.lastFailure));
+    auto* failure = new QLabel(tr("The last export failed: ") + shownText(request_.lastFailure));
     failure->setObjectName(QStringLiteral("exportFailure"));
     failure->setTextFormat(Qt::PlainText);
     failure->setWordWrap(true);
@@ -177,10 +176,10 @@ QWidget* CExportDialog::makeFailure() {
 
 QWidget* CExportDialog::makeButtons() {
     auto* buttons = new QDialogButtonBox;
-    auto* accept = buttons->addButton(QStringLiteral("Export / OK"), QDialogButtonBox::AcceptRole);
+    auto* accept = buttons->addButton(tr("Export / OK"), QDialogButtonBox::AcceptRole);
     accept->setObjectName(QStringLiteral("exportOk"));
     accept->setDefault(true);
-    buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
+    buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     return buttons;
@@ -238,10 +237,9 @@ void CExportDialog::browse() {
 void CExportDialog::showTarget() {
     const std::string target = exportTarget(settings().ExportFilename, request_.datafile);
     if (target.empty())
-        return target_->setText(QStringLiteral("A name alone is a file beside the datafile."));
+        return target_->setText(tr("A name alone is a file beside the datafile."));
     const QString path = fileText(target);
-    target_->setText(
-        (QFileInfo::exists(path) ? QStringLiteral("Replaces %1") : QStringLiteral("Creates %1")).arg(path));
+    target_->setText((QFileInfo::exists(path) ? tr("Replaces %1") : tr("Creates %1")).arg(path));
 }
 
 void CExportDialog::showPreview() {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/Hardware.h"
-#include "model/TextExport.h"
+#include "model/records/Hardware.h"
+#include "model/rows/TextExport.h"
 
 #include <cstddef>
 #include <string>

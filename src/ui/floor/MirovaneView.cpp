@@ -1,10 +1,9 @@
 #include "ui/floor/MirovaneView.h"
 
-#include "model/Text.h"
-#include "ui/floor/FontBands.h"
-#include "ui/floor/HoverRule.h"
+#include "model/records/Text.h"
+#include "ui/floor/paint/FontBands.h"
 
-#include <QDir>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPointer>
@@ -22,174 +21,121 @@ constexpr std::chrono::milliseconds prepareSliceTime{4};
 
 constexpr int lineStep = 20;
 
+template <typename... Handlers>
+struct Overloaded : Handlers... {
+    using Handlers::operator()...;
+};
+template <typename... Handlers>
+Overloaded(Handlers...) -> Overloaded<Handlers...>;
+
+void setUp(QAbstractScrollArea& view) {
+    view.setObjectName(QStringLiteral("floorView"));
+    view.setAccessibleName(CMirovaneView::tr("Floor plan"));
+    view.setFrameShape(QFrame::NoFrame);
+    view.setFocusPolicy(Qt::StrongFocus);
+    view.viewport()->setMouseTracking(true);
+    view.viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    view.horizontalScrollBar()->setSingleStep(lineStep);
+    view.verticalScrollBar()->setSingleStep(lineStep);
+}
+
+void blit(QPainter& painter, const QImage& frame, const QRegion& region, qreal ratio) {
+    if (ratio == 1.0) {
+        for (const QRect& part : region)
+            painter.drawImage(part, frame, part);
+        return;
+    }
+    painter.setClipRegion(region);
+    painter.drawImage(QRectF(QPointF(0, 0), QSizeF(frame.size()) / ratio), frame, QRectF(frame.rect()));
+}
+
+void paintHint(QPainter& painter, const QAbstractScrollArea& view) {
+    QFont title = view.font();
+    title.setPointSizeF(title.pointSizeF() * 1.5);
+    const int lift = QFontMetrics(title).height();
+    const QRect area = view.viewport()->rect().adjusted(20, 0, -20, -lift);
+    painter.setPen(QColor(90, 90, 90));
+    painter.setFont(title);
+    painter.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, CMirovaneView::tr("This floor is empty"));
+    painter.setFont(view.font());
+    painter.setPen(QColor(120, 120, 120));
+    painter.drawText(area.translated(0, 2 * lift), Qt::AlignCenter | Qt::TextWordWrap,
+                     CMirovaneView::tr("Choose a picture of it with Tools \u203a Floor Map..., or open a "
+                                       "datafile with Ctrl+O."));
+}
+
 } // namespace
 
-CMirovaneView::CMirovaneView(CStation& station, QWidget* parent)
+CMirovaneView::CMirovaneView(CStation& station, CMessageLog& log, QWidget* parent)
     : QAbstractScrollArea(parent),
       station_(station),
-      document_(station.document()),
-      photos_(PhotoStore::Reading::Later),
-      index_(document_),
-      frame_({document_, index_, icons_, map_.tiles(), photos_}),
-      painted_(document_.display()) {
-    setUpWidget();
-    icons_.loadWithFallback(QDir::currentPath());
-    state_.LabelFontHeight = startLabelFontHeight(document_.display());
-    connect(&map_, &FloorMap::changed, this, [this] {
-        extentStale_ = true;
-        redraw();
-    });
-    connect(&map_, &FloorMap::failed, this, [this](const QString& sentence, bool missing) {
+      log_(log),
+      drawing_(station.document(), station.datafile(), display()),
+      hover_(station.selection(), drawing_.index(), drawing_.icons().sizes(), display()),
+      rings_(station.liveStat()) {
+    setUp(*this);
+    state_.LabelFontHeight = startLabelFontHeight(display());
+    connect(&drawing_, &CFloorDrawing::outdated, this, &CMirovaneView::scheduleFlush);
+    connect(&drawing_, &CFloorDrawing::mapFailed, this, [this](const QString& sentence, bool missing) {
         if (!missing)
-            document_.log().LogMessage(sentence.toStdString(), true);
+            log_.LogMessage(sentence.toStdString(), true);
         Q_EMIT floorMapFailed(sentence, missing);
     });
-    connect(&photos_, &PhotoStore::arrived, this, &CMirovaneView::redraw);
     idle_.setSingleShot(true);
-    connect(&idle_, &QTimer::timeout, this, &CMirovaneView::prepareSlice);
-    watchStation();
-    document_.addObserver(*this);
+    connect(&idle_, &QTimer::timeout, this, [this] {
+        if (drawing_.prepare(prepareSliceTime))
+            idle_.start(0);
+    });
+    station_.addObserver(*this);
+    station_.document().addObserver(*this);
     documentReplaced();
 }
 
 CMirovaneView::~CMirovaneView() {
-    document_.removeObserver(*this);
+    station_.removeObserver(*this);
+    station_.document().removeObserver(*this);
 }
 
-void CMirovaneView::setUpWidget() {
-    setObjectName(QStringLiteral("floorView"));
-    setAccessibleName(tr("Floor plan"));
-    setFrameShape(QFrame::NoFrame);
-    setFocusPolicy(Qt::StrongFocus);
-    viewport()->setMouseTracking(true);
-    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
-    horizontalScrollBar()->setSingleStep(lineStep);
-    verticalScrollBar()->setSingleStep(lineStep);
-}
-
-/// The station may outlive the view by a while.
-void CMirovaneView::watchStation() {
-    const auto chain = [this](std::function<void()>& callback) {
-        callback = [self = QPointer<CMirovaneView>(this), before = callback] {
-            if (before)
-                before();
-            if (self)
-                self->refreshRings();
-        };
-    };
-    chain(station_.onRedraw);
-    chain(station_.onIndicators);
-    station_.onReminders = [self = QPointer<CMirovaneView>(this), before = station_.onReminders] {
-        if (before)
-            before();
-        if (self)
-            self->showReminders();
-    };
-    station_.onTrack = [self = QPointer<CMirovaneView>(this), before = station_.onTrack](std::int32_t recID) {
-        if (before)
-            before(recID);
-        const CHardware* device = self ? self->document_.findDevice(recID) : nullptr;
-        if (device)
-            self->showDevice(*device);
-    };
-}
-
-void CMirovaneView::showReminders() {
-    state_.labels.ReminderPhase = station_.reminders().ReminderPhase();
-    if (document_.display().ReminderDeviceShow)
-        redraw();
-}
+// ---- what the station tells
 
 void CMirovaneView::refreshRings() {
-    rings_.clear();
-    redraw();
+    rings_.refresh();
+    drawing_.invalidateAll();
 }
 
-bool CMirovaneView::showsRing(std::int32_t recID) {
-    const auto [entry, added] = rings_.try_emplace(recID, false);
-    if (added)
-        entry->second = station_.liveStat().holdsDevice(recID);
-    return entry->second;
+void CMirovaneView::remindersChanged() {
+    state_.ReminderPhase = station_.reminders().ReminderPhase();
+    if (display().ReminderDeviceShow)
+        drawing_.invalidateAll();
 }
 
-// ---- what changed
-
-void CMirovaneView::recordAdded(const CHardware& record) {
-    extentStale_ = true;
-    frame_.invalidate(record);
-    scheduleFlush();
+void CMirovaneView::deviceTracked(std::int32_t recID) {
+    if (const CHardware* device = station_.document().findDevice(recID))
+        showDevice(*device);
 }
 
-void CMirovaneView::recordChanged(const CHardware& before, const CHardware& after) {
-    if (before.Type == SpecialType::FloorMapRecord || after.Type == SpecialType::FloorMapRecord)
-        loadMap(true);
-    if (before.Position != after.Position || before.Type != after.Type)
-        extentStale_ = true;
-    if (before.onFloor() || after.onFloor())
-        frame_.invalidate(after);
-    scheduleFlush();
-}
-
-void CMirovaneView::flagsChanged(const CHardware& record) {
-    if (!record.onFloor())
-        return;
-    frame_.invalidate(record);
-    scheduleFlush();
-}
-
-void CMirovaneView::recordRemoved(const CHardware& record) {
-    extentStale_ = true;
-    frame_.forget(record);
-    scheduleFlush();
-}
-
-void CMirovaneView::orderChanged() {
-    redraw();
-}
+// ---- what the document tells; the drawing follows the rest
 
 void CMirovaneView::recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
-    for (std::int32_t* marker : {&state_.SelectedMarker, &state_.MarkingMarker}) {
-        if (*marker == oldRecID)
-            *marker = newRecID;
-    }
+    gesture_.renumber(oldRecID, newRecID);
+    if (state_.SelectedMarker == oldRecID)
+        state_.SelectedMarker = newRecID;
 }
 
 /// A reload by another station's save keeps the place where the user looks; another datafile starts at the
 /// corner.
 void CMirovaneView::documentReplaced() {
-    frame_.forgetAll();
-    rings_.clear();
-    photos_.clear();
-    extentStale_ = true;
-    state_.FindNothingFound = true;
-    const QString datafile = QString::fromStdString(displayText(document_.path()));
+    rings_.refresh();
+    state_.find = {};
+    const QString datafile = QString::fromStdString(displayText(station_.datafile().path()));
     if (datafile != datafile_ || datafile.isEmpty()) {
-        state_.SelectedMarker = state_.MarkingMarker = 0;
-        state_.BoxActive = false;
+        state_.SelectedMarker = 0;
+        gesture_.reset();
         horizontalScrollBar()->setValue(0);
         verticalScrollBar()->setValue(0);
     }
     datafile_ = datafile;
-    loadMap(!document_.loading());
     scheduleFlush();
-}
-
-void CMirovaneView::loadMap(bool again) {
-    map_.load(QString::fromStdString(displayText(document_.floorMapPath())), datafile_, again);
-}
-
-void CMirovaneView::reloadFloorMap() {
-    loadMap(true);
-}
-
-void CMirovaneView::redraw() {
-    frame_.invalidateAll();
-    scheduleFlush();
-}
-
-void CMirovaneView::setLabelFontHeight(std::int32_t pixels) {
-    state_.LabelFontHeight = std::clamp(pixels, smallestLabelFont, largestLabelFont);
-    redraw();
 }
 
 void CMirovaneView::setSelectedMarker(std::int32_t recID) {
@@ -197,11 +143,9 @@ void CMirovaneView::setSelectedMarker(std::int32_t recID) {
         return;
     const std::int32_t before = state_.SelectedMarker;
     state_.SelectedMarker = recID;
-    for (const std::int32_t marker : {before, recID}) {
-        if (const CHardware* device = document_.findDevice(marker))
-            frame_.invalidate(*device);
-    }
-    scheduleFlush();
+    for (const std::int32_t marker : {before, recID})
+        if (const CHardware* device = station_.document().findDevice(marker))
+            drawing_.invalidate(*device);
     Q_EMIT selectedMarkerChanged(recID);
 }
 
@@ -217,110 +161,51 @@ void CMirovaneView::scheduleFlush() {
 /// Draws what became stale off screen and has just that part copied to the screen.
 void CMirovaneView::flush() {
     flushPending_ = false;
-    syncSettings();
-    if (extentStale_)
-        updateScrollRange();
+    UpdateScrollExtent();
     if (!isVisible())
         return;
-    syncState();
-    QRect redrawn;
-    frame_.image(&redrawn);
-    viewport()->update(nothingOnFloor() ? viewport()->rect() : redrawn);
+    const QRect redrawn = redraw();
+    viewport()->update(drawing_.empty() ? viewport()->rect() : redrawn);
 }
 
-void CMirovaneView::syncSettings() {
-    const DisplaySettings& display = document_.display();
-    if (display == painted_)
-        return;
-    extentStale_ = extentStale_ || display.ZoomPercent != painted_.ZoomPercent;
-    painted_ = display;
-    frame_.invalidateAll();
-}
-
-void CMirovaneView::syncState() {
-    state_.scroll = QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value());
+QRect CMirovaneView::redraw() {
+    state_.scroll = scaledPoint({0, 0});
     state_.client = viewport()->size();
-    const CLiveStatScheduler& liveStat = station_.liveStat();
-    if (liveStat.enabled() || liveStat.nowActive())
-        state_.liveStatHolds = [this](std::int32_t recID) {
-            return showsRing(recID);
-        };
-    else
-        state_.liveStatHolds = nullptr;
-    frame_.setView(state_, devicePixelRatioF());
+    state_.gesture = gesture_.shown();
+    state_.liveStatHolds = rings_.holds();
+    return drawing_.draw(state_, devicePixelRatioF());
 }
 
 void CMirovaneView::paintEvent(QPaintEvent* event) {
-    syncSettings();
-    if (extentStale_)
+    if (drawing_.extentStale())
         scheduleFlush();
-    syncState();
-    QRect redrawn;
-    frame_.image(&redrawn);
+    const QRect redrawn = redraw();
     QPainter painter(viewport());
-    blit(painter, event->region());
-    if (nothingOnFloor())
-        paintHint(painter);
+    blit(painter, drawing_.image(), event->region(), devicePixelRatioF());
+    if (drawing_.empty())
+        paintHint(painter, *this);
     if (!redrawn.isEmpty() && !event->rect().contains(redrawn & viewport()->rect()))
         viewport()->update(redrawn);
     if (!idle_.isActive())
         idle_.start(0);
 }
 
-void CMirovaneView::blit(QPainter& painter, const QRegion& region) {
-    const QImage& frame = frame_.image();
-    const qreal ratio = devicePixelRatioF();
-    if (ratio == 1.0) {
-        for (const QRect& part : region)
-            painter.drawImage(part, frame, part);
-        return;
-    }
-    painter.setClipRegion(region);
-    painter.drawImage(QRectF(QPointF(0, 0), QSizeF(frame.size()) / ratio), frame, QRectF(frame.rect()));
-}
-
-void CMirovaneView::prepareSlice() {
-    if (frame_.prepare(prepareSliceTime))
-        idle_.start(0);
-}
-
 bool CMirovaneView::settled() const {
-    return !flushPending_ && !idle_.isActive() && !frame_.stale() && !map_.loading();
-}
-
-bool CMirovaneView::nothingOnFloor() const {
-    return index_.size() == 0 && document_.floorMapPath().empty();
-}
-
-void CMirovaneView::paintHint(QPainter& painter) {
-    QFont title = font();
-    title.setPointSizeF(title.pointSizeF() * 1.5);
-    const int lift = QFontMetrics(title).height();
-    const QRect area = viewport()->rect().adjusted(20, 0, -20, -lift);
-    painter.setPen(QColor(90, 90, 90));
-    painter.setFont(title);
-    painter.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, tr("This floor is empty"));
-    painter.setFont(font());
-    painter.setPen(QColor(120, 120, 120));
-    painter.drawText(
-        area.translated(0, 2 * lift), Qt::AlignCenter | Qt::TextWordWrap,
-        tr("Choose a picture of it with Tools \u203a Floor Map..., or open a datafile with Ctrl+O."));
+    return !flushPending_ && !idle_.isActive() && drawing_.settled();
 }
 
 // ---- scrolling
 
-void CMirovaneView::UpdateScrollExtent() {
-    updateScrollRange();
-    redraw();
+QPoint CMirovaneView::scaledPoint(QPoint windowPoint) const {
+    return windowPoint + QPoint(horizontalScrollBar()->value(), verticalScrollBar()->value());
 }
 
-void CMirovaneView::updateScrollRange() {
-    extentStale_ = false;
-    extent_ =
-        scrollExtent(document_, map_.size(), icons_.sizes(), floorZoom(document_.display()).ZoomPercent);
+/// Costs next to nothing while neither the extent nor the window changed.
+void CMirovaneView::UpdateScrollExtent() {
+    const QSize extent = drawing_.extent();
     const QSize page = viewport()->size();
-    horizontalScrollBar()->setRange(0, std::max(0, extent_.width() - page.width()));
-    verticalScrollBar()->setRange(0, std::max(0, extent_.height() - page.height()));
+    horizontalScrollBar()->setRange(0, std::max(0, extent.width() - page.width()));
+    verticalScrollBar()->setRange(0, std::max(0, extent.height() - page.height()));
     horizontalScrollBar()->setPageStep(page.width());
     verticalScrollBar()->setPageStep(page.height());
 }
@@ -328,20 +213,17 @@ void CMirovaneView::updateScrollRange() {
 void CMirovaneView::showDevice(const CHardware& device) {
     if (!device.onFloor())
         return;
-    if (extentStale_) // it takes a walk over the list, and Live Stat's tracking comes every few milliseconds
-        updateScrollRange();
-    const QPoint scroll(horizontalScrollBar()->value(), verticalScrollBar()->value());
-    const QPoint at = toScaled(device.Position, floorZoom(document_.display()).ZoomPercent);
-    if (const auto wanted = scrollToShow(at, scroll, viewport()->size())) {
+    UpdateScrollExtent();
+    const QPoint at = toScaled(device.Position, floorZoom(display()).ZoomPercent);
+    if (const auto wanted = scrollToShow(at, scaledPoint({0, 0}), viewport()->size())) {
         horizontalScrollBar()->setValue(wanted->x());
         verticalScrollBar()->setValue(wanted->y());
     }
-    showOnly(document_, index_, &device);
+    hover_.showOnly(&device);
 }
 
 void CMirovaneView::resizeEvent(QResizeEvent* event) {
     QAbstractScrollArea::resizeEvent(event);
-    extentStale_ = true;
     scheduleFlush();
 }
 
@@ -377,6 +259,129 @@ void CMirovaneView::keyPressEvent(QKeyEvent* event) {
         go(true);
     else
         QAbstractScrollArea::keyPressEvent(event);
+}
+
+// ---- the pointer
+
+FloorPointer CMirovaneView::pointerAt(const QMouseEvent& event) const {
+    FloorPointer pointer;
+    pointer.at = scaledPoint(event.position().toPoint());
+    pointer.ZoomPercent = floorZoom(display()).ZoomPercent;
+    pointer.ctrl = event.modifiers().testFlag(Qt::ControlModifier);
+    pointer.Busy = station_.busy();
+    if (event.type() != QEvent::MouseMove)
+        pointer.hits = hover_.hitsAt(pointer.at);
+    return pointer;
+}
+
+void CMirovaneView::hover(QPoint windowPoint, bool synthetic) {
+    const Hover found = hover_.at(scaledPoint(windowPoint), synthetic);
+    hover_.showOnly(found.shown);
+    if (!found.selectedSeen)
+        setSelectedMarker(found.SelectedMarker);
+}
+
+void CMirovaneView::mouseMoveEvent(QMouseEvent* event) {
+    pointer_.reset();
+    if (event->buttons() != Qt::NoButton) {
+        drag(*event);
+        return;
+    }
+    if (gesture_.buttonDown()) { // it went up where this window was not told
+        carryOut(gesture_.release(pointerAt(*event)));
+        redrawSelected();
+    }
+    carryOut(gesture_.move(pointerAt(*event)));
+    pointer_ = event->position().toPoint();
+    if (gesture_.shown().MarkingMarker == 0)
+        hover(*pointer_, false);
+}
+
+/// A box that is drawn beyond the window takes the floor along.
+void CMirovaneView::drag(const QMouseEvent& event) {
+    if (!gesture_.buttonDown())
+        return;
+    const FloorIntents intents = gesture_.move(pointerAt(event));
+    carryOut(intents);
+    if (!gesture_.shown().box)
+        return;
+    const QPoint step = autoScroll(event.position().toPoint(), viewport()->size());
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + step.x());
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + step.y());
+}
+
+/// The pointer has left: nothing is under it any more.
+bool CMirovaneView::viewportEvent(QEvent* event) {
+    if (event->type() == QEvent::Leave) {
+        pointer_.reset();
+        hover_.showOnly(nullptr);
+    }
+    return QAbstractScrollArea::viewportEvent(event);
+}
+
+/// Also the first half of a double-click. A user who clicks wants the floor to stay where it is, so tracking
+/// ends.
+void CMirovaneView::mousePressEvent(QMouseEvent* event) {
+    station_.endTracking();
+    if (event->button() != Qt::LeftButton) {
+        QAbstractScrollArea::mousePressEvent(event);
+        return;
+    }
+    if (state_.find.clicked())
+        drawing_.invalidateAll();
+    const FloorPointer pointer = pointerAt(*event);
+    carryOut(gesture_.press(pointer));
+    redrawSelected();
+    if (pointer.Busy || !gesture_.buttonDown())
+        return;
+    hover_.showOnly(nullptr);
+    if (pointer.hits.empty())
+        return;
+    hover(event->position().toPoint(), true);
+    const CHardware& topmost = *pointer.hits.front();
+    if (!pointer.ctrl && topmost.Type == DeviceType::LocationMarker)
+        setSelectedMarker(topmost.RecID);
+    if (station_.liveStatSettings().LSAutoPerform)
+        station_.liveStatNow();
+}
+
+void CMirovaneView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) {
+        QAbstractScrollArea::mouseReleaseEvent(event);
+        return;
+    }
+    carryOut(gesture_.release(pointerAt(*event)));
+    redrawSelected();
+}
+
+/// Their labels come and go with the button.
+void CMirovaneView::redrawSelected() {
+    for (const CHardware* device : station_.selection().members(CSelection::Scope::Floor))
+        drawing_.invalidate(*device);
+}
+
+void CMirovaneView::carryOut(const FloorIntents& intents) {
+    CSelection& selection = station_.selection();
+    const auto carryOutOne = Overloaded{
+        [&selection](const FloorIntent::SelectOnly& intent) {
+            if (intent.device)
+                selection.only(*intent.device);
+            else
+                selection.none(CSelection::Scope::Floor);
+        },
+        [&selection](const FloorIntent::AddToSelection& intent) {
+            for (const CHardware* device : intent.devices)
+                selection.add(*device);
+        },
+        [&selection](const FloorIntent::Deselect& intent) { selection.remove(*intent.device); },
+        [this](const FloorIntent::ForgetSelectedMarker&) { setSelectedMarker(0); },
+        [this](const FloorIntent::Repaint&) { drawing_.invalidateAll(); },
+        [](const auto&) {
+            // The mouse does not edit devices yet: neither their place, nor their order, nor an area.
+        },
+    };
+    for (const AnyFloorIntent& intent : intents)
+        std::visit(carryOutOne, intent);
 }
 
 } // namespace mirovane

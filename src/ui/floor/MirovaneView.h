@@ -1,51 +1,36 @@
 #pragma once
 
 #include "station/Station.h"
-#include "ui/floor/FloorFrame.h"
-#include "ui/floor/FloorIndex.h"
-#include "ui/floor/FloorMap.h"
-#include "ui/floor/IconSet.h"
-#include "ui/floor/PhotoStore.h"
+#include "ui/floor/FloorDrawing.h"
+#include "ui/floor/FloorGesture.h"
+#include "ui/floor/FloorHover.h"
+#include "ui/floor/LiveStatRings.h"
 
 #include <QAbstractScrollArea>
 #include <QTimer>
 
 #include <cstdint>
-#include <functional>
 #include <optional>
-#include <unordered_map>
 
 namespace mirovane {
 
-/// The floor: map and devices in a scrolling view. Watches the station's document and repaints by itself
-/// whatever a change touches, once per turn of the event loop; `station.onRedraw` is taken over (what was
-/// there is still called). Toggles of the document's display settings are noticed at the next repaint, so
-/// `viewport()->update()` is all that a command owes after it changed one. The station outlives the view.
-/// Main thread.
-class CMirovaneView : public QAbstractScrollArea, private DocumentObserver {
+/// The floor: map and devices in a scrolling view. Turns events into gestures and hover, carries out what
+/// they ask for, and shows the drawing. It repaints by itself whatever a change touches, once per turn of the
+/// event loop. A toggle of the display settings is noticed at the next repaint, so `viewport()->update()` is
+/// all that a command owes after it changed one. The station outlives the view. Main thread.
+class CMirovaneView : public QAbstractScrollArea, private DocumentObserver, private StationObserver {
     Q_OBJECT
 
 public:
-    /// Loads the icons: the project's own set and, over it, those of the current directory.
-    explicit CMirovaneView(CStation& station, QWidget* parent = nullptr);
+    /// Both outlive the view.
+    CMirovaneView(CStation& station, CMessageLog& log, QWidget* parent = nullptr);
     ~CMirovaneView() override;
 
-    IconSet& icons() { return icons_; }
-    const FloorIndex& index() const { return index_; }
+    CFloorDrawing& drawing() { return drawing_; }
     const FloorViewState& state() const { return state_; }
-
-    std::int32_t LabelFontHeight() const { return state_.LabelFontHeight; }
-    void setLabelFontHeight(std::int32_t pixels);
 
     std::int32_t SelectedMarker() const { return state_.SelectedMarker; }
     void setSelectedMarker(std::int32_t recID);
-
-    /// MapExtentWidth and MapExtentHeight.
-    QSize mapExtent() const { return extent_; }
-
-    /// Recomputes the extent, sets the scroll range to it and repaints. Happens by itself after every change
-    /// of map, zoom and positions.
-    void UpdateScrollExtent();
 
     /// Scaled coordinates of a point of the viewport.
     QPoint scaledPoint(QPoint windowPoint) const;
@@ -57,22 +42,19 @@ public:
     bool settled() const;
 
 public Q_SLOTS:
-    /// Something that the document does not tell about changed: icons, the state of labels.
-    void redraw();
-
     /// Other devices may be held by Live Stat's job slots now. Between two calls the rings stay where they
     /// are, however often parts of the floor are drawn.
     void refreshRings();
 
     /// Reads the floor map again if its file changed.
-    void reloadFloorMap();
+    void reloadFloorMap() { drawing_.reloadMap(); }
 
 Q_SIGNALS:
     /// The map of the datafile cannot be shown. `missing`: no such file; the sentence is for a message with a
     /// stop icon. Other problems are in the message log already.
     void floorMapFailed(const QString& sentence, bool missing);
 
-    /// The Location Marker under the pointer is another one, or none (0).
+    /// Another Location Marker is under the pointer, or none (0).
     void selectedMarkerChanged(std::int32_t recID);
 
 protected:
@@ -88,46 +70,35 @@ protected:
 
 private:
     // DocumentObserver
-    void recordAdded(const CHardware& record) override;
-    void recordChanged(const CHardware& before, const CHardware& after) override;
-    void flagsChanged(const CHardware& record) override;
-    void recordRemoved(const CHardware& record) override;
-    void orderChanged() override;
     void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;
     void documentReplaced() override;
 
-    void setUpWidget();
-    void watchStation();
-    void showReminders();
-    bool showsRing(std::int32_t recID);
+    // StationObserver
+    void redrawNeeded() override { refreshRings(); }
+    void indicatorsChanged() override { refreshRings(); }
+    void remindersChanged() override;
+    void deviceTracked(std::int32_t recID) override;
+
+    const DisplaySettings& display() const { return station_.display(); }
     void scheduleFlush();
     void flush();
-    void syncState();
-    void syncSettings();
-    void updateScrollRange();
-    void blit(QPainter& painter, const QRegion& region);
-    void paintHint(QPainter& painter);
-    bool nothingOnFloor() const;
-    void prepareSlice();
+    QRect redraw();
+    void UpdateScrollExtent();
+    FloorPointer pointerAt(const QMouseEvent& event) const;
     void hover(QPoint windowPoint, bool synthetic);
-    void clearHover();
-    void select(QPoint windowPoint, bool additive);
-    void loadMap(bool again);
+    void drag(const QMouseEvent& event);
+    void carryOut(const FloorIntents& intents);
+    void redrawSelected();
 
     CStation& station_;
-    CMirovaneDoc& document_;
-    IconSet icons_;
-    FloorMap map_;
-    PhotoStore photos_;
-    FloorIndex index_;
-    FloorFrame frame_;
+    CMessageLog& log_;
+    CFloorDrawing drawing_;
+    CFloorHover hover_;
+    CFloorGesture gesture_;
+    CLiveStatRings rings_;
     FloorViewState state_;
-    DisplaySettings painted_; ///< display settings of the last frame
-    QSize extent_;
     QString datafile_;
-    std::optional<QPoint> pointer_;                ///< where it rests over the floor, in window coordinates
-    std::unordered_map<std::int32_t, bool> rings_; ///< as looked up since the last refresh
-    bool extentStale_ = true;
+    std::optional<QPoint> pointer_; ///< where it rests over the floor, in window coordinates
     bool flushPending_ = false;
     QTimer idle_;
 };

@@ -1,7 +1,7 @@
 #include "ui/frame/Desktop.h"
 
-#include "platform/Host.h"
 #include "platform/qt/ConfigFolder.h"
+#include "probes/registry/ThisStation.h"
 #include "ui/floor/MirovaneView.h"
 
 #include <QDateTime>
@@ -42,8 +42,9 @@ CDesktop::CDesktop(const Options& options)
     station_ = std::make_unique<CStation>(StationServices{files_, clock_, timers_, settings_, log_, dialogs_,
                                                           probes_.all(), thisStation(), true, nullptr,
                                                           nullptr, &sweepProbes_});
-    frame_ =
-        std::make_unique<CMainFrame>(*station_, dialogs_, recent_, launcher_, new CMirovaneView(*station_));
+    frame_ = std::make_unique<CMainFrame>(
+        CMainFrame::Services{*station_, dialogs_, recent_, launcher_, settings_, log_, clock_},
+        new CMirovaneView(*station_, log_));
     dialogs_.setParent(frame_.get());
 }
 

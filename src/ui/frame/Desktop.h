@@ -1,17 +1,17 @@
 #pragma once
 
-#include "livestat/SystemStepProbes.h"
 #include "model/MessageLog.h"
 #include "model/Settings.h"
 #include "platform/Clock.h"
-#include "platform/PosixFiles.h"
-#include "platform/ProcessLaunch.h"
+#include "platform/files/PosixFiles.h"
+#include "platform/process/ProgramLauncher.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
+#include "probes/SystemStepProbes.h"
 #include "probes/SystemSweepProbes.h"
 #include "ui/frame/MainFrame.h"
-#include "ui/frame/RecentFiles.h"
 #include "ui/frame/WidgetDialogs.h"
+#include "ui/frame/commands/RecentFiles.h"
 
 #include <QString>
 
@@ -50,20 +50,20 @@ public:
 private:
     void pauseStation(bool pause);
 
-    SystemClock clock_;
-    PosixFiles files_;
-    QtTimerFactory timers_;
-    IniSettingsStore store_;
+    CSystemClock clock_;
+    CPosixFiles files_;
+    CQtTimerFactory timers_;
+    CIniSettingsStore store_;
     CRecentFiles recent_;
     CSettings settings_;
     CMessageLog log_;
-    WidgetDialogs dialogs_;
-    SystemStepProbes probes_;
-    PosixLauncher launcher_;
-    SystemSweepProbes sweepProbes_{probes_.hosts()};
+    CWidgetDialogs dialogs_;
+    CSystemStepProbes probes_;
+    CPosixLauncher launcher_;
+    CSystemSweepProbes sweepProbes_{probes_.hosts()};
     std::unique_ptr<CStation> station_;
     std::unique_ptr<CMainFrame> frame_;
-    std::optional<CStation::Pause> pause_;
+    std::optional<CStation::CPause> pause_;
 };
 
 } // namespace mirovane

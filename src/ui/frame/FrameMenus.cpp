@@ -1,6 +1,6 @@
 #include "ui/frame/FrameMenus.h"
 
-#include "model/Text.h"
+#include "model/records/Text.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -23,10 +23,9 @@ QString recentFileText(int number, const std::string& path) {
 
 CFrameMenus::CFrameMenus(QMenuBar& bar, Parts parts) : QObject(&bar), bar_(bar), parts_(std::move(parts)) {
     for (const std::string_view top : menuBarOrder()) {
-        for (const CommandDefinition& command : commandTable()) {
+        for (const CommandDefinition& command : commandTable())
             if (command.menu.substr(0, command.menu.find('/')) == top)
                 addCommand(command);
-        }
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ui/frame/CommandActions.h"
-#include "ui/frame/RecentFiles.h"
+#include "ui/frame/commands/CommandActions.h"
+#include "ui/frame/commands/RecentFiles.h"
 
 #include <QAction>
 #include <QMenu>

@@ -27,7 +27,7 @@ constexpr QSize buttonSize(16, 15);
 } // namespace
 
 QToolBar* makeToolBar(QMainWindow& window, const CCommandActions& actions) {
-    auto* toolbar = new QToolBar(QStringLiteral("Toolbar"), &window);
+    auto* toolbar = new QToolBar(QObject::tr("Toolbar"), &window);
     toolbar->setObjectName(QStringLiteral("toolbar"));
     toolbar->setIconSize(buttonSize);
     toolbar->setAllowedAreas(Qt::AllToolBarAreas);

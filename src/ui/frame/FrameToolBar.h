@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/frame/CommandActions.h"
+#include "ui/frame/commands/CommandActions.h"
 
 class QMainWindow;
 class QToolBar;

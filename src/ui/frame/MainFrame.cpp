@@ -1,16 +1,16 @@
 #include "ui/frame/MainFrame.h"
 
-#include "model/Text.h"
-#include "ui/dialogs/DiscoverNowWindow.h"
-#include "ui/dialogs/ListViewWindow.h"
-#include "ui/dialogs/WindowPlacement.h"
+#include "model/records/Text.h"
+#include "ui/discover/DiscoverNowWindow.h"
 #include "ui/floor/MirovaneView.h"
-#include "ui/frame/ApplicationsMenu.h"
 #include "ui/frame/FrameMenus.h"
 #include "ui/frame/FrameToolBar.h"
-#include "ui/frame/IdleNotifier.h"
 #include "ui/frame/MessageLogWindow.h"
 #include "ui/frame/ToolIcons.h"
+#include "ui/frame/commands/ApplicationsMenu.h"
+#include "ui/list/ListViewWindow.h"
+#include "ui/widgets/IdleNotifier.h"
+#include "ui/widgets/WindowPlacement.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -27,35 +27,29 @@ namespace {
 constexpr QSize defaultSize(1280, 860);
 constexpr QSize smallestSize(420, 300);
 
-bool anySelected(const CMirovaneDoc& document) {
-    for (std::size_t i = 0; i < document.size(); ++i) {
-        if (document.at(i).isDevice() && document.at(i).Selected != 0)
-            return true;
-    }
-    return false;
-}
-
 } // namespace
 
-CMainFrame::CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& recent,
-                       ProgramLauncher& launcher, CMirovaneView* floor)
-    : station_(station),
-      dialogs_(dialogs),
-      recent_(recent),
+CMainFrame::CMainFrame(const Services& services, CMirovaneView* floor)
+    : station_(services.station),
+      dialogs_(services.dialogs),
+      recent_(services.recent),
+      settings_(services.settings),
+      log_(services.log),
       floor_(floor),
       actions_(new CCommandActions(*this)),
       toolbar_(makeToolBar(*this, *actions_)),
       panes_(*statusBar()),
-      messageLog_(std::make_unique<CMessageLogWindow>(station.log(), station.settings())),
-      files_(station, dialogs, recent, [this] { refresh(); }),
-      exportCommand_(station, dialogs),
-      viewCommands_(station.document(),
+      messageLog_(std::make_unique<CMessageLogWindow>(log_, settings_)),
+      files_(station_, dialogs_, recent_, [this] { refresh(); }),
+      exportCommand_(station_, settings_, dialogs_),
+      viewCommands_(station_.display(), settings_,
                     {*toolbar_, *statusBar(), [this] { messageLog_->present(); }, [this] { showListView(); },
                      [this] {
                          floor_->viewport()->update();
                      }}),
-      toolsCommands_(station, dialogs, {[this] { floor_->reloadFloorMap(); }, this}),
-      applicationCommands_({station, dialogs, launcher, *this}) {
+      toolsCommands_(station_, dialogs_,
+                     {[this] { floor_->reloadFloorMap(); }, this, settings_, services.clock}),
+      applicationCommands_({station_, dialogs_, settings_, log_, services.launcher, *this}) {
     setObjectName(QStringLiteral("mainFrame"));
     setWindowIcon(programIcon());
     messageLog_->setWindowIcon(windowIcon());
@@ -68,7 +62,10 @@ CMainFrame::CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& r
     floor_->setFocus();
 }
 
-CMainFrame::~CMainFrame() = default;
+CMainFrame::~CMainFrame() {
+    station_.removeObserver(*this);
+    log_.removeListener(*this);
+}
 
 void CMainFrame::refresh() {
     showTitle();
@@ -82,9 +79,9 @@ void CMainFrame::saveForSession(const std::string& rescuePath) {
     const CMirovaneDoc& document = station_.document();
     if (!document.modified())
         return;
-    if (!document.path().empty())
+    if (!station_.datafile().path().empty())
         station_.saveDatafile();
-    else if (!station_.saveDatafileAs(rescuePath))
+    else if (station_.saveDatafileAs(rescuePath).saved())
         recent_.add(rescuePath);
 }
 
@@ -127,7 +124,7 @@ void CMainFrame::connectCommands() {
 /// Made when it is first asked for: a program that never shows the list does not pay for it at its start.
 void CMainFrame::showListView() {
     if (!listView_) {
-        listView_ = std::make_unique<CListViewWindow>(station_);
+        listView_ = std::make_unique<CListViewWindow>(station_, settings_);
         listView_->setWindowIcon(windowIcon());
         connect(listView_.get(), &CListViewWindow::showOnFloor, this, &CMainFrame::showOnFloor);
     }
@@ -147,7 +144,7 @@ void CMainFrame::showOnFloor(std::int32_t recID) {
 
 void CMainFrame::showDiscoverNow() {
     if (!discoverNow_) {
-        discoverNow_ = new CDiscoverNowWindow(station_, dialogs_, this);
+        discoverNow_ = new CDiscoverNowWindow(station_, settings_, dialogs_, this);
         connect(discoverNow_, &CDiscoverNowWindow::rangesWanted, this,
                 [this] { toolsCommands_.openLiveStatOptions(discoverNow_); });
     }
@@ -173,43 +170,44 @@ void CMainFrame::makeMenus() {
 }
 
 void CMainFrame::menuOpens() {
-    hasSelection_ = anySelected(station_.document());
+    hasSelection_ = !station_.selection().empty();
     actions_->refresh(commandState());
 }
 
 void CMainFrame::connectStation() {
-    station_.log().addListener(
-        [frame = QPointer<CMainFrame>(this)](const std::string& line, bool toStatusBar) {
-            if (frame && toStatusBar)
-                frame->panes_.SetStatusText(QString::fromStdString(displayText(line)));
-        });
-    station_.onReminders = [frame = QPointer<CMainFrame>(this), before = station_.onReminders] {
-        if (before)
-            before();
-        if (frame && frame->showsReminder())
-            QApplication::alert(frame);
-    };
+    log_.addListener(*this);
+    station_.addObserver(*this);
     connect(floor_, &CMirovaneView::floorMapFailed, this, [this](const QString& sentence, bool missing) {
         if (missing)
             dialogs_.fail(sentence.toStdString());
     });
-    if (KeyboardLights::displayIsLocal(qEnvironmentVariable("DISPLAY")))
+    if (CKeyboardLights::displayIsLocal(qEnvironmentVariable("DISPLAY")))
         keyboard_.emplace();
-    connect(new IdleNotifier(this), &IdleNotifier::idle, this, &CMainFrame::refresh);
+    connect(new CIdleNotifier(this), &CIdleNotifier::idle, this, &CMainFrame::refresh);
+}
+
+void CMainFrame::remindersChanged() {
+    if (showsReminder())
+        QApplication::alert(this);
+}
+
+void CMainFrame::lineLogged(const LogLine& line) {
+    if (line.toStatusBar)
+        panes_.SetStatusText(QString::fromStdString(displayText(line.shown())));
 }
 
 void CMainFrame::placeWindow() {
     setMinimumSize(smallestSize);
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     resize(defaultSize.boundedTo(screen.size() * 9 / 10));
-    applyPlacement(*this, readPlacement(station_.settings(), mainFramePlacement));
-    new PlacementKeeper(*this, station_.settings(), mainFramePlacement);
+    applyPlacement(*this, readPlacement(settings_, mainFramePlacement));
+    new CPlacementKeeper(*this, settings_, mainFramePlacement);
 }
 
 void CMainFrame::showTitle() {
     const QString title = showsReminder()
-                              ? QStringLiteral("Reminder Due:%1").arg(station_.reminders().DueCount())
-                              : QString::fromStdString(mirovane::windowTitle(station_.document().path()));
+                              ? tr("Reminder Due:%1").arg(station_.reminders().DueCount())
+                              : QString::fromStdString(mirovane::windowTitle(station_.datafile().path()));
     // Doubled, or a file named so would lose it: alone it is where a window title marks changes.
     const QString literal = QString(title).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
     if (literal != QMainWindow::windowTitle())
@@ -217,9 +215,8 @@ void CMainFrame::showTitle() {
 }
 
 bool CMainFrame::showsReminder() const {
-    const CReminderCheck& reminders = station_.reminders();
-    return reminders.DueCount() > 0 && reminders.ReminderPhase() &&
-           station_.document().display().ReminderTitlebarShow;
+    const CReminders& reminders = station_.reminders();
+    return reminders.DueCount() > 0 && reminders.ReminderPhase() && station_.display().ReminderTitlebarShow;
 }
 
 CommandState CMainFrame::commandState() {
@@ -232,9 +229,9 @@ IndicatorState CMainFrame::indicatorState() const {
     IndicatorState state;
     state.remindersDue = station_.reminders().DueCount();
     state.liveDiscoverEnabled = station_.liveDiscover().enabled();
-    state.discovered = station_.document().discovered();
+    state.discovered = station_.discovered();
     state.liveStatText = QString::fromStdString(station_.liveStat().statusText());
-    state.anyTypeHidden = station_.document().display().VisibleTypes != -1;
+    state.anyTypeHidden = station_.display().VisibleTypes != -1;
     if (keyboard_)
         state.keyboardText = keyboardText(keyboard_->read());
     return state;

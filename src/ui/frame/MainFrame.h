@@ -1,15 +1,15 @@
 #pragma once
 
-#include "ui/frame/ApplicationCommands.h"
-#include "ui/frame/CommandActions.h"
-#include "ui/frame/ExportCommand.h"
-#include "ui/frame/FileCommands.h"
-#include "ui/frame/FrameDialogs.h"
-#include "ui/frame/KeyboardLocks.h"
-#include "ui/frame/RecentFiles.h"
 #include "ui/frame/StatusPanes.h"
-#include "ui/frame/ToolsCommands.h"
-#include "ui/frame/ViewCommands.h"
+#include "ui/frame/commands/ApplicationCommands.h"
+#include "ui/frame/commands/CommandActions.h"
+#include "ui/frame/commands/ExportCommand.h"
+#include "ui/frame/commands/FileCommands.h"
+#include "ui/frame/commands/FrameDialogs.h"
+#include "ui/frame/commands/RecentFiles.h"
+#include "ui/frame/commands/ToolsCommands.h"
+#include "ui/frame/commands/ViewCommands.h"
+#include "ui/widgets/KeyboardLocks.h"
 
 #include <QMainWindow>
 
@@ -27,14 +27,23 @@ class CMirovaneView;
 /// The one top-level window: menus, toolbar, the floor and the status bar; beside it the message log and
 /// the list of devices.
 /// Knows how its parts are put together, and nothing of what they do. Main thread only.
-class CMainFrame : public QMainWindow {
+class CMainFrame : public QMainWindow, private StationObserver, private LogListener {
     Q_OBJECT
 
 public:
-    /// The references outlive the frame. `floor` is the view on the station's document and becomes the
-    /// frame's own.
-    CMainFrame(CStation& station, FrameDialogs& dialogs, CRecentFiles& recent, ProgramLauncher& launcher,
-               CMirovaneView* floor);
+    /// What the frame and its windows work with; all of it outlives the frame.
+    struct Services {
+        CStation& station;
+        FrameDialogs& dialogs;
+        CRecentFiles& recent;
+        ProgramLauncher& launcher;
+        CSettings& settings;
+        CMessageLog& log;
+        const Clock& clock;
+    };
+
+    /// `floor` is the view on the station's document and becomes the frame's own.
+    CMainFrame(const Services& services, CMirovaneView* floor);
     ~CMainFrame() override;
 
     CFileCommands& files() { return files_; }
@@ -73,9 +82,15 @@ private:
     CommandState commandState();
     IndicatorState indicatorState() const;
 
+    // StationObserver, LogListener
+    void remindersChanged() override;
+    void lineLogged(const LogLine& line) override;
+
     CStation& station_;
     FrameDialogs& dialogs_;
     CRecentFiles& recent_;
+    CSettings& settings_;
+    CMessageLog& log_;
     CMirovaneView* floor_;
     CCommandActions* actions_;
     QToolBar* toolbar_;
@@ -89,7 +104,7 @@ private:
     CToolsCommands toolsCommands_;
     CApplicationCommands applicationCommands_;
     CApplicationsMenu* applicationsMenu_ = nullptr;
-    std::optional<KeyboardLights> keyboard_;
+    std::optional<CKeyboardLights> keyboard_;
     bool hasSelection_ = false; ///< as of the moment when a menu was last opened
     bool sessionEnded_ = false;
 };

@@ -1,7 +1,7 @@
 #include "ui/frame/MessageLogWindow.h"
 
-#include "model/Text.h"
-#include "ui/dialogs/WindowPlacement.h"
+#include "model/records/Text.h"
+#include "ui/widgets/WindowPlacement.h"
 
 #include <QFont>
 #include <QFontMetrics>
@@ -49,9 +49,10 @@ QPlainTextEdit* makeText(QWidget* parent) {
 
 } // namespace
 
-CMessageLogWindow::CMessageLogWindow(CMessageLog& log, CSettings& settings) : text_(makeText(this)) {
+CMessageLogWindow::CMessageLogWindow(CMessageLog& log, CSettings& settings)
+    : log_(log), text_(makeText(this)) {
     setObjectName(QStringLiteral("messageLogWindow"));
-    setWindowTitle(QStringLiteral("Message logs - Mirovane"));
+    setWindowTitle(QObject::tr("Message logs - Mirovane"));
     setAttribute(Qt::WA_QuitOnClose, false);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -59,19 +60,23 @@ CMessageLogWindow::CMessageLogWindow(CMessageLog& log, CSettings& settings) : te
 
     resize(defaultSize().boundedTo(QGuiApplication::primaryScreen()->availableSize() * 9 / 10));
     restorePlacement(*this, settings, messageLogPlacement);
-    new PlacementKeeper(*this, settings, messageLogPlacement);
+    new CPlacementKeeper(*this, settings, messageLogPlacement);
 
     if (log.lines().empty())
         log.begin("Start Mirovane");
-    for (const std::string& line : log.lines())
-        append(QString::fromStdString(displayText(line)));
-    // The log outlives this window and knows no farewell to its listeners.
-    log.addListener([window = QPointer<CMessageLogWindow>(this)](const std::string& line, bool) {
-        if (window)
-            window->append(QString::fromStdString(displayText(line)));
-    });
+    for (const LogLine& line : log.lines())
+        lineLogged(line);
+    log.addListener(*this);
     connect(text_->verticalScrollBar(), &QScrollBar::valueChanged, this,
             [this] { following_ = followsEnd(); });
+}
+
+CMessageLogWindow::~CMessageLogWindow() {
+    log_.removeListener(*this);
+}
+
+void CMessageLogWindow::lineLogged(const LogLine& line) {
+    append(QString::fromStdString(displayText(line.shown())));
 }
 
 void CMessageLogWindow::present() {

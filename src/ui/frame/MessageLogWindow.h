@@ -14,11 +14,13 @@ namespace mirovane {
 ///
 /// The last line stays in view, except while somebody has scrolled up to read: then his place stays until he
 /// scrolls back to the end or calls the window up again.
-class CMessageLogWindow : public QWidget {
+class CMessageLogWindow : public QWidget, private LogListener {
     Q_OBJECT
 
 public:
+    /// Both outlive the window.
     CMessageLogWindow(CMessageLog& log, CSettings& settings);
+    ~CMessageLogWindow() override;
 
     /// Shows the window, restores it when it is minimised, brings it to the top and its last line into view.
     void present();
@@ -28,10 +30,12 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void lineLogged(const LogLine& line) override;
     void append(const QString& line);
     bool followsEnd() const;
     void scrollToEnd();
 
+    CMessageLog& log_;
     QPlainTextEdit* text_;
     bool following_ = true;
 };

@@ -32,7 +32,7 @@ QString toolTip(const PaneDefinition& definition, const IndicatorState& state) {
     const QString help = QLatin1String(definition.help);
     if (definition.indicator != Indicator::LiveDiscover || state.discovered == 0)
         return help;
-    return QStringLiteral("%1\nDevices discovered since the datafile was opened: %2")
+    return QObject::tr("%1\nDevices discovered since the datafile was opened: %2")
         .arg(help)
         .arg(state.discovered);
 }
@@ -54,53 +54,52 @@ QLabel* makePane(const PaneDefinition& definition) {
 QString indicatorText(Indicator indicator, const IndicatorState& state) {
     switch (indicator) {
     case Indicator::Reminders:
-        return state.remindersDue > 0 ? QStringLiteral("[F4]Due:%1").arg(state.remindersDue) : QString();
+        return state.remindersDue > 0 ? QObject::tr("[F4]Due:%1").arg(state.remindersDue) : QString();
     case Indicator::LiveDiscover:
-        return state.liveDiscoverEnabled ? QStringLiteral("LD!") : QString();
+        return state.liveDiscoverEnabled ? QObject::tr("LD!") : QString();
     case Indicator::LiveStat:
         return state.liveStatText;
     case Indicator::Hidden:
-        return state.anyTypeHidden || state.floorMapHidden ? QStringLiteral("HIDE") : QString();
+        return state.anyTypeHidden || state.floorMapHidden ? QObject::tr("HIDE") : QString();
     case Indicator::Keyboard:
         return state.keyboardText;
     }
     return {};
 }
 
-MessagePane::MessagePane(QWidget* parent) : QLabel(parent) {
+CMessagePane::CMessagePane(QWidget* parent) : QLabel(parent) {
     setObjectName(QStringLiteral("paneMessage"));
     setTextFormat(Qt::PlainText);
     setIndent(padding);
 }
 
 /// One line, whatever a device or a file calls itself.
-void MessagePane::setMessage(const QString& message) {
+void CMessagePane::setMessage(const QString& message) {
     message_ = message;
-    for (QChar& c : message_) {
+    for (QChar& c : message_)
         if (c < QChar(u' ') || c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
             c = u' ';
-    }
     setAccessibleName(message);
     elide();
 }
 
-QSize MessagePane::minimumSizeHint() const {
+QSize CMessagePane::minimumSizeHint() const {
     return {0, QLabel::minimumSizeHint().height()};
 }
 
-void MessagePane::resizeEvent(QResizeEvent* event) {
+void CMessagePane::resizeEvent(QResizeEvent* event) {
     QLabel::resizeEvent(event);
     elide();
 }
 
-void MessagePane::elide() {
+void CMessagePane::elide() {
     const QString shown = fontMetrics().elidedText(message_, Qt::ElideRight, width() - 2 * padding);
     setText(shown);
     // A tool tip takes what looks like markup for markup.
     setToolTip(shown == message_ ? QString() : Qt::convertFromPlainText(message_.left(longestToolTip)));
 }
 
-CStatusPanes::CStatusPanes(QStatusBar& bar) : message_(new MessagePane) {
+CStatusPanes::CStatusPanes(QStatusBar& bar) : message_(new CMessagePane) {
     bar.addWidget(message_, 1);
     for (const PaneDefinition& definition : panes) {
         QLabel* pane = makePane(definition);

@@ -27,11 +27,11 @@ struct IndicatorState {
 QString indicatorText(Indicator indicator, const IndicatorState& state);
 
 /// One line that is cut off with an ellipsis where the pane ends, instead of making the window wider.
-class MessagePane : public QLabel {
+class CMessagePane : public QLabel {
     Q_OBJECT
 
 public:
-    explicit MessagePane(QWidget* parent = nullptr);
+    explicit CMessagePane(QWidget* parent = nullptr);
 
     void setMessage(const QString& message);
     const QString& message() const { return message_; }
@@ -56,7 +56,7 @@ public:
     void refresh(const IndicatorState& state);
 
 private:
-    MessagePane* message_;
+    CMessagePane* message_;
     std::array<QLabel*, indicatorCount> indicators_{};
 };
 

@@ -75,11 +75,11 @@ void paintProgram(QPainter& painter) {
     painter.drawEllipse(QPointF(8, 6.2), 1.9, 1.9);
 }
 
-class PictureEngine final : public QIconEngine {
+class CPictureEngine final : public QIconEngine {
 public:
     using Paint = void (*)(QPainter&);
 
-    explicit PictureEngine(Paint picture) : picture_(picture) {}
+    explicit CPictureEngine(Paint picture) : picture_(picture) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         painter->save();
@@ -102,7 +102,7 @@ public:
         return pixmap;
     }
 
-    QIconEngine* clone() const override { return new PictureEngine(*this); }
+    QIconEngine* clone() const override { return new CPictureEngine(*this); }
 
 private:
     Paint picture_;
@@ -113,20 +113,20 @@ private:
 QIcon toolIcon(ToolPicture picture) {
     switch (picture) {
     case ToolPicture::New:
-        return QIcon(new PictureEngine(paintNew));
+        return QIcon(new CPictureEngine(paintNew));
     case ToolPicture::Open:
-        return QIcon(new PictureEngine(paintOpen));
+        return QIcon(new CPictureEngine(paintOpen));
     case ToolPicture::Save:
-        return QIcon(new PictureEngine(paintSave));
+        return QIcon(new CPictureEngine(paintSave));
     case ToolPicture::About:
-        return QIcon(new PictureEngine(paintAbout));
+        return QIcon(new CPictureEngine(paintAbout));
     }
     return {};
 }
 
 QIcon programIcon() {
     QIcon icon;
-    PictureEngine engine(paintProgram);
+    CPictureEngine engine(paintProgram);
     // Window managers take ready pixmaps only.
     for (const int side : {16, 24, 32, 48, 64, 128, 256})
         icon.addPixmap(engine.pixmap({side, side}, QIcon::Normal, QIcon::Off));

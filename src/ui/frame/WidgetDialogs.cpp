@@ -1,8 +1,8 @@
 #include "ui/frame/WidgetDialogs.h"
 
-#include "model/Text.h"
+#include "model/records/Text.h"
+#include "ui/applications/InsertTextDialog.h"
 #include "ui/dialogs/ExportDialog.h"
-#include "ui/dialogs/InsertTextDialog.h"
 
 #include <QCursor>
 #include <QFile>
@@ -64,9 +64,9 @@ std::optional<std::string> chosenFile(QFileDialog& dialog) {
 } // namespace
 
 /// Tells the owner of the timers once, however many boxes lie on each other.
-class WidgetDialogs::BoxOpen {
+class CWidgetDialogs::BoxOpen {
 public:
-    explicit BoxOpen(WidgetDialogs& dialogs) : dialogs_(dialogs) {
+    explicit BoxOpen(CWidgetDialogs& dialogs) : dialogs_(dialogs) {
         if (dialogs_.boxesOpen_++ == 0 && dialogs_.aroundBox_)
             dialogs_.aroundBox_(true);
         QGuiApplication::setOverrideCursor(Qt::ArrowCursor); // the box may interrupt a wait
@@ -80,21 +80,21 @@ public:
     BoxOpen& operator=(const BoxOpen&) = delete;
 
 private:
-    WidgetDialogs& dialogs_;
+    CWidgetDialogs& dialogs_;
 };
 
-WidgetDialogs::WidgetDialogs(QString version, std::function<void(bool)> aroundBox)
+CWidgetDialogs::CWidgetDialogs(QString version, std::function<void(bool)> aroundBox)
     : version_(std::move(version)), aroundBox_(std::move(aroundBox)) {}
 
-bool WidgetDialogs::ask(const std::string& question) {
-    return askYesNo(QMessageBox::Question, question);
+bool CWidgetDialogs::ask(const Question& question) {
+    return askYesNo(QMessageBox::Question, question.text);
 }
 
-bool WidgetDialogs::askStop(const std::string& question) {
+bool CWidgetDialogs::askStop(const std::string& question) {
     return askYesNo(QMessageBox::Critical, question);
 }
 
-bool WidgetDialogs::askYesNo(QMessageBox::Icon icon, const std::string& question) {
+bool CWidgetDialogs::askYesNo(QMessageBox::Icon icon, const std::string& question) {
     if (silent_)
         return false;
     const BoxOpen open(*this);
@@ -106,7 +106,7 @@ bool WidgetDialogs::askYesNo(QMessageBox::Icon icon, const std::string& question
     return box.exec() == QMessageBox::Yes;
 }
 
-void WidgetDialogs::fail(const std::string& text) {
+void CWidgetDialogs::fail(const std::string& text) {
     if (silent_) {
         std::fprintf(stderr, "mirovane: %s\n", text.c_str());
         return;
@@ -117,7 +117,7 @@ void WidgetDialogs::fail(const std::string& text) {
     box.exec();
 }
 
-SaveAnswer WidgetDialogs::askToSave(const std::string& question) {
+SaveAnswer CWidgetDialogs::askToSave(const std::string& question) {
     if (silent_)
         return SaveAnswer::Discard;
     const BoxOpen open(*this);
@@ -131,25 +131,25 @@ SaveAnswer WidgetDialogs::askToSave(const std::string& question) {
     return answer == QMessageBox::Discard ? SaveAnswer::Discard : SaveAnswer::Cancel;
 }
 
-std::optional<std::string> WidgetDialogs::chooseFileToOpen(const FileChoice& choice) {
+std::optional<std::string> CWidgetDialogs::chooseFileToOpen(const FileChoice& choice) {
     QFileDialog dialog(parent_, QString::fromStdString(choice.title));
     dialog.setFileMode(QFileDialog::ExistingFile);
     prepare(dialog, choice);
     return chosenFile(dialog);
 }
 
-std::optional<std::string> WidgetDialogs::chooseFileToSave(const FileChoice& choice) {
+std::optional<std::string> CWidgetDialogs::chooseFileToSave(const FileChoice& choice) {
     QFileDialog dialog(parent_, QString::fromStdString(choice.title));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setLabelText(QFileDialog::LookIn, QStringLiteral("Save in:"));
+    dialog.setLabelText(QFileDialog::LookIn, QObject::tr("Save in:"));
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
     prepare(dialog, choice);
     return chosenFile(dialog);
 }
 
-std::optional<ExportSettings> WidgetDialogs::askExport(const ExportRequest& request) {
+std::optional<ExportSettings> CWidgetDialogs::askExport(const ExportRequest& request) {
     const auto browse = [](QWidget& parent, const QString& start) -> std::optional<QString> {
-        QFileDialog files(&parent, QStringLiteral("Export"));
+        QFileDialog files(&parent, QObject::tr("Export"));
         files.setAcceptMode(QFileDialog::AcceptSave);
         files.setOption(QFileDialog::DontConfirmOverwrite); // asked when it is about to be written
         prepare(files, {"Export",
@@ -162,7 +162,7 @@ std::optional<ExportSettings> WidgetDialogs::askExport(const ExportRequest& requ
     return dialog.exec() == QDialog::Accepted ? std::optional(dialog.settings()) : std::nullopt;
 }
 
-std::optional<std::string> WidgetDialogs::insertText(const std::string& command) {
+std::optional<std::string> CWidgetDialogs::insertText(const std::string& command) {
     const BoxOpen open(*this);
     CInsertTextDialog dialog(command, parent_);
     if (dialog.exec() != QDialog::Accepted)
@@ -170,13 +170,13 @@ std::optional<std::string> WidgetDialogs::insertText(const std::string& command)
     return dialog.text();
 }
 
-void WidgetDialogs::about() {
+void CWidgetDialogs::about() {
     QMessageBox box(parent_);
     box.setObjectName(QStringLiteral("aboutBox"));
-    box.setWindowTitle(QStringLiteral("About Mirovane"));
+    box.setWindowTitle(QObject::tr("About Mirovane"));
     box.setIconPixmap(parent_ ? parent_->windowIcon().pixmap(48, 48) : QPixmap());
     box.setTextFormat(Qt::PlainText);
-    box.setText(QStringLiteral("Mirovane ") + version_);
+    box.setText(QObject::tr("Mirovane ") + version_);
     box.setInformativeText(
         QStringLiteral("A floor plan of your site with every device on it, watched live.\n\n"
                        "Written with Qt %1.")

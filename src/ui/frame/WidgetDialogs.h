@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/frame/FrameDialogs.h"
+#include "ui/frame/commands/FrameDialogs.h"
 
 #include <QMessageBox>
 #include <QPointer>
@@ -14,10 +14,10 @@ namespace mirovane {
 /// Message boxes and file dialogs in front of the main window. While a question or a failure is shown, the
 /// station's timers stand still: a tick in the box's event loop could replace the records that the question
 /// is about.
-class WidgetDialogs final : public FrameDialogs {
+class CWidgetDialogs final : public FrameDialogs {
 public:
     /// `aroundBox(true)` is called before a box opens, `aroundBox(false)` after it was closed.
-    WidgetDialogs(QString version, std::function<void(bool open)> aroundBox);
+    CWidgetDialogs(QString version, std::function<void(bool open)> aroundBox);
 
     /// Boxes stand in front of this window from now on.
     void setParent(QWidget* parent) { parent_ = parent; }
@@ -26,7 +26,7 @@ public:
     /// "Discard"), and failures go to standard error.
     void silence() { silent_ = true; }
 
-    bool ask(const std::string& question) override;
+    bool ask(const Question& question) override;
     bool askStop(const std::string& question) override;
     void fail(const std::string& text) override;
     SaveAnswer askToSave(const std::string& question) override;

@@ -14,11 +14,11 @@ protected:
     /// What another start of the program reads.
     void restart() {
         store.reset();
-        store = std::make_unique<IniSettingsStore>(folder.file("config"));
+        store = std::make_unique<CIniSettingsStore>(folder.file("config"));
     }
 
     test::TestFolder folder;
-    std::unique_ptr<IniSettingsStore> store = std::make_unique<IniSettingsStore>(folder.file("config"));
+    std::unique_ptr<CIniSettingsStore> store = std::make_unique<CIniSettingsStore>(folder.file("config"));
 };
 
 TEST_F(IniSettingsStoreTest, NumbersStayAcrossStartsAndAbsentOnesAreAbsent) {

@@ -26,7 +26,7 @@ protected:
     char name[5] = "test";
     char* argv[2] = {name, nullptr};
     QCoreApplication app{argc, argv};
-    QtTimerFactory factory;
+    CQtTimerFactory factory;
 };
 
 TEST_F(QtTimersTest, TicksUntilStopped) {

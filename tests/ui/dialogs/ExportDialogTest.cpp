@@ -14,9 +14,9 @@
 namespace mirovane {
 namespace {
 
-class ExportDialog : public testing::Test {
+class ExportDialogTest : public testing::Test {
 protected:
-    ExportDialog() {
+    ExportDialogTest() {
         CHardware device;
         device.Type = DeviceType::Printer;
         device.Name = "prn";
@@ -48,14 +48,14 @@ protected:
     QString browsedFrom;
 };
 
-TEST_F(ExportDialog, whatNobodyTouchedComesBackByteForByte) {
+TEST_F(ExportDialogTest, WhatNobodyTouchedComesBackByteForByte) {
     request.settings = {"caf\xE9.txt", false, "\xA7", true, false, true, true};
     EXPECT_EQ(open().settings(), request.settings);
     request.settings = {};
     EXPECT_EQ(open().settings(), request.settings);
 }
 
-TEST_F(ExportDialog, theControlsAreTheSettings) {
+TEST_F(ExportDialogTest, TheControlsAreTheSettings) {
     open();
     QTest::keyClicks(&find<QLineEdit>("exportFilename"), QStringLiteral("list.txt"));
     EXPECT_FALSE(find<QLineEdit>("exportCustomText").isEnabled());
@@ -70,7 +70,7 @@ TEST_F(ExportDialog, theControlsAreTheSettings) {
     EXPECT_EQ(dialog->result(), QDialog::Rejected);
 }
 
-TEST_F(ExportDialog, thePreviewIsWhatTheFileWillHold) {
+TEST_F(ExportDialogTest, ThePreviewIsWhatTheFileWillHold) {
     open();
     EXPECT_TRUE(preview().contains(QStringLiteral("Printer \u2192 prn \u2192  \u2192 ")));
     EXPECT_TRUE(preview().contains(QStringLiteral("a  b")));
@@ -83,7 +83,7 @@ TEST_F(ExportDialog, thePreviewIsWhatTheFileWillHold) {
     EXPECT_EQ(preview().count(u'\n'), 1);
 }
 
-TEST_F(ExportDialog, aRelativeNameShowsWhereItLeads) {
+TEST_F(ExportDialogTest, ARelativeNameShowsWhereItLeads) {
     open();
     const QString target = folder.filePath(QStringLiteral("list.txt"));
     QTest::keyClicks(&find<QLineEdit>("exportFilename"), QStringLiteral("list.txt"));
@@ -97,7 +97,7 @@ TEST_F(ExportDialog, aRelativeNameShowsWhereItLeads) {
     EXPECT_EQ(find<QLineEdit>("exportFilename").text(), folder.filePath(QStringLiteral("other.txt")));
 }
 
-TEST_F(ExportDialog, textsStayWithinTheirLimitInBytes) {
+TEST_F(ExportDialogTest, TextsStayWithinTheirLimitInBytes) {
     open();
     QLineEdit& name = find<QLineEdit>("exportFilename");
     name.setText(QString(254, u'x'));
@@ -107,7 +107,7 @@ TEST_F(ExportDialog, textsStayWithinTheirLimitInBytes) {
     EXPECT_EQ(dialog->settings().ExportFilename, std::string(254, 'x') + "y");
 }
 
-TEST_F(ExportDialog, theLastFailureIsToldUntilItIsOver) {
+TEST_F(ExportDialogTest, TheLastFailureIsToldUntilItIsOver) {
     request.lastFailure = "cannot write /srv/x: No space left on device";
     open();
     EXPECT_TRUE(find<QLabel>("exportFailure").text().endsWith(QStringLiteral("No space left on device")));

@@ -1,14 +1,16 @@
 #pragma once
 
 #include "model/Document.h"
-#include "platform/PosixFiles.h"
+#include "model/Selection.h"
+#include "platform/files/PosixFiles.h"
 #include "tests/support/FakeTime.h"
+#include "tests/support/Paths.h"
 #include "tests/support/TestFolder.h"
-#include "ui/floor/FloorFrame.h"
-#include "ui/floor/FloorIndex.h"
-#include "ui/floor/FloorMap.h"
-#include "ui/floor/IconSet.h"
-#include "ui/floor/PhotoStore.h"
+#include "ui/floor/geometry/FloorIndex.h"
+#include "ui/floor/map/FloorMap.h"
+#include "ui/floor/paint/FloorFrame.h"
+#include "ui/floor/paint/IconSet.h"
+#include "ui/floor/paint/PhotoStore.h"
 
 #include <QColor>
 #include <QGuiApplication>
@@ -23,41 +25,46 @@ namespace mirovane::test {
 class Floor {
 public:
     Floor() {
+        display.readAll(settings);
         for (const char* name :
              {"PropertiesSlashDraw", "PropertiesBackslashDraw", "PropertiesHorzDraw", "PropertiesVertDraw"})
-            doc.display().*displayToggle(name) = true;
-        doc.display().PropertiesUsername = false;
-        icons.LoadIcons(QStringLiteral(MIROVANE_SOURCE_DIR "/assets/icons"));
+            display.*displayToggle(name) = true;
+        display.PropertiesUsername = false;
+        icons.LoadIcons(QString::fromStdString(test::sourceFile("assets/icons")));
         state.client = QSize(400, 300);
     }
 
     const CHardware& add(std::int32_t type, MapPoint at, const std::function<void(CHardware&)>& fill = {}) {
-        return *doc.addDevice(type, [&](CHardware& device) {
-            device.Position = at;
-            if (fill)
-                fill(device);
-        });
+        return *doc.addDevice(
+            type,
+            [&](CHardware& device) {
+                device.Position = at;
+                if (fill)
+                    fill(device);
+            });
     }
 
-    FloorSources sources() { return {doc, index, icons, map.tiles(), photos}; }
+    FloorSources sources() { return {doc, display, index, icons, map.tiles(), photos}; }
 
     /// A whole frame, drawn with nothing kept from before.
     QImage freshFrame(qreal ratio = 1) {
-        FloorFrame frame(sources());
+        CFloorFrame frame(sources());
         frame.setView(state, ratio);
         return frame.image().copy();
     }
 
     FakeClock clock;
-    PosixFiles files;
+    CPosixFiles files;
     CMessageLog log{clock};
-    MemorySettingsStore store;
+    CMemorySettingsStore store;
     CSettings settings{store};
-    CMirovaneDoc doc{files, clock, log, settings, {"host", "user"}};
-    FloorIndex index{doc};
-    IconSet icons;
-    FloorMap map;
-    PhotoStore photos{PhotoStore::Reading::Now};
+    DisplaySettings display;
+    CMirovaneDoc doc{clock, log, {"host", "user"}};
+    CSelection selection{doc};
+    CFloorIndex index{doc};
+    CIconSet icons;
+    CFloorMap map;
+    CPhotoStore photos{CPhotoStore::Reading::Now};
     FloorViewState state;
 };
 

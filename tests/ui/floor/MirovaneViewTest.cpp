@@ -1,5 +1,6 @@
 #include "ui/floor/MirovaneView.h"
 
+#include "model/FloorMap.h"
 #include "tests/station/StationFixture.h"
 #include "tests/ui/floor/FloorFixture.h"
 
@@ -17,16 +18,18 @@ class MirovaneViewTest : public testing::Test {
 protected:
     MirovaneViewTest() {
         site.station->newDatafile();
-        site.doc().display().PropertiesUsername = false;
+        site.station->display().PropertiesUsername = false;
         view.resize(500, 400);
         view.show();
     }
 
     const CHardware& add(std::int32_t type, MapPoint at, const std::string& name = {}) {
-        return *site.doc().addDevice(type, [&](CHardware& d) {
-            d.Position = at;
-            d.Name = name;
-        });
+        return *site.doc().addDevice(
+            type,
+            [&](CHardware& d) {
+                d.Position = at;
+                d.Name = name;
+            });
     }
 
     void settle() {
@@ -41,11 +44,13 @@ protected:
 
     /// The same drawn at once, with nothing kept.
     QImage expected() {
-        FloorMap map;
+        CFloorMap map;
         const CMirovaneDoc& doc = site.doc();
-        map.loadNow(QString::fromStdString(doc.floorMapPath()), QString::fromStdString(doc.path()));
-        PhotoStore photos(PhotoStore::Reading::Now);
-        FloorFrame frame({doc, view.index(), view.icons(), map.tiles(), photos});
+        map.loadNow(QString::fromStdString(floorMapOf(doc).mapPath),
+                    QString::fromStdString(site.station->datafile().path()));
+        CPhotoStore photos(CPhotoStore::Reading::Now);
+        CFloorFrame frame({doc, site.station->display(), view.drawing().index(), view.drawing().icons(),
+                           map.tiles(), photos});
         frame.setView(view.state(), view.devicePixelRatioF());
         return frame.image().copy();
     }
@@ -64,10 +69,9 @@ protected:
 
     std::string saveMap(int width, int height) {
         QImage map(width, height, QImage::Format_RGB32);
-        for (int y = 0; y < height; ++y) {
+        for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
                 map.setPixel(x, y, qRgb(200 + x % 50, 200 + y % 50, 220));
-        }
         EXPECT_TRUE(map.save(QString::fromStdString(folder.file("map.bmp"))));
         return folder.file("map.bmp");
     }
@@ -76,7 +80,7 @@ protected:
     test::FakeClock clock;
     test::FakeTimers timers{clock};
     test::Site site{clock, timers, {"HOST", "user"}, false};
-    CMirovaneView view{*site.station};
+    CMirovaneView view{*site.station, site.log};
 };
 
 TEST_F(MirovaneViewTest, ShowsEveryChangeOfTheDocument) {
@@ -88,29 +92,29 @@ TEST_F(MirovaneViewTest, ShowsEveryChangeOfTheDocument) {
         d.State = DeviceState::On;
     });
     EXPECT_EQ(difference(), "");
-    site.doc().display().PropertiesComputer = true;
+    site.station->display().PropertiesComputer = true;
     view.viewport()->update();
     EXPECT_EQ(difference(), "") << "a toggle needs no more than an update";
     site.doc().remove(b);
     EXPECT_EQ(difference(), "");
-    site.doc().display().ZoomPercent = site.doc().display().ZoomDevicesPercent = 150;
+    site.station->display().ZoomPercent = site.station->display().ZoomDevicesPercent = 150;
     view.viewport()->update();
     EXPECT_EQ(difference(), "");
     site.station->newDatafile();
     settle();
-    EXPECT_EQ(view.index().size(), 0U);
+    EXPECT_EQ(view.drawing().index().size(), 0U);
 }
 
 TEST_F(MirovaneViewTest, MapGivesTheScrollRangeAndDevicesWidenIt) {
-    site.doc().setFloorMapPath(saveMap(1200, 900));
+    setFloorMap(site.doc(), {saveMap(1200, 900), {}});
     settle();
-    EXPECT_EQ(view.mapExtent(), QSize(1200, 900));
+    EXPECT_EQ(view.drawing().extent(), QSize(1200, 900));
     EXPECT_EQ(view.horizontalScrollBar()->maximum(), 1200 - view.viewport()->width());
     EXPECT_EQ(difference(), "");
     add(DeviceType::Computer, {1300, 100});
     settle();
-    const int icon = view.icons().sizes().of(DeviceType::Computer).width();
-    EXPECT_EQ(view.mapExtent(), QSize(1300 + icon, 900));
+    const int icon = view.drawing().icons().sizes().of(DeviceType::Computer).width();
+    EXPECT_EQ(view.drawing().extent(), QSize(1300 + icon, 900));
     view.horizontalScrollBar()->setValue(700);
     view.verticalScrollBar()->setValue(123);
     EXPECT_EQ(difference(), "");
@@ -118,7 +122,7 @@ TEST_F(MirovaneViewTest, MapGivesTheScrollRangeAndDevicesWidenIt) {
 }
 
 TEST_F(MirovaneViewTest, WheelAndKeysScroll) {
-    site.doc().setFloorMapPath(saveMap(1200, 900));
+    setFloorMap(site.doc(), {saveMap(1200, 900), {}});
     settle();
     const QPoint middle(100, 100);
     const auto wheel = [&](Qt::KeyboardModifiers held) {
@@ -192,23 +196,89 @@ TEST_F(MirovaneViewTest, PointerInAMarkedAreaShowsIt) {
     EXPECT_EQ(view.SelectedMarker(), 0);
     EXPECT_NE(shown().pixelColor(120, 50), QColor(240, 240, 0));
     EXPECT_EQ(changes.size(), 2);
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, {310, 310});
+    EXPECT_EQ(view.SelectedMarker(), marker.RecID) << "a click on the marker shows its area, too";
+    EXPECT_EQ(difference(), "");
 }
 
 TEST_F(MirovaneViewTest, ClickSelectsTheTopmostDeviceAndCtrlClickAddsToIt) {
     const CHardware& a = add(DeviceType::Computer, {40, 50}, "a");
     const CHardware& b = add(DeviceType::Computer, {45, 55}, "b");
     const CHardware& c = add(DeviceType::Computer, {200, 50}, "c");
+    const CHardware& misc = add(DeviceType::Computer + DeviceType::discoveredOffset, {});
+    site.station->selection().add(misc);
+    site.station->selection().add(c);
     QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, {60, 70});
     EXPECT_EQ((std::vector{a.Selected, b.Selected, c.Selected}), (std::vector{0, 1, 0}));
+    EXPECT_EQ(misc.Selected, 1) << "the floor leaves the other window's selection alone";
     QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::ControlModifier, {210, 60});
     EXPECT_EQ((std::vector{a.Selected, b.Selected, c.Selected}), (std::vector{0, 1, 1}));
     EXPECT_EQ(difference(), "");
-    QTest::mousePress(view.viewport(), Qt::LeftButton, Qt::ControlModifier, {60, 70});
-    EXPECT_EQ(b.Selected, 0);
-    EXPECT_EQ(difference(), "") << "no labels while the button is down";
-    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, {60, 70});
+    site.station->display().PropertiesComputer = true;
+    const QImage labelled = shown();
+    QTest::mousePress(view.viewport(), Qt::LeftButton, Qt::ControlModifier, {75, 85});
+    EXPECT_EQ(b.Selected, 1);
+    EXPECT_NE(test::firstDifference(shown(), labelled), "") << "no labels while the button is down";
+    EXPECT_EQ(difference(), "");
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, Qt::ControlModifier, {75, 85});
+    EXPECT_EQ((std::vector{b.Selected, c.Selected}), (std::vector{0, 1})) << "the click took it back";
+    EXPECT_EQ(difference(), "");
     QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, {400, 300});
-    EXPECT_TRUE(view.index().selected().empty());
+    EXPECT_TRUE(site.station->selection().empty(CSelection::Scope::Floor));
+}
+
+TEST_F(MirovaneViewTest, AClickRunsLiveStatNowOnTheSelectionIfTheUserWantsIt) {
+    const CHardware& device = add(DeviceType::Computer, {40, 50});
+    const auto click = [&](QPoint at) {
+        site.doc().setLSNowMark(device, false);
+        QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, at);
+        return device.LSNowMark != 0;
+    };
+    EXPECT_FALSE(click({300, 300}));
+    EXPECT_TRUE(click({50, 60}));
+    LiveStatSettings settings = site.station->liveStatSettings();
+    settings.LSAutoPerform = false;
+    site.station->setLiveStatSettings(settings);
+    EXPECT_FALSE(click({50, 60}));
+}
+
+TEST_F(MirovaneViewTest, AButtonThatWentUpUnseenIsUp) {
+    const CHardware& device = add(DeviceType::Computer, {40, 50}, "a");
+    QTest::mousePress(view.viewport(), Qt::LeftButton, {}, {50, 60});
+    settle();
+    EXPECT_FALSE(view.state().gesture.LabelsShown);
+    moveTo({52, 60});
+    EXPECT_EQ(difference(), "");
+    EXPECT_TRUE(view.state().gesture.LabelsShown);
+    EXPECT_EQ(device.Selected, 1);
+}
+
+TEST_F(MirovaneViewTest, ADragBesideTheDevicesLeavesABoxUntilTheNextClick) {
+    add(DeviceType::Computer, {40, 50}, "a");
+    add(DeviceType::Computer, {2000, 2000});
+    settle();
+    const auto dragTo = [this](QPoint at) {
+        QMouseEvent move(QEvent::MouseMove, at, view.viewport()->mapToGlobal(at), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QCoreApplication::sendEvent(view.viewport(), &move);
+    };
+    QTest::mousePress(view.viewport(), Qt::LeftButton, {}, {300, 200});
+    dragTo({250, 100});
+    EXPECT_EQ(shown().pixelColor(275, 100), QColor(Qt::black));
+    dragTo({250, -1});
+    dragTo({view.viewport()->width(), 100});
+    EXPECT_EQ(view.state().scroll, QPoint(0, 0)) << "what is scrolled to is drawn in the next frame";
+    settle();
+    EXPECT_EQ(view.state().scroll, QPoint(15, 0)) << "beyond the edge the floor comes along";
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, {100, 100});
+    settle();
+    const int right = view.viewport()->width();
+    EXPECT_EQ(view.state().gesture.box, (MapBox{{300, 100}, {right, 200}}));
+    EXPECT_EQ(difference(), "");
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, {400, 300});
+    settle();
+    EXPECT_FALSE(view.state().gesture.box);
+    EXPECT_EQ(difference(), "");
 }
 
 TEST_F(MirovaneViewTest, RingsStayWhereTheyAreUntilLiveStatTellsOfOthers) {
@@ -230,15 +300,15 @@ TEST_F(MirovaneViewTest, RingsStayWhereTheyAreUntilLiveStatTellsOfOthers) {
 
 TEST_F(MirovaneViewTest, MissingMapIsToldOnceAndADamagedOneIsLogged) {
     QSignalSpy failed(&view, &CMirovaneView::floorMapFailed);
-    site.doc().setFloorMapPath(folder.file("none.bmp"));
+    setFloorMap(site.doc(), {folder.file("none.bmp"), {}});
     ASSERT_TRUE(QTest::qWaitFor([&] { return failed.size() == 1; }, 10000));
     EXPECT_EQ(failed[0][0].toString().toStdString(),
               "Floor map file " + folder.file("none.bmp") + " does not exist!");
     EXPECT_TRUE(failed[0][1].toBool());
     test::writeBytes(folder.file("text.bmp"), "text");
-    site.doc().setFloorMapPath(folder.file("text.bmp"));
+    setFloorMap(site.doc(), {folder.file("text.bmp"), {}});
     ASSERT_TRUE(QTest::qWaitFor([&] { return failed.size() == 2; }, 10000));
-    EXPECT_NE(site.log.lines().back().find("cannot be shown"), std::string::npos);
+    EXPECT_NE(site.log.lines().back().text.find("cannot be shown"), std::string::npos);
 }
 
 TEST_F(MirovaneViewTest, EmptyFloorTellsHowToBegin) {

@@ -1,3 +1,7 @@
+#include "model/FloorMap.h"
+#include "model/datafile/DatafileLink.h"
+#include "tests/support/NewFloor.h"
+#include "tests/support/Paths.h"
 #include "tests/ui/floor/FloorFixture.h"
 
 #include <QProcess>
@@ -8,13 +12,13 @@ namespace mirovane {
 
 namespace {
 
-const QString program = QStringLiteral(MIROVANE_BINARY_DIR "/bin/mirovane");
+const QString program = QString::fromStdString(test::builtProgram("mirovane"));
 
 /// The real program, on a datafile with one device of each condition.
 class RenderTest : public testing::Test {
 protected:
     RenderTest() {
-        floor.doc.newDatafile();
+        link.newDatafile();
         floor.add(DeviceType::Computer, {40, 30}, [](CHardware& d) {
             d.State = DeviceState::On;
             d.Name = "pc";
@@ -25,7 +29,7 @@ protected:
             d.SlashDraw = d.HorzDraw = 1;
         });
         floor.add(DeviceType::discoveredOffset + DeviceType::Printer, {0, 0});
-        EXPECT_FALSE(floor.doc.saveAs(datafile));
+        EXPECT_TRUE(link.saveAs(datafile).saved());
         floor.state.client = {300, 200};
     }
 
@@ -52,6 +56,7 @@ protected:
 
     test::TestFolder folder;
     test::Floor floor;
+    CDatafileLink link{floor.doc, floor.files, floor.log};
     std::string datafile = folder.file("site.mv");
     QString picture = QString::fromStdString(folder.file("out.png"));
     QByteArray said;
@@ -71,7 +76,7 @@ TEST_F(RenderTest, DrawsWhatTheWindowWouldAndTouchesNothing) {
                       QStringLiteral("--show"), QStringLiteral("PropertiesComputer,PropertiesHorzDraw")}),
               0)
         << said.toStdString();
-    DisplaySettings& display = floor.doc.display();
+    DisplaySettings& display = floor.display;
     display.ZoomPercent = 150;
     display.ZoomDevicesPercent = 200;
     display.PropertiesComputer = true;
@@ -139,8 +144,8 @@ TEST_F(RenderTest, FilesThatCannotBeReadOrWrittenAreExitThree) {
 }
 
 TEST_F(RenderTest, AMissingMapIsToldAndTheDevicesAreDrawnAllTheSame) {
-    floor.doc.setFloorMapPath("/nowhere/map.bmp");
-    ASSERT_FALSE(floor.doc.save());
+    setFloorMap(floor.doc, {"/nowhere/map.bmp", {}});
+    ASSERT_TRUE(link.save().saved());
     EXPECT_EQ(render({QStringLiteral("--size"), QStringLiteral("300x200")}), 0);
     EXPECT_TRUE(said.contains("Floor map file /nowhere/map.bmp does not exist!"));
     EXPECT_EQ(test::firstDifference(rendered(), floor.freshFrame()), "");

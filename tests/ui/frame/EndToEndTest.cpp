@@ -1,5 +1,7 @@
-#include "model/Datafile.h"
+#include "model/FloorMap.h"
+#include "model/records/Datafile.h"
 #include "probes/SystemHostProbes.h"
+#include "tests/support/Paths.h"
 #include "tests/ui/frame/FrameFixture.h"
 
 #include <QElapsedTimer>
@@ -23,10 +25,9 @@ constexpr int startDeadlineMs = 20'000;
 constexpr int toolDeadlineMs = 2'000;
 
 std::string missingTool() {
-    for (const char* tool : {"Xvfb", "openbox", "xdotool", "import"}) {
+    for (const char* tool : {"Xvfb", "openbox", "xdotool", "import"})
         if (QStandardPaths::findExecutable(QLatin1String(tool)).isEmpty())
             return std::string(tool) + " is not installed";
-    }
     return {};
 }
 
@@ -43,7 +44,7 @@ bool comesTrue(Condition condition, int deadlineMs = startDeadlineMs) {
     return true;
 }
 
-class EndToEnd : public test::FrameFixture {
+class EndToEndTest : public test::FrameFixture {
 protected:
     QProcess server;
     QProcess manager;
@@ -98,7 +99,7 @@ protected:
     void startProgram(const QStringList& arguments) {
         program.setProcessEnvironment(environment);
         program.setProcessChannelMode(QProcess::MergedChannels);
-        program.start(QStringLiteral(MIROVANE_BINARY_DIR "/bin/mirovane"),
+        program.start(QString::fromStdString(test::builtProgram("mirovane")),
                       QStringList{QStringLiteral("--config"), folder.filePath(QStringLiteral("config"))} +
                           arguments);
         ASSERT_TRUE(program.waitForStarted());
@@ -120,8 +121,8 @@ protected:
         QImage map(900, 600, QImage::Format_RGB32);
         map.fill(QColor(250, 240, 200));
         map.save(QString::fromStdString(inFolder("map.bmp")));
-        document().newDatafile();
-        document().setFloorMapPath(inFolder("map.bmp"));
+        station->newDatafile();
+        setFloorMap(document(), {inFolder("map.bmp"), {}});
         document().addDevice(DeviceType::Computer, [](CHardware& device) {
             device.IPAddress = "127.0.0.1";
             device.Position = {100, 100};
@@ -130,7 +131,7 @@ protected:
             device.IPAddress = "127.255.255.255";
             device.Position = {300, 100};
         });
-        EXPECT_FALSE(document().saveAs(inFolder("floor.mv")));
+        EXPECT_FALSE(station->saveDatafileAs(inFolder("floor.mv")).failed());
         return inFolder("floor.mv");
     }
 
@@ -147,7 +148,7 @@ protected:
     }
 };
 
-TEST_F(EndToEnd, aFloorComesAliveAndIsLeftInOrder) {
+TEST_F(EndToEndTest, AFloorComesAliveAndIsLeftInOrder) {
     const std::string path = makeFloor();
     QSettings(folder.filePath(QStringLiteral("config/mirovane.ini")), QSettings::IniFormat)
         .setValue(QStringLiteral("Settings/LSRunSec"), 1);
@@ -167,9 +168,8 @@ TEST_F(EndToEnd, aFloorComesAliveAndIsLeftInOrder) {
         return mapPixels > 1000;
     })) << "the floor map is not on the screen";
 
-    if (!SystemHostProbes().echoUnusable()) {
+    if (!CSystemHostProbes().echoUnusable())
         EXPECT_TRUE(comesTrue([&] { return statesIn(path)[1] == DeviceState::On; }, 60'000));
-    }
 
     // A key that is sent while the focus still moves reaches nobody, so it is pressed again.
     ASSERT_TRUE(comesTrue([&] {
@@ -190,7 +190,7 @@ TEST_F(EndToEnd, aFloorComesAliveAndIsLeftInOrder) {
     EXPECT_EQ(stored.value(QStringLiteral("Settings/LSNumPerRun")).toInt(), 30);
 }
 
-TEST_F(EndToEnd, aSignalSavesAndReleasesTheDatafile) {
+TEST_F(EndToEndTest, ASignalSavesAndReleasesTheDatafile) {
     const std::string path = makeFloor();
     startProgram({QString::fromStdString(path)});
     ASSERT_TRUE(comesTrue([&] { return statesIn(path)[SpecialType::LiveStatOwnerRecord] == 1; }))
@@ -201,13 +201,13 @@ TEST_F(EndToEnd, aSignalSavesAndReleasesTheDatafile) {
     EXPECT_EQ(statesIn(path)[SpecialType::LiveStatOwnerRecord], 0);
 }
 
-TEST(CommandLineProgram, withoutADisplayItSaysWhatToDo) {
+TEST(CommandLineProgramTest, WithoutADisplayItSaysWhatToDo) {
     QProcess program;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         environment.remove(QLatin1String(name));
     program.setProcessEnvironment(environment);
-    program.start(QStringLiteral(MIROVANE_BINARY_DIR "/bin/mirovane"), {});
+    program.start(QString::fromStdString(test::builtProgram("mirovane")), {});
     ASSERT_TRUE(program.waitForFinished(startDeadlineMs));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(program.exitCode(), 2);

@@ -2,16 +2,16 @@
 
 #include "model/MessageLog.h"
 #include "model/Settings.h"
-#include "platform/PosixFiles.h"
+#include "platform/files/PosixFiles.h"
 #include "station/Station.h"
 #include "tests/support/FakeLauncher.h"
 #include "tests/support/FakeTime.h"
 #include "tests/support/InstantNetwork.h"
 #include "tests/support/ScriptedProbes.h"
-#include "tests/ui/frame/ScriptedDialogs.h"
+#include "tests/ui/frame/ScriptedFrameDialogs.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/MainFrame.h"
-#include "ui/frame/RecentFiles.h"
+#include "ui/frame/commands/RecentFiles.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -28,11 +28,11 @@ protected:
     QTemporaryDir folder;
     FakeClock clock;
     FakeTimers timers{clock};
-    PosixFiles diskFiles;
-    MemorySettingsStore store;
+    CPosixFiles diskFiles;
+    CMemorySettingsStore store;
     CSettings settings{store};
     CMessageLog log{clock};
-    ScriptedDialogs dialogs;
+    ScriptedFrameDialogs dialogs;
     ScriptedProbes probes; ///< nobody answers
     FakeLauncher launcher;
     InstantNetwork network;
@@ -60,7 +60,8 @@ protected:
         return folder.filePath(QLatin1String(name)).toStdString();
     }
 
-    CMirovaneDoc& document() { return station->document(); }
+    /// To change past the door for edits, as background work does.
+    CMirovaneDoc& document() { return const_cast<CMirovaneDoc&>(station->document()); }
 
     void addComputer() { document().addDevice(DeviceType::Computer); }
 
@@ -75,8 +76,9 @@ protected:
 
     void SetUp() override {
         FrameFixture::SetUp();
-        floor = new CMirovaneView(*station);
-        frame = std::make_unique<CMainFrame>(*station, dialogs, recent, launcher, floor);
+        floor = new CMirovaneView(*station, log);
+        frame = std::make_unique<CMainFrame>(
+            CMainFrame::Services{*station, dialogs, recent, launcher, settings, log, clock}, floor);
         frame->files().newFile();
         frame->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(frame.get()));

@@ -1,8 +1,9 @@
+#include "model/FloorMap.h"
 #include "tests/ui/frame/FrameFixture.h"
-#include "ui/dialogs/ListViewWindow.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/FrameMenus.h"
 #include "ui/frame/MessageLogWindow.h"
+#include "ui/list/ListViewWindow.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -21,7 +22,7 @@
 namespace mirovane {
 namespace {
 
-class MainFrame : public test::ShownFrame {
+class MainFrameTest : public test::ShownFrame {
 protected:
     QAction* action(const char* name) { return frame->actions().action(name); }
     QString pane(const char* name) { return frame->findChild<QLabel*>(QLatin1String(name))->text(); }
@@ -32,7 +33,7 @@ protected:
     QMenu* menu(const char* name) { return frame->findChild<QMenu*>(QLatin1String(name)); }
 };
 
-TEST_F(MainFrame, everyCommandHasAHandlerAndStandsInItsMenu) {
+TEST_F(MainFrameTest, EveryCommandHasAHandlerAndStandsInItsMenu) {
     for (const CommandDefinition& command : commandTable()) {
         if (command.id == CommandId::FileRecent)
             continue;
@@ -52,8 +53,12 @@ TEST_F(MainFrame, everyCommandHasAHandlerAndStandsInItsMenu) {
                                    QStringLiteral("Help")}));
 }
 
-TEST_F(MainFrame, listViewOpensByItsCommandLeadsToTheFloorAndClosesWithTheFrame) {
-    document().addDevice(DeviceType::Computer, [](CHardware& device) { device.Position = {20, 20}; });
+TEST_F(MainFrameTest, ListViewOpensByItsCommandLeadsToTheFloorAndClosesWithTheFrame) {
+    document().addDevice(
+        DeviceType::Computer,
+        [](CHardware& device) {
+            device.Position = {20, 20};
+        });
     const CHardware& far = *document().addDevice(DeviceType::Printer, [](CHardware& device) {
         device.Position = {5000, 4000};
     });
@@ -75,7 +80,7 @@ TEST_F(MainFrame, listViewOpensByItsCommandLeadsToTheFloorAndClosesWithTheFrame)
     EXPECT_FALSE(list->isVisible());
 }
 
-TEST_F(MainFrame, displayTogglesAreStoredAtOnceAndChangeThePicture) {
+TEST_F(MainFrameTest, DisplayTogglesAreStoredAtOnceAndChangeThePicture) {
     const CHardware* device = document().addDevice(DeviceType::Computer, [](CHardware& computer) {
         computer.Name = computer.IPAddress = computer.Username = computer.MACAddress = "text";
         computer.ToJack = computer.Comment = computer.ToDo = "text";
@@ -92,22 +97,21 @@ TEST_F(MainFrame, displayTogglesAreStoredAtOnceAndChangeThePicture) {
         QAction* toggle = frame->actions().action(command.name);
         const auto field = displayToggle(command.setting);
         const QImage pictureBefore = picture();
-        const bool before = document().display().*field;
+        const bool before = station->display().*field;
         EXPECT_EQ(toggle->isChecked(), before) << command.name;
         toggle->trigger();
-        EXPECT_EQ(document().display().*field, !before) << command.name;
+        EXPECT_EQ(station->display().*field, !before) << command.name;
         EXPECT_EQ(settings.read(command.setting, -1), before ? 0 : 1) << command.name;
         EXPECT_EQ(toggle->isChecked(), !before) << command.name;
-        if (command.menu == "&View/&Properties") { // the others wait for Live Stat and for the reminder check
+        if (command.menu == "&View/&Properties") // the others wait for Live Stat and for the reminder check
             EXPECT_NE(picture(), pictureBefore) << command.name;
-        }
         toggle->trigger();
         EXPECT_EQ(settings.read(command.setting, -1), before ? 1 : 0) << command.name;
         EXPECT_EQ(picture(), pictureBefore) << command.name;
     }
 }
 
-TEST_F(MainFrame, labelKeysWorkFromTheFloor) {
+TEST_F(MainFrameTest, LabelKeysWorkFromTheFloor) {
     frame->activateWindow();
     floor->setFocus();
     QTest::keyClick(floor, Qt::Key_2);
@@ -116,7 +120,7 @@ TEST_F(MainFrame, labelKeysWorkFromTheFloor) {
     EXPECT_EQ(settings.read("PropertiesVertDraw", -1), 0);
 }
 
-TEST_F(MainFrame, barsCanBeHiddenAndShown) {
+TEST_F(MainFrameTest, BarsCanBeHiddenAndShown) {
     for (const auto& [name, bar] :
          {std::pair<const char*, QWidget*>{"viewToolbar", frame->findChild<QToolBar*>()},
           {"viewStatusBar", frame->statusBar()}}) {
@@ -129,30 +133,32 @@ TEST_F(MainFrame, barsCanBeHiddenAndShown) {
     }
 }
 
-TEST_F(MainFrame, theStatusBarTakesOnlyLinesMeantForIt) {
-    auto* message = frame->findChild<MessagePane*>();
+TEST_F(MainFrameTest, TheStatusBarTakesOnlyLinesMeantForIt) {
+    auto* message = frame->findChild<CMessagePane*>();
     log.LogMessage("seen", true);
     EXPECT_TRUE(message->message().endsWith(QStringLiteral(" - seen")));
     log.LogMessage("unseen", false);
     EXPECT_TRUE(message->message().endsWith(QStringLiteral(" - seen")));
 }
 
-TEST_F(MainFrame, panesFollowTheStateOfThingsWhenTheLoopIsIdle) {
+TEST_F(MainFrameTest, PanesFollowTheStateOfThingsWhenTheLoopIsIdle) {
     EXPECT_TRUE(pane("paneHidden").isEmpty());
-    document().display().VisibleTypes = ~4;
+    station->display().VisibleTypes = ~4;
     QEventLoop loop; // a test's own waiting never lets the loop rest
     QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (!pane("paneHidden").isEmpty())
-            loop.exit(1);
-    });
+    QObject::connect(
+        &look, &QTimer::timeout, &loop,
+        [&] {
+            if (!pane("paneHidden").isEmpty())
+                loop.exit(1);
+        });
     QTimer::singleShot(5000, &loop, [&loop] { loop.exit(2); });
     look.start(10);
     EXPECT_EQ(loop.exec(), 1) << "still dark after five seconds";
     EXPECT_EQ(pane("paneHidden"), QStringLiteral("HIDE"));
 }
 
-TEST_F(MainFrame, liveStatNeedsDevicesAndItsCheckMarkTellsTheTruth) {
+TEST_F(MainFrameTest, LiveStatNeedsDevicesAndItsCheckMarkTellsTheTruth) {
     frame->refresh();
     EXPECT_FALSE(action("toolsLiveStat")->isEnabled());
     addComputer();
@@ -165,7 +171,7 @@ TEST_F(MainFrame, liveStatNeedsDevicesAndItsCheckMarkTellsTheTruth) {
     EXPECT_FALSE(action("toolsLiveStat")->isChecked());
 }
 
-TEST_F(MainFrame, aRefusedTakeOverLeavesNoCheckMark) {
+TEST_F(MainFrameTest, ARefusedTakeOverLeavesNoCheckMark) {
     addComputer();
     document().edit(*document().findSpecial(SpecialType::LiveStatOwnerRecord), [](CHardware& owner) {
         owner.State = 1;
@@ -180,7 +186,7 @@ TEST_F(MainFrame, aRefusedTakeOverLeavesNoCheckMark) {
     EXPECT_FALSE(action("toolsLiveStat")->isChecked());
 }
 
-TEST_F(MainFrame, liveDiscoverNeedsARangeAndItsPaneCountsWhatItFound) {
+TEST_F(MainFrameTest, LiveDiscoverNeedsARangeAndItsPaneCountsWhatItFound) {
     frame->refresh();
     EXPECT_FALSE(action("toolsLiveDiscover")->isEnabled());
     CHardware range;
@@ -193,7 +199,11 @@ TEST_F(MainFrame, liveDiscoverNeedsARangeAndItsPaneCountsWhatItFound) {
     EXPECT_TRUE(action("toolsLiveDiscover")->isChecked());
     frame->refresh();
     EXPECT_EQ(pane("paneLiveDiscover"), QStringLiteral("LD!"));
-    document().countDiscovered();
+    probes.answer("127.0.0.1");
+    ASSERT_TRUE(QTest::qWaitFor([this] {
+        timers.advance(std::chrono::seconds(1));
+        return station->discovered() == 1;
+    }));
     frame->refresh();
     EXPECT_TRUE(frame->findChild<QLabel*>(QStringLiteral("paneLiveDiscover"))
                     ->toolTip()
@@ -204,7 +214,7 @@ TEST_F(MainFrame, liveDiscoverNeedsARangeAndItsPaneCountsWhatItFound) {
     EXPECT_EQ(pane("paneLiveDiscover"), QString());
 }
 
-TEST_F(MainFrame, trackingNeedsLiveStatFollowsItAndEndsWithAClick) {
+TEST_F(MainFrameTest, TrackingNeedsLiveStatFollowsItAndEndsWithAClick) {
     document().addDevice(DeviceType::Computer, [](CHardware& device) { device.Position = {4000, 3000}; });
     QAction* track = action("toolsTrackLiveStat");
     track->trigger();
@@ -227,7 +237,7 @@ TEST_F(MainFrame, trackingNeedsLiveStatFollowsItAndEndsWithAClick) {
     EXPECT_FALSE(track->isChecked()) << "nothing is left to follow";
 }
 
-TEST_F(MainFrame, theOptionsOpenInFrontAndTypedRulesSurviveTheSession) {
+TEST_F(MainFrameTest, TheOptionsOpenInFrontAndTypedRulesSurviveTheSession) {
     action("toolsLiveStatOptions")->trigger();
     auto* options = frame->findChild<QDialog*>(QStringLiteral("liveStatOptions"));
     ASSERT_NE(options, nullptr);
@@ -240,7 +250,7 @@ TEST_F(MainFrame, theOptionsOpenInFrontAndTypedRulesSurviveTheSession) {
     EXPECT_EQ(document().criteria(DeviceType::Computer, 0)->IPAddress, "typed");
 }
 
-TEST_F(MainFrame, liveStatNowIsOfferedWhileSomethingIsSelected) {
+TEST_F(MainFrameTest, LiveStatNowIsOfferedWhileSomethingIsSelected) {
     addComputer();
     Q_EMIT menu("menuTools")->aboutToShow();
     EXPECT_FALSE(action("toolsLiveStatNow")->isEnabled());
@@ -251,20 +261,20 @@ TEST_F(MainFrame, liveStatNowIsOfferedWhileSomethingIsSelected) {
     EXPECT_TRUE(logged("Processing Live Stat Now on 1 selected object(s)..."));
 }
 
-TEST_F(MainFrame, theFloorMapCommandStoresThePathAndSaves) {
+TEST_F(MainFrameTest, TheFloorMapCommandStoresThePathAndSaves) {
     dialogs.files = {inFolder("plan.mv"), inFolder("map.bmp")};
     ASSERT_TRUE(frame->files().saveAs());
     QImage(20, 10, QImage::Format_RGB32).save(QString::fromStdString(inFolder("map.bmp")));
     action("toolsFloorMap")->trigger();
-    EXPECT_EQ(document().floorMapPath(), inFolder("map.bmp"));
+    EXPECT_EQ(floorMapOf(document()).mapPath, inFolder("map.bmp"));
     EXPECT_EQ(dialogs.choices.back().filters.front(), "Bitmap Files (*.bmp)");
     ASSERT_TRUE(frame->files().openPath(inFolder("plan.mv")));
-    EXPECT_EQ(document().floorMapPath(), inFolder("map.bmp"));
+    EXPECT_EQ(floorMapOf(document()).mapPath, inFolder("map.bmp"));
     EXPECT_TRUE(dialogs.failures.empty());
 }
 
-TEST_F(MainFrame, aFloorMapThatIsNotThereIsNamed) {
-    document().setFloorMapPath("/nowhere/map.bmp");
+TEST_F(MainFrameTest, AFloorMapThatIsNotThereIsNamed) {
+    setFloorMap(document(), {"/nowhere/map.bmp", {}});
     dialogs.files = {inFolder("mapless.mv")};
     ASSERT_TRUE(frame->files().saveAs());
     ASSERT_TRUE(frame->files().newFile());
@@ -274,7 +284,7 @@ TEST_F(MainFrame, aFloorMapThatIsNotThereIsNamed) {
     EXPECT_EQ(dialogs.failures, std::vector<std::string>{"Floor map file /nowhere/map.bmp does not exist!"});
 }
 
-TEST_F(MainFrame, titleAndRecentFilesFollowTheDocument) {
+TEST_F(MainFrameTest, TitleAndRecentFilesFollowTheDocument) {
     EXPECT_EQ(frame->windowTitle(), QStringLiteral("Untitled - Mirovane"));
     dialogs.files = {inFolder("R&D plan.mv")};
     ASSERT_TRUE(frame->files().saveAs());
@@ -291,7 +301,7 @@ TEST_F(MainFrame, titleAndRecentFilesFollowTheDocument) {
     EXPECT_EQ(frame->windowHandle()->title(), QStringLiteral("plan[*].mv - Mirovane"));
 }
 
-TEST_F(MainFrame, rangesAskedForByDiscoverNowTakeTheKeyboardFromIt) {
+TEST_F(MainFrameTest, RangesAskedForByDiscoverNowTakeTheKeyboardFromIt) {
     action("toolsDiscoverNow")->trigger();
     auto* discover = frame->findChild<QDialog*>(QStringLiteral("discoverNowWindow"));
     ASSERT_NE(discover, nullptr);
@@ -303,7 +313,7 @@ TEST_F(MainFrame, rangesAskedForByDiscoverNowTakeTheKeyboardFromIt) {
     EXPECT_TRUE(QTest::qWaitForWindowActive(options));
 }
 
-TEST_F(MainFrame, closingAnUnsavedFloorCanBeCalledOff) {
+TEST_F(MainFrameTest, ClosingAnUnsavedFloorCanBeCalledOff) {
     addComputer();
     dialogs.saveAnswers = {SaveAnswer::Cancel};
     action("fileExit")->trigger();
@@ -315,7 +325,7 @@ TEST_F(MainFrame, closingAnUnsavedFloorCanBeCalledOff) {
     EXPECT_FALSE(frame->messageLog().isVisible());
 }
 
-TEST_F(MainFrame, theEndOfTheSessionRescuesAFloorWithoutAFile) {
+TEST_F(MainFrameTest, TheEndOfTheSessionRescuesAFloorWithoutAFile) {
     addComputer();
     frame->saveForSession(inFolder("rescued.mv"));
     EXPECT_FALSE(frame->endSession());

@@ -11,11 +11,11 @@
 namespace mirovane {
 namespace {
 
-class MessageLogWindow : public testing::Test {
+class MessageLogWindowTest : public testing::Test {
 protected:
     test::FakeClock clock;
     CMessageLog log{clock};
-    MemorySettingsStore store;
+    CMemorySettingsStore store;
     CSettings settings{store};
 
     static QPlainTextEdit* textOf(CMessageLogWindow& window) {
@@ -30,7 +30,7 @@ protected:
     }
 };
 
-TEST_F(MessageLogWindow, keepsFourHundredLinesAndStartGoesFirst) {
+TEST_F(MessageLogWindowTest, KeepsFourHundredLinesAndStartGoesFirst) {
     CMessageLogWindow window(log, settings);
     EXPECT_EQ(lineAt(window, 0), QStringLiteral("Start Mirovane"));
     fill(398);
@@ -42,10 +42,10 @@ TEST_F(MessageLogWindow, keepsFourHundredLinesAndStartGoesFirst) {
     fill(5);
     ASSERT_EQ(static_cast<int>(log.lines().size()) + 1, textOf(window)->blockCount());
     for (int i = 0; i < static_cast<int>(log.lines().size()); ++i)
-        EXPECT_EQ(lineAt(window, i).toStdString(), log.lines()[static_cast<std::size_t>(i)]);
+        EXPECT_EQ(lineAt(window, i).toStdString(), log.lines()[static_cast<std::size_t>(i)].shown());
 }
 
-TEST_F(MessageLogWindow, showsWhatWasLoggedBeforeAndWhileItWasHidden) {
+TEST_F(MessageLogWindowTest, ShowsWhatWasLoggedBeforeAndWhileItWasHidden) {
     log.LogMessage("early");
     CMessageLogWindow window(log, settings);
     EXPECT_TRUE(lineAt(window, 0).endsWith(QStringLiteral("early")));
@@ -54,7 +54,7 @@ TEST_F(MessageLogWindow, showsWhatWasLoggedBeforeAndWhileItWasHidden) {
     EXPECT_TRUE(lineAt(window, 1).endsWith(QStringLiteral("hidden")));
 }
 
-TEST_F(MessageLogWindow, followsTheEndUnlessSomebodyReadsFurtherUp) {
+TEST_F(MessageLogWindowTest, FollowsTheEndUnlessSomebodyReadsFurtherUp) {
     CMessageLogWindow window(log, settings);
     window.resize(400, 200);
     fill(100);
@@ -75,7 +75,7 @@ TEST_F(MessageLogWindow, followsTheEndUnlessSomebodyReadsFurtherUp) {
     EXPECT_EQ(bar->value(), bar->maximum());
 }
 
-TEST_F(MessageLogWindow, takesItsPlaceOnlyWhenCornerAndSizeAreStored) {
+TEST_F(MessageLogWindowTest, TakesItsPlaceOnlyWhenCornerAndSizeAreStored) {
     store.writeInteger("WindowMLogBotX", 333);
     store.writeInteger("WindowMLogBotY", 222);
     EXPECT_NE(CMessageLogWindow(log, settings).width(), 333);

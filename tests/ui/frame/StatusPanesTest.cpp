@@ -1,6 +1,6 @@
 #include "ui/frame/StatusPanes.h"
 
-#include "ui/frame/KeyboardLocks.h"
+#include "ui/widgets/KeyboardLocks.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,7 +13,7 @@
 namespace mirovane {
 namespace {
 
-TEST(StatusPanes, indicatorsShowTextOnlyWhileSomethingIsOn) {
+TEST(StatusPanesTest, IndicatorsShowTextOnlyWhileSomethingIsOn) {
     IndicatorState state;
     for (const Indicator indicator : {Indicator::Reminders, Indicator::LiveDiscover, Indicator::LiveStat,
                                       Indicator::Hidden, Indicator::Keyboard})
@@ -30,7 +30,7 @@ TEST(StatusPanes, indicatorsShowTextOnlyWhileSomethingIsOn) {
     EXPECT_EQ(indicatorText(Indicator::LiveDiscover, state), QStringLiteral("LD!"));
 }
 
-TEST(StatusPanes, panesHoldTheirSizingTextAndStandInOrder) {
+TEST(StatusPanesTest, PanesHoldTheirSizingTextAndStandInOrder) {
     QMainWindow window;
     const CStatusPanes panes(*window.statusBar());
     window.resize(900, 300);
@@ -51,7 +51,7 @@ TEST(StatusPanes, panesHoldTheirSizingTextAndStandInOrder) {
     }
 }
 
-TEST(StatusPanes, aLongMessageNeverMakesTheWindowWider) {
+TEST(StatusPanesTest, ALongMessageNeverMakesTheWindowWider) {
     QMainWindow window;
     CStatusPanes panes(*window.statusBar());
     window.resize(500, 300);
@@ -59,12 +59,12 @@ TEST(StatusPanes, aLongMessageNeverMakesTheWindowWider) {
     const int before = window.minimumSizeHint().width();
     panes.SetStatusText(QString(5000, u'W'));
     EXPECT_EQ(window.minimumSizeHint().width(), before);
-    const auto* message = window.findChild<MessagePane*>();
+    const auto* message = window.findChild<CMessagePane*>();
     EXPECT_EQ(message->message().size(), 5000);
     EXPECT_LT(message->text().size(), 200);
 }
 
-TEST(StatusPanes, aMessageIsOneLineOfPlainText) {
+TEST(StatusPanesTest, AMessageIsOneLineOfPlainText) {
     QMainWindow window;
     CStatusPanes panes(*window.statusBar());
     window.resize(500, 300);
@@ -73,12 +73,12 @@ TEST(StatusPanes, aMessageIsOneLineOfPlainText) {
     panes.SetStatusText(QStringLiteral("pc\r\n1\n2\n3\n4 is On"));
     EXPECT_EQ(window.statusBar()->sizeHint().height(), before);
     panes.SetStatusText(QStringLiteral("<img src=x>").repeated(300));
-    const QString tip = window.findChild<MessagePane*>()->toolTip();
+    const QString tip = window.findChild<CMessagePane*>()->toolTip();
     EXPECT_FALSE(tip.isEmpty());
     EXPECT_FALSE(tip.contains(QStringLiteral("<img")));
 }
 
-TEST(KeyboardLights, readsTheLightsOfAllKeyboards) {
+TEST(CKeyboardLightsTest, ReadsTheLightsOfAllKeyboards) {
     const QTemporaryDir folder;
     const auto light = [&folder](const char* name, const char* brightness) {
         QDir(folder.path()).mkpath(QLatin1String(name));
@@ -90,11 +90,11 @@ TEST(KeyboardLights, readsTheLightsOfAllKeyboards) {
     light("input7::capslock", "1\n");
     light("input3::numlock", "1\n");
     light("input3::scrolllock", "0\n");
-    const KeyboardLocks locks = KeyboardLights(folder.path()).read();
+    const KeyboardLocks locks = CKeyboardLights(folder.path()).read();
     EXPECT_EQ(keyboardText(locks), QStringLiteral("CAP NUM"));
-    EXPECT_EQ(KeyboardLights(QStringLiteral("/nonexistent")).read(), KeyboardLocks{});
-    EXPECT_FALSE(KeyboardLights::displayIsLocal(QStringLiteral("otherhost:10.0")));
-    EXPECT_TRUE(KeyboardLights::displayIsLocal(QStringLiteral(":0")));
+    EXPECT_EQ(CKeyboardLights(QStringLiteral("/nonexistent")).read(), KeyboardLocks{});
+    EXPECT_FALSE(CKeyboardLights::displayIsLocal(QStringLiteral("otherhost:10.0")));
+    EXPECT_TRUE(CKeyboardLights::displayIsLocal(QStringLiteral(":0")));
 }
 
 } // namespace

@@ -12,25 +12,28 @@ namespace {
 
 /// Presses a key in the box that comes up next.
 void answerWith(Qt::Key key) {
-    QTimer::singleShot(0, qApp, [key] {
-        if (QWidget* box = QApplication::activeModalWidget())
-            QTest::keyClick(box, key);
-    });
+    QTimer::singleShot(
+        0, qApp,
+        [key] {
+            if (QWidget* box = QApplication::activeModalWidget())
+                QTest::keyClick(box, key);
+        });
 }
 
-TEST(WidgetDialogs, neitherEnterNorEscapeSaysYes) {
-    WidgetDialogs dialogs(QStringLiteral("1"), {});
+TEST(WidgetDialogsTest, NeitherEnterNorEscapeSaysYes) {
+    CWidgetDialogs dialogs(QStringLiteral("1"), {});
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
         answerWith(key);
-        EXPECT_FALSE(dialogs.ask("floor.mv already exists.\n\nDo you want to replace it?"));
+        EXPECT_FALSE(dialogs.ask(
+            {Question::Kind::ReplaceFile, "floor.mv already exists.\n\nDo you want to replace it?"}));
     }
 }
 
-TEST(WidgetDialogs, theStationRestsWhileAQuestionIsOpen) {
+TEST(WidgetDialogsTest, TheStationRestsWhileAQuestionIsOpen) {
     std::vector<bool> told;
-    WidgetDialogs dialogs(QStringLiteral("1"), [&told](bool open) { told.push_back(open); });
+    CWidgetDialogs dialogs(QStringLiteral("1"), [&told](bool open) { told.push_back(open); });
     answerWith(Qt::Key_Escape);
-    dialogs.ask("Really?");
+    dialogs.ask({Question::Kind::ResetCriteria, "Really?"});
     EXPECT_EQ(told, (std::vector{true, false}));
 }
 

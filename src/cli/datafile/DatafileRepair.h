@@ -1,0 +1,23 @@
+#pragma once
+
+#include "cli/base/Output.h"
+#include "model/records/TwinRepair.h"
+
+#include <string>
+#include <vector>
+
+namespace mirovane {
+
+/// What a repair did to a datafile.
+struct DatafileRepair {
+    ExitStatus status = ExitStatus::Done; ///< FileFailed: it has been said why, and nothing was changed
+    std::vector<TwinRenumbering> renumbered;
+    std::string copy; ///< the file as it was; empty where there was nothing to repair
+};
+
+/// Mends what can be mended without loss: of devices that have the same RecID the first in list order keeps
+/// it, each other one gets the smallest that no device has. All in one save under the datafile's lock, after
+/// a copy of the file has been put beside it. Where nothing can be mended nothing is written.
+DatafileRepair repairDatafile(COutput& out, const std::string& path);
+
+} // namespace mirovane

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "cli/base/Output.h"
+#include "cli/station/StateLines.h"
+#include "station/Station.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace mirovane {
+
+/// What `station` was asked for.
+struct StationRequest {
+    std::string path;
+    bool liveStat = false;
+    bool discover = false;
+    bool takeOver = false;
+    std::vector<std::int32_t> now;       ///< devices to check at the start
+    std::optional<std::int32_t> loops;   ///< end after so many
+    std::optional<std::int32_t> seconds; ///< end after so long
+};
+
+/// Answers the station's questions when nobody sits there: No, but for an owner of Live Stat that has fallen
+/// silent, or where it was told to take over. What it runs itself it always leaves to the station that takes
+/// it: somebody there said Yes, and two that both insist would take it from each other every few seconds.
+class CHeadlessDialogs final : public StationDialogs {
+public:
+    CHeadlessDialogs(COutput& out, bool takeOver) : out_(out), takeOver_(takeOver) {}
+
+    /// Whose questions these are. It outlives this object's last answer.
+    void answerFor(const CStation& station) { station_ = &station; }
+
+    bool ask(const Question& question) override;
+    void fail(const std::string& text) override { out_.diagnose(text); }
+
+    /// Another station runs Live Stat or Live Discover and was left alone.
+    bool refusedLiveStat() const { return refusedLiveStat_; }
+    bool refusedDiscover() const { return refusedDiscover_; }
+    bool refused() const { return refusedLiveStat_ || refusedDiscover_; }
+
+private:
+    bool runsHere(bool discover) const;
+    bool ownerIsSilent() const;
+
+    COutput& out_;
+    bool takeOver_;
+    const CStation* station_ = nullptr;
+    bool refusedLiveStat_ = false;
+    bool refusedDiscover_ = false;
+};
+
+/// A headless station from the opening of its datafile to its end, on the event loop of the QCoreApplication.
+/// Main thread only.
+class CStationRun final : public QObject {
+public:
+    CStationRun(COutput& out, CStation& station, CMessageLog& log, CHeadlessDialogs& dialogs,
+                StationRequest request);
+
+    /// Runs until a signal, a limit of the request, or until nobody reads the output any more.
+    ExitStatus run();
+
+    /// SIGTERM and SIGINT end the run, SIGHUP opens the datafile again.
+    void signalled(int signal);
+
+private:
+    std::optional<ExitStatus> start();
+    void startNow();
+    void poll();
+    void startLiveStatLater();
+    void startDiscover();
+    void tellExportFailure();
+    bool loopsOver() const;
+    void finish();
+    void reopen();
+
+    COutput& out_;
+    CStation& station_;
+    CHeadlessDialogs& dialogs_;
+    StationRequest request_;
+    CStateLines stateLines_;
+    QTimer poll_;
+    QTimer limit_;
+    std::string exportFailure_;
+    bool finished_ = false;
+    ExitStatus status_ = ExitStatus::Done;
+};
+
+} // namespace mirovane

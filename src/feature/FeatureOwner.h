@@ -1,0 +1,62 @@
+#pragma once
+
+#include "feature/Question.h"
+#include "model/Document.h"
+#include "model/records/SpecialRecords.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace mirovane {
+
+/// What only one of the stations on a datafile runs.
+enum class Feature { LiveStat, LiveDiscover };
+
+/// Each of them has a record that tells all stations on the datafile which one runs it. Main thread. Nothing
+/// here saves.
+namespace FeatureOwner {
+
+/// Null in a damaged datafile until somebody claims it.
+const CHardware* record(const CMirovaneDoc& document, Feature feature);
+
+/// Without a record: off, and no station's.
+OwnerValues values(const CMirovaneDoc& document, Feature feature);
+
+/// Which stations run Live Stat and Live Discover; nothing where it is off. To see whether that changed.
+std::array<std::optional<StationIdentity>, 2> stations(const CMirovaneDoc& document);
+
+/// On at a station that is not this one.
+bool isElsewhere(const CMirovaneDoc& document, Feature feature);
+
+/// On, and the record names this station.
+bool isHere(const CMirovaneDoc& document, Feature feature);
+
+/// What the user is asked before this station takes it over.
+Question takeOverQuestion(const CMirovaneDoc& document, Feature feature);
+
+/// Names this station. A datafile that lost its owner record gets one.
+void claim(CMirovaneDoc& document, Feature feature);
+
+/// Nobody runs it any more.
+void release(CMirovaneDoc& document, Feature feature);
+
+} // namespace FeatureOwner
+
+/// `Modified` of Live Stat's owner record is the owner's sign of life. (Live Discover's is the time of its
+/// last discovery.)
+namespace LiveStatHeartbeat {
+
+/// An owner that was silent for so many whole hours is replaced by the next station that starts Live Stat by
+/// itself.
+constexpr std::int64_t takeOverHours = 4;
+
+/// Modified = now.
+void signOfLife(CMirovaneDoc& document);
+
+/// Whole hours since the last sign of life; 0 without an owner record.
+std::int64_t silentHours(const CMirovaneDoc& document);
+
+} // namespace LiveStatHeartbeat
+
+} // namespace mirovane

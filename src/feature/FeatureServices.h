@@ -1,0 +1,18 @@
+#pragma once
+
+#include "model/Document.h"
+#include "model/MessageLog.h"
+#include "platform/Clock.h"
+#include "platform/Timers.h"
+
+namespace mirovane {
+
+/// What every feature of a station works with. All of it outlives the feature.
+struct FeatureServices {
+    CMirovaneDoc& document;
+    TimerFactory& timers;
+    CMessageLog& log;
+    const Clock& clock;
+};
+
+} // namespace mirovane

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "livestat/schedule/JobSlots.h"
+#include "livestat/steps/JackIndex.h"
+#include "livestat/steps/Step.h"
+#include "model/Document.h"
+#include "model/MessageLog.h"
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace mirovane {
+
+/// Which criteria row of a device comes next, what its step is told, and what its outcome changes in the
+/// document. Main thread only.
+class CDeviceSteps {
+public:
+    CDeviceSteps(CMirovaneDoc& document, CMessageLog& log)
+        : document_(document), log_(log), jacks_(document) {}
+
+    /// The first row from `from` on that is to be run for this device; nothing: it is done.
+    std::optional<int> nextRow(const CHardware& device, int from) const;
+
+    /// Everything that the step of this row may look at.
+    StepInput input(const CHardware& device, int row);
+
+    /// Writes what the step found out to its device, or has the row run again where the outcome counts no
+    /// more: the step was stopped, or what it was asked about has changed meanwhile.
+    void takeBack(JobSlot& slot, const StepJob& job);
+
+    /// A device changed that nobody was told of yet; taking it tells.
+    bool changed() const { return changed_; }
+    bool takeChanged() { return std::exchange(changed_, false); }
+
+    /// Another document.
+    void reset();
+
+private:
+    /// One criteria row of one device.
+    using DeviceRow = std::pair<std::int32_t, int>;
+
+    void noteSearch(const JobSlot& slot, const StepJob& job);
+    void reportBrokenPattern(const StepJob& job);
+
+    CMirovaneDoc& document_;
+    CMessageLog& log_;
+    CJackIndex jacks_;
+    std::set<DeviceRow> searchAgain_;      ///< although the text file's stamp says that it has not changed
+    std::set<std::string> brokenPatterns_; ///< already reported
+    bool changed_ = false;
+};
+
+} // namespace mirovane

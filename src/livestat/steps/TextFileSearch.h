@@ -1,0 +1,53 @@
+#pragma once
+
+#include "model/records/Hardware.h"
+#include "pattern/Pattern.h"
+
+#include <cstdint>
+#include <optional>
+#include <stop_token>
+#include <string>
+
+namespace mirovane {
+
+/// What the search of a text file, or of the names in a folder, came to.
+struct SearchResult {
+    enum class End {
+        Hit,
+        NoHit,
+        Unreadable, ///< no such file, not a regular file, not allowed, or the disk failed: `trouble` says
+                    ///< which
+        Stopped,    ///< the stop token ended it
+    };
+
+    End end = End::NoHit;
+    std::string text;            ///< the first line or file name that matches, as it is there
+    std::uint64_t number = 0;    ///< of that line, counted from 1; without a hit how many were searched
+    std::uint64_t undecided = 0; ///< lines that took the pattern too many steps; they count as no match
+    std::string trouble;         ///< a few words, for people
+
+    /// Somebody wrote to the file during the search, perhaps after the place that was read last.
+    bool changedMeanwhile = false;
+};
+
+/// The path of a text file as this system spells it: backslashes part folders, too, unless the path as it
+/// is names something.
+std::string nativePath(const std::string& path);
+
+/// When a text file was changed last; nothing when no regular file can be found there, then `trouble` says
+/// why. Never 0, which means "never searched". Devices and pipes are not opened: reading those can wait for
+/// ever.
+std::optional<TimeStamp> textFileStamp(const std::string& path, std::string& trouble);
+
+/// The first line that matches the lower-cased pattern, whatever the case of the text.
+///
+/// A line ends at LF or CR LF; a CR alone is part of its line, a byte order mark at the beginning of the file
+/// is not. A line of more than 16 MiB is searched in parts of that size. The file is read in blocks, so its
+/// size costs time only; what a writer appends during the search is read up to 64 MiB, then the search ends:
+/// a log that grows as quickly as it is read would hold the worker for ever. Nothing is locked.
+///
+/// Any thread; ends within 100 ms of a stop request as long as the disk answers.
+SearchResult searchTextFile(const std::string& path, const CompiledPattern& pattern,
+                            const std::stop_token& stop);
+
+} // namespace mirovane

@@ -1,0 +1,133 @@
+#include "livestat/steps/ValueActions.h"
+
+#include "probes/registry/RegistryRead.h"
+
+namespace mirovane {
+
+namespace {
+
+void takeAnswer(CActionRun& run, const std::string& value, PatternOutcome answer) {
+    switch (answer) {
+    case PatternOutcome::Match:
+        run.outcome.result = value;
+        run.outcome.failed = false;
+        break;
+    case PatternOutcome::NoMatch:
+        run.say([] { return "the pattern does not match"; });
+        break;
+    case PatternOutcome::LimitReached:
+        run.say([] { return "the pattern takes too many steps for this value: that counts as no match"; });
+        break;
+    case PatternOutcome::Stopped:
+        run.outcome.cancelled = true;
+        break;
+    }
+}
+
+/// A value that was read becomes the result when it matches the row's pattern.
+void matchValue(CActionRun& run, const std::string& value) {
+    run.failWithNothing();
+    const std::optional<std::string> pattern = run.searchText();
+    if (!pattern)
+        return;
+    try {
+        takeAnswer(run, value, MatchPattern(value, *pattern, run.input.stop));
+    } catch (const bad_regexpr& refused) {
+        run.refuse(refused);
+    }
+}
+
+/// Where the user is looked for: the row's argument is not used.
+std::string logonHost(const CHardware& device) {
+    return "\\\\" + (device.Name.empty() ? device.IPAddress : device.Name);
+}
+
+void keepInBrackets(CActionRun& run) {
+    const std::string user = run.outcome.result; // the field as it is
+    if (user.starts_with('[')) {
+        run.outcome.acted = false;
+        return;
+    }
+    run.outcome.result = "[" + user + "]";
+    run.outcome.failed = false;
+}
+
+} // namespace
+
+void matchToJack(CActionRun& run) {
+    const auto& matched = run.input.matchedState;
+    run.outcome.failed = !matched;
+    run.outcome.stateIfMatch = matched.value_or(DeviceState::Def);
+    run.outcome.stateIfNoMatch = DeviceState::Def;
+    run.say([&] {
+        return std::string(matched ? "a device is plugged into this jack" : "no device names this jack");
+    });
+}
+
+void setValue(CActionRun& run) {
+    run.outcome.result = run.argument;
+    run.outcome.failed = false;
+}
+
+void readRegistry(CActionRun& run) {
+    std::string trouble;
+    const auto value =
+        run.probes.registry.ReadRegistryValue(run.argument, run.input.computerName, run.input.stop, &trouble);
+    if (run.stopRequested()) {
+        run.outcome.cancelled = true;
+    } else if (value) {
+        run.say([&] { return "value: " + *value; });
+        matchValue(run, *value);
+    } else {
+        run.say([&] { return "not read: " + whyNotFound(run.argument, trouble); });
+        run.failWithNothing();
+    }
+}
+
+void getFromAgent(CActionRun& run) {
+    const std::vector<std::string> words = argumentTokens(run.argument);
+    if (words.size() < 3) {
+        run.say([] { return "not asked: the argument needs a host, a community and an object identifier"; });
+        run.failWithNothing();
+        return;
+    }
+    const SNMPQuery query{words[0], words[1], words[2], 0, snmpTimeoutMs};
+    const SNMPAnswer answer = run.probes.snmp.SnmpGet(query, run.input.stop);
+    if (run.stopRequested()) {
+        run.outcome.cancelled = true;
+    } else if (answer.hasValue()) {
+        run.say([&] { return "value: " + answer.text; });
+        matchValue(run, answer.text);
+    } else {
+        run.say([&] { return words[0] + ": " + describeSnmpAnswer(answer, query); });
+        run.failWithNothing();
+    }
+}
+
+void lookUpUser(CActionRun& run) {
+    const CHardware& device = run.input.device;
+    if (device.Name.empty() && device.IPAddress.empty()) {
+        run.say([] { return "not asked: the device has neither a name nor an address"; });
+        run.outcome.acted = false;
+        return;
+    }
+    const std::string host = logonHost(device);
+    std::string trouble;
+    const LoggedOnUser user = run.probes.registry.LookUpLoggedOnUser(host, run.input.stop, &trouble);
+    if (run.stopRequested()) {
+        run.outcome.cancelled = true;
+    } else if (!user.reached) {
+        run.say([&] { return host + ": not reached" + (trouble.empty() ? "" : ": " + trouble); });
+        run.failWithNothing();
+        run.outcome.acted = false;
+    } else if (!user.name.empty()) {
+        run.say([&] { return host + ": " + user.name; });
+        run.outcome.result = user.name;
+        run.outcome.failed = false;
+    } else {
+        run.say([&] { return host + ": nobody is logged on"; });
+        keepInBrackets(run);
+    }
+}
+
+} // namespace mirovane

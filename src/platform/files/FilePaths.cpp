@@ -1,0 +1,50 @@
+#include "platform/files/FilePaths.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+
+namespace mirovane {
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string nameOf(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code failed;
+    return a == b || std::filesystem::equivalent(a, b, failed);
+}
+
+bool existsOnDisk(const std::string& path) {
+    std::error_code failed;
+    return std::filesystem::exists(path, failed);
+}
+
+/// Behind a symbolic link ".." leads elsewhere than the text says.
+std::string absolutePath(const std::string& path) {
+    std::error_code failed;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, failed);
+    if (failed || path.empty())
+        return path;
+    const std::filesystem::path shortest = absolute.lexically_normal();
+    return isSameFile(shortest.parent_path(), absolute.parent_path()) ? shortest.string() : absolute.string();
+}
+
+std::string fingerprintOf(std::string_view text) {
+    std::uint64_t hash = 14695981039346656037U;
+    for (const char c : text)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    std::string digits;
+    for (int shift = 60; shift >= 0; shift -= 4)
+        digits += "0123456789abcdef"[hash >> shift & 0xF];
+    return digits;
+}
+
+} // namespace mirovane

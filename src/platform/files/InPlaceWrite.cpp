@@ -1,0 +1,156 @@
+#include "platform/files/InPlaceWrite.h"
+
+#include "platform/files/FileErrors.h"
+#include "platform/files/FilePaths.h"
+#include "platform/files/OpenFile.h"
+#include "platform/files/SafeReplace.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::size_t longestStem = 100;
+
+/// Whether `found` can be what a cut-off write of `now` over `before` leaves: every byte is the new one, or
+/// the old one, or a reserved zero behind the old end.
+bool isCutOff(std::string_view found, std::string_view before, std::string_view now) {
+    if (found.size() < std::min(before.size(), now.size()) ||
+        found.size() > std::max(before.size(), now.size()))
+        return false;
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const bool isNew = i < now.size() && found[i] == now[i];
+        const bool isOld = found[i] == (i < before.size() ? before[i] : '\0');
+        if (!isNew && !isOld)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+CInPlaceWrite::CInPlaceWrite(CFileCalls& calls, const std::string& backupFolder, std::string target)
+    : calls_(calls), folder_(backupFolder), target_(std::move(target)) {
+    const std::string stem = nameOf(target_).substr(0, longestStem) + "-" + fingerprintOf(target_);
+    oldCopy_ = folder_ + "/" + stem + ".before";
+    newCopy_ = folder_ + "/" + stem + ".after";
+}
+
+/// Every part of the path that is missing, for this user only.
+bool CInPlaceWrite::makeBackupFolder() const {
+    for (std::size_t slash = folder_.find('/', 1); slash != std::string::npos;
+         slash = folder_.find('/', slash + 1))
+        calls_.makeFolder(folder_.substr(0, slash), 0700);
+    if (calls_.makeFolder(folder_, 0700) != 0 && errno != EEXIST)
+        return false;
+    if (isOurFolder())
+        return true;
+    errno = EPERM;
+    return false;
+}
+
+/// Where a user has no home, the folder lies in one that all write to. Whoever made it before him could put
+/// copies there that a recovery would take for his own.
+bool CInPlaceWrite::isOurFolder() const {
+    struct stat status = {};
+    return calls_.statusAt(folder_, status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
+           (status.st_mode & S_IWOTH) == 0;
+}
+
+bool CInPlaceWrite::keepCopy(const std::string& copy, std::string_view content) {
+    calls_.remove(copy);
+    CSafeReplace replacement(calls_, copy);
+    const bool made = replacement.run(content).has_value() && flushFolder(calls_, folder_);
+    if (!made && replacement.error().code != 0)
+        errno = replacement.error().code;
+    return made;
+}
+
+std::optional<FileError> CInPlaceWrite::run(int fd, std::string_view content) {
+    const std::optional<std::string> before = readWhole(calls_, fd);
+    if (!before)
+        return fileError("cannot read", target_, errno);
+    // The old copy comes last: when it is there, both are whole.
+    const bool folderMade = makeBackupFolder();
+    if (!folderMade || !keepCopy(newCopy_, content) || !keepCopy(oldCopy_, *before)) {
+        FileError error = fileError("cannot write", target_, errno);
+        error.sentence +=
+            " (its folder takes no new file, and the copy that a write in place needs could not be kept in " +
+            folder_ + ")";
+        if (folderMade) // else what lies there, if anything, is not this save's
+            calls_.remove(newCopy_);
+        return error;
+    }
+    if (overwrite(fd, content, before->size())) {
+        forgetCopies(false);
+        return std::nullopt;
+    }
+    FileError error = fileError("cannot write", target_, errno);
+    if (overwrite(fd, *before, std::max(before->size(), content.size())))
+        forgetCopies(false);
+    else
+        error.sentence += "; the datafile as it was is kept as " + oldCopy_;
+    return error;
+}
+
+/// Room first, so that a full disk shows before any byte is lost; the end last.
+bool CInPlaceWrite::overwrite(int fd, std::string_view content, std::size_t sizeNow) {
+    if (content.size() > sizeNow && calls_.allocate(fd, static_cast<off_t>(content.size())) != 0) {
+        const int code = errno;
+        calls_.truncate(fd, static_cast<off_t>(sizeNow));
+        errno = code;
+        return false;
+    }
+    return writeWhole(calls_, fd, content) && calls_.truncate(fd, static_cast<off_t>(content.size())) == 0 &&
+           calls_.flush(fd) == 0;
+}
+
+bool CInPlaceWrite::leftBehind() const {
+    struct stat status = {};
+    return calls_.statusAt(oldCopy_, status) == 0 && isOurFolder();
+}
+
+std::optional<std::string> CInPlaceWrite::readCopy(const std::string& copy) const {
+    const COpenFile file(calls_, calls_.openFile(copy, O_RDONLY, 0));
+    return file ? readWhole(calls_, file.fd()) : std::nullopt;
+}
+
+std::optional<FileError> CInPlaceWrite::recover(int fd) {
+    const std::optional<std::string> before = readCopy(oldCopy_);
+    const std::optional<std::string> now = readCopy(newCopy_);
+    const std::optional<std::string> found = readWhole(calls_, fd);
+    if (!found)
+        return fileError("cannot read", target_, errno);
+    if (!before || !now)
+        return std::nullopt;
+    const bool whole = *found == *before || *found == *now;
+    if (!whole && !isCutOff(*found, *before, *now)) {
+        forgetCopies(true);
+        return std::nullopt;
+    }
+    if (!whole && !overwrite(fd, *now, found->size())) {
+        FileError error = fileError("cannot write", target_, errno);
+        error.sentence +=
+            "; its last save was cut off, whole copies are kept as " + oldCopy_ + " and " + newCopy_;
+        return error;
+    }
+    forgetCopies(false);
+    return std::nullopt;
+}
+
+/// `keepOld`: somebody else's content stands in the file; the copy stays under a name that no recovery looks
+/// for.
+void CInPlaceWrite::forgetCopies(bool keepOld) {
+    if (keepOld)
+        calls_.rename(oldCopy_, oldCopy_ + "-kept");
+    else
+        calls_.remove(oldCopy_);
+    calls_.remove(newCopy_);
+}
+
+} // namespace mirovane

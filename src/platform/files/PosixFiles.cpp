@@ -1,0 +1,173 @@
+#include "platform/files/PosixFiles.h"
+
+#include "platform/files/FileErrors.h"
+#include "platform/files/FilePaths.h"
+#include "platform/files/InPlaceWrite.h"
+#include "platform/files/LockedPosixFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <optional>
+#include <unistd.h>
+#include <utility>
+
+namespace mirovane {
+
+namespace {
+
+constexpr int mostLinks = 40;
+constexpr std::chrono::milliseconds longestPause{50};
+
+/// What `path` stands for once symbolic links are followed, also where the last one points at nothing yet.
+std::string followLinks(CFileCalls& calls, const std::string& path) {
+    std::string at = path;
+    for (int link = 0; link < mostLinks; ++link) {
+        std::string real = calls.realPath(at);
+        if (!real.empty())
+            return real;
+        const std::string target = calls.linkTarget(at);
+        if (target.empty())
+            return at;
+        at = target.front() == '/' ? target : folderOf(at).append("/").append(target);
+    }
+    return at;
+}
+
+std::string_view verbFor(FileAccess access) {
+    return access == FileAccess::Write ? "cannot write" : "cannot read";
+}
+
+/// Where this user's last write in place of this file was cut off. While another station has the file, it is
+/// left for the next time.
+std::optional<FileError> completeCutOffWrite(CFileCalls& calls, const std::string& path,
+                                             const std::string& backupFolder) {
+    const std::string target = followLinks(calls, path);
+    CInPlaceWrite writing(calls, backupFolder, target);
+    if (!writing.leftBehind())
+        return std::nullopt;
+    const COpenFile file(calls, calls.openFile(target, O_RDWR | O_NOCTTY | O_NONBLOCK, 0));
+    if (!file || (calls.tryLock(file.fd(), true) != 0 && !locksUnsupported(errno)))
+        return std::nullopt;
+    return writing.recover(file.fd());
+}
+
+/// One station's attempts to get the lock, one after the other.
+class CLocking {
+public:
+    enum class Outcome { Locked, Missing, Busy, Failed };
+
+    CLocking(CFileCalls& calls, const std::string& path, FileAccess access)
+        : calls_(calls), path_(path), access_(access) {}
+
+    Outcome attempt() {
+        target_ = followLinks(calls_, path_);
+        const int flags = access_ == FileAccess::Write ? O_RDWR : O_RDONLY;
+        // Not blocking: a pipe under the datafile's name must not hang the program.
+        file_ = COpenFile(calls_, calls_.openFile(target_, flags | O_NOCTTY | O_NONBLOCK, 0));
+        if (!file_)
+            return errno == ENOENT && access_ == FileAccess::Write ? Outcome::Missing : failed(errno);
+        if (calls_.statusOf(file_.fd(), status_) != 0)
+            return failed(errno);
+        if (!S_ISREG(status_.st_mode))
+            return notAFile();
+        // Only root gets here; whoever took every right to write away meant him, too.
+        if (access_ == FileAccess::Write && (status_.st_mode & 0222) == 0)
+            return failed(EACCES);
+        if (calls_.tryLock(file_.fd(), access_ == FileAccess::Write) != 0 && !locksUnsupported(errno))
+            return errno == EAGAIN || errno == EACCES ? Outcome::Busy : failed(errno);
+        return stillThere();
+    }
+
+    const FileError& error() const { return error_; }
+    const std::string& target() const { return target_; }
+    const struct stat& status() const { return status_; }
+    COpenFile takeFile() { return std::move(file_); }
+
+private:
+    /// Another station may have renamed a new file over this one while this station waited. Opened, not asked
+    /// by name: a network file system answers names from a cache, but opens afresh.
+    Outcome stillThere() {
+        const COpenFile named(calls_, calls_.openFile(path_, O_RDONLY | O_NOCTTY | O_NONBLOCK, 0));
+        struct stat now = {};
+        if (!named)
+            return errno == ENOENT ? Outcome::Busy : failed(errno);
+        if (calls_.statusOf(named.fd(), now) != 0 || calls_.statusOf(file_.fd(), status_) != 0)
+            return failed(errno);
+        return sameFile(now, status_) ? Outcome::Locked : Outcome::Busy;
+    }
+
+    Outcome failed(int code) {
+        error_ = fileError(verbFor(access_), path_, code);
+        return Outcome::Failed;
+    }
+
+    Outcome notAFile() {
+        error_ = {FileError::Kind::Other, 0,
+                  std::string(verbFor(access_)) + " " + path_ + ": it is not a file"};
+        return Outcome::Failed;
+    }
+
+    CFileCalls& calls_;
+    const std::string& path_;
+    FileAccess access_;
+    std::string target_;
+    COpenFile file_;
+    struct stat status_ = {};
+    FileError error_;
+};
+
+} // namespace
+
+CPosixFiles::CPosixFiles()
+    : ownCalls_(std::make_unique<CFileCalls>()), calls_(*ownCalls_), backupFolder_(defaultBackupFolder()) {}
+
+CPosixFiles::CPosixFiles(CFileCalls& calls, std::string backupFolder)
+    : calls_(calls), backupFolder_(std::move(backupFolder)) {}
+
+CPosixFiles::~CPosixFiles() = default;
+
+Result<FileIdentity, FileError> CPosixFiles::status(const std::string& path) {
+    struct stat status = {};
+    if (calls_.statusAt(path, status) != 0)
+        return fileError("cannot read", path, errno);
+    return identityFrom(status);
+}
+
+Result<std::unique_ptr<LockedFile>, FileError> CPosixFiles::lock(const std::string& path, FileAccess access,
+                                                                 std::chrono::milliseconds patience) {
+    if (auto error = completeCutOffWrite(calls_, path, backupFolder_))
+        return *error;
+    const auto deadline = calls_.now() + patience;
+    std::chrono::milliseconds wait{1};
+    for (;;) {
+        CLocking locking(calls_, path, access);
+        const CLocking::Outcome outcome = locking.attempt();
+        if (outcome == CLocking::Outcome::Locked || outcome == CLocking::Outcome::Missing)
+            return std::unique_ptr<LockedFile>(std::make_unique<CLockedPosixFile>(
+                calls_, path, locking.target(), backupFolder_, locking.takeFile(), locking.status()));
+        if (outcome == CLocking::Outcome::Failed)
+            return locking.error();
+        if (calls_.now() >= deadline)
+            return FileError{FileError::Kind::Locked, EAGAIN,
+                             std::string(verbFor(access)) + " " + path + ": another station is using it"};
+        calls_.pause(wait);
+        wait = std::min(wait * 2, longestPause);
+    }
+}
+
+std::string defaultBackupFolder() {
+    const auto variable = [](const char* name) {
+        const char* value = std::getenv(name);
+        return value && value[0] == '/' ? std::string(value) : std::string();
+    };
+    if (const std::string state = variable("XDG_STATE_HOME"); !state.empty())
+        return state + "/mirovane";
+    if (const std::string home = variable("HOME"); !home.empty())
+        return home + "/.local/state/mirovane";
+    const std::string temporary = variable("TMPDIR");
+    return (temporary.empty() ? std::string("/tmp") : temporary) + "/mirovane-" + std::to_string(::geteuid());
+}
+
+} // namespace mirovane

@@ -1,0 +1,92 @@
+#include "probes/SNMPProbe.h"
+
+#include "probes/snmp/SNMPException.h"
+#include "probes/snmp/SNMPObject.h"
+#include "probes/snmp/SNMPRemoteAgent.h"
+#include "probes/snmp/SNMPRequest.h"
+
+#include <array>
+#include <memory>
+
+namespace mirovane {
+
+namespace {
+
+SNMPAnswer answerOf(const SNMPRequest& request) {
+    switch (request.status()) {
+    case SNMPRequest::Status::SUCCEEDED:
+        if (request.responses().empty())
+            return {SNMPAnswer::Kind::Failed, "the answer holds no value", 0};
+        return {SNMPAnswer::Kind::Value, request.responses().front().ValueText(), 0};
+    case SNMPRequest::Status::ERROR:
+        return {SNMPAnswer::Kind::ErrorStatus, "", request.errorStatus()};
+    case SNMPRequest::Status::CANCELLED:
+        return {SNMPAnswer::Kind::Stopped, "", 0};
+    default:
+        return {SNMPAnswer::Kind::TimedOut, "", 0};
+    }
+}
+
+/// The first letter in lower case: the text goes on after a colon.
+std::string continued(std::string message) {
+    if (!message.empty() && message[0] >= 'A' && message[0] <= 'Z')
+        message[0] = static_cast<char>(message[0] - 'A' + 'a');
+    return message;
+}
+
+std::string nameOfStatus(std::int32_t status) {
+    constexpr std::array names{"no error",     "too big",
+                               "no such name", "bad value",
+                               "read only",    "general error, or the message could not be sent or read"};
+    const auto index = static_cast<std::size_t>(status);
+    return status >= 0 && index < names.size() ? std::string(" (") + names[index] + ")" : "";
+}
+
+} // namespace
+
+SNMPAnswer CSystemSNMPProbe::SnmpGet(const SNMPQuery& query, std::stop_token stop) {
+    try {
+        manager_.Startup();
+        SNMPRemoteAgent agent(manager_, query.host, query.community, query.port, nullptr, stop);
+        SNMPObject object("");
+        object.SetOid(query.oid);
+        SNMPRequest request(SNMPPduType::GetRequest, {&object, 1});
+        request.Send(agent);
+        request.Wait(query.timeoutMs, stop);
+        return answerOf(request);
+    } catch (SNMPException* raised) {
+        const std::unique_ptr<SNMPException> owned(raised);
+        if (stop.stop_requested())
+            return {SNMPAnswer::Kind::Stopped, "", 0};
+        return {SNMPAnswer::Kind::Failed, continued(owned->message()), 0};
+    }
+}
+
+std::optional<std::string> CSystemSNMPProbe::snmpUnusable() {
+    try {
+        manager_.Startup();
+        return std::nullopt;
+    } catch (SNMPException* raised) {
+        const std::unique_ptr<SNMPException> owned(raised);
+        return "SNMP cannot be used: no socket can be opened (code " + std::to_string(owned->code()) +
+               "); every SNMPGet row fails until this station is started again.";
+    }
+}
+
+std::string describeSnmpAnswer(const SNMPAnswer& answer, const SNMPQuery& query) {
+    switch (answer.kind) {
+    case SNMPAnswer::Kind::Value:
+        return "";
+    case SNMPAnswer::Kind::ErrorStatus:
+        return "error status " + std::to_string(answer.errorStatus) + nameOfStatus(answer.errorStatus);
+    case SNMPAnswer::Kind::TimedOut:
+        return "no answer within " + std::to_string(query.timeoutMs) + " ms";
+    case SNMPAnswer::Kind::Stopped:
+        return "stopped";
+    case SNMPAnswer::Kind::Failed:
+        break;
+    }
+    return answer.text;
+}
+
+} // namespace mirovane

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+
+namespace mirovane {
+
+/// Told what a station did that the document does not tell about. Main thread.
+class StationObserver {
+public:
+    virtual ~StationObserver() = default;
+
+    /// A Live Stat run or a reload changed what is seen; never more often than the runs.
+    virtual void redrawNeeded() {}
+
+    /// Devices changed, and no more changes follow at once: the rows of the List View are to be put in order.
+    virtual void listSettled() {}
+
+    /// Live Stat or Live Discover went on or off, a device was discovered, a run ended (other devices are
+    /// held now), or the status text changed.
+    virtual void indicatorsChanged() {}
+
+    /// A reminder check found due reminders, or found that none is due any more.
+    virtual void remindersChanged() {}
+
+    /// Track Live Stat is on and the check of this device begins.
+    virtual void deviceTracked(std::int32_t recID) { (void)recID; }
+
+    /// Every few milliseconds while a command waits for Live Stat's jobs: lets the window repaint.
+    virtual void waiting() {}
+};
+
+} // namespace mirovane

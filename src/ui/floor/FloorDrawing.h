@@ -1,0 +1,94 @@
+#pragma once
+
+#include "model/datafile/DatafileLink.h"
+#include "ui/floor/geometry/FloorIndex.h"
+#include "ui/floor/map/FloorMap.h"
+#include "ui/floor/paint/FloorFrame.h"
+#include "ui/floor/paint/IconSet.h"
+#include "ui/floor/paint/PhotoStore.h"
+
+#include <QImage>
+#include <QObject>
+#include <QRect>
+#include <QSize>
+
+#include <chrono>
+
+namespace mirovane {
+
+/// The picture of a document's floor, and everything it is drawn from: icons, map, photos, the index of what
+/// lies where. Observes the document and draws again only what a change touches. The view that owns it shows
+/// the picture; settings of the display may change at any time and are compared at each drawing. Main thread;
+/// document and settings outlive it.
+class CFloorDrawing final : public QObject, private DocumentObserver {
+    Q_OBJECT
+
+public:
+    /// Loads the icons: the project's own set and, over it, those of the current directory.
+    CFloorDrawing(const CMirovaneDoc& document, const CDatafileLink& datafile,
+                  const DisplaySettings& display);
+    ~CFloorDrawing() override;
+
+    CIconSet& icons() { return icons_; }
+    const CFloorIndex& index() const { return index_; }
+
+    /// Neither a map nor a device is on the floor.
+    bool empty() const;
+
+    /// MapExtentWidth and MapExtentHeight. Walks the whole list when something moved.
+    QSize extent();
+    bool extentStale();
+
+    /// Brings the picture up to date with the document and this state. Returns what differs from the picture
+    /// before, logical pixels. The view names what another state changes; only scrolling, size and zoom are
+    /// noticed here.
+    QRect draw(const FloorViewState& state, qreal devicePixelRatio);
+
+    /// As drawn last, canvas pixels.
+    const QImage& image() { return frame_.image(); }
+
+    /// The next picture equals this one: nothing waits to be drawn or loaded.
+    bool settled() const { return !frame_.stale() && !map_.loading(); }
+
+    /// Work that makes later pictures quicker; false when nothing is left to do.
+    bool prepare(std::chrono::microseconds budget) { return frame_.prepare(budget); }
+
+    void invalidate(const CHardware& device);
+    void invalidateAll();
+
+    /// Reads the floor map again if its file changed.
+    void reloadMap() { loadMap(true); }
+
+Q_SIGNALS:
+    /// Something waits to be drawn, or the extent has changed.
+    void outdated();
+
+    /// See CFloorMap::failed.
+    void mapFailed(const QString& sentence, bool missing);
+
+private:
+    // DocumentObserver
+    void recordAdded(const CHardware& record) override;
+    void recordChanged(const CHardware& before, const CHardware& after) override;
+    void flagsChanged(const CHardware& record) override;
+    void recordRemoved(const CHardware& record) override;
+    void orderChanged() override { invalidateAll(); }
+    void documentReplaced() override;
+
+    void loadMap(bool again);
+    void compareSettings();
+
+    const CDatafileLink& datafile_;
+    const CMirovaneDoc& document_;
+    const DisplaySettings& display_;
+    DisplaySettings painted_; ///< display settings of the last picture
+    CIconSet icons_;
+    CFloorMap map_;
+    CPhotoStore photos_;
+    CFloorIndex index_;
+    CFloorFrame frame_;
+    QSize extent_;
+    bool extentStale_ = true;
+};
+
+} // namespace mirovane

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QImage>
+#include <QPainter>
+#include <QPoint>
+#include <QRect>
+#include <QSize>
+
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace mirovane {
+
+/// A floor map ready to be drawn: the bitmap as its file holds it, and halved copies down to a few hundred
+/// pixels, from which any zoom below 100 % is averaged without touching every pixel. Immutable; made on a
+/// worker thread.
+class CMapPicture {
+public:
+    explicit CMapPicture(QImage bitmap);
+
+    QSize size() const { return bitmap_.size(); }
+    const QImage& bitmap() const { return bitmap_; }
+
+    /// The smallest copy that still has a pixel for every pixel shown at this factor, and how many map pixels
+    /// one of its pixels stands for.
+    const QImage& levelFor(double factor, int& reduction) const;
+
+private:
+    struct Level {
+        int reduction;
+        QImage image;
+    };
+
+    QImage bitmap_;
+    std::vector<Level> levels_;
+};
+
+/// Draws a map at any zoom out of kept square pieces, so that a frame after the first is copying and a huge
+/// zoom needs no huge image. Main thread only.
+class CMapTiles {
+public:
+    void setPicture(std::shared_ptr<const CMapPicture> picture);
+    const CMapPicture* picture() const { return picture_.get(); }
+
+    /// Draws what of the map lies in `target` (pixels of the canvas). `origin` is the canvas pixel of the
+    /// map's top left corner, `factor` canvas pixels per map pixel. What lies beside the map is left alone.
+    void draw(QPainter& painter, QRect target, QPoint origin, double factor);
+
+private:
+    static constexpr int tileSide = 256;
+    static constexpr std::size_t keptTiles = 384;
+
+    struct Tile {
+        QImage image;
+        std::uint64_t lastUse = 0;
+    };
+
+    const QImage& tile(int column, int row, QSize mapSize);
+    void makeRoom(std::size_t needed);
+
+    std::shared_ptr<const CMapPicture> picture_;
+    double factor_ = 0;
+    std::uint64_t use_ = 0;
+    std::unordered_map<std::uint64_t, Tile> tiles_;
+};
+
+/// `area` (canvas pixels) of `picture` shown at `factor`: averaged below 1, interpolated above. Any two areas
+/// agree where they overlap.
+QImage resampled(const CMapPicture& picture, QRect area, double factor);
+
+} // namespace mirovane

@@ -1,0 +1,215 @@
+#include "ui/floor/paint/DevicePainter.h"
+
+#include "model/FloorMap.h"
+#include "model/records/Text.h"
+#include "ui/floor/paint/MarkedArea.h"
+
+#include <QPen>
+
+#include <algorithm>
+#include <cmath>
+
+namespace mirovane {
+
+namespace {
+
+const QColor lineBlue(0, 0, 255);
+const QColor areaYellow(240, 240, 0);
+constexpr int areaPenWidth = 5;
+
+/// An odd number of pixels lies evenly around a line only when the line runs through the middle of pixels.
+class CLinePainter {
+public:
+    CLinePainter(QPainter& painter, QColor colour, int width) : painter_(painter) {
+        painter_.save();
+        painter_.setRenderHint(QPainter::Antialiasing);
+        painter_.setBrush(Qt::NoBrush);
+        painter_.setPen(QPen(colour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        if (width % 2 != 0)
+            painter_.translate(0.5, 0.5);
+    }
+    ~CLinePainter() { painter_.restore(); }
+    CLinePainter(const CLinePainter&) = delete;
+    CLinePainter& operator=(const CLinePainter&) = delete;
+
+    QPainter* operator->() const { return &painter_; }
+
+private:
+    QPainter& painter_;
+};
+
+} // namespace
+
+CDevicePainter::CDevicePainter(const CMirovaneDoc& document, const DisplaySettings& display, CIconSet& icons,
+                               CPhotoStore& photos)
+    : document_(document), display_(display), icons_(icons), photos_(photos) {}
+
+void CDevicePainter::begin(const FloorViewState& state, qreal devicePixelRatio) {
+    state_ = state;
+    ratio_ = devicePixelRatio;
+    zoom_ = floorZoom(display_);
+    penWidth_ = std::max(1, px(linePenWidth(display_)));
+    photoFolder_ = QString::fromStdString(displayText(floorMapOf(document_).photoFolder));
+    labels_.begin(display_, state.labels(), std::max(1, px(state.LabelFontHeight)));
+}
+
+int CDevicePainter::px(std::int64_t logical) const {
+    const double limit = coordinateLimit;
+    return static_cast<int>(std::clamp(std::round(static_cast<double>(logical) * ratio_), -limit, limit));
+}
+
+QRect CDevicePainter::pxRect(QPoint corner, QSize size) const {
+    const int left = px(corner.x());
+    const int top = px(corner.y());
+    const int right = px(std::int64_t{corner.x()} + size.width());
+    const int bottom = px(std::int64_t{corner.y()} + size.height());
+    return {left, top, right - left, bottom - top};
+}
+
+CDevicePainter::Figure CDevicePainter::figureOf(const CHardware& device) const {
+    Figure figure;
+    figure.corner = ToWindow(device.Position, state_.scroll, zoom_.ZoomPercent);
+    figure.bitmap = QSize(0, 0);
+    QSize box(0, 0);
+    if (const auto state = shownState(device)) {
+        figure.bitmap = icons_.bitmap(device.Type, *state).size();
+        box = scaled(icons_.sizes().of(device.Type), zoom_.ZoomDevicesPercent);
+    }
+    figure.box = pxRect(figure.corner, box);
+    figure.drawn = pxRect(figure.corner, scaled(figure.bitmap, zoom_.ZoomDevicesPercent));
+    figure.textTop = figure.box.topLeft();
+    figure.textBottom = figure.box.topLeft() + QPoint(0, figure.box.height());
+    return figure;
+}
+
+void CDevicePainter::DrawDevice(QPainter& painter, const CHardware& device, QRect clip,
+                                bool withoutDecorations) {
+    const Figure figure = figureOf(device);
+    CLabelCache::Block& block = labels_.block(device);
+    drawIcon(painter, device, figure);
+    labels_.draw(painter, block, figure.textTop, figure.textBottom, clip);
+    if (withoutDecorations)
+        return;
+    if (device.Selected) {
+        drawHighlight(painter, device, figure);
+        drawFoundReminder(painter, device, figure, clip);
+    }
+    drawPhoto(painter, device, figure);
+    drawLines(painter, device, figure);
+    if (showsRing(device))
+        drawRing(painter, device, figure);
+    if (showsMarkedArea(device))
+        drawMarkedArea(painter, device);
+}
+
+void CDevicePainter::drawIcon(QPainter& painter, const CHardware& device, const Figure& figure) {
+    if (figure.drawn.isEmpty())
+        return;
+    painter.drawImage(figure.drawn.topLeft(),
+                      icons_.stretched(device.Type, *shownState(device), figure.drawn.size()));
+}
+
+/// Where the bitmap is as large as the layout box the two steps, blue box and bitmap over it, are one kept
+/// image.
+void CDevicePainter::drawHighlight(QPainter& painter, const CHardware& device, const Figure& figure) {
+    if (!figure.drawn.isEmpty() && figure.drawn == figure.box) {
+        painter.drawImage(figure.drawn.topLeft(),
+                          icons_.highlighted(device.Type, *shownState(device), figure.drawn.size()));
+        return;
+    }
+    painter.fillRect(figure.box, lineBlue);
+    if (figure.drawn.isEmpty())
+        return;
+    painter.setCompositionMode(QPainter::RasterOp_NotSourceOrDestination);
+    painter.drawImage(figure.drawn.topLeft(),
+                      icons_.stretched(device.Type, *shownState(device), figure.drawn.size()));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+}
+
+void CDevicePainter::drawFoundReminder(QPainter& painter, const CHardware& device, const Figure& figure,
+                                       QRect clip) {
+    if (const auto line = foundReminderLine(device, state_.labels()))
+        drawLabel(painter, figure.textBottom, laidOut(*line, labels_.font()), labels_.font(), clip);
+}
+
+QImage CDevicePainter::photoOf(const CHardware& device) {
+    if (!device.ShowAll || !state_.gesture.LabelsShown || device.Username.empty())
+        return {};
+    return photos_.photo(photoPath(photoFolder_, QString::fromStdString(displayText(device.Username))));
+}
+
+QRect CDevicePainter::photoRect(QSize photo, const Figure& figure) const {
+    const QSize size = photoSize(photo, figure.bitmap.width(), zoom_, display_.PhotoScale);
+    return size.isEmpty() ? QRect() : pxRect(figure.corner - QPoint(size.width(), 0), size);
+}
+
+void CDevicePainter::drawPhoto(QPainter& painter, const CHardware& device, const Figure& figure) {
+    const QImage photo = photoOf(device);
+    const QRect place = photoRect(photo.size(), figure);
+    if (place.isEmpty())
+        return;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(place, photo);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+}
+
+void CDevicePainter::drawLines(QPainter& painter, const CHardware& device, const Figure& figure) {
+    if (!device.SlashDraw && !device.BackslashDraw && !device.HorzDraw && !device.VertDraw)
+        return;
+    CLinePainter pen(painter, lineBlue, penWidth_);
+    for (const FloorLine& line :
+         directionLines(device, display_, figure.corner, figure.bitmap, zoom_.ZoomDevicesPercent))
+        pen->drawLine(px(line.from), px(line.to));
+}
+
+bool CDevicePainter::showsRing(const CHardware& device) const {
+    return display_.LSStatusDeviceShow && state_.liveStatHolds && state_.liveStatHolds(device.RecID);
+}
+
+void CDevicePainter::drawRing(QPainter& painter, const CHardware&, const Figure& figure) {
+    CLinePainter pen(painter, lineBlue, penWidth_);
+    pen->drawEllipse(figure.box);
+}
+
+bool CDevicePainter::showsMarkedArea(const CHardware& device) const {
+    return device.Type == DeviceType::LocationMarker && device.RecID != 0 && !device.ToJack.empty() &&
+           (device.RecID == state_.SelectedMarker || device.RecID == state_.gesture.MarkingMarker);
+}
+
+std::vector<QPoint> CDevicePainter::markedAreaPoints(const CHardware& device) const {
+    std::vector<QPoint> points;
+    for (const MapPoint& corner : parseMarkedArea(device.ToJack))
+        points.push_back(px(ToWindow(corner, state_.scroll, zoom_.ZoomPercent)));
+    if (!points.empty() && state_.gesture.MarkingMarker != 0 && state_.SelectedMarker == 0)
+        points.push_back(px(state_.gesture.LastPoint - state_.scroll));
+    return points;
+}
+
+void CDevicePainter::drawMarkedArea(QPainter& painter, const CHardware& device) {
+    const std::vector<QPoint> points = markedAreaPoints(device);
+    if (points.size() < 2)
+        return;
+    CLinePainter pen(painter, areaYellow, std::max(1, px(areaPenWidth)));
+    pen->drawPolyline(points.data(), static_cast<int>(points.size()));
+}
+
+QRect CDevicePainter::bounds(const CHardware& device) {
+    const Figure figure = figureOf(device);
+    const int margin = penWidth_ / 2 + 2;
+    QRect all = (figure.box | figure.drawn).adjusted(-margin, -margin, margin, margin);
+    all |= labels_.covered(labels_.block(device), figure.textTop, figure.textBottom);
+    if (const auto line = foundReminderLine(device, state_.labels())) {
+        const int width = laidOut(*line, labels_.font()).width;
+        all |= QRect(figure.textBottom, QSize(width, labels_.font().height));
+    }
+    if (const QImage photo = photoOf(device); !photo.isNull())
+        all |= photoRect(photo.size(), figure);
+    if (showsMarkedArea(device)) {
+        const int areaMargin = px(areaPenWidth);
+        for (const QPoint& point : markedAreaPoints(device))
+            all |= QRect(point, QSize(1, 1)).adjusted(-areaMargin, -areaMargin, areaMargin, areaMargin);
+    }
+    return all;
+}
+
+} // namespace mirovane

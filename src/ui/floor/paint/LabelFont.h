@@ -1,0 +1,49 @@
+#pragma once
+
+#include "ui/floor/paint/LabelLines.h"
+
+#include <QFont>
+#include <QFontMetrics>
+#include <QPainter>
+#include <QPoint>
+#include <QRect>
+#include <QString>
+
+#include <string>
+
+namespace mirovane {
+
+/// "Arial", or the face of the same widths that replaces it, fitted into lines `height` pixels tall:
+/// lines stacked at that distance touch and do not overlap.
+struct LabelFont {
+    explicit LabelFont(int pixels);
+
+    QFont plain;
+    QFont underlined;
+    QFontMetrics metrics;
+    int height;   ///< of a line
+    int baseline; ///< from the top of a line
+};
+
+QRgb labelColour(LabelBackground background);
+
+/// A label's text as it is drawn: without control characters, and cut where no window reaches.
+QString shownText(const std::string& bytes);
+
+/// One line of text, laid out.
+struct LaidLine {
+    QString text;
+    int width = 0; ///< advance of the text, pixels
+    LabelBackground background = LabelBackground::Canvas;
+    bool underline = false;
+    int row = 0;
+};
+
+LaidLine laidOut(const LabelLine& line, const LabelFont& font);
+
+/// One line of text on its background. Glyphs that hang over the ends of the line are cut there, so that a
+/// line drawn alone equals a line among others. Changes the painter's font and pen; its clip is `clip` before
+/// and after.
+void drawLabel(QPainter& painter, QPoint corner, const LaidLine& line, const LabelFont& font, QRect clip);
+
+} // namespace mirovane

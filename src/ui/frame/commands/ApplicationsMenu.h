@@ -1,0 +1,67 @@
+#pragma once
+
+#include "applications/Applications.h"
+#include "ui/frame/commands/CommandActions.h"
+
+#include <QMenu>
+#include <QMenuBar>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <functional>
+#include <vector>
+
+namespace mirovane {
+
+/// The "&Applications" menu: an item per External Application that is on the menu, then "P&roperties". It
+/// stands in the menu bar while there is such an application, and comes up at a right click on the floor;
+/// without applications the right click brings "P&roperties" alone. Follows the document by itself, but never
+/// while it is open: an item must not change under the pointer. Belongs to the menu bar. Main thread.
+class CApplicationsMenu : public QObject, private DocumentObserver {
+    Q_OBJECT
+
+public:
+    struct Parts {
+        const CMirovaneDoc& document; ///< outlives the menu
+        const CCommandActions& actions;
+        std::function<void(const ApplicationValues& application)> run;
+        std::function<void()> aboutToShow; ///< enablement is brought up to date
+    };
+
+    CApplicationsMenu(QMenuBar& bar, Parts parts);
+    ~CApplicationsMenu() override;
+
+    void popup(QPoint screenPoint);
+
+    /// Runs what stands under a command id of the menu. Nothing happens for an id that is none, or when the
+    /// entry has gone from the datafile since.
+    void runCommand(int id);
+
+private:
+    // DocumentObserver
+    void recordAdded(const CHardware& record) override { changed(record); }
+    void recordChanged(const CHardware& before, const CHardware& after) override {
+        changed(before);
+        changed(after);
+    }
+    void recordRemoved(const CHardware& record) override { changed(record); }
+    void orderChanged() override { rebuildSoon_.start(); }
+    void documentReplaced() override { rebuildSoon_.start(); }
+
+    void changed(const CHardware& record);
+    void rebuild();
+    void fill();
+    void placeInBar();
+    void addProperties(QMenu& menu);
+
+    QMenuBar& bar_;
+    Parts parts_;
+    std::vector<ApplicationValues> shown_; ///< what the items stand for, in their order
+    QMenu* menu_;
+    QMenu* plain_; ///< "P&roperties" alone
+    QList<QAction*> properties_;
+    QTimer rebuildSoon_;
+};
+
+} // namespace mirovane

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "ui/frame/commands/CommandActions.h"
+#include "ui/frame/commands/FrameDialogs.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <functional>
+
+namespace mirovane {
+
+class CLiveStatOptionsWindow;
+
+/// The Tools menu: the floor map's picture, Live Stat and Live Discover.
+class CToolsCommands {
+public:
+    struct Parts {
+        std::function<void()> onFloorMap; ///< another picture was chosen
+        QWidget* window;                  ///< in front of which windows open
+        CSettings& settings;
+        const Clock& clock;
+    };
+
+    /// All references outlive the object.
+    CToolsCommands(CStation& station, FrameDialogs& dialogs, Parts parts);
+
+    void connectTo(CCommandActions& actions);
+
+    void chooseFloorMap();
+
+    /// Shows the options window, which goes on by itself, in front of the window that asks for it: that one
+    /// hands the keyboard to it and has it back afterwards.
+    void openLiveStatOptions(QWidget* asking = nullptr);
+
+    /// The session ends or the datafile is saved: a rule that is being typed counts.
+    void storeTyping();
+
+private:
+    CStation& station_;
+    FrameDialogs& dialogs_;
+    Parts parts_;
+    QPointer<CLiveStatOptionsWindow> options_;
+};
+
+} // namespace mirovane

@@ -1,0 +1,105 @@
+#include "ui/livestat/RowTrialWindow.h"
+
+#include "ui/widgets/DialogText.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace mirovane {
+
+CRowTrialWindow::CRowTrialWindow(const CStation& station, const Clock& clock, std::int32_t type, int row,
+                                 QWidget* parent)
+    : QDialog(parent),
+      station_(station),
+      row_(new QComboBox(this)),
+      devices_(new CDevicePickList(this)),
+      result_(new QPlainTextEdit(this)),
+      run_(station.probes(), clock) {
+    setObjectName(QStringLiteral("rowTrialWindow"));
+    setWindowTitle(tr("Test Criteria of %1").arg(qText(typeName(type))));
+    row_->setObjectName(QStringLiteral("trialRow"));
+    result_->setObjectName(QStringLiteral("trialResult"));
+    result_->setReadOnly(true);
+    result_->setTabChangesFocus(true);
+    result_->setPlaceholderText(tr("Nothing is written to the device, whatever the test finds."));
+    auto* layout = new QVBoxLayout(this);
+    auto* form = new QFormLayout;
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    form->addRow(tr("&Row:"), row_);
+    form->addRow(tr("&Device:"), devices_);
+    if (auto* label = qobject_cast<QLabel*>(form->labelForField(devices_)))
+        label->setBuddy(&devices_->searchBox());
+    layout->addLayout(form, 2);
+    layout->addWidget(result_, 3);
+    layout->addWidget(makeButtons());
+    connect(&run_, &CTrialRun::finished, this, &CRowTrialWindow::showResult);
+    fillRows(type, row);
+    devices_->offer(station.document(), type);
+    devices_->searchBox().setFocus();
+    enableButtons();
+    resize(QSize(640, 560).expandedTo(sizeHint()));
+}
+
+void CRowTrialWindow::fillRows(std::int32_t type, int row) {
+    for (int i = 0; i < criteriaRowCount; ++i) {
+        const CHardware* record = station_.document().criteria(type, i);
+        const QString action = record ? shownText(criteriaFromRecord(*record).Command) : QString();
+        row_->addItem(qText(criteriaRowLabel(i)) + QStringLiteral(":  ") + action);
+    }
+    row_->setMaxVisibleItems(criteriaRowCount);
+    row_->setCurrentIndex(row);
+}
+
+QWidget* CRowTrialWindow::makeButtons() {
+    auto* buttons = new QWidget(this);
+    test_ = new QPushButton(tr("&Test"), buttons);
+    stop_ = new QPushButton(tr("Cance&l"), buttons);
+    auto* close = new QPushButton(tr("&Close"), buttons);
+    test_->setObjectName(QStringLiteral("trialTest"));
+    stop_->setObjectName(QStringLiteral("trialCancel"));
+    close->setObjectName(QStringLiteral("trialClose"));
+    test_->setDefault(true);
+    stop_->setToolTip(tr("Stop waiting for an answer"));
+    stop_->setAutoDefault(false);
+    close->setAutoDefault(false);
+    connect(test_, &QPushButton::clicked, this, &CRowTrialWindow::start);
+    connect(stop_, &QPushButton::clicked, &run_, [this] { run_.stop(); });
+    connect(close, &QPushButton::clicked, this, &QDialog::accept);
+    auto* line = new QHBoxLayout(buttons);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->addWidget(test_);
+    line->addWidget(stop_);
+    line->addStretch(1);
+    line->addWidget(close);
+    return buttons;
+}
+
+void CRowTrialWindow::start() {
+    const std::int32_t recID = devices_->pickedRecID();
+    const CHardware* device = station_.document().findDevice(recID);
+    if (!device) {
+        result_->setPlainText(recID == 0 ? tr("No such device. Type something else above.")
+                                         : tr("The device was deleted meanwhile."));
+        return;
+    }
+    result_->setPlainText(tr("Waiting for an answer..."));
+    run_.start(station_.document(), *device, row_->currentIndex());
+    enableButtons();
+}
+
+void CRowTrialWindow::showResult(const RowTrial& trial) {
+    result_->setPlainText(trialText(trial));
+    enableButtons();
+}
+
+void CRowTrialWindow::enableButtons() {
+    const bool waited = stop_->hasFocus();
+    test_->setEnabled(!run_.running());
+    stop_->setEnabled(run_.running());
+    if (waited && test_->isEnabled())
+        test_->setFocus();
+}
+
+} // namespace mirovane

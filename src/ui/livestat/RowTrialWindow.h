@@ -1,0 +1,41 @@
+#pragma once
+
+#include "station/Station.h"
+#include "ui/livestat/DevicePickList.h"
+#include "ui/livestat/TrialRun.h"
+
+#include <QComboBox>
+#include <QDialog>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+#include <cstdint>
+
+namespace mirovane {
+
+/// Tries one criteria row on one device and shows what Live Stat would do. Writes nothing. Main thread; the
+/// station outlives it.
+class CRowTrialWindow : public QDialog {
+    Q_OBJECT
+
+public:
+    CRowTrialWindow(const CStation& station, const Clock& clock, std::int32_t type, int row,
+                    QWidget* parent = nullptr);
+
+private:
+    void fillRows(std::int32_t type, int row);
+    QWidget* makeButtons();
+    void start();
+    void showResult(const RowTrial& trial);
+    void enableButtons();
+
+    const CStation& station_;
+    QComboBox* row_;
+    CDevicePickList* devices_;
+    QPlainTextEdit* result_;
+    QPushButton* test_ = nullptr;
+    QPushButton* stop_ = nullptr;
+    CTrialRun run_;
+};
+
+} // namespace mirovane

@@ -1,0 +1,116 @@
+#include "ui/widgets/WindowPlacement.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+
+#include <algorithm>
+#include <chrono>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::chrono::milliseconds settleTime{200};
+
+/// So much of the title bar must lie on a screen for the mouse to take hold of it.
+constexpr int graspWidth = 80;
+constexpr int graspHeight = 24;
+
+bool graspable(const QRect& window, const QRect& screen) {
+    const QRect titleBar(window.left(), window.top(), window.width(), graspHeight);
+    const QRect visible = titleBar.intersected(screen);
+    return visible.width() >= std::min(graspWidth, window.width()) && visible.height() >= graspHeight / 2;
+}
+
+QList<QRect> availableAreas() {
+    QList<QRect> areas;
+    for (const QScreen* screen : QGuiApplication::screens())
+        areas.append(screen->availableGeometry());
+    return areas;
+}
+
+} // namespace
+
+StoredPlacement readPlacement(const CSettings& settings, const PlacementKeys& keys) {
+    const auto value = [&settings](std::string_view name) -> std::optional<int> {
+        const std::int32_t stored = settings.read(name, placementNotSet);
+        return stored == placementNotSet ? std::nullopt : std::optional<int>(stored);
+    };
+    return {value(keys.left), value(keys.top), value(keys.width), value(keys.height)};
+}
+
+QRect reachable(const QRect& wanted, const QList<QRect>& screens) {
+    const bool fine = screens.isEmpty() || std::ranges::any_of(screens, [&wanted](const QRect& screen) {
+                          return graspable(wanted, screen) && wanted.width() <= screen.width() * 2;
+                      });
+    if (fine)
+        return wanted;
+    const QRect& screen = screens.first();
+    QRect place(wanted.topLeft(), wanted.size().boundedTo(screen.size()));
+    place.moveLeft(std::clamp(place.left(), screen.left(), screen.right() + 1 - place.width()));
+    place.moveTop(std::clamp(place.top(), screen.top(), screen.bottom() + 1 - place.height()));
+    return place;
+}
+
+void applyPlacement(QWidget& window, const StoredPlacement& stored) {
+    // Far out values from a damaged settings file would overflow inside the window system.
+    const auto inRange = [](int value) {
+        return std::clamp(value, -30'000, 30'000);
+    };
+    const QSize size(stored.width ? std::max(inRange(*stored.width), 1) : window.width(),
+                     stored.height ? std::max(inRange(*stored.height), 1) : window.height());
+    const QPoint corner(stored.left ? inRange(*stored.left) : window.x(),
+                        stored.top ? inRange(*stored.top) : window.y());
+    const QRect place = reachable(QRect(corner, size.expandedTo(window.minimumSizeHint())), availableAreas());
+    window.resize(place.size());
+    if (stored.left || stored.top)
+        window.move(place.topLeft());
+}
+
+void restorePlacement(QWidget& window, const CSettings& settings, const PlacementKeys& keys) {
+    const StoredPlacement stored = readPlacement(settings, keys);
+    if (stored.left && stored.width && stored.height)
+        applyPlacement(window, stored);
+}
+
+void fitToScreen(QWidget& window, const QSize& wanted) {
+    constexpr QSize frame(20, 60); // that the window system adds
+    const QWidget& shown = window.parentWidget() ? *window.parentWidget() : window;
+    const QSize room = shown.screen()->availableGeometry().size() - frame;
+    window.resize(wanted.expandedTo(window.sizeHint()).boundedTo(room));
+}
+
+CPlacementKeeper::CPlacementKeeper(QWidget& window, CSettings& settings, const PlacementKeys& keys)
+    : QObject(&window), window_(window), settings_(settings), keys_(keys) {
+    delay_.setSingleShot(true);
+    connect(&delay_, &QTimer::timeout, this, &CPlacementKeeper::write);
+    window.installEventFilter(this);
+}
+
+void CPlacementKeeper::flush() {
+    if (delay_.isActive()) {
+        delay_.stop();
+        write();
+    }
+}
+
+bool CPlacementKeeper::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize)
+        delay_.start(settleTime);
+    else if (event->type() == QEvent::Close || event->type() == QEvent::Hide)
+        flush();
+    return QObject::eventFilter(watched, event);
+}
+
+void CPlacementKeeper::write() {
+    if (window_.windowState() & (Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen))
+        return;
+    settings_.write(keys_.left, window_.x());
+    settings_.write(keys_.top, window_.y());
+    settings_.write(keys_.width, window_.width());
+    settings_.write(keys_.height, window_.height());
+}
+
+} // namespace mirovane

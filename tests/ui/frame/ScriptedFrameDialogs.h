@@ -1,0 +1,67 @@
+#pragma once
+
+#include "ui/frame/commands/FrameDialogs.h"
+
+#include <deque>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace mirovane::test {
+
+/// A user who answers what he was told to answer. A question without a prepared answer fails the test.
+class ScriptedFrameDialogs final : public FrameDialogs {
+public:
+    std::deque<bool> answers;
+    std::deque<SaveAnswer> saveAnswers;
+    std::deque<std::optional<std::string>> files; ///< answers of both file dialogs
+
+    std::deque<std::optional<std::string>> insertedTexts;
+
+    std::vector<std::string> questions;
+    std::vector<std::string> failures;
+    std::vector<FileChoice> choices;
+    std::vector<ExportRequest> exportRequests;
+    std::deque<std::optional<ExportSettings>> exportAnswers;
+    int abouts = 0;
+
+    bool ask(const Question& question) override { return askStop(question.text); }
+    void fail(const std::string& text) override { failures.push_back(text); }
+    SaveAnswer askToSave(const std::string& question) override {
+        questions.push_back(question);
+        return take(saveAnswers, SaveAnswer::Cancel, question);
+    }
+    std::optional<std::string> chooseFileToOpen(const FileChoice& choice) override { return choose(choice); }
+    std::optional<std::string> chooseFileToSave(const FileChoice& choice) override { return choose(choice); }
+    bool askStop(const std::string& question) override {
+        questions.push_back(question);
+        return take(answers, false, question);
+    }
+    std::optional<ExportSettings> askExport(const ExportRequest& request) override {
+        exportRequests.push_back(request);
+        return take(exportAnswers, std::optional<ExportSettings>(), "Export");
+    }
+    std::optional<std::string> insertText(const std::string& command) override {
+        return take(insertedTexts, std::optional<std::string>(), command);
+    }
+    void about() override { ++abouts; }
+
+private:
+    template <typename T>
+    static T take(std::deque<T>& prepared, T otherwise, const std::string& question) {
+        if (prepared.empty()) {
+            ADD_FAILURE() << "unexpected question: " << question;
+            return otherwise;
+        }
+        T answer = prepared.front();
+        prepared.pop_front();
+        return answer;
+    }
+
+    std::optional<std::string> choose(const FileChoice& choice) {
+        choices.push_back(choice);
+        return take(files, std::optional<std::string>(), choice.title);
+    }
+};
+
+} // namespace mirovane::test
