@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 #include <sys/xattr.h>
 #include <thread>
 #include <unistd.h>
@@ -26,6 +27,22 @@ auto withinSizeLimit(Call call) {
     const auto result = call();
     held.discardPending();
     return result;
+}
+
+/// Of POSIX, of NFS and of SMB. The last is read by everybody and written by few: where the new file got the
+/// same one from its folder, there is nothing to write.
+constexpr std::array<const char*, 3> accessLists{"system.posix_acl_access", "system.nfs4_acl",
+                                                 "system.cifs_acl"};
+
+/// Empty where there is none; nothing, and errno, when it cannot be read.
+std::optional<std::string> accessListOf(int fd, const char* name) {
+    std::array<char, 65536> list;
+    const ssize_t size = ::fgetxattr(fd, name, list.data(), list.size());
+    if (size >= 0)
+        return std::string(list.data(), static_cast<std::size_t>(size));
+    if (errno == ENODATA || errno == ENOTSUP || errno == ENOSYS)
+        return std::string();
+    return std::nullopt;
 }
 
 } // namespace
@@ -82,12 +99,19 @@ int CFileCalls::setOwner(int fd, uid_t user, gid_t group) {
 }
 
 int CFileCalls::copyAccessList(int from, int to) {
-    constexpr const char* name = "system.posix_acl_access";
-    std::array<char, 65536> list;
-    const ssize_t size = ::fgetxattr(from, name, list.data(), list.size());
-    if (size < 0)
-        return errno == ENODATA || errno == ENOTSUP || errno == ENOSYS ? 0 : -1;
-    return ::fsetxattr(to, name, list.data(), static_cast<std::size_t>(size), 0);
+    for (const char* name : accessLists) {
+        const auto wanted = accessListOf(from, name);
+        const auto found = accessListOf(to, name);
+        if (!wanted || !found)
+            return -1;
+        if (*wanted == *found)
+            continue;
+        const int done = wanted->empty() ? ::fremovexattr(to, name)
+                                         : ::fsetxattr(to, name, wanted->data(), wanted->size(), 0);
+        if (done != 0)
+            return -1;
+    }
+    return 0;
 }
 
 int CFileCalls::makeFolder(const std::string& path, mode_t mode) {

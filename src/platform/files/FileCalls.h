@@ -32,7 +32,8 @@ public:
     virtual int setModified(int fd, const struct timespec& time);
     virtual int setOwner(int fd, uid_t user, gid_t group);
 
-    /// The access list beyond the mode, where the file system has one; 0 also when there is nothing to copy.
+    /// Gives `to` the access list of `from` beyond the mode, also where that means to take one away that its
+    /// folder gave it; 0 also where the file system has none.
     virtual int copyAccessList(int from, int to);
     virtual int makeFolder(const std::string& path, mode_t mode);
 

@@ -34,11 +34,25 @@ bool isCutOff(std::string_view found, std::string_view before, std::string_view 
 
 } // namespace
 
-CInPlaceWrite::CInPlaceWrite(CFileCalls& calls, const std::string& backupFolder, std::string target)
-    : calls_(calls), folder_(backupFolder), target_(std::move(target)) {
-    const std::string stem = nameOf(target_).substr(0, longestStem) + "-" + fingerprintOf(target_);
-    oldCopy_ = folder_ + "/" + stem + ".before";
-    newCopy_ = folder_ + "/" + stem + ".after";
+CInPlaceWrite CInPlaceWrite::beside(CFileCalls& calls, const std::string& target) {
+    CInPlaceWrite writing(calls, folderOf(target), target, true);
+    writing.oldCopy_ = writing.folder_ + "/" + CSafeReplace::hiddenName(nameOf(target), ".before");
+    writing.newCopy_ = writing.folder_ + "/" + CSafeReplace::hiddenName(nameOf(target), ".after");
+    return writing;
+}
+
+CInPlaceWrite CInPlaceWrite::inFolder(CFileCalls& calls, const std::string& backupFolder,
+                                      const std::string& target) {
+    CInPlaceWrite writing(calls, backupFolder, target, false);
+    const std::string stem = nameOf(target).substr(0, longestStem) + "-" + fingerprintOf(target);
+    writing.oldCopy_ = backupFolder + "/" + stem + ".before";
+    writing.newCopy_ = backupFolder + "/" + stem + ".after";
+    return writing;
+}
+
+bool CInPlaceWrite::mayLieBeside(CFileCalls& calls, const std::string& target) {
+    struct stat folder = {};
+    return calls.statusAt(folderOf(target), folder) == 0 && (folder.st_mode & S_ISVTX) == 0;
 }
 
 /// Every part of the path that is missing, for this user only.
@@ -62,9 +76,13 @@ bool CInPlaceWrite::isOurFolder() const {
            (status.st_mode & S_IWOTH) == 0;
 }
 
-bool CInPlaceWrite::keepCopy(const std::string& copy, std::string_view content) {
+bool CInPlaceWrite::keepCopy(const std::string& copy, std::string_view content, int fd) {
+    struct stat status = {};
+    if (calls_.statusOf(fd, status) != 0)
+        return false;
     calls_.remove(copy);
-    CSafeReplace replacement(calls_, copy);
+    CSafeReplace replacement = beside_ ? CSafeReplace::copyFor(calls_, copy, fd, status)
+                                       : CSafeReplace(calls_, copy, Leftover::Stale);
     const bool made = replacement.run(content).has_value() && flushFolder(calls_, folder_);
     if (!made && replacement.error().code != 0)
         errno = replacement.error().code;
@@ -75,15 +93,12 @@ std::optional<FileError> CInPlaceWrite::run(int fd, std::string_view content) {
     const std::optional<std::string> before = readWhole(calls_, fd);
     if (!before)
         return fileError("cannot read", target_, errno);
+    if (!beside_ && !makeBackupFolder())
+        return noCopies(errno);
     // The old copy comes last: when it is there, both are whole.
-    const bool folderMade = makeBackupFolder();
-    if (!folderMade || !keepCopy(newCopy_, content) || !keepCopy(oldCopy_, *before)) {
-        FileError error = fileError("cannot write", target_, errno);
-        error.sentence +=
-            " (its folder takes no new file, and the copy that a write in place needs could not be kept in " +
-            folder_ + ")";
-        if (folderMade) // else what lies there, if anything, is not this save's
-            calls_.remove(newCopy_);
+    if (!keepCopy(newCopy_, content, fd) || !keepCopy(oldCopy_, *before, fd)) {
+        FileError error = noCopies(errno);
+        calls_.remove(newCopy_);
         return error;
     }
     if (overwrite(fd, content, before->size())) {
@@ -95,6 +110,14 @@ std::optional<FileError> CInPlaceWrite::run(int fd, std::string_view content) {
         forgetCopies(false);
     else
         error.sentence += "; the datafile as it was is kept as " + oldCopy_;
+    return error;
+}
+
+FileError CInPlaceWrite::noCopies(int code) const {
+    FileError error = fileError("cannot write", target_, code);
+    error.sentence += " (no new file can take its place, and the copy that a write in place needs could not "
+                      "be kept in " +
+                      folder_ + ")";
     return error;
 }
 
@@ -112,7 +135,18 @@ bool CInPlaceWrite::overwrite(int fd, std::string_view content, std::size_t size
 
 bool CInPlaceWrite::leftBehind() const {
     struct stat status = {};
-    return calls_.statusAt(oldCopy_, status) == 0 && isOurFolder();
+    if (calls_.statusAt(oldCopy_, status) != 0 || !(beside_ ? mayLieBeside(calls_, target_) : isOurFolder()))
+        return false;
+    // Copies that only their maker may read wait for him.
+    return COpenFile(calls_, calls_.openFile(oldCopy_, O_RDONLY, 0)) &&
+           COpenFile(calls_, calls_.openFile(newCopy_, O_RDONLY, 0));
+}
+
+bool CInPlaceWrite::isHalfWritten(int fd) const {
+    const std::optional<std::string> before = readCopy(oldCopy_);
+    const std::optional<std::string> now = readCopy(newCopy_);
+    const std::optional<std::string> found = readWhole(calls_, fd);
+    return before && now && found && *found != *before && *found != *now && isCutOff(*found, *before, *now);
 }
 
 std::optional<std::string> CInPlaceWrite::readCopy(const std::string& copy) const {

@@ -13,13 +13,15 @@
 namespace mirovane {
 
 CLockedPosixFile::CLockedPosixFile(CFileCalls& calls, std::string path, std::string target,
-                                   std::string backupFolder, COpenFile file, const struct stat& status)
+                                   std::string backupFolder, COpenFile file, const struct stat& status,
+                                   bool locked)
     : calls_(calls),
       path_(std::move(path)),
       target_(std::move(target)),
       backupFolder_(std::move(backupFolder)),
       file_(std::move(file)),
-      status_(status) {}
+      status_(status),
+      leftover_(locked ? Leftover::Stale : Leftover::PerhapsInUse) {}
 
 FileIdentity CLockedPosixFile::identity() const {
     return identityFrom(status_);
@@ -37,12 +39,13 @@ Result<std::string, FileError> CLockedPosixFile::read() {
 Result<FileIdentity, FileError> CLockedPosixFile::replace(std::string_view content) {
     if (content.size() > largestFile)
         return fileError("cannot write", path_, EFBIG);
-    CSafeReplace replacement =
-        file_ ? CSafeReplace(calls_, target_, file_.fd(), status_) : CSafeReplace(calls_, target_);
+    CSafeReplace replacement = file_ ? CSafeReplace(calls_, target_, file_.fd(), status_, leftover_)
+                                     : CSafeReplace(calls_, target_, Leftover::PerhapsInUse);
     std::optional<COpenFile> made = replacement.run(content);
-    if (!made && file_ && replacement.folderRefused())
-        return writeInPlace(content);
-    if (!made && replacement.folderRefused())
+    const auto obstacle = replacement.obstacle();
+    if (!made && file_ && obstacle != CSafeReplace::Obstacle::None)
+        return writeInPlace(content, obstacle == CSafeReplace::Obstacle::Access);
+    if (!made && obstacle == CSafeReplace::Obstacle::Folder)
         made = createDirectly(content);
     if (!made)
         return replacement.error();
@@ -91,8 +94,10 @@ void CLockedPosixFile::tellApartFrom(const struct stat& before) {
         calls_.statusOf(file_.fd(), status_);
 }
 
-Result<FileIdentity, FileError> CLockedPosixFile::writeInPlace(std::string_view content) {
-    CInPlaceWrite writing(calls_, backupFolder_, target_);
+Result<FileIdentity, FileError> CLockedPosixFile::writeInPlace(std::string_view content, bool besideIt) {
+    CInPlaceWrite writing = besideIt && CInPlaceWrite::mayLieBeside(calls_, target_)
+                                ? CInPlaceWrite::beside(calls_, target_)
+                                : CInPlaceWrite::inFolder(calls_, backupFolder_, target_);
     const struct stat before = status_;
     const std::optional<FileError> error = writing.run(file_.fd(), content);
     if (calls_.statusOf(file_.fd(), status_) != 0)

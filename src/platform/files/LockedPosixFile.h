@@ -3,6 +3,7 @@
 #include "platform/files/FileCalls.h"
 #include "platform/files/Files.h"
 #include "platform/files/OpenFile.h"
+#include "platform/files/SafeReplace.h"
 
 #include <optional>
 #include <string>
@@ -14,9 +15,9 @@ namespace mirovane {
 class CLockedPosixFile final : public LockedFile {
 public:
     /// `path` is what the user calls it, `target` where all symbolic links lead. A closed `file`
-    /// means that there is no file yet.
+    /// means that there is no file yet. `locked` false: the file system has no locks.
     CLockedPosixFile(CFileCalls& calls, std::string path, std::string target, std::string backupFolder,
-                     COpenFile file, const struct stat& status);
+                     COpenFile file, const struct stat& status, bool locked);
 
     bool exists() const override { return static_cast<bool>(file_); }
     FileIdentity identity() const override;
@@ -25,7 +26,7 @@ public:
 
 private:
     std::optional<COpenFile> createDirectly(std::string_view content);
-    Result<FileIdentity, FileError> writeInPlace(std::string_view content);
+    Result<FileIdentity, FileError> writeInPlace(std::string_view content, bool besideIt);
     void tellApartFrom(const struct stat& before);
 
     CFileCalls& calls_;
@@ -34,6 +35,7 @@ private:
     std::string backupFolder_;
     COpenFile file_;
     struct stat status_;
+    Leftover leftover_; ///< what a temporary file beside it is
 };
 
 } // namespace mirovane

@@ -39,27 +39,13 @@ std::string_view verbFor(FileAccess access) {
     return access == FileAccess::Write ? "cannot write" : "cannot read";
 }
 
-/// Where this user's last write in place of this file was cut off. While another station has the file, it is
-/// left for the next time.
-std::optional<FileError> completeCutOffWrite(CFileCalls& calls, const std::string& path,
-                                             const std::string& backupFolder) {
-    const std::string target = followLinks(calls, path);
-    CInPlaceWrite writing(calls, backupFolder, target);
-    if (!writing.leftBehind())
-        return std::nullopt;
-    const COpenFile file(calls, calls.openFile(target, O_RDWR | O_NOCTTY | O_NONBLOCK, 0));
-    if (!file || (calls.tryLock(file.fd(), true) != 0 && !locksUnsupported(errno)))
-        return std::nullopt;
-    return writing.recover(file.fd());
-}
-
 /// One station's attempts to get the lock, one after the other.
 class CLocking {
 public:
     enum class Outcome { Locked, Missing, Busy, Failed };
 
-    CLocking(CFileCalls& calls, const std::string& path, FileAccess access)
-        : calls_(calls), path_(path), access_(access) {}
+    CLocking(CFileCalls& calls, const std::string& path, FileAccess access, const std::string& backupFolder)
+        : calls_(calls), path_(path), access_(access), backupFolder_(backupFolder) {}
 
     Outcome attempt() {
         target_ = followLinks(calls_, path_);
@@ -75,17 +61,54 @@ public:
         // Only root gets here; whoever took every right to write away meant him, too.
         if (access_ == FileAccess::Write && (status_.st_mode & 0222) == 0)
             return failed(EACCES);
-        if (calls_.tryLock(file_.fd(), access_ == FileAccess::Write) != 0 && !locksUnsupported(errno))
+        locked_ = calls_.tryLock(file_.fd(), access_ == FileAccess::Write) == 0;
+        if (!locked_ && !locksUnsupported(errno))
             return errno == EAGAIN || errno == EACCES ? Outcome::Busy : failed(errno);
-        return stillThere();
+        const Outcome outcome = stillThere();
+        return outcome == Outcome::Locked ? completeCutOffWrites() : outcome;
     }
 
     const FileError& error() const { return error_; }
     const std::string& target() const { return target_; }
     const struct stat& status() const { return status_; }
+    bool locked() const { return locked_; }
     COpenFile takeFile() { return std::move(file_); }
 
 private:
+    /// A write in place that was cut off, by this user's last end or by a colleague's, comes to its end
+    /// before anybody reads what it left.
+    Outcome completeCutOffWrites() {
+        for (const CInPlaceWrite& writing : {CInPlaceWrite::beside(calls_, target_),
+                                             CInPlaceWrite::inFolder(calls_, backupFolder_, target_)})
+            if (writing.leftBehind())
+                if (const Outcome outcome = complete(writing); outcome != Outcome::Locked)
+                    return outcome;
+        return Outcome::Locked;
+    }
+
+    /// A lock for reading is given back first; afterwards everything begins anew.
+    Outcome complete(CInPlaceWrite writing) {
+        if (access_ == FileAccess::Write) {
+            if (auto error = writing.recover(file_.fd()))
+                return failed(std::move(*error));
+            return calls_.statusOf(file_.fd(), status_) == 0 ? Outcome::Locked : failed(errno);
+        }
+        const COpenFile writable(calls_, calls_.openFile(target_, O_RDWR | O_NOCTTY | O_NONBLOCK, 0));
+        if (!writable && writing.isHalfWritten(file_.fd()))
+            return failed(FileError{FileError::Kind::Denied, EACCES,
+                                    "cannot read " + path_ +
+                                        ": its last save was cut off, and is completed when somebody who may "
+                                        "write it opens it"});
+        if (!writable)
+            return Outcome::Locked;
+        file_.close();
+        if (calls_.tryLock(writable.fd(), true) != 0 && !locksUnsupported(errno))
+            return Outcome::Busy;
+        if (auto error = writing.recover(writable.fd()))
+            return failed(std::move(*error));
+        return Outcome::Busy;
+    }
+
     /// Another station may have renamed a new file over this one while this station waited. Opened, not asked
     /// by name: a network file system answers names from a cache, but opens afresh.
     Outcome stillThere() {
@@ -98,8 +121,10 @@ private:
         return sameFile(now, status_) ? Outcome::Locked : Outcome::Busy;
     }
 
-    Outcome failed(int code) {
-        error_ = fileError(verbFor(access_), path_, code);
+    Outcome failed(int code) { return failed(fileError(verbFor(access_), path_, code)); }
+
+    Outcome failed(FileError error) {
+        error_ = std::move(error);
         return Outcome::Failed;
     }
 
@@ -112,8 +137,10 @@ private:
     CFileCalls& calls_;
     const std::string& path_;
     FileAccess access_;
+    const std::string& backupFolder_;
     std::string target_;
     COpenFile file_;
+    bool locked_ = false;
     struct stat status_ = {};
     FileError error_;
 };
@@ -137,16 +164,15 @@ Result<FileIdentity, FileError> CPosixFiles::status(const std::string& path) {
 
 Result<std::unique_ptr<LockedFile>, FileError> CPosixFiles::lock(const std::string& path, FileAccess access,
                                                                  std::chrono::milliseconds patience) {
-    if (auto error = completeCutOffWrite(calls_, path, backupFolder_))
-        return *error;
     const auto deadline = calls_.now() + patience;
     std::chrono::milliseconds wait{1};
     for (;;) {
-        CLocking locking(calls_, path, access);
+        CLocking locking(calls_, path, access, backupFolder_);
         const CLocking::Outcome outcome = locking.attempt();
         if (outcome == CLocking::Outcome::Locked || outcome == CLocking::Outcome::Missing)
-            return std::unique_ptr<LockedFile>(std::make_unique<CLockedPosixFile>(
-                calls_, path, locking.target(), backupFolder_, locking.takeFile(), locking.status()));
+            return std::unique_ptr<LockedFile>(
+                std::make_unique<CLockedPosixFile>(calls_, path, locking.target(), backupFolder_,
+                                                   locking.takeFile(), locking.status(), locking.locked()));
         if (outcome == CLocking::Outcome::Failed)
             return locking.error();
         if (calls_.now() >= deadline)

@@ -29,11 +29,11 @@ bool refusedByFolder(int code) {
 } // namespace
 
 /// A folder takes names of 255 bytes; a longer name is told apart from its neighbours by its hash.
-std::string CSafeReplace::temporaryName(const std::string& name) {
+std::string CSafeReplace::hiddenName(const std::string& name, std::string_view suffix) {
     std::string kept = name;
     if (name.size() > longestKeptName)
         kept = name.substr(0, longestKeptName) + fingerprintOf(name);
-    return "." + kept + std::string(temporarySuffix);
+    return "." + kept + std::string(suffix);
 }
 
 void CSafeReplace::failed(int code) {
@@ -41,11 +41,11 @@ void CSafeReplace::failed(int code) {
 }
 
 std::optional<COpenFile> CSafeReplace::run(std::string_view content) {
-    temporary_ = folderOf(path_) + "/" + temporaryName(nameOf(path_));
+    temporary_ = folderOf(path_) + "/" + hiddenName(nameOf(path_), temporarySuffix);
     std::optional<COpenFile> file = makeTemporary();
     if (!file)
         return std::nullopt;
-    if (!writeWhole(calls_, file->fd(), content) || !keepAccess(file->fd()) ||
+    if (!keepAccess(file->fd()) || !writeWhole(calls_, file->fd(), content) ||
         calls_.flush(file->fd()) != 0 || !putInPlace()) {
         if (error_.sentence.empty())
             failed(errno);
@@ -61,14 +61,20 @@ std::optional<COpenFile> CSafeReplace::makeTemporary() {
     for (int attempt = 0; attempt < attempts; ++attempt) {
         COpenFile file(calls_, calls_.openFile(temporary_, O_RDWR | O_CREAT | O_EXCL, mode));
         if (!file && errno == EEXIST) {
+            if (leftover_ == Leftover::Stale) {
+                if (removeStale())
+                    continue;
+                return std::nullopt;
+            }
             if (removeLeftover())
                 continue;
             calls_.pause(std::chrono::milliseconds(20));
             continue;
         }
         if (!file) {
-            folderRefused_ = refusedByFolder(errno);
             failed(errno);
+            if (refusedByFolder(error_.code))
+                obstacle_ = Obstacle::Folder;
             return std::nullopt;
         }
         if (calls_.tryLock(file.fd(), true) == 0 || locksUnsupported(errno))
@@ -79,14 +85,27 @@ std::optional<COpenFile> CSafeReplace::makeTemporary() {
     return std::nullopt;
 }
 
-/// True when the temporary name may be free now.
+/// A folder in which everybody removes only his own files keeps it for ever, and the name with it.
+bool CSafeReplace::removeStale() {
+    if (calls_.remove(temporary_) == 0 || errno == ENOENT)
+        return true;
+    failed(errno);
+    if (refusedByFolder(error_.code))
+        obstacle_ = Obstacle::Folder;
+    return false;
+}
+
+/// True when the temporary name may be free now. Another user's can be asked for its lock only where it can
+/// be read, and no lock for writing can be had through it.
 bool CSafeReplace::removeLeftover() {
-    COpenFile file(calls_, calls_.openFile(temporary_, O_RDWR, 0));
-    if (!file)
-        return errno == ENOENT;
+    COpenFile file(calls_, calls_.openFile(temporary_, O_RDONLY, 0));
     struct stat opened = {};
     struct stat named = {};
-    const bool locked = calls_.tryLock(file.fd(), true) == 0;
+    if (!file)
+        return errno == ENOENT ||
+               (errno == EACCES && calls_.statusAt(temporary_, named) == 0 &&
+                std::time(nullptr) - named.st_mtime >= leftoverAge && calls_.remove(temporary_) == 0);
+    const bool locked = calls_.tryLock(file.fd(), false) == 0;
     if (!locked && !locksUnsupported(errno))
         return false;
     if (calls_.statusOf(file.fd(), opened) != 0 || calls_.statusAt(temporary_, named) != 0 ||
@@ -100,18 +119,36 @@ bool CSafeReplace::removeLeftover() {
     return calls_.remove(temporary_) == 0;
 }
 
-/// The owner stays where the system lets this user give files away (root), the group where he is a member.
+/// Only root gives files away; some shares take a mode without a word and leave it as it was. The mode comes
+/// last: a list that is taken away leaves its bounds in the mode.
 bool CSafeReplace::keepAccess(int fd) {
     if (!old_)
         return true;
+    if (isCopy_)
+        return shareAsCopy(fd);
+    const auto sameAccess = [this](const struct stat& made) {
+        return made.st_uid == old_->st_uid && made.st_gid == old_->st_gid;
+    };
     struct stat made = {};
-    if (calls_.statusOf(fd, made) != 0)
-        return false;
-    if (made.st_uid != old_->st_uid || made.st_gid != old_->st_gid) {
-        if (calls_.setOwner(fd, old_->st_uid, old_->st_gid) != 0)
-            calls_.setOwner(fd, static_cast<uid_t>(-1), old_->st_gid);
-    }
-    return calls_.setMode(fd, old_->st_mode & 07777) == 0 && calls_.copyAccessList(oldFile_, fd) == 0;
+    if (calls_.statusOf(fd, made) == 0 &&
+        (sameAccess(made) || calls_.setOwner(fd, old_->st_uid, old_->st_gid) == 0) &&
+        calls_.copyAccessList(oldFile_, fd) == 0 && calls_.setMode(fd, old_->st_mode & 07777) == 0 &&
+        calls_.statusOf(fd, made) == 0 && sameAccess(made) && made.st_mode == old_->st_mode)
+        return true;
+    failed(errno);
+    obstacle_ = Obstacle::Access;
+    return false;
+}
+
+bool CSafeReplace::shareAsCopy(int fd) {
+    struct stat made = {};
+    const bool sameGroup =
+        calls_.statusOf(fd, made) == 0 &&
+        (made.st_gid == old_->st_gid || calls_.setOwner(fd, static_cast<uid_t>(-1), old_->st_gid) == 0);
+    if (!sameGroup || calls_.copyAccessList(oldFile_, fd) != 0 ||
+        calls_.setMode(fd, old_->st_mode & 0777) != 0)
+        return calls_.setMode(fd, 0600) == 0;
+    return true;
 }
 
 /// Replaces nothing, as a hard link does not.
@@ -125,12 +162,13 @@ bool CSafeReplace::takeNewName() {
 }
 
 bool CSafeReplace::putInPlace() {
-    const bool moved = old_ ? calls_.rename(temporary_, path_) == 0 : takeNewName();
+    const bool moved = old_ && !isCopy_ ? calls_.rename(temporary_, path_) == 0 : takeNewName();
     if (moved)
         return true;
     const int code = errno;
-    folderRefused_ = refusedByFolder(code);
     failed(code);
+    if (refusedByFolder(code))
+        obstacle_ = Obstacle::Folder;
     if (code == EEXIST) {
         error_.kind = FileError::Kind::Changed;
         error_.sentence = "cannot write " + path_ + ": another station has just created it";

@@ -185,13 +185,14 @@ TEST_F(SafeReplaceTest, ContentIsOnDiskBeforeItsNameIs) {
     EXPECT_LT(at("flush folder"), static_cast<std::ptrdiff_t>(trace.size()));
 }
 
+/// Where there is no datafile yet nothing is locked but the temporary file itself.
 TEST_F(SafeReplaceTest, LeftoverOfAKilledSaverGoesAndALivingOneStays) {
-    writeBytes(path, before);
     const std::string leftover = folder.file(".floor.mv.saving");
     writeBytes(leftover, "half");
     EXPECT_FALSE(save(files, path, after));
     EXPECT_FALSE(fs::exists(leftover));
 
+    fs::remove(path);
     CFileCalls living;
     writeBytes(leftover, "half");
     const int fd = living.openFile(leftover, O_RDWR, 0);
