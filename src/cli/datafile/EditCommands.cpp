@@ -1,42 +1,12 @@
 #include "cli/base/ChosenDevices.h"
 #include "cli/datafile/DatafileCommands.h"
-#include "model/records/FieldNames.h"
+#include "cli/datafile/FieldArguments.h"
 
 #include <vector>
 
 namespace mirovane {
 
 namespace {
-
-struct Assignment {
-    const RecordField* field = nullptr;
-    std::string value;
-};
-
-Result<std::vector<Assignment>, UsageError> assignments(std::span<const std::string> words) {
-    std::vector<Assignment> list;
-    for (const std::string& word : words) {
-        const std::size_t equals = word.find('=');
-        if (equals == std::string::npos)
-            return UsageError{"\"" + word.substr(0, 60) +
-                              "\" is not a FIELD=VALUE pair: write it as Name=pc-12"};
-        const std::string name = word.substr(0, equals);
-        const RecordField* field = findRecordField(name);
-        if (!field)
-            return UsageError{"unknown field \"" + name.substr(0, 60) + "\": the fields are " +
-                              settableFieldNames()};
-        list.push_back({field, word.substr(equals + 1)});
-    }
-    return list;
-}
-
-/// All or nothing: the sentence of the first that does not fit.
-std::optional<std::string> apply(CHardware& device, const std::vector<Assignment>& list) {
-    for (const Assignment& assignment : list)
-        if (auto refusal = setFieldValue(device, *assignment.field, assignment.value))
-            return refusal;
-    return std::nullopt;
-}
 
 constexpr std::array newOptions{
     OptionDefinition{"--force", 0, "", "replace FILE where it exists"},
@@ -91,12 +61,6 @@ constexpr std::array addOptions{
     OptionDefinition{"--misc", 0, "", "put it into the Discovered/Misc window instead of on the floor map"},
 };
 
-constexpr std::string_view fieldDetails =
-    "Fields: Type, State, Position, Name, IPAddress, MACAddress, Username, ToJack, Comment, SlashText,\n"
-    "BackslashText, HorzText, VertText, SlashDraw, BackslashDraw, HorzDraw, VertDraw, ReminderOn,\n"
-    "ReminderDate, ToDo, Priority.\n"
-    "Values: Position=100,200  State=On  SlashDraw=1  ReminderDate=\"2026-11-22 14:30\" (empty: none)\n";
-
 ExitStatus runAdd(CommandContext& context) {
     const auto name = context.arguments.value("--type");
     if (!name)
@@ -105,23 +69,23 @@ ExitStatus runAdd(CommandContext& context) {
     if (!type)
         return usageError(context, type.error().sentence);
     const auto& words = context.arguments.positionals;
-    const auto list = assignments(std::span(words).subspan(1));
-    if (!list)
-        return usageError(context, list.error().sentence);
-    for (const Assignment& assignment : list.value())
-        if (assignment.field->kind == FieldKind::Type)
-            return usageError(context, "field Type: --type says it already");
+    const auto edit = assignmentArguments(std::span(words).subspan(1));
+    if (!edit)
+        return usageError(context, edit.error().sentence);
+    if (edit.value().valueOf("Type"))
+        return usageError(context, "field Type: --type says it already");
     const std::int32_t code =
         type.value() + (context.arguments.has("--misc") ? DeviceType::discoveredOffset : 0);
     CHardware trial;
     trial.Type = code;
-    if (const auto refusal = apply(trial, list.value()))
-        return usageError(context, *refusal);
+    const auto filled = changedBy(edit.value(), trial, false);
+    if (!filled)
+        return usageError(context, filled.error());
     std::int32_t recID = 0;
     const ExitStatus status =
         editDatafile(context.out, words[0], [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
-            const CHardware* device =
-                doc.addDevice(code, [&](CHardware& fresh) { static_cast<void>(apply(fresh, list.value())); });
+            const CHardware* device = doc.addDevice(
+                code, [&](CHardware& fresh) { fresh = changedBy(edit.value(), fresh, false).value(); });
             if (!device)
                 return EditRefusal{"cannot add a device to " + words[0] + ": the datafile is full",
                                    ExitStatus::FileFailed};
@@ -144,45 +108,6 @@ constinit const Command addCommand{
     .options = addOptions,
     .details = fieldDetails,
     .run = runAdd,
-};
-
-namespace {
-
-ExitStatus runSet(CommandContext& context) {
-    const auto& words = context.arguments.positionals;
-    const auto recIDs = recordIDArguments(std::span(words).subspan(1, 1));
-    if (!recIDs)
-        return usageError(context, recIDs.error().sentence);
-    const auto list = assignments(std::span(words).subspan(2));
-    if (!list)
-        return usageError(context, list.error().sentence);
-    const ExitStatus status =
-        editDatafile(context.out, words[0], [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
-            const auto chosen = chosenDevices(doc, recIDs.value(), "cannot change a device", words[0]);
-            if (!chosen)
-                return chosen.error();
-            const CHardware& device = *chosen.value().front();
-            CHardware changed = device;
-            if (const auto refusal = apply(changed, list.value()))
-                return EditRefusal{*refusal, ExitStatus::Usage};
-            doc.editByUser(device, [&](CHardware& record) { record = changed; });
-            return std::nullopt;
-        });
-    if (status == ExitStatus::Done)
-        printRecIDs(context.out, recIDs.value());
-    return status;
-}
-
-} // namespace
-
-constinit const Command setCommand{
-    .name = "set",
-    .help = "change fields of a device",
-    .usage = "FILE RECID FIELD=VALUE...",
-    .least = 3,
-    .most = anyNumber,
-    .details = fieldDetails,
-    .run = runSet,
 };
 
 namespace {
