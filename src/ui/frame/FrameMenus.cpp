@@ -22,26 +22,29 @@ QString recentFileText(int number, const std::string& path) {
 }
 
 CFrameMenus::CFrameMenus(QMenuBar& bar, Parts parts) : QObject(&bar), bar_(bar), parts_(std::move(parts)) {
-    for (const std::string_view top : menuBarOrder()) {
-        for (const CommandDefinition& command : commandTable())
-            if (command.menu.substr(0, command.menu.find('/')) == top)
-                addCommand(command);
-    }
+    for (const CommandDefinition& command : commandTable())
+        if (findMenu(command.menu))
+            addCommand(command);
 }
 
 /// Makes the menus on the way that do not exist yet, so that a menu without commands never comes to be.
-QMenu* CFrameMenus::menuAt(std::string_view path) {
-    if (const auto found = menus_.find(path); found != menus_.end())
+QMenu* CFrameMenus::menuAt(MenuId id) {
+    if (const auto found = menus_.find(id); found != menus_.end())
         return found->second;
-    const auto slash = path.rfind('/');
-    QMenu* menu = slash == std::string_view::npos
-                      ? bar_.addMenu(qText(path))
-                      : menuAt(path.substr(0, slash))->addMenu(qText(path.substr(slash + 1)));
-    menu->setObjectName(QStringLiteral("menu") + menu->title().remove(u'&'));
+    const MenuDefinition& definition = *findMenu(id);
+    auto* menu = new QMenu(commandText(definition.text), &bar_);
+    menu->setObjectName(qText(definition.name));
     menu->setToolTipsVisible(false);
     connect(menu, &QMenu::aboutToShow, this, parts_.aboutToShow);
-    menus_.emplace(std::string(path), menu);
-    return menu;
+    if (definition.parent == MenuId::None) {
+        bar_.addMenu(menu);
+    } else {
+        QMenu* parent = menuAt(definition.parent);
+        if (definition.groupStart)
+            parent->addSeparator();
+        parent->addMenu(menu);
+    }
+    return menus_[id] = menu;
 }
 
 void CFrameMenus::addCommand(const CommandDefinition& command) {

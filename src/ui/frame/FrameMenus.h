@@ -28,13 +28,13 @@ public:
     CFrameMenus(QMenuBar& bar, Parts parts);
 
 private:
-    QMenu* menuAt(std::string_view path);
+    QMenu* menuAt(MenuId id);
     void addCommand(const CommandDefinition& command);
     void fillRecentFiles();
 
     QMenuBar& bar_;
     Parts parts_;
-    std::map<std::string, QMenu*, std::less<>> menus_;
+    std::map<MenuId, QMenu*> menus_;
     QMenu* recentMenu_ = nullptr;
     QAction* recentEnd_ = nullptr; ///< the recent files stand before this separator
     QList<QAction*> recentActions_;

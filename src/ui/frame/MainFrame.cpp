@@ -6,6 +6,7 @@
 #include "ui/frame/FrameMenus.h"
 #include "ui/frame/FrameToolBar.h"
 #include "ui/frame/MessageLogWindow.h"
+#include "ui/frame/StationState.h"
 #include "ui/frame/ToolIcons.h"
 #include "ui/frame/commands/ApplicationsMenu.h"
 #include "ui/list/ListViewWindow.h"
@@ -69,8 +70,8 @@ CMainFrame::~CMainFrame() {
 
 void CMainFrame::refresh() {
     showTitle();
-    panes_.refresh(indicatorState());
-    actions_->refresh(commandState());
+    panes_.refresh(indicators());
+    actions_->refresh(commandState(station_));
 }
 
 void CMainFrame::saveForSession(const std::string& rescuePath) {
@@ -170,8 +171,7 @@ void CMainFrame::makeMenus() {
 }
 
 void CMainFrame::menuOpens() {
-    hasSelection_ = !station_.selection().empty();
-    actions_->refresh(commandState());
+    actions_->refresh(commandState(station_));
 }
 
 void CMainFrame::connectStation() {
@@ -219,19 +219,8 @@ bool CMainFrame::showsReminder() const {
     return reminders.DueCount() > 0 && reminders.ReminderPhase() && station_.display().ReminderTitlebarShow;
 }
 
-CommandState CMainFrame::commandState() {
-    const CMirovaneDoc& document = station_.document();
-    const bool hasRanges = document.findSpecial(SpecialType::DiscoverRangeRecord) != nullptr;
-    return {document.deviceCount() > 0, hasSelection_, hasRanges || station_.liveDiscover().enabled()};
-}
-
-IndicatorState CMainFrame::indicatorState() const {
-    IndicatorState state;
-    state.remindersDue = station_.reminders().DueCount();
-    state.liveDiscoverEnabled = station_.liveDiscover().enabled();
-    state.discovered = station_.discovered();
-    state.liveStatText = QString::fromStdString(station_.liveStat().statusText());
-    state.anyTypeHidden = station_.display().VisibleTypes != -1;
+IndicatorState CMainFrame::indicators() const {
+    IndicatorState state = indicatorState(station_);
     if (keyboard_)
         state.keyboardText = keyboardText(keyboard_->read());
     return state;

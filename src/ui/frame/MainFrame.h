@@ -79,8 +79,7 @@ private:
     void placeWindow();
     void showTitle();
     bool showsReminder() const;
-    CommandState commandState();
-    IndicatorState indicatorState() const;
+    IndicatorState indicators() const;
 
     // StationObserver, LogListener
     void remindersChanged() override;
@@ -105,7 +104,6 @@ private:
     CApplicationCommands applicationCommands_;
     CApplicationsMenu* applicationsMenu_ = nullptr;
     std::optional<CKeyboardLights> keyboard_;
-    bool hasSelection_ = false; ///< as of the moment when a menu was last opened
     bool sessionEnded_ = false;
 };
 

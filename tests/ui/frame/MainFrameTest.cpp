@@ -38,12 +38,11 @@ TEST_F(MainFrameTest, EveryCommandHasAHandlerAndStandsInItsMenu) {
         if (command.id == CommandId::FileRecent)
             continue;
         EXPECT_TRUE(frame->actions().hasHandler(command.id)) << command.name;
-        const auto path = QString::fromUtf8(command.menu.data(), static_cast<qsizetype>(command.menu.size()));
-        if (path.isEmpty())
+        const MenuDefinition* place = findMenu(command.menu);
+        if (!place)
             continue;
-        const QMenu* home =
-            frame->findChild<QMenu*>(QStringLiteral("menu") + path.section(u'/', -1).remove(u'&'));
-        ASSERT_NE(home, nullptr) << command.menu;
+        const QMenu* home = menu(std::string(place->name).c_str());
+        ASSERT_NE(home, nullptr) << place->name;
         EXPECT_TRUE(home->actions().contains(frame->actions().action(command.name))) << command.name;
     }
     QStringList titles;
@@ -103,7 +102,7 @@ TEST_F(MainFrameTest, DisplayTogglesAreStoredAtOnceAndChangeThePicture) {
         EXPECT_EQ(station->display().*field, !before) << command.name;
         EXPECT_EQ(settings.read(command.setting, -1), before ? 0 : 1) << command.name;
         EXPECT_EQ(toggle->isChecked(), !before) << command.name;
-        if (command.menu == "&View/&Properties") // the others wait for Live Stat and for the reminder check
+        if (command.menu == MenuId::Properties) // the others wait for Live Stat and for the reminder check
             EXPECT_NE(picture(), pictureBefore) << command.name;
         toggle->trigger();
         EXPECT_EQ(settings.read(command.setting, -1), before ? 1 : 0) << command.name;
@@ -189,6 +188,8 @@ TEST_F(MainFrameTest, ARefusedTakeOverLeavesNoCheckMark) {
 TEST_F(MainFrameTest, LiveDiscoverNeedsARangeAndItsPaneCountsWhatItFound) {
     frame->refresh();
     EXPECT_FALSE(action("toolsLiveDiscover")->isEnabled());
+    EXPECT_EQ(action("toolsLiveDiscover")->statusTip(),
+              QStringLiteral("Live Discover needs an address range: Tools, Live Stat/Discover Option..."));
     CHardware range;
     range.Type = SpecialType::DiscoverRangeRecord;
     range.Name = range.IPAddress = "127.0.0.1";

@@ -121,6 +121,12 @@ void CApplicationsMenu::addProperties(QMenu& menu) {
         if (QAction* command = parts_.actions.action(propertiesCommand))
             command->trigger();
     });
+    for (const CommandDefinition& command : commandTable())
+        if (command.menu == MenuId::RightClick) {
+            if (command.groupStart)
+                menu.addSeparator();
+            menu.addAction(parts_.actions.action(command.name));
+        }
 }
 
 } // namespace mirovane

@@ -30,12 +30,12 @@ QString toolTip(const QString& menuText, const QList<QKeySequence>& keys) {
 }
 
 QAction* makeAction(const CommandDefinition& command, QWidget& window) {
-    auto* action = new QAction(qText(command.text), &window);
+    auto* action = new QAction(commandText(command.text), &window);
     const QList<QKeySequence> keys = keySequences(command.keys);
     action->setObjectName(qText(command.name));
     action->setShortcuts(keys);
     action->setToolTip(toolTip(action->text(), keys));
-    action->setStatusTip(qText(command.help));
+    action->setStatusTip(commandText(command.help));
     action->setCheckable(command.checkable);
     if (command.id == CommandId::FileExit)
         action->setMenuRole(QAction::QuitRole);
@@ -46,20 +46,6 @@ QAction* makeAction(const CommandDefinition& command, QWidget& window) {
 }
 
 } // namespace
-
-bool commandEnabled(const CommandDefinition& command, const CommandState& state) {
-    switch (command.needs) {
-    case CommandNeeds::Devices:
-        return state.hasDevices;
-    case CommandNeeds::Selection:
-        return state.hasSelection;
-    case CommandNeeds::AddressRanges:
-        return state.hasAddressRanges;
-    case CommandNeeds::Nothing:
-        break;
-    }
-    return true;
-}
 
 CCommandActions::CCommandActions(QWidget& window) : QObject(&window) {
     for (const CommandDefinition& command : commandTable()) {
@@ -84,7 +70,7 @@ QAction* CCommandActions::action(std::string_view name) const {
 
 void CCommandActions::refresh(const CommandState& state) {
     for (const Entry& entry : entries_) {
-        entry.action->setEnabled(commandEnabled(*entry.command, state));
+        refreshNeed(entry, state);
         refreshCheck(entry);
     }
 }
@@ -100,6 +86,14 @@ void CCommandActions::refreshCheck(const Entry& entry) {
     const auto handler = handlers_.find(entry.command->id);
     if (entry.command->checkable && handler != handlers_.end() && handler->second.isChecked)
         entry.action->setChecked(handler->second.isChecked(*entry.command));
+}
+
+void CCommandActions::refreshNeed(const Entry& entry, const CommandState& state) {
+    const std::string_view reason = unmetReason(entry.command->needs, state);
+    if (entry.action->isEnabled() == reason.empty())
+        return;
+    entry.action->setEnabled(reason.empty());
+    entry.action->setStatusTip(commandText(reason.empty() ? entry.command->help : reason));
 }
 
 } // namespace mirovane

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/frame/commands/CommandTable.h"
+#include "ui/frame/table/CommandTable.h"
 
 #include <QAction>
 #include <QObject>
@@ -10,15 +10,6 @@
 #include <vector>
 
 namespace mirovane {
-
-/// What the window's commands depend on at this moment.
-struct CommandState {
-    bool hasDevices = false;
-    bool hasSelection = false;
-    bool hasAddressRanges = false;
-};
-
-bool commandEnabled(const CommandDefinition& command, const CommandState& state);
 
 /// One QAction per line of the command table, and the one place where an action finds its handler. The
 /// actions belong to the window given, which also makes their keys work when no menu shows them.
@@ -41,7 +32,8 @@ public:
     /// Null for the line that stands for the recently used files.
     QAction* action(std::string_view name) const;
 
-    /// Check marks and enablement. Cheap enough for every idle moment.
+    /// Check marks, enablement, and in the help line of a disabled entry why it is disabled. Cheap enough for
+    /// every idle moment.
     void refresh(const CommandState& state);
 
 private:
@@ -52,6 +44,7 @@ private:
 
     void run(const Entry& entry, bool checked);
     void refreshCheck(const Entry& entry);
+    static void refreshNeed(const Entry& entry, const CommandState& state);
 
     std::vector<Entry> entries_;
     std::map<CommandId, Handler> handlers_;

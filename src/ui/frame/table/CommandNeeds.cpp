@@ -1,0 +1,34 @@
+#include "ui/frame/table/CommandNeeds.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <array>
+
+namespace mirovane {
+
+namespace {
+
+constexpr std::array needs = {
+    NeedDefinition{
+        CommandNeeds::Devices, &CommandState::hasDevices,
+        QT_TRANSLATE_NOOP("Commands", "There are no devices yet: add one, or choose Tools, Discover Now...")},
+    NeedDefinition{CommandNeeds::Selection, &CommandState::hasSelection,
+                   QT_TRANSLATE_NOOP("Commands", "No device is selected: click one on the floor first")},
+    NeedDefinition{CommandNeeds::AddressRanges, &CommandState::hasAddressRanges,
+                   QT_TRANSLATE_NOOP("Commands", "Live Discover needs an address range: Tools, Live "
+                                                 "Stat/Discover Option...")},
+};
+
+} // namespace
+
+std::span<const NeedDefinition> needTable() {
+    return needs;
+}
+
+std::string_view unmetReason(CommandNeeds need, const CommandState& state) {
+    const auto rule = std::ranges::find(needs, need, &NeedDefinition::need);
+    return rule == needs.end() || state.*rule->met ? std::string_view() : rule->reason;
+}
+
+} // namespace mirovane

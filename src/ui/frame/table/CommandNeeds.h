@@ -1,0 +1,31 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace mirovane {
+
+/// What must be there before a command can do anything.
+enum class CommandNeeds { Nothing, Devices, Selection, AddressRanges };
+
+/// What the window's commands depend on at this moment, a flag for each of their needs.
+struct CommandState {
+    bool hasDevices = false;
+    bool hasSelection = false;
+    bool hasAddressRanges = false;
+};
+
+/// A need, the flag that meets it, and what the status bar says about a command that waits for it: what is
+/// missing, and where to get it.
+struct NeedDefinition {
+    CommandNeeds need;
+    bool CommandState::*met;
+    std::string_view reason;
+};
+
+std::span<const NeedDefinition> needTable();
+
+/// Why a command with this need is disabled; empty when it is enabled.
+std::string_view unmetReason(CommandNeeds need, const CommandState& state);
+
+} // namespace mirovane

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "ui/frame/table/CommandNeeds.h"
+#include "ui/frame/table/Menus.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace mirovane {
+
+enum class CommandId {
+    FileNew,
+    FileOpen,
+    FileSave,
+    FileSaveAs,
+    FileExport,
+    FileRecent, ///< stands for the recently used datafiles, an entry each
+    FileExit,
+    ViewToolbar,
+    ViewStatusBar,
+    ViewDisplayToggle, ///< every command that switches one display setting; `setting` says which
+    ViewMessageLogs,
+    ViewListView,
+    ToolsFloorMap,
+    ToolsLiveStatOptions,
+    ToolsLiveStat,
+    ToolsLiveDiscover,
+    ToolsLiveStatNow,
+    ToolsTrackLiveStat,
+    ToolsApplications,
+    ToolsDiscoverNow,
+    HelpAbout,
+};
+
+/// One command of the main window. The table is the only place where a command's words and keys are written;
+/// menus, toolbar, tooltips and the help line in the status bar are made from it. Its rows are in the source
+/// file of their menu, which marks their texts with QT_TRANSLATE_NOOP("Commands", ...); `commandText` is what
+/// people see.
+struct CommandDefinition {
+    CommandId id;                  ///< its handler's; the commands of a family share it
+    std::string_view name = {};    ///< object name of its action; unique
+    MenuId menu = MenuId::None;    ///< None: key and toolbar only
+    std::string_view text = {};    ///< menu text, "&" before the mnemonic letter
+    std::string_view keys = {};    ///< "Ctrl+N", several with a blank between them; the menu shows the first
+    std::string_view help = {};    ///< shown in the status bar while the entry is pointed at
+    std::string_view setting = {}; ///< the setting that the command switches
+    std::int32_t value = 0;        ///< which of its family: a device type, a percentage
+    CommandNeeds needs = CommandNeeds::Nothing;
+    bool checkable = false;
+    bool groupStart = false; ///< a separator comes before it
+};
+
+/// In menu order; a submenu is where its first command is.
+std::span<const CommandDefinition> commandTable();
+
+/// A text of the table or of the menus in the user's language.
+QString commandText(std::string_view text);
+
+} // namespace mirovane

@@ -1,0 +1,54 @@
+#include "ui/frame/table/CommandRows.h"
+
+#include <QCoreApplication>
+
+#include <array>
+
+namespace mirovane {
+
+namespace {
+
+// Rows that are alike line up; the formatter would give each a shape of its own.
+// clang-format off
+constexpr auto rows = std::to_array<CommandDefinition>({
+    {.id = CommandId::ToolsFloorMap, .name = "toolsFloorMap", .menu = MenuId::Tools,
+     .text = QT_TRANSLATE_NOOP("Commands", "&Floor Map..."),
+     .help = QT_TRANSLATE_NOOP("Commands", "Choose the picture of the floor")},
+    {.id = CommandId::ToolsLiveStatOptions, .name = "toolsLiveStatOptions", .menu = MenuId::Tools,
+     .text = QT_TRANSLATE_NOOP("Commands", "Live Stat/Discover &Option..."),
+     .help = QT_TRANSLATE_NOOP("Commands", "Set what Live Stat does with each device type, and how fast"),
+     .groupStart = true},
+    {.id = CommandId::ToolsLiveStat, .name = "toolsLiveStat", .menu = MenuId::Tools,
+     .text = QT_TRANSLATE_NOOP("Commands", "&Live Stat (LS - Loop)"),
+     .help = QT_TRANSLATE_NOOP("Commands", "Check all devices, over and over"),
+     .needs = CommandNeeds::Devices, .checkable = true},
+    {.id = CommandId::ToolsLiveDiscover, .name = "toolsLiveDiscover", .menu = MenuId::Tools,
+     .text = QT_TRANSLATE_NOOP("Commands", "Live Discover (LD - Loop)"),
+     .help = QT_TRANSLATE_NOOP("Commands", "Look for new hosts in the address ranges of the options, one "
+                                            "every few seconds"),
+     .needs = CommandNeeds::AddressRanges, .checkable = true},
+    {.id = CommandId::ToolsDiscoverNow, .name = "toolsDiscoverNow", .menu = MenuId::Tools,
+     .text = QT_TRANSLATE_NOOP("Commands", "D&iscover Now..."),
+     .help = QT_TRANSLATE_NOOP("Commands", "Ask all address ranges at once and add the hosts that answer")},
+    {.id = CommandId::ToolsLiveStatNow, .name = "toolsLiveStatNow", .menu = MenuId::Tools,
+     .text = QT_TRANSLATE_NOOP("Commands", "Perform Live Stat &Now on selected object(s)"),
+     .help = QT_TRANSLATE_NOOP("Commands", "Check the selected devices now"),
+     .needs = CommandNeeds::Selection},
+    {.id = CommandId::ToolsTrackLiveStat, .name = "toolsTrackLiveStat", .menu = MenuId::Tools,
+     .text = QT_TRANSLATE_NOOP("Commands", "Track \"Live Stat\""),
+     .help = QT_TRANSLATE_NOOP("Commands", "Follow Live Stat from device to device on the floor"),
+     .checkable = true},
+    {.id = CommandId::ToolsApplications, .name = "toolsApplications", .menu = MenuId::Tools,
+     .text = QT_TRANSLATE_NOOP("Commands", "Add &Applications.."),
+     .help = QT_TRANSLATE_NOOP("Commands", "Name the programs that can be started for the selected devices"),
+     .groupStart = true},
+});
+// clang-format on
+
+} // namespace
+
+std::span<const CommandDefinition> toolsCommands() {
+    return rows;
+}
+
+} // namespace mirovane
