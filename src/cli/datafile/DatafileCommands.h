@@ -7,6 +7,7 @@ namespace mirovane {
 extern const Command newCommand;
 extern const Command recordsCommand;
 extern const Command listCommand;
+extern const Command findDevicesCommand;
 extern const Command checkCommand;
 extern const Command upgradeCommand;
 extern const Command addCommand;

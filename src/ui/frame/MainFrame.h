@@ -1,10 +1,14 @@
 #pragma once
 
-#include "ui/frame/FrameCommands.h"
-#include "ui/frame/FrameWindows.h"
 #include "ui/frame/StatusPanes.h"
+#include "ui/frame/commands/ApplicationCommands.h"
 #include "ui/frame/commands/CommandActions.h"
-#include "ui/frame/commands/FrameServices.h"
+#include "ui/frame/commands/ExportCommand.h"
+#include "ui/frame/commands/FileCommands.h"
+#include "ui/frame/commands/FrameDialogs.h"
+#include "ui/frame/commands/RecentFiles.h"
+#include "ui/frame/commands/ToolsCommands.h"
+#include "ui/frame/commands/ViewCommands.h"
 #include "ui/widgets/KeyboardLocks.h"
 
 #include <QMainWindow>
@@ -15,27 +19,40 @@
 namespace mirovane {
 
 class CApplicationsMenu;
+class CListViewWindow;
+class CDiscoverNowWindow;
+class CMessageLogWindow;
 class CMirovaneView;
 
-/// The one main window: menus, toolbar, the floor and the status bar.
+/// The one top-level window: menus, toolbar, the floor and the status bar; beside it the message log and
+/// the list of devices.
 /// Knows how its parts are put together, and nothing of what they do. Main thread only.
 class CMainFrame : public QMainWindow, private StationObserver, private LogListener {
     Q_OBJECT
 
 public:
-    using Services = FrameServices;
+    /// What the frame and its windows work with; all of it outlives the frame.
+    struct Services {
+        CStation& station;
+        FrameDialogs& dialogs;
+        CRecentFiles& recent;
+        ProgramLauncher& launcher;
+        CSettings& settings;
+        CMessageLog& log;
+        const Clock& clock;
+    };
 
     /// `floor` is the view on the station's document and becomes the frame's own.
     CMainFrame(const Services& services, CMirovaneView* floor);
     ~CMainFrame() override;
 
-    CFileCommands& files() { return commands_.files(); }
+    CFileCommands& files() { return files_; }
     CCommandActions& actions() { return *actions_; }
     CApplicationsMenu& applicationsMenu() { return *applicationsMenu_; }
-    CMessageLogWindow& messageLog() { return windows_.messageLog(); }
+    CMessageLogWindow& messageLog() { return *messageLog_; }
 
     /// Null before it was first shown.
-    CListViewWindow* listView() { return windows_.listView(); }
+    CListViewWindow* listView() { return listView_.get(); }
 
     /// Title, panes, check marks and enablement, from the state of things now.
     void refresh();
@@ -52,11 +69,13 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void connectCommands();
+    void showDiscoverNow();
     void makeMenus();
     void menuOpens();
-    void connectWindows();
-    void connectStation();
+    void showListView();
     void showOnFloor(std::int32_t recID);
+    void connectStation();
     void placeWindow();
     void showTitle();
     bool showsReminder() const;
@@ -66,13 +85,23 @@ private:
     void remindersChanged() override;
     void lineLogged(const LogLine& line) override;
 
-    Services services_;
+    CStation& station_;
+    FrameDialogs& dialogs_;
+    CRecentFiles& recent_;
+    CSettings& settings_;
+    CMessageLog& log_;
     CMirovaneView* floor_;
     CCommandActions* actions_;
     QToolBar* toolbar_;
     CStatusPanes panes_;
-    CFrameWindows windows_;
-    CFrameCommands commands_;
+    std::unique_ptr<CMessageLogWindow> messageLog_;
+    CDiscoverNowWindow* discoverNow_ = nullptr; ///< a child of this window, made when it is first wanted
+    std::unique_ptr<CListViewWindow> listView_;
+    CFileCommands files_;
+    CExportCommand exportCommand_;
+    CViewCommands viewCommands_;
+    CToolsCommands toolsCommands_;
+    CApplicationCommands applicationCommands_;
     CApplicationsMenu* applicationsMenu_ = nullptr;
     std::optional<CKeyboardLights> keyboard_;
     bool sessionEnded_ = false;
