@@ -66,24 +66,22 @@ struct Site {
                 d.IPAddress = "10.0." + std::to_string(i / 250) + "." + std::to_string(i % 250);
             });
         }
-        doc.display().PropertiesComputer = doc.display().PropertiesIPAddress = true;
-        doc.display().PropertiesUsername = false;
+        display.PropertiesComputer = display.PropertiesIPAddress = true;
+        display.PropertiesUsername = false;
         tiles.setPicture(picture);
-        state.client = window;
-        state.LabelFontHeight = 12;
+        state.view.client = window;
     }
 
-    FloorSources sources() { return {doc, doc.display(), index, icons, tiles, photos}; }
+    FloorSources sources() { return {doc, display, index, icons, tiles, photos}; }
 
-    void zoom(std::int32_t percent) {
-        doc.display().ZoomPercent = doc.display().ZoomDevicesPercent = percent;
-    }
+    void zoom(std::int32_t percent) { state.view.zoom = {percent, percent}; }
 
     CSystemClock clock;
     CPosixFiles files;
     CMessageLog log{clock};
     CMemorySettingsStore store;
     CSettings settings{store};
+    DisplaySettings display;
     CMirovaneDoc doc{clock, log, {"bench", "bench"}};
     CFloorIndex index{doc};
     CIconSet icons;
@@ -101,27 +99,27 @@ void prepareAll(CFloorFrame& frame) {
 }
 
 void scrollTo(Site& site, int step) {
-    site.state.scroll = QPoint(step % 37, (step * 7) % 23);
+    site.state.view.origin = QPoint(step % 37, (step * 7) % 23);
 }
 
 void benchLaterFrames(int devices, double goal) {
     Site site(devices, 0);
     CFloorFrame frame(site.sources());
-    test::PlainPainter plain(site.doc, site.icons, site.map);
+    test::PlainPainter plain(site.doc, site.display, site.icons, site.map);
     QImage canvas(window, QImage::Format_RGB32);
-    frame.setView(site.state, 1);
+    frame.setState(site.state);
     frame.image();
     prepareAll(frame);
     for (int step = 0; step < 3; ++step) {
         scrollTo(site, step);
-        frame.setView(site.state, 1);
+        frame.setState(site.state);
         plain.draw(canvas, site.state);
         require(frame.image() == canvas, "kept and plain frames differ");
     }
     int step = 0;
     const auto ours = [&] {
         scrollTo(site, ++step);
-        frame.setView(site.state, 1);
+        frame.setState(site.state);
         frame.image();
         prepareAll(frame);
     };
@@ -161,11 +159,11 @@ void benchLaterFrames(int devices, double goal) {
 void benchFirstFrame(int devices, std::int32_t percent) {
     Site site(devices, 0);
     site.zoom(percent);
-    test::PlainPainter plain(site.doc, site.icons, site.map);
+    test::PlainPainter plain(site.doc, site.display, site.icons, site.map);
     QImage canvas(window, QImage::Format_RGB32);
     if (percent == 100) {
         CFloorFrame frame(site.sources());
-        frame.setView(site.state, 1);
+        frame.setState(site.state);
         plain.draw(canvas, site.state);
         require(frame.image() == canvas, "first and plain frames differ");
     }
@@ -174,7 +172,7 @@ void benchFirstFrame(int devices, std::int32_t percent) {
         site.icons.loadWithFallback(QStringLiteral("/nowhere"));
         CFloorFrame frame(site.sources());
         const auto start = std::chrono::steady_clock::now();
-        frame.setView(site.state, 1);
+        frame.setState(site.state);
         frame.image();
         return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     };
@@ -196,7 +194,7 @@ void benchMap(std::int32_t percent) {
         ++step;
         const QPoint origin(-(step % 40), -(step % 30));
         QPainter painter(&canvas);
-        tiles.draw(painter, canvas.rect(), origin, percent / 100.0);
+        tiles.draw(painter, canvas.rect(), {origin, mapSize * (percent / 100.0), percent / 100.0});
     };
     // A smaller zoom covers less than the frame; it is measured against the whole frame's copy all the same.
     const auto other = [&] {
@@ -217,7 +215,7 @@ void benchManyElsewhere() {
     int step = 0;
     const auto frameOf = [&step](Site& site, CFloorFrame& frame) {
         scrollTo(site, ++step);
-        frame.setView(site.state, 1);
+        frame.setState(site.state);
         frame.image();
         prepareAll(frame);
     };

@@ -9,9 +9,9 @@
 #include "platform/files/PosixFiles.h"
 #include "ui/floor/FloorHover.h"
 #include "ui/floor/geometry/FloorIndex.h"
+#include "ui/floor/geometry/FontBands.h"
 #include "ui/floor/map/FloorMap.h"
 #include "ui/floor/paint/FloorFrame.h"
-#include "ui/floor/paint/FontBands.h"
 #include "ui/floor/paint/IconSet.h"
 #include "ui/floor/paint/PhotoStore.h"
 
@@ -72,18 +72,20 @@ public:
         }
         applySettings();
         markDueReminders();
-        map_.loadNow(QString::fromStdString(displayText(floorMapOf(document_).mapPath)),
-                     QString::fromStdString(displayText(link_.path())));
+        const FloorMapValues named = floorMapOf(document_);
+        const QString datafile = QString::fromStdString(displayText(link_.path()));
+        photos_.setFolder({QString::fromStdString(displayText(named.photoFolder)), datafile});
+        map_.loadNow(QString::fromStdString(displayText(named.mapPath)), datafile);
         return applySelection() ? Written : UsageError;
     }
 
     bool chooseSize() {
-        const QSize extent =
-            scrollExtent(document_, map_.size(), icons_.sizes(), floorZoom(display_).ZoomPercent);
+        const QSize extent = scrollExtent(document_, map_.size(), icons_.sizes(), options_.ZoomPercent);
         const QSize rest = extent - QSize(options_.scroll.x(), options_.scroll.y());
-        state_.client = options_.size.value_or(rest.isEmpty() ? emptyFloorSize : rest);
-        const bool fits = std::max(state_.client.width(), state_.client.height()) <= largestRenderSide &&
-                          qint64{state_.client.width()} * state_.client.height() <= mostRenderPixels;
+        state_.view.client = options_.size.value_or(rest.isEmpty() ? emptyFloorSize : rest);
+        const bool fits =
+            std::max(state_.view.client.width(), state_.view.client.height()) <= largestRenderSide &&
+            qint64{state_.view.client.width()} * state_.view.client.height() <= mostRenderPixels;
         if (!fits)
             complain(QStringLiteral(
                          "the whole floor has %1 x %2 pixels at this zoom, too many for a picture: choose a "
@@ -94,10 +96,8 @@ public:
     }
 
     QImage frame() {
-        state_.scroll = options_.scroll;
-        state_.LabelFontHeight = startLabelFontHeight(display_);
         CFloorFrame frame({document_, display_, index_, icons_, map_.tiles(), photos_});
-        frame.setView(state_, 1);
+        frame.setState(state_);
         return frame.image();
     }
 
@@ -105,6 +105,9 @@ private:
     void applySettings() {
         display_.ZoomPercent = options_.ZoomPercent;
         display_.ZoomDevicesPercent = options_.ZoomDevicesPercent;
+        state_.view.zoom = floorZoom(display_);
+        state_.view.LabelFontHeight = startLabelFontHeight(display_);
+        state_.view.origin = options_.scroll;
         const auto named = [this](std::string_view name) {
             return std::ranges::find(options_.shown, name) != options_.shown.end();
         };
@@ -149,7 +152,7 @@ private:
         const CHardware* device = deviceOnFloor(*options_.hovered);
         if (!device)
             return false;
-        CFloorHover hover(selection_, index_, icons_.sizes(), display_);
+        CFloorHover hover(selection_, index_, icons_.sizes(), display_, state_.view);
         hover.showOnly(device);
         if (state_.SelectedMarker == 0)
             state_.SelectedMarker =

@@ -19,7 +19,7 @@ CFloorDrawing::CFloorDrawing(const CMirovaneDoc& document, const CDatafileLink& 
       frame_({document, display, index_, icons_, map_.tiles(), photos_}) {
     icons_.loadWithFallback(QDir::currentPath());
     connect(&map_, &CFloorMap::changed, this, [this] {
-        extentStale_ = true;
+        extentZoom_ = 0;
         invalidateAll();
     });
     connect(&map_, &CFloorMap::failed, this, &CFloorDrawing::mapFailed);
@@ -41,26 +41,20 @@ bool CFloorDrawing::empty() const {
 void CFloorDrawing::compareSettings() {
     if (display_ == painted_)
         return;
-    extentStale_ = extentStale_ || display_.ZoomPercent != painted_.ZoomPercent;
     painted_ = display_;
     frame_.invalidateAll();
 }
 
-QSize CFloorDrawing::extent() {
-    if (extentStale())
-        extent_ = scrollExtent(document_, map_.size(), icons_.sizes(), floorZoom(display_).ZoomPercent);
-    extentStale_ = false;
+QSize CFloorDrawing::extent(std::int32_t ZoomPercent) {
+    if (extentStale(ZoomPercent))
+        extent_ = scrollExtent(document_, map_.size(), icons_.sizes(), ZoomPercent);
+    extentZoom_ = ZoomPercent;
     return extent_;
 }
 
-bool CFloorDrawing::extentStale() {
+QRect CFloorDrawing::draw(const FloorViewState& state) {
     compareSettings();
-    return extentStale_;
-}
-
-QRect CFloorDrawing::draw(const FloorViewState& state, qreal devicePixelRatio) {
-    compareSettings();
-    frame_.setView(state, devicePixelRatio);
+    frame_.setState(state);
     QRect redrawn;
     frame_.image(&redrawn);
     return redrawn;
@@ -79,7 +73,7 @@ void CFloorDrawing::invalidateAll() {
 // ---- what the document tells
 
 void CFloorDrawing::recordAdded(const CHardware& record) {
-    extentStale_ = true;
+    extentZoom_ = 0;
     invalidate(record);
 }
 
@@ -87,7 +81,7 @@ void CFloorDrawing::recordChanged(const CHardware& before, const CHardware& afte
     if (before.Type == SpecialType::FloorMapRecord || after.Type == SpecialType::FloorMapRecord)
         loadMap(true);
     if (before.Position != after.Position || before.Type != after.Type)
-        extentStale_ = true;
+        extentZoom_ = 0;
     if (before.onFloor() || after.onFloor())
         frame_.invalidate(after);
     Q_EMIT outdated();
@@ -99,7 +93,7 @@ void CFloorDrawing::flagsChanged(const CHardware& record) {
 }
 
 void CFloorDrawing::recordRemoved(const CHardware& record) {
-    extentStale_ = true;
+    extentZoom_ = 0;
     frame_.forget(record);
     Q_EMIT outdated();
 }
@@ -107,14 +101,16 @@ void CFloorDrawing::recordRemoved(const CHardware& record) {
 void CFloorDrawing::documentReplaced() {
     frame_.forgetAll();
     photos_.clear();
-    extentStale_ = true;
+    extentZoom_ = 0;
     loadMap(!datafile_.reloading());
     Q_EMIT outdated();
 }
 
 void CFloorDrawing::loadMap(bool again) {
-    map_.load(QString::fromStdString(displayText(floorMapOf(document_).mapPath)),
-              QString::fromStdString(displayText(datafile_.path())), again);
+    const FloorMapValues named = floorMapOf(document_);
+    const QString datafile = QString::fromStdString(displayText(datafile_.path()));
+    photos_.setFolder({QString::fromStdString(displayText(named.photoFolder)), datafile});
+    map_.load(QString::fromStdString(displayText(named.mapPath)), datafile, again);
 }
 
 } // namespace mirovane

@@ -35,14 +35,17 @@ public:
     /// Neither a map nor a device is on the floor.
     bool empty() const;
 
-    /// MapExtentWidth and MapExtentHeight. Walks the whole list when something moved.
-    QSize extent();
-    bool extentStale();
+    /// MapExtentWidth and MapExtentHeight at this zoom. Walks the whole list when something moved.
+    QSize extent(std::int32_t ZoomPercent);
+    bool extentStale(std::int32_t ZoomPercent) const { return ZoomPercent != extentZoom_; }
+
+    /// Of the floor map at 100 %; 0 x 0 without one.
+    QSize mapSize() const { return map_.size(); }
 
     /// Brings the picture up to date with the document and this state. Returns what differs from the picture
-    /// before, logical pixels. The view names what another state changes; only scrolling, size and zoom are
-    /// noticed here.
-    QRect draw(const FloorViewState& state, qreal devicePixelRatio);
+    /// before, logical pixels. The caller names what another state changes; only another FloorView is noticed
+    /// here.
+    QRect draw(const FloorViewState& state);
 
     /// As drawn last, canvas pixels.
     const QImage& image() { return frame_.image(); }
@@ -81,14 +84,14 @@ private:
     const CDatafileLink& datafile_;
     const CMirovaneDoc& document_;
     const DisplaySettings& display_;
-    DisplaySettings painted_; ///< display settings of the last picture
+    DisplaySettings painted_; ///< the toggles of the last picture
     CIconSet icons_;
     CFloorMap map_;
     CPhotoStore photos_;
     CFloorIndex index_;
     CFloorFrame frame_;
     QSize extent_;
-    bool extentStale_ = true;
+    std::int32_t extentZoom_ = 0; ///< that the extent was worked out for; 0: something moved since
 };
 
 } // namespace mirovane

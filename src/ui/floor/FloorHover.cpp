@@ -7,12 +7,12 @@
 namespace mirovane {
 
 CFloorHover::CFloorHover(CSelection& selection, const CFloorIndex& index, const CIconSizes& icons,
-                         const DisplaySettings& display)
-    : selection_(selection), index_(index), icons_(icons), display_(display) {}
+                         const DisplaySettings& display, const FloorView& view)
+    : selection_(selection), index_(index), icons_(icons), display_(display), view_(view) {}
 
 /// Map coordinates of every device that could be hit at this point, rounded outwards.
 CFloorIndex::Area CFloorHover::reach(QPoint point) const {
-    const FloorZoom zoom = floorZoom(display_);
+    const FloorZoom& zoom = view_.zoom;
     const QSize size = scaled(icons_.largest(), zoom.ZoomDevicesPercent);
     const auto mapFloor = [&zoom](std::int64_t value) {
         return value * 100 / zoom.ZoomPercent - 1;
@@ -26,9 +26,9 @@ CFloorIndex::Area CFloorHover::reach(QPoint point) const {
 
 std::vector<const CHardware*> CFloorHover::hitsAt(QPoint point) const {
     CFloorIndex::Devices found = index_.devicesIn(reach(point));
-    std::erase_if(found, [&, zoom = floorZoom(display_)](const CHardware* device) {
+    std::erase_if(found, [&](const CHardware* device) {
         return !display_.typeVisible(device->Type) ||
-               !hits(device->Position, icons_.of(device->Type), point, zoom);
+               !hits(device->Position, icons_.of(device->Type), point, view_.zoom);
     });
     index_.inListOrder(found);
     std::ranges::reverse(found);
@@ -51,7 +51,7 @@ Hover CFloorHover::at(QPoint point, bool synthetic) const {
 }
 
 std::int32_t CFloorHover::markerAround(QPoint point) const {
-    const std::int32_t ZoomPercent = floorZoom(display_).ZoomPercent;
+    const std::int32_t ZoomPercent = view_.zoom.ZoomPercent;
     std::int64_t best = worstAreaScore;
     std::int32_t winner = 0;
     CFloorIndex::Devices markers(index_.markers().begin(), index_.markers().end());

@@ -2,8 +2,8 @@
 
 #include "model/Selection.h"
 #include "model/Settings.h"
-#include "ui/floor/geometry/FloorGeometry.h"
 #include "ui/floor/geometry/FloorIndex.h"
+#include "ui/floor/geometry/FloorView.h"
 
 #include <QPoint>
 
@@ -24,8 +24,9 @@ struct Hover {
 /// coordinates. Main thread; everything that it is made of outlives it.
 class CFloorHover {
 public:
+    /// `view`: of the frame that the user sees; it may change at any time.
     CFloorHover(CSelection& selection, const CFloorIndex& index, const CIconSizes& icons,
-                const DisplaySettings& display);
+                const DisplaySettings& display, const FloorView& view);
 
     /// The floor devices of a visible type under the point, topmost first.
     std::vector<const CHardware*> hitsAt(QPoint point) const;
@@ -45,6 +46,7 @@ private:
     const CFloorIndex& index_;
     const CIconSizes& icons_;
     const DisplaySettings& display_;
+    const FloorView& view_;
 };
 
 } // namespace mirovane

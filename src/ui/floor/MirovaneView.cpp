@@ -1,7 +1,7 @@
 #include "ui/floor/MirovaneView.h"
 
 #include "model/records/Text.h"
-#include "ui/floor/paint/FontBands.h"
+#include "ui/floor/geometry/FontBands.h"
 
 #include <QMouseEvent>
 #include <QPaintEvent>
@@ -71,10 +71,11 @@ CMirovaneView::CMirovaneView(CStation& station, CMessageLog& log, QWidget* paren
       station_(station),
       log_(log),
       drawing_(station.document(), station.datafile(), display()),
-      hover_(station.selection(), drawing_.index(), drawing_.icons().sizes(), display()),
+      hover_(station.selection(), drawing_.index(), drawing_.icons().sizes(), display(), state_.view),
       rings_(station.liveStat()) {
     setUp(*this);
-    state_.LabelFontHeight = startLabelFontHeight(display());
+    state_.view.zoom = floorZoom(display());
+    state_.view.LabelFontHeight = startLabelFontHeight(display());
     connect(&drawing_, &CFloorDrawing::outdated, this, &CMirovaneView::scheduleFlush);
     connect(&drawing_, &CFloorDrawing::mapFailed, this, [this](const QString& sentence, bool missing) {
         if (!missing)
@@ -169,15 +170,17 @@ void CMirovaneView::flush() {
 }
 
 QRect CMirovaneView::redraw() {
-    state_.scroll = scaledPoint({0, 0});
-    state_.client = viewport()->size();
+    state_.view.zoom = floorZoom(display());
+    state_.view.origin = scaledPoint({0, 0});
+    state_.view.client = viewport()->size();
+    state_.view.ratio = devicePixelRatioF();
     state_.gesture = gesture_.shown();
     state_.liveStatHolds = rings_.holds();
-    return drawing_.draw(state_, devicePixelRatioF());
+    return drawing_.draw(state_);
 }
 
 void CMirovaneView::paintEvent(QPaintEvent* event) {
-    if (drawing_.extentStale())
+    if (drawing_.extentStale(floorZoom(display()).ZoomPercent))
         scheduleFlush();
     const QRect redrawn = redraw();
     QPainter painter(viewport());
@@ -202,12 +205,21 @@ QPoint CMirovaneView::scaledPoint(QPoint windowPoint) const {
 
 /// Costs next to nothing while neither the extent nor the window changed.
 void CMirovaneView::UpdateScrollExtent() {
-    const QSize extent = drawing_.extent();
+    const QSize extent = drawing_.extent(floorZoom(display()).ZoomPercent);
     const QSize page = viewport()->size();
     horizontalScrollBar()->setRange(0, std::max(0, extent.width() - page.width()));
     verticalScrollBar()->setRange(0, std::max(0, extent.height() - page.height()));
     horizontalScrollBar()->setPageStep(page.width());
     verticalScrollBar()->setPageStep(page.height());
+}
+
+void CMirovaneView::setZoom(std::int32_t LabelFontHeight, QPoint origin) {
+    state_.view.zoom = floorZoom(display());
+    state_.view.LabelFontHeight = LabelFontHeight;
+    UpdateScrollExtent();
+    horizontalScrollBar()->setValue(origin.x());
+    verticalScrollBar()->setValue(origin.y());
+    viewport()->update();
 }
 
 void CMirovaneView::showDevice(const CHardware& device) {
@@ -266,7 +278,7 @@ void CMirovaneView::keyPressEvent(QKeyEvent* event) {
 FloorPointer CMirovaneView::pointerAt(const QMouseEvent& event) const {
     FloorPointer pointer;
     pointer.at = scaledPoint(event.position().toPoint());
-    pointer.ZoomPercent = floorZoom(display()).ZoomPercent;
+    pointer.ZoomPercent = state_.view.zoom.ZoomPercent;
     pointer.ctrl = event.modifiers().testFlag(Qt::ControlModifier);
     pointer.Busy = station_.busy();
     if (event.type() != QEvent::MouseMove)

@@ -35,6 +35,10 @@ public:
     /// Scaled coordinates of a point of the viewport.
     QPoint scaledPoint(QPoint windowPoint) const;
 
+    /// The zoom of the display settings has changed. Labels have this height from now on, and `origin`
+    /// (scaled coordinates) comes to the window's corner, as far as the floor reaches.
+    void setZoom(std::int32_t LabelFontHeight, QPoint origin);
+
     /// Brings a floor device into view, with all its labels until the pointer moves. Does not select it.
     void showDevice(const CHardware& device);
 
@@ -92,11 +96,11 @@ private:
 
     CStation& station_;
     CMessageLog& log_;
+    FloorViewState state_; ///< of the frame that was drawn last
     CFloorDrawing drawing_;
     CFloorHover hover_;
     CFloorGesture gesture_;
     CLiveStatRings rings_;
-    FloorViewState state_;
     QString datafile_;
     std::optional<QPoint> pointer_; ///< where it rests over the floor, in window coordinates
     bool flushPending_ = false;

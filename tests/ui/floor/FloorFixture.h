@@ -31,7 +31,7 @@ public:
             display.*displayToggle(name) = true;
         display.PropertiesUsername = false;
         icons.LoadIcons(QString::fromStdString(test::sourceFile("assets/icons")));
-        state.client = QSize(400, 300);
+        state.view.client = QSize(400, 300);
     }
 
     const CHardware& add(std::int32_t type, MapPoint at, const std::function<void(CHardware&)>& fill = {}) {
@@ -49,7 +49,9 @@ public:
     /// A whole frame, drawn with nothing kept from before.
     QImage freshFrame(qreal ratio = 1) {
         CFloorFrame frame(sources());
-        frame.setView(state, ratio);
+        FloorViewState shown = state;
+        shown.view.ratio = ratio;
+        frame.setState(shown);
         return frame.image().copy();
     }
 

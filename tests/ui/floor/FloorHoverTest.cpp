@@ -14,7 +14,7 @@ protected:
     }
 
     test::Floor floor;
-    CFloorHover hover{floor.selection, floor.index, floor.icons.sizes(), floor.display};
+    CFloorHover hover{floor.selection, floor.index, floor.icons.sizes(), floor.display, floor.state.view};
     Hover last;
 };
 
@@ -27,7 +27,7 @@ TEST_F(FloorHoverTest, HitsAreVisibleDevicesTopmostFirst) {
     EXPECT_EQ(shownAt({99, 100}), nullptr);
     floor.display.VisibleTypes = ~(1 << (DeviceType::Printer - 1));
     EXPECT_EQ(shownAt({115, 115}), &below);
-    floor.display.ZoomPercent = 200;
+    floor.state.view.zoom.ZoomPercent = 200;
     EXPECT_EQ(shownAt({200, 200}), &below);
     EXPECT_EQ(shownAt({199, 200}), nullptr);
 }

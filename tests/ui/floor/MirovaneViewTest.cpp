@@ -51,7 +51,7 @@ protected:
         CPhotoStore photos(CPhotoStore::Reading::Now);
         CFloorFrame frame({doc, site.station->display(), view.drawing().index(), view.drawing().icons(),
                            map.tiles(), photos});
-        frame.setView(view.state(), view.devicePixelRatioF());
+        frame.setState(view.state());
         return frame.image().copy();
     }
 
@@ -108,17 +108,17 @@ TEST_F(MirovaneViewTest, ShowsEveryChangeOfTheDocument) {
 TEST_F(MirovaneViewTest, MapGivesTheScrollRangeAndDevicesWidenIt) {
     setFloorMap(site.doc(), {saveMap(1200, 900), {}});
     settle();
-    EXPECT_EQ(view.drawing().extent(), QSize(1200, 900));
+    EXPECT_EQ(view.drawing().extent(100), QSize(1200, 900));
     EXPECT_EQ(view.horizontalScrollBar()->maximum(), 1200 - view.viewport()->width());
     EXPECT_EQ(difference(), "");
     add(DeviceType::Computer, {1300, 100});
     settle();
     const int icon = view.drawing().icons().sizes().of(DeviceType::Computer).width();
-    EXPECT_EQ(view.drawing().extent(), QSize(1300 + icon, 900));
+    EXPECT_EQ(view.drawing().extent(100), QSize(1300 + icon, 900));
     view.horizontalScrollBar()->setValue(700);
     view.verticalScrollBar()->setValue(123);
     EXPECT_EQ(difference(), "");
-    EXPECT_EQ(view.state().scroll, QPoint(700, 123));
+    EXPECT_EQ(view.state().view.origin, QPoint(700, 123));
 }
 
 TEST_F(MirovaneViewTest, WheelAndKeysScroll) {
@@ -137,7 +137,7 @@ TEST_F(MirovaneViewTest, WheelAndKeysScroll) {
     QTest::keyClick(&view, Qt::Key_End, Qt::ControlModifier);
     EXPECT_EQ(view.verticalScrollBar()->value(), view.verticalScrollBar()->maximum());
     QTest::keyClick(&view, Qt::Key_Home, Qt::ControlModifier);
-    EXPECT_EQ(view.state().scroll, QPoint(0, 0));
+    EXPECT_EQ(view.state().view.origin, QPoint(0, 0));
     QTest::keyClick(&view, Qt::Key_Right);
     EXPECT_EQ(view.horizontalScrollBar()->value(), 20);
 }
@@ -267,9 +267,9 @@ TEST_F(MirovaneViewTest, ADragBesideTheDevicesLeavesABoxUntilTheNextClick) {
     EXPECT_EQ(shown().pixelColor(275, 100), QColor(Qt::black));
     dragTo({250, -1});
     dragTo({view.viewport()->width(), 100});
-    EXPECT_EQ(view.state().scroll, QPoint(0, 0)) << "what is scrolled to is drawn in the next frame";
+    EXPECT_EQ(view.state().view.origin, QPoint(0, 0)) << "what is scrolled to is drawn in the next frame";
     settle();
-    EXPECT_EQ(view.state().scroll, QPoint(15, 0)) << "beyond the edge the floor comes along";
+    EXPECT_EQ(view.state().view.origin, QPoint(15, 0)) << "beyond the edge the floor comes along";
     QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, {100, 100});
     settle();
     const int right = view.viewport()->width();

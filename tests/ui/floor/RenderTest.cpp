@@ -30,7 +30,7 @@ protected:
         });
         floor.add(DeviceType::discoveredOffset + DeviceType::Printer, {0, 0});
         EXPECT_TRUE(link.saveAs(datafile).saved());
-        floor.state.client = {300, 200};
+        floor.state.view.client = {300, 200};
     }
 
     int run(const QStringList& arguments) {
@@ -77,14 +77,13 @@ TEST_F(RenderTest, DrawsWhatTheWindowWouldAndTouchesNothing) {
               0)
         << said.toStdString();
     DisplaySettings& display = floor.display;
-    display.ZoomPercent = 150;
-    display.ZoomDevicesPercent = 200;
+    floor.state.view.zoom = {150, 200};
     display.PropertiesComputer = true;
     display.PropertiesSlashDraw = display.PropertiesBackslashDraw = display.PropertiesVertDraw = false;
     floor.doc.setSelected(*floor.doc.findDevice(2), true);
     floor.doc.setShowAll(*floor.doc.findDevice(1), true);
-    floor.state.scroll = {11, 7};
-    floor.state.LabelFontHeight = 13;
+    floor.state.view.origin = {11, 7};
+    floor.state.view.LabelFontHeight = 13;
     EXPECT_EQ(test::firstDifference(rendered(), floor.freshFrame()), "");
 
     EXPECT_EQ(test::readBytes(datafile), before);

@@ -118,10 +118,12 @@ std::vector<FloorLine> directionLines(const CHardware& device, const DisplaySett
 QSize photoSize(QSize photo, std::int32_t iconWidth, FloorZoom zoom, std::int32_t PhotoScale) {
     if (photo.isEmpty())
         return {};
-    const double factor = PhotoScale * 4.0 / 100.0;
-    const double aspect = static_cast<double>(photo.height()) / photo.width();
-    const double width = scaled(iconWidth, zoom.ZoomDevicesPercent) * factor;
-    const double height = scaled(iconWidth, zoom.ZoomPercent) * aspect * factor;
+    // One division, of numbers that a double holds exactly: a whole result must not come out a hair less.
+    const auto side = [&](std::int32_t percent, int times, int by) {
+        return static_cast<double>(iconWidth) * percent * times * PhotoScale * 4 / (10000.0 * by);
+    };
+    const double width = side(zoom.ZoomDevicesPercent, 1, 1);
+    const double height = side(zoom.ZoomPercent, photo.height(), photo.width());
     const auto whole = [](double value) {
         return static_cast<int>(std::clamp<double>(value, 0, coordinateLimit));
     };
@@ -154,7 +156,7 @@ QSize scrollExtent(const CMirovaneDoc& document, QSize mapSize, const CIconSizes
         const QPoint at = toScaled(record.Position, ZoomPercent);
         if (at.x() <= extent.width() && at.y() <= extent.height())
             continue;
-        const QSize icon = scaled(icons.of(record.Type), ZoomPercent);
+        const QSize icon = scaled(icons.of(floorCode(record.Type)), ZoomPercent);
         if (at.x() > extent.width())
             extent.setWidth(sum(at.x(), icon.width()));
         if (at.y() > extent.height())

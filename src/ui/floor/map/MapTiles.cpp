@@ -92,21 +92,20 @@ void CMapTiles::setPicture(std::shared_ptr<const CMapPicture> picture) {
     tiles_.clear();
 }
 
-void CMapTiles::draw(QPainter& painter, QRect target, QPoint origin, double factor) {
+void CMapTiles::draw(QPainter& painter, QRect target, const MapPlace& place) {
     if (!picture_ || picture_->size().isEmpty())
         return;
-    const QSize size(static_cast<int>(picture_->size().width() * factor),
-                     static_cast<int>(picture_->size().height() * factor));
-    const QRect shown = target.translated(-origin).intersected(QRect(QPoint(0, 0), size));
+    const QPoint origin = place.corner;
+    const QRect shown = target.translated(-origin).intersected(QRect(QPoint(0, 0), place.size));
     if (shown.isEmpty())
         return;
-    if (factor == 1.0 && picture_->bitmap().format() == QImage::Format_RGB32) {
+    if (place.factor == 1.0 && picture_->bitmap().format() == QImage::Format_RGB32) {
         painter.drawImage(shown.topLeft() + origin, picture_->bitmap(), shown);
         return;
     }
-    if (factor != factor_)
+    if (place.factor != factor_)
         tiles_.clear();
-    factor_ = factor;
+    factor_ = place.factor;
     ++use_;
     const int lastColumn = shown.right() / tileSide;
     const int lastRow = shown.bottom() / tileSide;
@@ -114,7 +113,8 @@ void CMapTiles::draw(QPainter& painter, QRect target, QPoint origin, double fact
         for (int column = shown.left() / tileSide; column <= lastColumn; ++column) {
             const QPoint corner(column * tileSide, row * tileSide);
             const QRect part = shown.intersected(QRect(corner, QSize(tileSide, tileSide)));
-            painter.drawImage(part.topLeft() + origin, tile(column, row, size), part.translated(-corner));
+            painter.drawImage(part.topLeft() + origin, tile(column, row, place.size),
+                              part.translated(-corner));
         }
     }
     makeRoom(static_cast<std::size_t>(lastColumn + 1 - shown.left() / tileSide) *

@@ -37,6 +37,13 @@ private:
     std::vector<Level> levels_;
 };
 
+/// Where a map lies on a canvas, in the canvas's pixels.
+struct MapPlace {
+    QPoint corner; ///< the map's top left
+    QSize size;    ///< of the whole map: a factor times its own size would lose its last pixel to rounding
+    double factor; ///< canvas pixels for each map pixel
+};
+
 /// Draws a map at any zoom out of kept square pieces, so that a frame after the first is copying and a huge
 /// zoom needs no huge image. Main thread only.
 class CMapTiles {
@@ -44,9 +51,8 @@ public:
     void setPicture(std::shared_ptr<const CMapPicture> picture);
     const CMapPicture* picture() const { return picture_.get(); }
 
-    /// Draws what of the map lies in `target` (pixels of the canvas). `origin` is the canvas pixel of the
-    /// map's top left corner, `factor` canvas pixels per map pixel. What lies beside the map is left alone.
-    void draw(QPainter& painter, QRect target, QPoint origin, double factor);
+    /// Draws what of the map lies in `target` (pixels of the canvas). What lies beside the map is left alone.
+    void draw(QPainter& painter, QRect target, const MapPlace& place);
 
 private:
     static constexpr int tileSide = 256;

@@ -1,13 +1,11 @@
 #include "ui/floor/paint/DevicePainter.h"
 
-#include "model/FloorMap.h"
 #include "model/records/Text.h"
 #include "ui/floor/paint/MarkedArea.h"
 
 #include <QPen>
 
 #include <algorithm>
-#include <cmath>
 
 namespace mirovane {
 
@@ -40,54 +38,39 @@ private:
 
 } // namespace
 
-CDevicePainter::CDevicePainter(const CMirovaneDoc& document, const DisplaySettings& display, CIconSet& icons,
-                               CPhotoStore& photos)
-    : document_(document), display_(display), icons_(icons), photos_(photos) {}
+CDevicePainter::CDevicePainter(const DisplaySettings& display, CIconSet& icons, CPhotoStore& photos)
+    : display_(display), icons_(icons), photos_(photos) {}
 
-void CDevicePainter::begin(const FloorViewState& state, qreal devicePixelRatio) {
+void CDevicePainter::begin(const FloorViewState& state) {
     state_ = state;
-    ratio_ = devicePixelRatio;
-    zoom_ = floorZoom(display_);
-    penWidth_ = std::max(1, px(linePenWidth(display_)));
-    photoFolder_ = QString::fromStdString(displayText(floorMapOf(document_).photoFolder));
-    labels_.begin(display_, state.labels(), std::max(1, px(state.LabelFontHeight)));
+    penWidth_ = std::max(1, state.view.px(linePenWidth(display_)));
+    labels_.begin(display_, state.labels(), std::max(1, state.view.px(state.view.LabelFontHeight)));
 }
 
-int CDevicePainter::px(std::int64_t logical) const {
-    const double limit = coordinateLimit;
-    return static_cast<int>(std::clamp(std::round(static_cast<double>(logical) * ratio_), -limit, limit));
-}
-
-QRect CDevicePainter::pxRect(QPoint corner, QSize size) const {
-    const int left = px(corner.x());
-    const int top = px(corner.y());
-    const int right = px(std::int64_t{corner.x()} + size.width());
-    const int bottom = px(std::int64_t{corner.y()} + size.height());
-    return {left, top, right - left, bottom - top};
-}
-
-CDevicePainter::Figure CDevicePainter::figureOf(const CHardware& device) const {
+CDevicePainter::Figure CDevicePainter::figureOf(const CHardware& device) {
+    const FloorView& view = state_.view;
+    const std::int32_t percent = view.zoom.ZoomDevicesPercent;
     Figure figure;
-    figure.corner = ToWindow(device.Position, state_.scroll, zoom_.ZoomPercent);
+    figure.corner = view.toFrame(device.Position);
     figure.bitmap = QSize(0, 0);
     QSize box(0, 0);
     if (const auto state = shownState(device)) {
         figure.bitmap = icons_.bitmap(device.Type, *state).size();
-        box = scaled(icons_.sizes().of(device.Type), zoom_.ZoomDevicesPercent);
+        box = scaled(icons_.sizes().of(device.Type), percent);
     }
-    figure.box = pxRect(figure.corner, box);
-    figure.drawn = pxRect(figure.corner, scaled(figure.bitmap, zoom_.ZoomDevicesPercent));
+    figure.box = view.pxRect(figure.corner, box);
+    figure.drawn = view.pxRect(figure.corner, scaled(figure.bitmap, percent));
     figure.textTop = figure.box.topLeft();
     figure.textBottom = figure.box.topLeft() + QPoint(0, figure.box.height());
+    figure.labels = &labels_.block(device);
+    figure.bounds = boundsOf(device, figure);
     return figure;
 }
 
-void CDevicePainter::DrawDevice(QPainter& painter, const CHardware& device, QRect clip,
+void CDevicePainter::DrawDevice(QPainter& painter, const CHardware& device, const Figure& figure, QRect clip,
                                 bool withoutDecorations) {
-    const Figure figure = figureOf(device);
-    CLabelCache::Block& block = labels_.block(device);
     drawIcon(painter, device, figure);
-    labels_.draw(painter, block, figure.textTop, figure.textBottom, clip);
+    labels_.draw(painter, *figure.labels, figure.textTop, figure.textBottom, clip);
     if (withoutDecorations)
         return;
     if (device.Selected) {
@@ -135,12 +118,12 @@ void CDevicePainter::drawFoundReminder(QPainter& painter, const CHardware& devic
 QImage CDevicePainter::photoOf(const CHardware& device) {
     if (!device.ShowAll || !state_.gesture.LabelsShown || device.Username.empty())
         return {};
-    return photos_.photo(photoPath(photoFolder_, QString::fromStdString(displayText(device.Username))));
+    return photos_.photo(QString::fromStdString(displayText(device.Username)));
 }
 
 QRect CDevicePainter::photoRect(QSize photo, const Figure& figure) const {
-    const QSize size = photoSize(photo, figure.bitmap.width(), zoom_, display_.PhotoScale);
-    return size.isEmpty() ? QRect() : pxRect(figure.corner - QPoint(size.width(), 0), size);
+    const QSize size = photoSize(photo, figure.bitmap.width(), state_.view.zoom, display_.PhotoScale);
+    return size.isEmpty() ? QRect() : state_.view.pxRect(figure.corner - QPoint(size.width(), 0), size);
 }
 
 void CDevicePainter::drawPhoto(QPainter& painter, const CHardware& device, const Figure& figure) {
@@ -158,8 +141,8 @@ void CDevicePainter::drawLines(QPainter& painter, const CHardware& device, const
         return;
     CLinePainter pen(painter, lineBlue, penWidth_);
     for (const FloorLine& line :
-         directionLines(device, display_, figure.corner, figure.bitmap, zoom_.ZoomDevicesPercent))
-        pen->drawLine(px(line.from), px(line.to));
+         directionLines(device, display_, figure.corner, figure.bitmap, state_.view.zoom.ZoomDevicesPercent))
+        pen->drawLine(state_.view.px(line.from), state_.view.px(line.to));
 }
 
 bool CDevicePainter::showsRing(const CHardware& device) const {
@@ -177,11 +160,12 @@ bool CDevicePainter::showsMarkedArea(const CHardware& device) const {
 }
 
 std::vector<QPoint> CDevicePainter::markedAreaPoints(const CHardware& device) const {
+    const FloorView& view = state_.view;
     std::vector<QPoint> points;
     for (const MapPoint& corner : parseMarkedArea(device.ToJack))
-        points.push_back(px(ToWindow(corner, state_.scroll, zoom_.ZoomPercent)));
+        points.push_back(view.px(view.toFrame(corner)));
     if (!points.empty() && state_.gesture.MarkingMarker != 0 && state_.SelectedMarker == 0)
-        points.push_back(px(state_.gesture.LastPoint - state_.scroll));
+        points.push_back(view.px(state_.gesture.LastPoint - view.origin));
     return points;
 }
 
@@ -189,15 +173,14 @@ void CDevicePainter::drawMarkedArea(QPainter& painter, const CHardware& device) 
     const std::vector<QPoint> points = markedAreaPoints(device);
     if (points.size() < 2)
         return;
-    CLinePainter pen(painter, areaYellow, std::max(1, px(areaPenWidth)));
+    CLinePainter pen(painter, areaYellow, std::max(1, state_.view.px(areaPenWidth)));
     pen->drawPolyline(points.data(), static_cast<int>(points.size()));
 }
 
-QRect CDevicePainter::bounds(const CHardware& device) {
-    const Figure figure = figureOf(device);
+QRect CDevicePainter::boundsOf(const CHardware& device, const Figure& figure) {
     const int margin = penWidth_ / 2 + 2;
     QRect all = (figure.box | figure.drawn).adjusted(-margin, -margin, margin, margin);
-    all |= labels_.covered(labels_.block(device), figure.textTop, figure.textBottom);
+    all |= labels_.covered(*figure.labels, figure.textTop, figure.textBottom);
     if (const auto line = foundReminderLine(device, state_.labels())) {
         const int width = laidOut(*line, labels_.font()).width;
         all |= QRect(figure.textBottom, QSize(width, labels_.font().height));
@@ -205,7 +188,7 @@ QRect CDevicePainter::bounds(const CHardware& device) {
     if (const QImage photo = photoOf(device); !photo.isNull())
         all |= photoRect(photo.size(), figure);
     if (showsMarkedArea(device)) {
-        const int areaMargin = px(areaPenWidth);
+        const int areaMargin = state_.view.px(areaPenWidth);
         for (const QPoint& point : markedAreaPoints(device))
             all |= QRect(point, QSize(1, 1)).adjusted(-areaMargin, -areaMargin, areaMargin, areaMargin);
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "model/Document.h"
 #include "ui/floor/geometry/FloorGeometry.h"
 #include "ui/floor/paint/FloorViewState.h"
 #include "ui/floor/paint/IconSet.h"
@@ -15,41 +14,38 @@
 
 namespace mirovane {
 
-/// Draws single devices. Works in canvas pixels: logical pixels times the device pixel ratio, rounded once
-/// per edge, so that text and lines are sharp on any screen. Main thread.
+/// Draws single devices, in canvas pixels so that text and lines are sharp on any screen. Main thread.
 class CDevicePainter {
 public:
-    CDevicePainter(const CMirovaneDoc& document, const DisplaySettings& display, CIconSet& icons,
-                   CPhotoStore& photos);
+    CDevicePainter(const DisplaySettings& display, CIconSet& icons, CPhotoStore& photos);
 
-    /// Start of a frame: what all devices of the frame have in common.
-    void begin(const FloorViewState& state, qreal devicePixelRatio);
-
-    /// One device, in its stacking order: icon, labels, highlight, photo, lines, ring, marked area. What lies
-    /// outside `clip` (canvas pixels) may be left out. `withoutDecorations`: icon and labels only.
-    void DrawDevice(QPainter& painter, const CHardware& device, QRect clip, bool withoutDecorations);
-
-    /// Canvas pixels that the device covers with everything at it.
-    QRect bounds(const CHardware& device);
-
-    CLabelCache& labels() { return labels_; }
-    const FloorZoom& zoom() const { return zoom_; }
-
-private:
-    /// A device's places in the frame.
+    /// A device's places in the frame: worked out once, for whatever is asked or drawn of it.
     struct Figure {
-        QPoint corner;  ///< window coordinates, logical pixels
+        QPoint corner;  ///< frame coordinates, logical pixels
         QSize bitmap;   ///< of the bitmap shown, unscaled
         QRect box;      ///< layout box, canvas pixels
         QRect drawn;    ///< the bitmap's place, canvas pixels
         QPoint textTop; ///< where the layout box starts and where the labels under it start
         QPoint textBottom;
+        CLabelCache::Block* labels = nullptr;
+        QRect bounds; ///< canvas pixels that the device covers with everything at it
     };
 
-    int px(std::int64_t logical) const;
-    QPoint px(QPoint logical) const { return {px(logical.x()), px(logical.y())}; }
-    QRect pxRect(QPoint corner, QSize size) const;
-    Figure figureOf(const CHardware& device) const;
+    /// Start of a frame: what all devices of the frame have in common.
+    void begin(const FloorViewState& state);
+
+    /// Valid until the next begin().
+    Figure figureOf(const CHardware& device);
+
+    /// One device, in its stacking order: icon, labels, highlight, photo, lines, ring, marked area. What lies
+    /// outside `clip` (canvas pixels) may be left out. `withoutDecorations`: icon and labels only.
+    void DrawDevice(QPainter& painter, const CHardware& device, const Figure& figure, QRect clip,
+                    bool withoutDecorations);
+
+    CLabelCache& labels() { return labels_; }
+
+private:
+    QRect boundsOf(const CHardware& device, const Figure& figure);
 
     void drawIcon(QPainter& painter, const CHardware& device, const Figure& figure);
     void drawHighlight(QPainter& painter, const CHardware& device, const Figure& figure);
@@ -65,15 +61,11 @@ private:
     bool showsRing(const CHardware& device) const;
     std::vector<QPoint> markedAreaPoints(const CHardware& device) const;
 
-    const CMirovaneDoc& document_;
     const DisplaySettings& display_;
     CIconSet& icons_;
     CPhotoStore& photos_;
     CLabelCache labels_;
     FloorViewState state_;
-    FloorZoom zoom_;
-    QString photoFolder_;
-    qreal ratio_ = 1;
     int penWidth_ = 2;
 };
 

@@ -29,13 +29,11 @@ QRect logical(QRect canvas, qreal ratio) {
 
 } // namespace
 
-void CFloorFrame::setView(const FloorViewState& state, qreal devicePixelRatio) {
-    const QSize size = canvasSize(state.client, devicePixelRatio);
-    if (state.scroll != state_.scroll || devicePixelRatio != ratio_ || size != image_.size() ||
-        state.LabelFontHeight != state_.LabelFontHeight)
+void CFloorFrame::setState(const FloorViewState& state) {
+    const QSize size = canvasSize(state.view.client, state.view.ratio);
+    if (state.view != state_.view)
         invalidateAll();
     state_ = state;
-    ratio_ = devicePixelRatio;
     if (image_.size() != size)
         image_ = QImage(size, QImage::Format_RGB32);
 }
@@ -69,29 +67,36 @@ void CFloorFrame::forgetAll() {
 
 void CFloorFrame::gatherChanged() {
     for (const CHardware* device : changed_)
-        stale_ |= painter_.wouldPaint(*device, state_, ratio_);
+        stale_ |= painter_.wouldPaint(*device, state_);
     changed_.clear();
     stale_ &= image_.rect();
     if (stale_.rectCount() > mostStaleParts)
         stale_ = stale_.boundingRect();
 }
 
+void CFloorFrame::drawPart(QRect part) {
+    QPainter painter(&image_);
+    painter.fillRect(part, QColor(labelColour(LabelBackground::Canvas)));
+    painter_.Draw(painter, part, state_);
+}
+
 const QImage& CFloorFrame::image(QRect* redrawn) {
     QRect drawn;
     if (allStale_) {
         drawn = image_.rect();
-        painter_.Draw(image_, drawn, state_, ratio_);
+        drawPart(drawn);
+        painter_.evictUnseen();
     } else if (stale()) {
         gatherChanged();
         for (const QRect& part : stale_)
-            painter_.Draw(image_, part, state_, ratio_);
+            drawPart(part);
         drawn = stale_.boundingRect();
     }
     allStale_ = false;
     stale_ = QRegion();
     changed_.clear();
     if (redrawn)
-        *redrawn = drawn.isEmpty() ? QRect() : logical(drawn, ratio_);
+        *redrawn = drawn.isEmpty() ? QRect() : logical(drawn, state_.view.ratio);
     return image_;
 }
 

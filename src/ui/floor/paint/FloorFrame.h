@@ -17,9 +17,9 @@ class CFloorFrame {
 public:
     explicit CFloorFrame(const FloorSources& sources) : painter_(sources) {}
 
-    /// What the next image shows. A new scroll position, size or font makes the whole frame stale. For
+    /// What the next image shows. Another view (place, size, zoom, font) makes the whole frame stale. For
     /// every other value of the state the caller names what it changes.
-    void setView(const FloorViewState& state, qreal devicePixelRatio);
+    void setState(const FloorViewState& state);
 
     void invalidateAll();
 
@@ -43,10 +43,10 @@ public:
 
 private:
     void gatherChanged();
+    void drawPart(QRect part);
 
     CFloorPainter painter_;
     FloorViewState state_;
-    qreal ratio_ = 1;
     QImage image_;
     QRegion stale_;
     std::unordered_set<const CHardware*> changed_;

@@ -5,7 +5,6 @@
 #include <QPen>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
 namespace mirovane {
@@ -13,35 +12,29 @@ namespace mirovane {
 CFloorPainter::CFloorPainter(const FloorSources& sources)
     : sources_(sources),
       scene_(sources.document, sources.display, sources.index),
-      devices_(sources.document, sources.display, sources.icons, sources.photos) {}
+      devices_(sources.display, sources.icons, sources.photos) {}
 
-void CFloorPainter::Draw(QImage& canvas, QRect clip, const FloorViewState& state, qreal devicePixelRatio) {
-    clip &= canvas.rect();
+void CFloorPainter::Draw(QPainter& painter, QRect clip, const FloorViewState& state) {
     if (clip.isEmpty())
         return;
-    devices_.begin(state, devicePixelRatio);
-    QPainter painter(&canvas);
+    devices_.begin(state);
     painter.setClipRect(clip);
-    painter.fillRect(clip, QColor(labelColour(LabelBackground::Canvas)));
-    drawMap(painter, clip, state, devicePixelRatio);
+    drawMap(painter, clip, state.view);
     drawDevices(painter, clip, state);
     if (state.gesture.box)
-        drawBox(painter, *state.gesture.box, state, devicePixelRatio);
-    if (clip == canvas.rect())
-        devices_.labels().evictUnseen();
+        drawBox(painter, *state.gesture.box, state.view);
 }
 
 /// The map is laid on the same scaled pixels as the devices, whatever the scroll position. Cutting the shown
 /// part out of the bitmap in whole map pixels instead would shift it by up to one of them
 /// against the devices, a different shift at every scroll position.
-void CFloorPainter::drawMap(QPainter& painter, QRect clip, const FloorViewState& state,
-                            qreal devicePixelRatio) {
-    if (floorMapOf(sources_.document).mapPath.empty())
+void CFloorPainter::drawMap(QPainter& painter, QRect clip, const FloorView& view) {
+    if (floorMapOf(sources_.document).mapPath.empty() || !sources_.map.picture())
         return;
-    const double factor = devices_.zoom().ZoomPercent / 100.0 * devicePixelRatio;
-    const QPoint origin(static_cast<int>(std::lround(-state.scroll.x() * devicePixelRatio)),
-                        static_cast<int>(std::lround(-state.scroll.y() * devicePixelRatio)));
-    sources_.map.draw(painter, clip, origin, factor);
+    const QSize size = scaled(sources_.map.picture()->size(), view.zoom.ZoomPercent);
+    sources_.map.draw(painter, clip,
+                      {view.px(-view.origin), view.pxRect({0, 0}, size).size(),
+                       view.zoom.ZoomPercent / 100.0 * view.ratio});
 }
 
 void CFloorPainter::drawDevices(QPainter& painter, QRect clip, const FloorViewState& state) {
@@ -55,18 +48,16 @@ void CFloorPainter::drawDevices(QPainter& painter, QRect clip, const FloorViewSt
 }
 
 void CFloorPainter::drawOne(QPainter& painter, QRect clip, const CHardware& device) {
-    const QRect bounds = devices_.bounds(device);
-    devices_.labels().block(device).painted = bounds;
-    if (bounds.intersects(clip))
-        devices_.DrawDevice(painter, device, clip, false);
+    const CDevicePainter::Figure figure = devices_.figureOf(device);
+    figure.labels->painted = figure.bounds;
+    if (figure.bounds.intersects(clip))
+        devices_.DrawDevice(painter, device, figure, clip, false);
 }
 
-void CFloorPainter::drawBox(QPainter& painter, const MapBox& box, const FloorViewState& state,
-                            qreal devicePixelRatio) {
-    const std::int32_t zoom = devices_.zoom().ZoomPercent;
-    const QPoint a = ToWindow(box.BoxStart, state.scroll, zoom) * devicePixelRatio;
-    const QPoint b = ToWindow(box.BoxEnd, state.scroll, zoom) * devicePixelRatio;
-    const int width = std::max(1, static_cast<int>(devicePixelRatio));
+void CFloorPainter::drawBox(QPainter& painter, const MapBox& box, const FloorView& view) {
+    const QPoint a = view.px(view.toFrame(box.BoxStart));
+    const QPoint b = view.px(view.toFrame(box.BoxEnd));
+    const int width = std::max(1, static_cast<int>(view.ratio));
     const auto fill = [&painter](QPoint from, QPoint to, int thick) {
         const QPoint corner(std::min(from.x(), to.x()), std::min(from.y(), to.y()));
         const QPoint across = to - from;
@@ -84,12 +75,11 @@ QRect CFloorPainter::painted(const CHardware& device) {
     return block ? block->painted : QRect();
 }
 
-QRect CFloorPainter::wouldPaint(const CHardware& device, const FloorViewState& state,
-                                qreal devicePixelRatio) {
+QRect CFloorPainter::wouldPaint(const CHardware& device, const FloorViewState& state) {
     if (!device.onFloor() || (!scene_.inFirstPass(device, state) && !scene_.inSecondPass(device, state)))
         return {};
-    devices_.begin(state, devicePixelRatio);
-    return devices_.bounds(device);
+    devices_.begin(state);
+    return devices_.figureOf(device).bounds;
 }
 
 } // namespace mirovane

@@ -4,7 +4,6 @@
 #include "ui/floor/paint/DevicePainter.h"
 #include "ui/floor/paint/FloorScene.h"
 
-#include <QImage>
 #include <QPainter>
 #include <QRect>
 
@@ -25,23 +24,26 @@ class CFloorPainter {
 public:
     explicit CFloorPainter(const FloorSources& sources);
 
-    /// Draws the part `clip` (canvas pixels) of a frame. The canvas is the client area times the device pixel
-    /// ratio, RGB32, with a ratio of 1 of its own. A part drawn alone equals the same part of a whole frame.
-    void Draw(QImage& canvas, QRect clip, const FloorViewState& state, qreal devicePixelRatio);
+    /// Draws the part `clip` (canvas pixels) of a frame over what the canvas holds. Canvas pixels are those
+    /// of the painter. A part drawn alone equals the same part of a whole frame.
+    void Draw(QPainter& painter, QRect clip, const FloorViewState& state);
+
+    /// A whole frame was drawn: what is kept of devices out of sight is dropped.
+    void evictUnseen() { devices_.labels().evictUnseen(); }
 
     /// Canvas pixels that the device covered when it was drawn last; empty when it is not in sight.
     QRect painted(const CHardware& device);
 
     /// Canvas pixels that it would cover now; empty when it is not in sight. Follows a Draw with this state.
-    QRect wouldPaint(const CHardware& device, const FloorViewState& state, qreal devicePixelRatio);
+    QRect wouldPaint(const CHardware& device, const FloorViewState& state);
 
     CLabelCache& labels() { return devices_.labels(); }
 
 private:
-    void drawMap(QPainter& painter, QRect clip, const FloorViewState& state, qreal devicePixelRatio);
+    void drawMap(QPainter& painter, QRect clip, const FloorView& view);
     void drawDevices(QPainter& painter, QRect clip, const FloorViewState& state);
     void drawOne(QPainter& painter, QRect clip, const CHardware& device);
-    void drawBox(QPainter& painter, const MapBox& box, const FloorViewState& state, qreal devicePixelRatio);
+    void drawBox(QPainter& painter, const MapBox& box, const FloorView& view);
 
     FloorSources sources_;
     CFloorScene scene_;

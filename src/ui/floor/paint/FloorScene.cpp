@@ -1,7 +1,5 @@
 #include "ui/floor/paint/FloorScene.h"
 
-#include "ui/floor/geometry/FloorGeometry.h"
-
 #include <algorithm>
 
 namespace mirovane {
@@ -13,8 +11,18 @@ bool showsItsArea(const CHardware& device, const FloorViewState& state) {
            (device.RecID == state.SelectedMarker || device.RecID == state.gesture.MarkingMarker);
 }
 
+/// A marked area may lie far from its marker.
+bool reaches(const CHardware& device, const FloorViewState& state) {
+    return showsItsArea(device, state) || state.view.shows(device.Position);
+}
+
 /// Map coordinates that may show in the window, rounded outwards; the exact test follows on each device.
-CFloorIndex::Area around(const FloorViewState& state, std::int32_t ZoomPercent) {
+CFloorIndex::Area around(const FloorView& view) {
+    if (!view.culls)
+        return view.within ? CFloorIndex::Area{view.within->BoxStart.x, view.within->BoxStart.y,
+                                               view.within->BoxEnd.x, view.within->BoxEnd.y}
+                           : CFloorIndex::Area{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
+    const std::int32_t ZoomPercent = view.zoom.ZoomPercent;
     const std::int64_t slack = 100 / ZoomPercent + 2;
     const auto low = [&](int scroll) {
         return (std::int64_t{scroll} - cullMargin) * 100 / ZoomPercent - slack;
@@ -22,24 +30,14 @@ CFloorIndex::Area around(const FloorViewState& state, std::int32_t ZoomPercent) 
     const auto high = [&](int scroll, int length) {
         return (std::int64_t{scroll} + length) * 100 / ZoomPercent + slack;
     };
-    return {low(state.scroll.x()), low(state.scroll.y()), high(state.scroll.x(), state.client.width()),
-            high(state.scroll.y(), state.client.height())};
+    return {low(view.origin.x()), low(view.origin.y()), high(view.origin.x(), view.client.width()),
+            high(view.origin.y(), view.client.height())};
 }
 
 } // namespace
 
-bool CFloorScene::culled(const CHardware& device, const FloorViewState& state) const {
-    const QPoint at = toScaled(device.Position, floorZoom(display_).ZoomPercent);
-    return !insideCull(at, state.scroll, state.client);
-}
-
 const CFloorIndex::Devices& CFloorScene::devices(const FloorViewState& state) {
-    const Key key{state.scroll,
-                  state.client,
-                  floorZoom(display_).ZoomPercent,
-                  state.SelectedMarker,
-                  state.gesture.MarkingMarker,
-                  index_.revision(),
+    const Key key{state.view, state.SelectedMarker, state.gesture.MarkingMarker, index_.revision(),
                   document_.orderRevision()};
     if (key_ != key)
         collect(key, state);
@@ -47,8 +45,8 @@ const CFloorIndex::Devices& CFloorScene::devices(const FloorViewState& state) {
 }
 
 void CFloorScene::collect(const Key& key, const FloorViewState& state) {
-    devices_ = index_.devicesIn(around(state, key.ZoomPercent));
-    std::erase_if(devices_, [&](const CHardware* device) { return culled(*device, state); });
+    devices_ = index_.devicesIn(around(state.view));
+    std::erase_if(devices_, [&](const CHardware* device) { return !state.view.shows(device->Position); });
     for (const std::int32_t recID : {state.SelectedMarker, state.gesture.MarkingMarker}) {
         const CHardware* marker = recID == 0 ? nullptr : document_.findDevice(recID);
         if (marker && marker->onFloor() && showsItsArea(*marker, state) &&
@@ -64,12 +62,12 @@ bool CFloorScene::wanted(const CHardware& device) const {
 }
 
 bool CFloorScene::inFirstPass(const CHardware& device, const FloorViewState& state) const {
-    return !device.Selected && !device.ShowAll && wanted(device) && !culled(device, state);
+    return !device.Selected && !device.ShowAll && wanted(device) && reaches(device, state);
 }
 
 bool CFloorScene::inSecondPass(const CHardware& device, const FloorViewState& state) const {
     return (device.Selected || device.ShowAll) && (wanted(device) || !state.find.FindNothingFound) &&
-           (showsItsArea(device, state) || !culled(device, state));
+           reaches(device, state);
 }
 
 } // namespace mirovane

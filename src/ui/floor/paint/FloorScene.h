@@ -9,14 +9,14 @@
 
 namespace mirovane {
 
-/// Which devices a window shows, and in which order: the devices near the window in list order, kept while
-/// neither the window nor the document moved anything. Main thread.
+/// Which devices a frame shows, and in which order: the devices near the frame in list order, kept while
+/// neither the frame nor the document moved anything. Main thread.
 class CFloorScene {
 public:
     CFloorScene(const CMirovaneDoc& document, const DisplaySettings& display, const CFloorIndex& index)
         : document_(document), display_(display), index_(index) {}
 
-    /// Floor devices that start inside the window or its margin, in list order, and the Location Markers
+    /// Floor devices that start inside the frame or its margin, in list order, and the Location Markers
     /// whose area is shown wherever they are. Valid until the document changes or the next call.
     const CFloorIndex::Devices& devices(const FloorViewState& state);
 
@@ -28,9 +28,7 @@ public:
 
 private:
     struct Key {
-        QPoint scroll;
-        QSize client;
-        std::int32_t ZoomPercent = 0;
+        FloorView view;
         std::int32_t SelectedMarker = 0;
         std::int32_t MarkingMarker = 0;
         std::uint64_t revision = 0;
@@ -39,7 +37,6 @@ private:
         bool operator==(const Key&) const = default;
     };
 
-    bool culled(const CHardware& device, const FloorViewState& state) const;
     bool wanted(const CHardware& device) const;
     void collect(const Key& key, const FloorViewState& state);
 

@@ -3,6 +3,7 @@
 #include "model/FindState.h"
 #include "model/MapBox.h"
 #include "model/records/Hardware.h"
+#include "ui/floor/geometry/FloorView.h"
 #include "ui/floor/paint/LabelLines.h"
 
 #include <QPoint>
@@ -24,9 +25,7 @@ struct GestureState {
 
 /// What a frame depends on beside the document and its display settings. A plain value; the view owns one.
 struct FloorViewState {
-    QPoint scroll; ///< scaled coordinates of the window's top left corner
-    QSize client;  ///< logical pixels
-    std::int32_t LabelFontHeight = 12;
+    FloorView view;
     bool ReminderPhase = false;      ///< flips with every reminder check
     std::int32_t SelectedMarker = 0; ///< the Location Marker clicked, or whose area holds the pointer
     FindState find;

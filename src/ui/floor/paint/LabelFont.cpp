@@ -54,7 +54,9 @@ QRgb labelColour(LabelBackground background) {
 
 QString shownText(const std::string& bytes) {
     QString text = QString::fromStdString(displayText(std::string_view(bytes).substr(0, 4 * longestText)));
-    text.removeIf([](QChar c) { return c < QChar(u' '); });
+    for (QChar& c : text)
+        if (c < QChar(u' '))
+            c = QChar(u' ');
     text.truncate(longestText);
     return text;
 }

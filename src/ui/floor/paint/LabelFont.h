@@ -27,7 +27,8 @@ struct LabelFont {
 
 QRgb labelColour(LabelBackground background);
 
-/// A label's text as it is drawn: without control characters, and cut where no window reaches.
+/// A label's text as it is drawn: a blank for each control character, so that words stay apart, and cut where
+/// no window reaches.
 QString shownText(const std::string& bytes);
 
 /// One line of text, laid out.

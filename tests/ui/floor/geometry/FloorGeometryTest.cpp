@@ -1,7 +1,7 @@
 #include "ui/floor/geometry/FloorGeometry.h"
 
 #include "tests/ui/floor/FloorFixture.h"
-#include "ui/floor/paint/FontBands.h"
+#include "ui/floor/geometry/FontBands.h"
 #include "ui/floor/paint/MarkedArea.h"
 
 #include <climits>
@@ -110,6 +110,8 @@ TEST(FloorGeometryTest, DirectionLinesSpanTheDrawnBitmap) {
 TEST(FloorGeometryTest, PhotoTakesItsWidthFromOneZoomAndItsHeightFromTheOther) {
     EXPECT_EQ(photoSize({128, 160}, 32, {100, 100}, 100), QSize(128, 160));
     EXPECT_EQ(photoSize({128, 160}, 32, {50, 200}, 50), QSize(128, 40));
+    EXPECT_EQ(photoSize({128, 160}, 32, {105, 105}, 100), QSize(134, 168)) << "nothing is cut off on the way";
+    EXPECT_EQ(photoSize({128, 160}, 32, {33, 33}, 100), QSize(42, 52));
     EXPECT_TRUE(photoSize({0, 5}, 32, {100, 100}, 100).isEmpty());
 }
 
@@ -160,7 +162,8 @@ TEST(FloorGeometryTest, DeviceBeyondTheMapWidensTheScrollExtent) {
     EXPECT_EQ(scrollExtent(floor.doc, {1000, 800}, icons, 50), QSize(500, 465))
         << "exactly at the edge is not beyond";
     floor.add(DeviceType::discoveredOffset + 2, {3000, 0});
-    EXPECT_EQ(scrollExtent(floor.doc, {1000, 800}, icons, 50).width(), 1500);
+    EXPECT_EQ(scrollExtent(floor.doc, {1000, 800}, icons, 50).width(), 1516)
+        << "with its icon, though it is in the other window";
     floor.add(DeviceType::Computer, {INT_MAX, INT_MIN});
     EXPECT_EQ(scrollExtent(floor.doc, {1000, 800}, icons, 800), QSize(coordinateLimit, 7440));
 }

@@ -24,7 +24,11 @@ QImage drawn(CMapTiles& tiles, QSize client, QPoint origin, double factor) {
     QImage canvas(client, QImage::Format_RGB32);
     canvas.fill(Qt::white);
     QPainter painter(&canvas);
-    tiles.draw(painter, canvas.rect(), origin, factor);
+    const QSize size = tiles.picture()->size();
+    tiles.draw(painter, canvas.rect(),
+               {origin,
+                {static_cast<int>(size.width() * factor), static_cast<int>(size.height() * factor)},
+                factor});
     return canvas;
 }
 

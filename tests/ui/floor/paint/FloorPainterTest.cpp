@@ -1,10 +1,12 @@
 #include "ui/floor/paint/FloorPainter.h"
 
+#include "model/FloorMap.h"
 #include "tests/ui/floor/FloorFixture.h"
 #include "tests/ui/floor/paint/PlainPainter.h"
 
 #include <QFontInfo>
 
+#include <filesystem>
 #include <random>
 
 namespace mirovane {
@@ -45,8 +47,7 @@ TEST_F(FloorPainterTest, SelectionShowsTheOtherStateInvertedOnBlue) {
 
 TEST_F(FloorPainterTest, IconsAreScaledByTheDevicesZoomOnly) {
     floor.add(DeviceType::Jack, {100, 100});
-    floor.display.ZoomPercent = 50;
-    floor.display.ZoomDevicesPercent = 200;
+    floor.state.view.zoom = {50, 200};
     const QImage icon = floor.icons.bitmap(DeviceType::Jack, DeviceState::Def);
     const QImage frame = floor.freshFrame();
     EXPECT_EQ(frame.copy(50, 50, icon.width() * 2, icon.height() * 2),
@@ -134,6 +135,31 @@ TEST_F(FloorPainterTest, MarkedAreaIsAnOpenYellowPolylineEvenFarFromItsMarker) {
     EXPECT_EQ(floor.freshFrame().pixelColor(70, 90), yellow) << "to the pointer while marking";
 }
 
+TEST_F(FloorPainterTest, AreaUnderThePointerIsShownWhenItsMarkerIsOutOfSight) {
+    floor.state.SelectedMarker =
+        floor
+            .add(DeviceType::LocationMarker, {5000, 5000},
+                 [](CHardware& d) { d.ToJack = "20,20,120,20,120,90,"; })
+            .RecID;
+    EXPECT_EQ(floor.freshFrame().pixelColor(70, 20), QColor(240, 240, 0));
+}
+
+TEST_F(FloorPainterTest, MapReachesItsLastPixelAtEveryZoom) {
+    QImage map(300, 200, QImage::Format_RGB32);
+    map.fill(Qt::black);
+    setFloorMap(floor.doc, {"map.bmp", {}});
+    floor.map.tiles().setPicture(std::make_shared<const CMapPicture>(map));
+    for (const int percent : {10, 29, 57, 58, 100, 113, 115, 205, 230, 255, 800}) {
+        const QSize shown = scaled(map.size(), percent);
+        floor.state.view.zoom.ZoomPercent = percent;
+        floor.state.view.origin = {shown.width() - 20, shown.height() - 20};
+        const QImage frame = floor.freshFrame();
+        EXPECT_EQ(frame.pixelColor(19, 19), QColor(Qt::black)) << percent;
+        EXPECT_EQ(frame.pixelColor(20, 19), QColor(Qt::white)) << percent;
+        EXPECT_EQ(frame.pixelColor(19, 20), QColor(Qt::white)) << percent;
+    }
+}
+
 TEST_F(FloorPainterTest, HiddenTypesAreShownOnlyForAReason) {
     const CHardware& device =
         floor.add(DeviceType::Computer, {50, 50}, [](CHardware& d) { d.State = DeviceState::On; });
@@ -162,6 +188,7 @@ TEST_F(FloorPainterTest, PhotoStandsLeftOfTheHoveredDevice) {
     map.Type = SpecialType::FloorMapRecord;
     map.Username = folder.path();
     floor.doc.append(map);
+    floor.photos.setFolder({QString::fromStdString(folder.path()), {}});
     const CHardware& device =
         floor.add(DeviceType::Computer, {200, 50}, [](CHardware& d) { d.Username = "[ann]"; });
     EXPECT_EQ(floor.freshFrame().pixelColor(180, 60), QColor(Qt::white));
@@ -170,9 +197,24 @@ TEST_F(FloorPainterTest, PhotoStandsLeftOfTheHoveredDevice) {
     EXPECT_EQ(frame.pixelColor(72, 50), QColor(Qt::green));
     EXPECT_EQ(frame.pixelColor(199, 209), QColor(Qt::green));
     EXPECT_EQ(frame.pixelColor(71, 50), QColor(Qt::white));
-    EXPECT_TRUE(photoPath(QStringLiteral("/p"), QStringLiteral("../../etc/x")).isEmpty());
-    EXPECT_TRUE(photoPath(QStringLiteral("/p"), QStringLiteral("[")).isEmpty());
-    EXPECT_EQ(photoPath(QStringLiteral("/p"), QStringLiteral("[ann]")), QStringLiteral("/p/ann.bmp"));
+}
+
+TEST_F(FloorPainterTest, PhotoFilesAreFoundFromTheDatafileWhateverTheirCase) {
+    test::TestFolder folder;
+    test::writeBytes(folder.file("secret.bmp"), "x");
+    std::filesystem::create_directory(folder.file("people"));
+    test::writeBytes(folder.file("people/anna.bmp"), "x");
+    const PhotoFolder people{QStringLiteral("people"), QString::fromStdString(folder.file("site.mv"))};
+    const auto found = [&](const char* user) {
+        return photoFile(people, QString::fromLatin1(user));
+    };
+    const QString anna = QString::fromStdString(folder.file("people/anna.bmp"));
+    for (const char* user : {"anna", "ANNA", "[Anna]"})
+        EXPECT_EQ(found(user), anna) << user;
+    for (const char* user : {"ann", "[", "", "..\\secret", "../secret", "/anna/../../secret"})
+        EXPECT_EQ(found(user), QString()) << user;
+    EXPECT_EQ(photoFile({QStringLiteral("C:\\share\\people"), people.datafile}, QStringLiteral("anna")),
+              anna);
 }
 
 TEST_F(FloorPainterTest, TwiceThePixelsShowTheSameGeometry) {
@@ -203,7 +245,8 @@ TEST_F(FloorPainterTest, TextsOfAnyLengthAndBytesAreSurvived) {
         14, {60, 60}, [](CHardware& d) { d.Name = "caf\xE9\x01\n"; });
     floor.add(DeviceType::Computer, {90, 90}, [](CHardware& d) { d.State = 77; });
     EXPECT_FALSE(floor.freshFrame().isNull());
-    EXPECT_EQ(shownText("caf\xE9\x01\n"), QStringLiteral("caf\u00e9"));
+    EXPECT_EQ(shownText("one\ntwo\tthree"), QStringLiteral("one two three"));
+    EXPECT_EQ(shownText("caf\xE9\x01\n"), QStringLiteral("caf\u00e9  "));
 }
 
 /// Random devices of all kinds and conditions, crowded so that they overlap.
@@ -250,9 +293,9 @@ void chooseAtRandom(test::Floor& floor, std::mt19937& random) {
     display.PropertiesSlashDraw = coin();
     display.PropertiesVertDraw = coin();
     display.VisibleTypes = coin() ? -1 : static_cast<std::int32_t>(random());
-    display.ZoomPercent = coin() ? 100 : 70 + static_cast<std::int32_t>(random() % 60);
-    display.ZoomDevicesPercent = coin() ? 100 : 60 + static_cast<std::int32_t>(random() % 90);
-    floor.state.scroll = coin() ? QPoint(0, 0) : QPoint(37, 21);
+    floor.state.view.zoom = {coin() ? 100 : 70 + static_cast<std::int32_t>(random() % 60),
+                             coin() ? 100 : 60 + static_cast<std::int32_t>(random() % 90)};
+    floor.state.view.origin = coin() ? QPoint(0, 0) : QPoint(37, 21);
     floor.state.ReminderPhase = coin();
     floor.state.gesture.LabelsShown = coin();
     floor.state.find.FindHitCount = coin() ? 0 : 12;
@@ -270,12 +313,12 @@ TEST_F(FloorPainterTest, KeptFramesEqualPlainlyDrawnOnes) {
     fillAtRandom(floor, random, 120);
     CFloorFrame frame(floor.sources());
     test::PlainPainter plain(floor.doc, floor.display, floor.icons, QImage());
-    QImage expected(floor.state.client, QImage::Format_RGB32);
+    QImage expected(floor.state.view.client, QImage::Format_RGB32);
     for (int round = 0; round < 60; ++round) {
         chooseAtRandom(floor, random);
         plain.draw(expected, floor.state);
         for (const char* step : {"plain text", "label images"}) {
-            frame.setView(floor.state, 1);
+            frame.setState(floor.state);
             frame.invalidateAll();
             ASSERT_EQ(test::firstDifference(frame.image(), expected), "") << step << " of round " << round;
             while (frame.prepare(std::chrono::seconds(1))) {
@@ -341,7 +384,8 @@ TEST_F(FloorPainterTest, IncrementalFramesEqualWholeOnes) {
         for (int round = 0; round < 150; ++round) {
             if (round % 50 == 0) {
                 chooseAtRandom(floor, random);
-                frame.setView(floor.state, ratio);
+                floor.state.view.ratio = ratio;
+                frame.setState(floor.state);
                 frame.invalidateAll();
             }
             for (std::size_t edits = 1 + random() % 3; edits > 0; --edits)

@@ -27,13 +27,13 @@ public:
 
     void draw(QImage& canvas, const FloorViewState& state) {
         state_ = &state;
-        zoom_ = floorZoom(display_);
-        const LabelFont font(state.LabelFontHeight);
+        zoom_ = state.view.zoom;
+        const LabelFont font(state.view.LabelFontHeight);
         font_ = &font;
         QPainter painter(&canvas);
         painter.fillRect(canvas.rect(), Qt::white);
         if (!map_.isNull()) {
-            const QRect target(-state.scroll, scaled(map_.size(), zoom_.ZoomPercent));
+            const QRect target(-state.view.origin, scaled(map_.size(), zoom_.ZoomPercent));
             painter.setRenderHint(QPainter::SmoothPixmapTransform, zoom_.ZoomPercent != 100);
             painter.drawImage(target, map_);
             painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
@@ -54,10 +54,10 @@ private:
         const bool wanted = display.typeVisible(device.Type) ||
                             (device.ReminderDue && display.ReminderDeviceShow) ||
                             (onTop && !state_->find.FindNothingFound);
-        const bool area = onTop && device.Type == DeviceType::LocationMarker && showsArea(device);
-        const QPoint at = toScaled(device.Position, zoom_.ZoomPercent) - state_->scroll;
-        const bool near = at.x() > -200 && at.x() < state_->client.width() && at.y() > -200 &&
-                          at.y() < state_->client.height();
+        const bool area = device.Type == DeviceType::LocationMarker && showsArea(device);
+        const QPoint at = toScaled(device.Position, zoom_.ZoomPercent) - state_->view.origin;
+        const bool near = at.x() > -200 && at.x() < state_->view.client.width() && at.y() > -200 &&
+                          at.y() < state_->view.client.height();
         return wanted && (near || area);
     }
 
@@ -70,7 +70,7 @@ private:
     }
 
     void drawDevice(QPainter& painter, const CHardware& device) const {
-        const QPoint at = toScaled(device.Position, zoom_.ZoomPercent) - state_->scroll;
+        const QPoint at = toScaled(device.Position, zoom_.ZoomPercent) - state_->view.origin;
         const auto shown = shownState(device);
         const QImage bitmap = shown ? icons_.bitmap(device.Type, *shown) : QImage();
         const QSize box =
@@ -111,9 +111,9 @@ private:
             usePen(QColor(240, 240, 0), 5);
             std::vector<QPoint> points;
             for (const MapPoint& corner : parseMarkedArea(device.ToJack))
-                points.push_back(toScaled(corner, zoom_.ZoomPercent) - state_->scroll);
+                points.push_back(toScaled(corner, zoom_.ZoomPercent) - state_->view.origin);
             if (!points.empty() && state_->gesture.MarkingMarker && !state_->SelectedMarker)
-                points.push_back(state_->gesture.LastPoint - state_->scroll);
+                points.push_back(state_->gesture.LastPoint - state_->view.origin);
             if (points.size() > 1)
                 painter.drawPolyline(points.data(), static_cast<int>(points.size()));
         }

@@ -19,6 +19,9 @@ constexpr std::int32_t largestFontOffset = 32;
 constexpr std::int32_t smallestLabelFont = 1;
 constexpr std::int32_t largestLabelFont = 400;
 
+/// Base and offset together, held within what can be drawn.
+std::int32_t labelFontHeight(std::int32_t ZoomFontScale, std::int32_t offset);
+
 /// LabelFontHeight for the zoom and font scale that the settings hold.
 std::int32_t startLabelFontHeight(const DisplaySettings& display);
 

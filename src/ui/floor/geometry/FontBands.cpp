@@ -1,4 +1,4 @@
-#include "ui/floor/paint/FontBands.h"
+#include "ui/floor/geometry/FontBands.h"
 
 #include <algorithm>
 #include <array>
@@ -33,10 +33,14 @@ std::optional<std::int32_t> fontOffsetB(std::int32_t percent) {
     return offsetIn(bandsB, percent);
 }
 
-std::int32_t startLabelFontHeight(const DisplaySettings& display) {
-    const std::int64_t height =
-        std::int64_t{display.ZoomFontScale} + fontOffsetA(display.ZoomPercent).value_or(largestFontOffset);
+std::int32_t labelFontHeight(std::int32_t ZoomFontScale, std::int32_t offset) {
+    const std::int64_t height = std::int64_t{ZoomFontScale} + offset;
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(height, smallestLabelFont, largestLabelFont));
+}
+
+std::int32_t startLabelFontHeight(const DisplaySettings& display) {
+    return labelFontHeight(display.ZoomFontScale,
+                           fontOffsetA(display.ZoomPercent).value_or(largestFontOffset));
 }
 
 } // namespace mirovane

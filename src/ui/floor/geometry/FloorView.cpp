@@ -1,0 +1,27 @@
+#include "ui/floor/geometry/FloorView.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace mirovane {
+
+bool FloorView::shows(MapPoint position) const {
+    if (within && !within->holds(position))
+        return false;
+    return !culls || insideCull(toScaled(position, zoom.ZoomPercent), origin, client);
+}
+
+int FloorView::px(std::int64_t logical) const {
+    const double limit = coordinateLimit;
+    return static_cast<int>(std::clamp(std::round(static_cast<double>(logical) * ratio), -limit, limit));
+}
+
+QRect FloorView::pxRect(QPoint corner, QSize size) const {
+    const int left = px(corner.x());
+    const int top = px(corner.y());
+    const int right = px(std::int64_t{corner.x()} + size.width());
+    const int bottom = px(std::int64_t{corner.y()} + size.height());
+    return {left, top, right - left, bottom - top};
+}
+
+} // namespace mirovane
