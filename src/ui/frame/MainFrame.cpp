@@ -48,6 +48,7 @@ CMainFrame::CMainFrame(const Services& services, CMirovaneView* floor)
                      [this] {
                          floor_->viewport()->update();
                      }}),
+      zoomCommands_(*new CFloorZooming(*floor_, station_.display(), settings_), dialogs_),
       toolsCommands_(station_, dialogs_,
                      {[this] { floor_->reloadFloorMap(); }, this, settings_, services.clock}),
       applicationCommands_({station_, dialogs_, settings_, log_, services.launcher, *this}) {
@@ -112,6 +113,7 @@ void CMainFrame::connectCommands() {
     files_.connectTo(*actions_);
     exportCommand_.connectTo(*actions_);
     viewCommands_.connectTo(*actions_);
+    zoomCommands_.connectTo(*actions_);
     toolsCommands_.connectTo(*actions_);
     applicationCommands_.connectTo(*actions_);
     if (station_.discoverNow())

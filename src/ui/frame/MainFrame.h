@@ -9,6 +9,7 @@
 #include "ui/frame/commands/RecentFiles.h"
 #include "ui/frame/commands/ToolsCommands.h"
 #include "ui/frame/commands/ViewCommands.h"
+#include "ui/frame/commands/ZoomCommands.h"
 #include "ui/widgets/KeyboardLocks.h"
 
 #include <QMainWindow>
@@ -100,6 +101,7 @@ private:
     CFileCommands files_;
     CExportCommand exportCommand_;
     CViewCommands viewCommands_;
+    CZoomCommands zoomCommands_;
     CToolsCommands toolsCommands_;
     CApplicationCommands applicationCommands_;
     CApplicationsMenu* applicationsMenu_ = nullptr;

@@ -3,6 +3,9 @@
 #include "model/records/Text.h"
 #include "ui/applications/InsertTextDialog.h"
 #include "ui/dialogs/ExportDialog.h"
+#include "ui/floor/geometry/FloorGeometry.h"
+#include "ui/floor/geometry/FontBands.h"
+#include "ui/floor/geometry/ZoomSteps.h"
 
 #include <QCursor>
 #include <QFile>
@@ -168,6 +171,12 @@ std::optional<std::string> CWidgetDialogs::insertText(const std::string& command
     if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
     return dialog.text();
+}
+
+std::optional<CustomZoom> CWidgetDialogs::askCustomZoom(const CustomZoom& start) {
+    const BoxOpen open(*this);
+    CCustomZoomDialog dialog(start, {smallestCommandZoom, largestZoom, largestLabelFont}, parent_);
+    return dialog.exec() == QDialog::Accepted ? std::optional(dialog.zoom()) : std::nullopt;
 }
 
 void CWidgetDialogs::about() {

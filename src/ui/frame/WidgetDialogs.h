@@ -34,6 +34,7 @@ public:
     std::optional<std::string> chooseFileToSave(const FileChoice& choice) override;
     std::optional<ExportSettings> askExport(const ExportRequest& request) override;
     std::optional<std::string> insertText(const std::string& command) override;
+    std::optional<CustomZoom> askCustomZoom(const CustomZoom& start) override;
     void about() override;
 
 private:

@@ -3,8 +3,11 @@
 #include "model/FloorMap.h"
 #include "tests/station/StationFixture.h"
 #include "tests/ui/floor/FloorFixture.h"
+#include "ui/floor/FloorZooming.h"
 
 #include <QMouseEvent>
+#include <QNativeGestureEvent>
+#include <QPointingDevice>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -140,6 +143,44 @@ TEST_F(MirovaneViewTest, WheelAndKeysScroll) {
     EXPECT_EQ(view.state().view.origin, QPoint(0, 0));
     QTest::keyClick(&view, Qt::Key_Right);
     EXPECT_EQ(view.horizontalScrollBar()->value(), 20);
+}
+
+TEST_F(MirovaneViewTest, CtrlWheelZoomsAtThePointerAndFingersToo) {
+    CSettings& settings = site.settings;
+    CFloorZooming zooming(view, site.station->display(), settings);
+    setFloorMap(site.doc(), {saveMap(1200, 900), {}});
+    add(DeviceType::Computer, {400, 300}, "pc");
+    settle();
+    view.horizontalScrollBar()->setValue(200);
+    view.verticalScrollBar()->setValue(100);
+    const QPoint pointer(150, 120);
+    const auto under = [&] {
+        return ToMap(pointer, view.scaledPoint({0, 0}), site.station->display().ZoomPercent);
+    };
+    const MapPoint before = under();
+    for (const int turned : {120, 60, 60}) {
+        QWheelEvent event(pointer, view.viewport()->mapToGlobal(pointer), {}, {0, turned}, Qt::NoButton,
+                          Qt::ControlModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(view.viewport(), &event);
+    }
+    EXPECT_EQ(site.station->display().ZoomPercent, 120);
+    EXPECT_EQ(settings.read("ZoomDevicesPercent", 0), 120);
+    EXPECT_EQ(view.state().view.LabelFontHeight, 13);
+    EXPECT_NEAR(under().x, before.x, 1);
+    EXPECT_NEAR(under().y, before.y, 1);
+    EXPECT_EQ(difference(), "");
+
+    const QPointingDevice* pad = QPointingDevice::primaryPointingDevice();
+    for (const auto& [type, value] :
+         {std::pair(Qt::BeginNativeGesture, 0.0), std::pair(Qt::ZoomNativeGesture, 0.3),
+          std::pair(Qt::ZoomNativeGesture, 0.002), std::pair(Qt::EndNativeGesture, 0.0)}) {
+        QNativeGestureEvent event(type, pad, 2, pointer, pointer, view.viewport()->mapToGlobal(pointer),
+                                  value, {});
+        QCoreApplication::sendEvent(view.viewport(), &event);
+    }
+    EXPECT_EQ(settings.read("ZoomPercent", 0), 156);
+    EXPECT_NEAR(under().x, before.x, 2);
+    EXPECT_EQ(difference(), "");
 }
 
 TEST_F(MirovaneViewTest, PointerShowsAllOfADeviceAndLeavingHidesIt) {

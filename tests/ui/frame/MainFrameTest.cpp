@@ -119,6 +119,33 @@ TEST_F(MainFrameTest, LabelKeysWorkFromTheFloor) {
     EXPECT_EQ(settings.read("PropertiesVertDraw", -1), 0);
 }
 
+TEST_F(MainFrameTest, ZoomKeysAndTheCustomDialogAreStoredAtOnce) {
+    const auto stored = [this] {
+        return CustomZoom{settings.read("ZoomPercent", 0), settings.read("ZoomDevicesPercent", 0),
+                          settings.read("ZoomFontScale", 0)};
+    };
+    QTest::keyClick(floor, Qt::Key_Plus);
+    QTest::keyClick(floor, Qt::Key_Plus, Qt::KeypadModifier);
+    EXPECT_EQ(stored(), (CustomZoom{110, 110, 0}));
+    action("ZoomDevices")->trigger();
+    EXPECT_FALSE(action("ZoomDevices")->isChecked());
+    QTest::keyClick(floor, Qt::Key_Minus);
+    EXPECT_EQ(stored(), (CustomZoom{105, 110, 0}));
+    QTest::keyClick(floor, Qt::Key_Asterisk);
+    EXPECT_EQ(stored(), (CustomZoom{100, 110, 0}));
+
+    dialogs.zoomAnswers.assign({CustomZoom{800, 60, 3}, std::nullopt});
+    QTest::keyClick(floor, Qt::Key_Slash);
+    EXPECT_EQ(stored(), (CustomZoom{800, 60, 3}));
+    EXPECT_EQ(floor->state().view.LabelFontHeight, 35);
+    settings.write("ZoomFontScale", 5);
+    QTest::keyClick(floor, Qt::Key_Slash);
+    EXPECT_EQ(dialogs.zoomStarts.back(), (CustomZoom{800, 60, 5}));
+    EXPECT_EQ(floor->state().view.LabelFontHeight, 37)
+        << "the labels follow what is stored, cancelled or not";
+    EXPECT_EQ(station->display().ZoomPercent, 800);
+}
+
 TEST_F(MainFrameTest, BarsCanBeHiddenAndShown) {
     for (const auto& [name, bar] :
          {std::pair<const char*, QWidget*>{"viewToolbar", frame->findChild<QToolBar*>()},

@@ -23,6 +23,8 @@ public:
     std::vector<FileChoice> choices;
     std::vector<ExportRequest> exportRequests;
     std::deque<std::optional<ExportSettings>> exportAnswers;
+    std::vector<CustomZoom> zoomStarts;
+    std::deque<std::optional<CustomZoom>> zoomAnswers;
     int abouts = 0;
 
     bool ask(const Question& question) override { return askStop(question.text); }
@@ -43,6 +45,10 @@ public:
     }
     std::optional<std::string> insertText(const std::string& command) override {
         return take(insertedTexts, std::optional<std::string>(), command);
+    }
+    std::optional<CustomZoom> askCustomZoom(const CustomZoom& start) override {
+        zoomStarts.push_back(start);
+        return take(zoomAnswers, std::optional<CustomZoom>(), "Custom Zoom");
     }
     void about() override { ++abouts; }
 

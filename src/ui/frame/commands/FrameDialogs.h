@@ -1,6 +1,7 @@
 #pragma once
 
 #include "station/Station.h"
+#include "ui/dialogs/CustomZoomDialog.h"
 #include "ui/dialogs/ExportRequest.h"
 
 #include <optional>
@@ -38,6 +39,9 @@ public:
 
     /// Text that replaces $mvW in this command of an External Application; nothing when the user cancels.
     virtual std::optional<std::string> insertText(const std::string& command) = 0;
+
+    /// The numbers of the Custom Zoom dialog; nothing when the user cancels.
+    virtual std::optional<CustomZoom> askCustomZoom(const CustomZoom& start) = 0;
 
     virtual void about() = 0;
 };

@@ -22,6 +22,8 @@ enum class CommandId {
     ViewToolbar,
     ViewStatusBar,
     ViewDisplayToggle, ///< every command that switches one display setting; `setting` says which
+    ViewZoom,          ///< the zoom commands without a dialog; `value` is their ZoomCommand
+    ViewZoomCustom,
     ViewMessageLogs,
     ViewListView,
     ToolsFloorMap,
@@ -47,7 +49,7 @@ struct CommandDefinition {
     std::string_view keys = {};    ///< "Ctrl+N", several with a blank between them; the menu shows the first
     std::string_view help = {};    ///< shown in the status bar while the entry is pointed at
     std::string_view setting = {}; ///< the setting that the command switches
-    std::int32_t value = 0;        ///< which of its family: a device type, a percentage
+    std::int32_t value = 0;        ///< which of its family: a device type, a ZoomCommand
     CommandNeeds needs = CommandNeeds::Nothing;
     bool checkable = false;
     bool groupStart = false; ///< a separator comes before it

@@ -1,3 +1,4 @@
+#include "ui/floor/geometry/ZoomSteps.h"
 #include "ui/frame/table/CommandRows.h"
 
 #include <QCoreApplication>
@@ -25,6 +26,18 @@ constexpr CommandDefinition displayToggle(MenuId menu, std::string_view setting,
 constexpr CommandDefinition label(std::string_view setting, std::string_view text, std::string_view keys,
                                   std::string_view help, bool groupStart = false) {
     return displayToggle(MenuId::Properties, setting, text, keys, help, groupStart);
+}
+
+constexpr CommandDefinition zoom(ZoomCommand command, std::string_view name, std::string_view text,
+                                 std::string_view keys, std::string_view help, bool groupStart = false) {
+    return {.id = CommandId::ViewZoom,
+            .name = name,
+            .menu = MenuId::Zoom,
+            .text = text,
+            .keys = keys,
+            .help = help,
+            .value = static_cast<std::int32_t>(command),
+            .groupStart = groupStart};
 }
 
 // Rows that are alike line up; the formatter would give each a shape of its own.
@@ -55,6 +68,34 @@ constexpr auto rows = std::to_array<CommandDefinition>({
     {.id = CommandId::ViewListView, .name = "viewListView", .menu = MenuId::View,
      .text = QT_TRANSLATE_NOOP("Commands", "&List View"), .keys = "Ctrl+L",
      .help = QT_TRANSLATE_NOOP("Commands", "Show the devices as a table")},
+
+    zoom(ZoomCommand::In, "viewZoomIn", QT_TRANSLATE_NOOP("Commands", "&In  5%"), "+",
+         QT_TRANSLATE_NOOP("Commands", "Show the floor 5 % larger")),
+    zoom(ZoomCommand::Out, "viewZoomOut", QT_TRANSLATE_NOOP("Commands", "&Out 5%"), "-",
+         QT_TRANSLATE_NOOP("Commands", "Show the floor 5 % smaller")),
+    zoom(ZoomCommand::To25, "viewZoom25", QT_TRANSLATE_NOOP("Commands", "&25%"), "",
+         QT_TRANSLATE_NOOP("Commands", "Show the floor at a quarter of its size"), true),
+    zoom(ZoomCommand::To50, "viewZoom50", QT_TRANSLATE_NOOP("Commands", "&50%"), "",
+         QT_TRANSLATE_NOOP("Commands", "Show the floor at half of its size")),
+    zoom(ZoomCommand::To100, "viewZoom100", QT_TRANSLATE_NOOP("Commands", "&100%"), "*",
+         QT_TRANSLATE_NOOP("Commands", "Show the floor at its own size")),
+    zoom(ZoomCommand::To200, "viewZoom200", QT_TRANSLATE_NOOP("Commands", "2&00%"), "",
+         QT_TRANSLATE_NOOP("Commands", "Show the floor at twice its size")),
+    zoom(ZoomCommand::To300, "viewZoom300", QT_TRANSLATE_NOOP("Commands", "&300%"), "",
+         QT_TRANSLATE_NOOP("Commands", "Show the floor at three times its size")),
+    zoom(ZoomCommand::FitWidth, "viewZoomWidth", QT_TRANSLATE_NOOP("Commands", "Fit to &width"), "",
+         QT_TRANSLATE_NOOP("Commands", "Show the whole width of the floor map"), true),
+    zoom(ZoomCommand::FitHeight, "viewZoomHeight", QT_TRANSLATE_NOOP("Commands", "Fit to &Height"), "",
+         QT_TRANSLATE_NOOP("Commands", "Show the whole height of the floor map")),
+    zoom(ZoomCommand::FitAll, "viewZoomAll", QT_TRANSLATE_NOOP("Commands", "Fit &all"), "",
+         QT_TRANSLATE_NOOP("Commands", "Show the floor map as large as the window allows")),
+    {.id = CommandId::ViewZoomCustom, .name = "viewZoomCustom", .menu = MenuId::Zoom,
+     .text = QT_TRANSLATE_NOOP("Commands", "&Custom..."), .keys = "/",
+     .help = QT_TRANSLATE_NOOP("Commands", "Choose any zoom, and the size of the labels")},
+    displayToggle(MenuId::Zoom, "ZoomDevices", QT_TRANSLATE_NOOP("Commands", "Zoom Devices"), "",
+                  QT_TRANSLATE_NOOP("Commands", "Let the zoom commands change the icons"), true),
+    displayToggle(MenuId::Zoom, "ZoomFloormap", QT_TRANSLATE_NOOP("Commands", "Zoom Floormap"), "",
+                  QT_TRANSLATE_NOOP("Commands", "Let the zoom commands change the floor map")),
 
     label("PropertiesComputer", QT_TRANSLATE_NOOP("Commands", "Computer name"), "1",
           QT_TRANSLATE_NOOP("Commands", "Show computer names under devices")),

@@ -136,11 +136,10 @@ TEST_F(FloorPainterTest, MarkedAreaIsAnOpenYellowPolylineEvenFarFromItsMarker) {
 }
 
 TEST_F(FloorPainterTest, AreaUnderThePointerIsShownWhenItsMarkerIsOutOfSight) {
-    floor.state.SelectedMarker =
-        floor
-            .add(DeviceType::LocationMarker, {5000, 5000},
-                 [](CHardware& d) { d.ToJack = "20,20,120,20,120,90,"; })
-            .RecID;
+    floor.state.SelectedMarker = floor
+                                     .add(DeviceType::LocationMarker, {5000, 5000},
+                                          [](CHardware& d) { d.ToJack = "20,20,120,20,120,90,"; })
+                                     .RecID;
     EXPECT_EQ(floor.freshFrame().pixelColor(70, 20), QColor(240, 240, 0));
 }
 

@@ -133,11 +133,6 @@ const std::vector<AwaitedRow> awaited = {
     {MenuId::Hide, "Unknown"}, {MenuId::Hide, "&Floor Map"}, {MenuId::Hide, "&All"},
     {MenuId::Hide, "&None"},
 
-    {MenuId::Zoom, "&In  5%"}, {MenuId::Zoom, "&Out 5%"}, {MenuId::Zoom, "&25%"}, {MenuId::Zoom, "&50%"},
-    {MenuId::Zoom, "&100%"}, {MenuId::Zoom, "2&00%"}, {MenuId::Zoom, "&300%"},
-    {MenuId::Zoom, "Fit to &width"}, {MenuId::Zoom, "Fit to &Height"}, {MenuId::Zoom, "Fit &all"},
-    {MenuId::Zoom, "&Custom..."}, {MenuId::Zoom, "Zoom Devices"}, {MenuId::Zoom, "Zoom Floormap"},
-
     {MenuId::Tools, "Users Photo Path.."},
 
     {MenuId::Tools, "Reset Live Status"},
