@@ -1,7 +1,6 @@
 #include "ui/frame/MainFrame.h"
 
 #include "model/records/Text.h"
-#include "ui/discover/DiscoverNowWindow.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/FrameMenus.h"
 #include "ui/frame/FrameToolBar.h"
@@ -9,7 +8,6 @@
 #include "ui/frame/StationState.h"
 #include "ui/frame/ToolIcons.h"
 #include "ui/frame/commands/ApplicationsMenu.h"
-#include "ui/list/ListViewWindow.h"
 #include "ui/widgets/IdleNotifier.h"
 #include "ui/widgets/WindowPlacement.h"
 
@@ -31,33 +29,22 @@ constexpr QSize smallestSize(420, 300);
 } // namespace
 
 CMainFrame::CMainFrame(const Services& services, CMirovaneView* floor)
-    : station_(services.station),
-      dialogs_(services.dialogs),
-      recent_(services.recent),
-      settings_(services.settings),
-      log_(services.log),
+    : services_(services),
       floor_(floor),
       actions_(new CCommandActions(*this)),
       toolbar_(makeToolBar(*this, *actions_)),
       panes_(*statusBar()),
-      messageLog_(std::make_unique<CMessageLogWindow>(log_, settings_)),
-      files_(station_, dialogs_, recent_, [this] { refresh(); }),
-      exportCommand_(station_, settings_, dialogs_),
-      viewCommands_(station_.display(), settings_,
-                    {*toolbar_, *statusBar(), [this] { messageLog_->present(); }, [this] { showListView(); },
-                     [this] {
-                         floor_->viewport()->update();
-                     }}),
-      zoomCommands_(*new CFloorZooming(*floor_, station_.display(), settings_), dialogs_),
-      toolsCommands_(station_, dialogs_,
-                     {[this] { floor_->reloadFloorMap(); }, this, settings_, services.clock}),
-      applicationCommands_({station_, dialogs_, settings_, log_, services.launcher, *this}) {
+      windows_(services, *this),
+      commands_(services, {*this, *floor, *toolbar_, *statusBar(), windows_, [this] {
+                               refresh();
+                           }}) {
     setObjectName(QStringLiteral("mainFrame"));
     setWindowIcon(programIcon());
-    messageLog_->setWindowIcon(windowIcon());
+    messageLog().setWindowIcon(windowIcon());
     setCentralWidget(floor_);
-    connectCommands();
+    commands_.connectTo(*actions_);
     makeMenus();
+    connectWindows();
     connectStation();
     placeWindow();
     refresh();
@@ -65,77 +52,53 @@ CMainFrame::CMainFrame(const Services& services, CMirovaneView* floor)
 }
 
 CMainFrame::~CMainFrame() {
-    station_.removeObserver(*this);
-    log_.removeListener(*this);
+    services_.station.removeObserver(*this);
+    services_.log.removeListener(*this);
 }
 
 void CMainFrame::refresh() {
     showTitle();
     panes_.refresh(indicators());
-    actions_->refresh(commandState(station_));
+    actions_->refresh(commandState(services_.station));
 }
 
 void CMainFrame::saveForSession(const std::string& rescuePath) {
-    applicationCommands_.storeTyping();
-    toolsCommands_.storeTyping();
-    const CMirovaneDoc& document = station_.document();
+    commands_.storeTyping();
+    const CMirovaneDoc& document = services_.station.document();
     if (!document.modified())
         return;
-    if (!station_.datafile().path().empty())
-        station_.saveDatafile();
-    else if (station_.saveDatafileAs(rescuePath).saved())
-        recent_.add(rescuePath);
+    if (!services_.station.datafile().path().empty())
+        services_.station.saveDatafile();
+    else if (services_.station.saveDatafileAs(rescuePath).saved())
+        services_.recent.add(rescuePath);
 }
 
 std::optional<FileError> CMainFrame::endSession() {
     sessionEnded_ = true;
-    applicationCommands_.storeTyping();
-    toolsCommands_.storeTyping();
-    auto error = station_.shutDown();
+    commands_.storeTyping();
+    auto error = services_.station.shutDown();
     close();
     return error;
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event) {
-    applicationCommands_.storeTyping();
-    toolsCommands_.storeTyping();
-    if (!sessionEnded_ && !files_.close()) {
+    commands_.storeTyping();
+    if (!sessionEnded_ && !files().close()) {
         event->ignore();
         return;
     }
-    messageLog_->close();
-    if (listView_)
-        listView_->close();
+    windows_.close();
     QMainWindow::closeEvent(event);
 }
 
-void CMainFrame::connectCommands() {
-    files_.connectTo(*actions_);
-    exportCommand_.connectTo(*actions_);
-    viewCommands_.connectTo(*actions_);
-    zoomCommands_.connectTo(*actions_);
-    toolsCommands_.connectTo(*actions_);
-    applicationCommands_.connectTo(*actions_);
-    if (station_.discoverNow())
-        actions_->setHandler(CommandId::ToolsDiscoverNow,
-                             {[this](const CommandDefinition&, bool) { showDiscoverNow(); }, {}});
-    actions_->setHandler(CommandId::FileExit, {[this](const CommandDefinition&, bool) { close(); }, {}});
-    actions_->setHandler(CommandId::HelpAbout,
-                         {[this](const CommandDefinition&, bool) { dialogs_.about(); }, {}});
-}
-
-/// Made when it is first asked for: a program that never shows the list does not pay for it at its start.
-void CMainFrame::showListView() {
-    if (!listView_) {
-        listView_ = std::make_unique<CListViewWindow>(station_, settings_);
-        listView_->setWindowIcon(windowIcon());
-        connect(listView_.get(), &CListViewWindow::showOnFloor, this, &CMainFrame::showOnFloor);
-    }
-    listView_->present();
+void CMainFrame::connectWindows() {
+    connect(&windows_, &CFrameWindows::deviceWanted, this, &CMainFrame::showOnFloor);
+    connect(&windows_, &CFrameWindows::rangesWanted, this,
+            [this](QWidget* asking) { commands_.tools().openLiveStatOptions(asking); });
 }
 
 void CMainFrame::showOnFloor(std::int32_t recID) {
-    const CHardware* device = station_.document().findDevice(recID);
+    const CHardware* device = services_.station.document().findDevice(recID);
     if (!device)
         return;
     setWindowState(windowState() & ~Qt::WindowMinimized);
@@ -145,27 +108,19 @@ void CMainFrame::showOnFloor(std::int32_t recID) {
     floor_->showDevice(*device);
 }
 
-void CMainFrame::showDiscoverNow() {
-    if (!discoverNow_) {
-        discoverNow_ = new CDiscoverNowWindow(station_, settings_, dialogs_, this);
-        connect(discoverNow_, &CDiscoverNowWindow::rangesWanted, this,
-                [this] { toolsCommands_.openLiveStatOptions(discoverNow_); });
-    }
-    discoverNow_->present();
-}
-
 void CMainFrame::makeMenus() {
     new CFrameMenus(*menuBar(),
-                    {*actions_, recent_, [this](const std::string& path) { files_.openPath(path); },
+                    {*actions_, services_.recent, [this](const std::string& path) { files().openPath(path); },
                      [this] {
                          menuOpens();
                      }});
-    applicationsMenu_ = new CApplicationsMenu(
-        *menuBar(), {station_.document(), *actions_,
-                     [this](const ApplicationValues& application) { applicationCommands_.run(application); },
-                     [this] {
-                         menuOpens();
-                     }});
+    applicationsMenu_ = new CApplicationsMenu(*menuBar(), {services_.station.document(), *actions_,
+                                                           [this](const ApplicationValues& application) {
+                                                               commands_.applications().run(application);
+                                                           },
+                                                           [this] {
+                                                               menuOpens();
+                                                           }});
     floor_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(floor_, &QWidget::customContextMenuRequested, this, [this](const QPoint& place) {
         applicationsMenu_->popup(floor_->viewport()->mapToGlobal(place));
@@ -173,15 +128,15 @@ void CMainFrame::makeMenus() {
 }
 
 void CMainFrame::menuOpens() {
-    actions_->refresh(commandState(station_));
+    actions_->refresh(commandState(services_.station));
 }
 
 void CMainFrame::connectStation() {
-    log_.addListener(*this);
-    station_.addObserver(*this);
+    services_.log.addListener(*this);
+    services_.station.addObserver(*this);
     connect(floor_, &CMirovaneView::floorMapFailed, this, [this](const QString& sentence, bool missing) {
         if (missing)
-            dialogs_.fail(sentence.toStdString());
+            services_.dialogs.fail(sentence.toStdString());
     });
     if (CKeyboardLights::displayIsLocal(qEnvironmentVariable("DISPLAY")))
         keyboard_.emplace();
@@ -202,14 +157,14 @@ void CMainFrame::placeWindow() {
     setMinimumSize(smallestSize);
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     resize(defaultSize.boundedTo(screen.size() * 9 / 10));
-    applyPlacement(*this, readPlacement(settings_, mainFramePlacement));
-    new CPlacementKeeper(*this, settings_, mainFramePlacement);
+    applyPlacement(*this, readPlacement(services_.settings, mainFramePlacement));
+    new CPlacementKeeper(*this, services_.settings, mainFramePlacement);
 }
 
 void CMainFrame::showTitle() {
-    const QString title = showsReminder()
-                              ? tr("Reminder Due:%1").arg(station_.reminders().DueCount())
-                              : QString::fromStdString(mirovane::windowTitle(station_.datafile().path()));
+    const QString title =
+        showsReminder() ? tr("Reminder Due:%1").arg(services_.station.reminders().DueCount())
+                        : QString::fromStdString(mirovane::windowTitle(services_.station.datafile().path()));
     // Doubled, or a file named so would lose it: alone it is where a window title marks changes.
     const QString literal = QString(title).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
     if (literal != QMainWindow::windowTitle())
@@ -217,12 +172,13 @@ void CMainFrame::showTitle() {
 }
 
 bool CMainFrame::showsReminder() const {
-    const CReminders& reminders = station_.reminders();
-    return reminders.DueCount() > 0 && reminders.ReminderPhase() && station_.display().ReminderTitlebarShow;
+    const CReminders& reminders = services_.station.reminders();
+    return reminders.DueCount() > 0 && reminders.ReminderPhase() &&
+           services_.station.display().ReminderTitlebarShow;
 }
 
 IndicatorState CMainFrame::indicators() const {
-    IndicatorState state = indicatorState(station_);
+    IndicatorState state = indicatorState(services_.station);
     if (keyboard_)
         state.keyboardText = keyboardText(keyboard_->read());
     return state;

@@ -1,15 +1,10 @@
 #pragma once
 
+#include "ui/frame/FrameCommands.h"
+#include "ui/frame/FrameWindows.h"
 #include "ui/frame/StatusPanes.h"
-#include "ui/frame/commands/ApplicationCommands.h"
 #include "ui/frame/commands/CommandActions.h"
-#include "ui/frame/commands/ExportCommand.h"
-#include "ui/frame/commands/FileCommands.h"
-#include "ui/frame/commands/FrameDialogs.h"
-#include "ui/frame/commands/RecentFiles.h"
-#include "ui/frame/commands/ToolsCommands.h"
-#include "ui/frame/commands/ViewCommands.h"
-#include "ui/frame/commands/ZoomCommands.h"
+#include "ui/frame/commands/FrameServices.h"
 #include "ui/widgets/KeyboardLocks.h"
 
 #include <QMainWindow>
@@ -20,40 +15,27 @@
 namespace mirovane {
 
 class CApplicationsMenu;
-class CListViewWindow;
-class CDiscoverNowWindow;
-class CMessageLogWindow;
 class CMirovaneView;
 
-/// The one top-level window: menus, toolbar, the floor and the status bar; beside it the message log and
-/// the list of devices.
+/// The one main window: menus, toolbar, the floor and the status bar.
 /// Knows how its parts are put together, and nothing of what they do. Main thread only.
 class CMainFrame : public QMainWindow, private StationObserver, private LogListener {
     Q_OBJECT
 
 public:
-    /// What the frame and its windows work with; all of it outlives the frame.
-    struct Services {
-        CStation& station;
-        FrameDialogs& dialogs;
-        CRecentFiles& recent;
-        ProgramLauncher& launcher;
-        CSettings& settings;
-        CMessageLog& log;
-        const Clock& clock;
-    };
+    using Services = FrameServices;
 
     /// `floor` is the view on the station's document and becomes the frame's own.
     CMainFrame(const Services& services, CMirovaneView* floor);
     ~CMainFrame() override;
 
-    CFileCommands& files() { return files_; }
+    CFileCommands& files() { return commands_.files(); }
     CCommandActions& actions() { return *actions_; }
     CApplicationsMenu& applicationsMenu() { return *applicationsMenu_; }
-    CMessageLogWindow& messageLog() { return *messageLog_; }
+    CMessageLogWindow& messageLog() { return windows_.messageLog(); }
 
     /// Null before it was first shown.
-    CListViewWindow* listView() { return listView_.get(); }
+    CListViewWindow* listView() { return windows_.listView(); }
 
     /// Title, panes, check marks and enablement, from the state of things now.
     void refresh();
@@ -70,13 +52,11 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
-    void connectCommands();
-    void showDiscoverNow();
     void makeMenus();
     void menuOpens();
-    void showListView();
-    void showOnFloor(std::int32_t recID);
+    void connectWindows();
     void connectStation();
+    void showOnFloor(std::int32_t recID);
     void placeWindow();
     void showTitle();
     bool showsReminder() const;
@@ -86,24 +66,13 @@ private:
     void remindersChanged() override;
     void lineLogged(const LogLine& line) override;
 
-    CStation& station_;
-    FrameDialogs& dialogs_;
-    CRecentFiles& recent_;
-    CSettings& settings_;
-    CMessageLog& log_;
+    Services services_;
     CMirovaneView* floor_;
     CCommandActions* actions_;
     QToolBar* toolbar_;
     CStatusPanes panes_;
-    std::unique_ptr<CMessageLogWindow> messageLog_;
-    CDiscoverNowWindow* discoverNow_ = nullptr; ///< a child of this window, made when it is first wanted
-    std::unique_ptr<CListViewWindow> listView_;
-    CFileCommands files_;
-    CExportCommand exportCommand_;
-    CViewCommands viewCommands_;
-    CZoomCommands zoomCommands_;
-    CToolsCommands toolsCommands_;
-    CApplicationCommands applicationCommands_;
+    CFrameWindows windows_;
+    CFrameCommands commands_;
     CApplicationsMenu* applicationsMenu_ = nullptr;
     std::optional<CKeyboardLights> keyboard_;
     bool sessionEnded_ = false;

@@ -1,0 +1,48 @@
+#include "ui/frame/FrameCommands.h"
+
+#include "ui/floor/MirovaneView.h"
+#include "ui/frame/FrameWindows.h"
+
+namespace mirovane {
+
+CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts)
+    : services_(services),
+      parts_(parts),
+      files_(services.station, services.dialogs, services.recent, parts.refresh),
+      export_(services.station, services.settings, services.dialogs),
+      view_(services.station.display(), services.settings,
+            {parts.toolbar, parts.statusBar, [this] { parts_.windows.showMessageLog(); },
+             [this] { parts_.windows.showListView(); },
+             [this] {
+                 parts_.floor.viewport()->update();
+             }}),
+      zoom_(*new CFloorZooming(parts.floor, services.station.display(), services.settings), services.dialogs),
+      tools_(services.station, services.dialogs,
+             {[this] { parts_.floor.reloadFloorMap(); }, &parts.frame, services.settings, services.clock}),
+      applications_({services.station, services.dialogs, services.settings, services.log, services.launcher,
+                     parts.frame}) {}
+
+void CFrameCommands::connectTo(CCommandActions& actions) {
+    files_.connectTo(actions);
+    export_.connectTo(actions);
+    view_.connectTo(actions);
+    zoom_.connectTo(actions);
+    tools_.connectTo(actions);
+    applications_.connectTo(actions);
+    const auto on = [&actions](CommandId id, std::function<void()> run) {
+        actions.setHandler(id, {[run = std::move(run)](const CommandDefinition&, bool) { run(); }, {}});
+    };
+    if (services_.station.discoverNow())
+        on(
+            CommandId::ToolsDiscoverNow, [this] { parts_.windows.showDiscoverNow(); });
+    on(
+        CommandId::FileExit, [this] { parts_.frame.close(); });
+    on(CommandId::HelpAbout, [this] { services_.dialogs.about(); });
+}
+
+void CFrameCommands::storeTyping() {
+    applications_.storeTyping();
+    tools_.storeTyping();
+}
+
+} // namespace mirovane

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "ui/frame/commands/ApplicationCommands.h"
+#include "ui/frame/commands/ExportCommand.h"
+#include "ui/frame/commands/FileCommands.h"
+#include "ui/frame/commands/FrameServices.h"
+#include "ui/frame/commands/ToolsCommands.h"
+#include "ui/frame/commands/ViewCommands.h"
+#include "ui/frame/commands/ZoomCommands.h"
+
+#include <QWidget>
+
+#include <functional>
+
+namespace mirovane {
+
+class CFrameWindows;
+class CMirovaneView;
+
+/// What stands behind the main window's commands, menu by menu. Main thread.
+class CFrameCommands {
+public:
+    /// Parts of the main window; all outlive the object.
+    struct Parts {
+        QWidget& frame;
+        CMirovaneView& floor;
+        QWidget& toolbar;
+        QWidget& statusBar;
+        CFrameWindows& windows;
+        std::function<void()> refresh; ///< the window shows another document, or the same under another name
+    };
+
+    CFrameCommands(const FrameServices& services, const Parts& parts);
+
+    void connectTo(CCommandActions& actions);
+
+    CFileCommands& files() { return files_; }
+    const CFileCommands& files() const { return files_; }
+    CToolsCommands& tools() { return tools_; }
+    CApplicationCommands& applications() { return applications_; }
+
+    /// The session ends or the datafile is saved: what is being typed counts.
+    void storeTyping();
+
+private:
+    FrameServices services_;
+    Parts parts_;
+    CFileCommands files_;
+    CExportCommand export_;
+    CViewCommands view_;
+    CZoomCommands zoom_;
+    CToolsCommands tools_;
+    CApplicationCommands applications_;
+};
+
+} // namespace mirovane
