@@ -86,6 +86,7 @@ struct DisplaySettings {
     std::int32_t ZoomFontScale = 0;
     std::int32_t PhotoScale = 100;
     std::int32_t VisibleTypes = -1; ///< bit (Type - 1) set = that type is shown
+    bool FloorMapHidden = false;    ///< for this run only; the datafile keeps the map's path
 
     /// As the station reads them at its start.
     void readAll(const CSettings& settings);

@@ -17,6 +17,7 @@ struct EditRequest {
         Add,      ///< new devices
         Change,   ///< devices change
         Delete,   ///< devices go
+        Place,    ///< devices move, or change in what no step of Live Stat works on: nobody is waited for
     };
     enum class Saving {
         Now,

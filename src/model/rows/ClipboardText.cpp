@@ -102,10 +102,15 @@ std::string quoted(std::string_view text) {
 /// One line at a time into a reading.
 class CLineReader {
 public:
-    CLineReader(ClipboardReading& reading, TimeStamp now) : reading_(reading), now_(now) {}
+    CLineReader(ClipboardReading& reading, TimeStamp now, const ClipboardLimits& limits)
+        : reading_(reading), now_(now), limits_(limits) {}
 
     void read(std::size_t line, std::string_view text) {
         line_ = line;
+        if (reading_.rows.size() >= limits_.rows) {
+            ++reading_.beyond;
+            return;
+        }
         std::vector<std::string_view> fields = split(text, '\t');
         while (fields.size() > clipboardFieldCount && fields.back().empty())
             fields.pop_back();
@@ -152,11 +157,14 @@ private:
     }
 
     void problem(std::string sentence, bool dropped) {
-        reading_.problems.push_back({line_, std::move(sentence), dropped});
+        reading_.dropped += dropped ? 1 : 0;
+        if (reading_.problems.size() < limits_.problems)
+            reading_.problems.push_back({line_, std::move(sentence), dropped});
     }
 
     ClipboardReading& reading_;
     TimeStamp now_;
+    ClipboardLimits limits_;
     std::size_t line_ = 0;
 };
 
@@ -192,9 +200,9 @@ std::string clipboardText(std::span<const CHardware* const> devices, ClipboardFo
     return text;
 }
 
-ClipboardReading readClipboardText(std::string_view text, TimeStamp now) {
+ClipboardReading readClipboardText(std::string_view text, TimeStamp now, const ClipboardLimits& limits) {
     ClipboardReading reading;
-    CLineReader reader(reading, now);
+    CLineReader reader(reading, now, limits);
     if (text.starts_with(utf8Mark))
         text.remove_prefix(utf8Mark.size());
     for (std::size_t line = 1; !text.empty(); ++line) {

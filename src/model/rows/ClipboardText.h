@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/records/Datafile.h"
 #include "model/records/Hardware.h"
 
 #include <cstddef>
@@ -30,6 +31,12 @@ std::string clipboardLine(const CHardware& device, ClipboardForm form);
 /// Lines with CR LF between them, none at the end.
 std::string clipboardText(std::span<const CHardware* const> devices, ClipboardForm form);
 
+/// A text from the clipboard may be anything. What is beyond these numbers is counted and not kept.
+struct ClipboardLimits {
+    std::size_t rows = Datafile::maxRecords;
+    std::size_t problems = 100'000;
+};
+
 /// What a text in that form says.
 struct ClipboardReading {
     /// A new device on the floor map, with its type's priority; RecID and Position are left for the caller.
@@ -49,11 +56,13 @@ struct ClipboardReading {
 
     std::vector<Row> rows;
     std::vector<Problem> problems;
+    std::size_t dropped = 0; ///< lines that made no device
+    std::size_t beyond = 0;  ///< lines after the last row that was taken, not looked at
 };
 
 /// Lines may end with CR LF, LF or CR; empty ones say nothing, nor does a byte-order mark; fields missing at
 /// a line's end are empty. Dates are read in the locale's form, in that of the C locale and as "2026-11-22
 /// 14:30". `now` is for lines without a Modified.
-ClipboardReading readClipboardText(std::string_view text, TimeStamp now);
+ClipboardReading readClipboardText(std::string_view text, TimeStamp now, const ClipboardLimits& limits = {});
 
 } // namespace mirovane

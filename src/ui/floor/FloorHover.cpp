@@ -1,6 +1,6 @@
 #include "ui/floor/FloorHover.h"
 
-#include "ui/floor/paint/MarkedArea.h"
+#include "model/floor/MarkedArea.h"
 
 #include <algorithm>
 
@@ -59,7 +59,8 @@ std::int32_t CFloorHover::markerAround(QPoint point) const {
     for (auto marker = markers.rbegin(); marker != markers.rend(); ++marker) {
         if ((*marker)->ToJack.empty())
             continue;
-        const auto score = markedAreaScore(parseMarkedArea((*marker)->ToJack), point, ZoomPercent);
+        const auto score =
+            markedAreaScore(parseMarkedArea((*marker)->ToJack), {point.x(), point.y()}, ZoomPercent);
         if (score && *score < best) {
             best = *score;
             winner = (*marker)->RecID;

@@ -124,6 +124,17 @@ TEST_F(ClipboardTextTest, UnknownTypesAndShiftedColumnsAreDropped) {
     EXPECT_THAT(reading.problems[1].sentence, HasSubstr("20 fields"));
 }
 
+TEST_F(ClipboardTextTest, WhatIsTooMuchIsCounted) {
+    std::string text;
+    for (int i = 0; i < 10; ++i)
+        text += "nonsense\n\t\t\t\tJack\n";
+    const ClipboardReading reading = readClipboardText(text, now, {.rows = 4, .problems = 2});
+    EXPECT_EQ(reading.rows.size(), 4U);
+    EXPECT_EQ(reading.problems.size(), 2U);
+    EXPECT_EQ(reading.dropped, 4U);
+    EXPECT_EQ(reading.beyond, 12U);
+}
+
 TEST_F(ClipboardTextTest, EveryKindOfLineEndAndAMarkBeforeTheText) {
     const ClipboardReading reading =
         readClipboardText("\xEF\xBB\xBF\t\t\t\tJack\tone\r\t\t\t\tJack\ttwo\r\r\n"

@@ -6,16 +6,12 @@ namespace mirovane {
 
 namespace {
 
-std::int32_t limited(std::int64_t value) {
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, -coordinateLimit, coordinateLimit));
-}
-
 std::int32_t difference(std::int32_t a, std::int32_t b) {
-    return limited(std::int64_t{a} - b);
+    return withinLimit(std::int64_t{a} - b);
 }
 
 std::int32_t sum(std::int32_t a, std::int32_t b) {
-    return limited(std::int64_t{a} + b);
+    return withinLimit(std::int64_t{a} + b);
 }
 
 } // namespace
@@ -23,14 +19,6 @@ std::int32_t sum(std::int32_t a, std::int32_t b) {
 FloorZoom floorZoom(const DisplaySettings& display) {
     return {std::clamp(display.ZoomPercent, smallestZoom, largestZoom),
             std::clamp(display.ZoomDevicesPercent, smallestZoom, largestZoom)};
-}
-
-std::int32_t scaled(std::int32_t value, std::int32_t percent) {
-    return limited(std::int64_t{value} * percent / 100);
-}
-
-std::int32_t unscaled(std::int32_t value, std::int32_t percent) {
-    return limited(std::int64_t{value} * 100 / std::max(percent, smallestZoom));
 }
 
 QSize scaled(QSize size, std::int32_t percent) {

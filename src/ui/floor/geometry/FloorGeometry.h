@@ -2,6 +2,7 @@
 
 #include "model/Document.h"
 #include "model/Settings.h"
+#include "model/floor/Scale.h"
 #include "model/records/Hardware.h"
 
 #include <QPoint>
@@ -15,18 +16,8 @@
 
 namespace mirovane {
 
-// The floor's arithmetic. Three kinds of coordinates, all whole pixels:
-//   map     pixels of the floor-map bitmap at 100 %, as a device's Position holds them
-//   scaled  map times ZoomPercent / 100, truncated toward zero
-//   window  scaled minus the scroll position, logical pixels of the view
-// Positions come from files that other stations wrote and may be anything. Every result is computed in 64
-// bits and stops at +-coordinateLimit, far outside any window, so that adding a size to it cannot overflow.
-
-constexpr std::int32_t coordinateLimit = 1 << 29;
-
-/// Zoom percentages that drawing accepts: settings outside are treated as the nearest bound.
-constexpr std::int32_t smallestZoom = 1;
-constexpr std::int32_t largestZoom = 10000;
+// The floor's arithmetic for Qt's points. Map and scaled coordinates are those of model/floor/Scale.h; window
+// coordinates are scaled ones minus the scroll position, logical pixels of the view.
 
 struct FloorZoom {
     std::int32_t ZoomPercent = 100;
@@ -36,12 +27,6 @@ struct FloorZoom {
 };
 
 FloorZoom floorZoom(const DisplaySettings& display);
-
-/// value * percent / 100, truncated toward zero.
-std::int32_t scaled(std::int32_t value, std::int32_t percent);
-
-/// value * 100 / percent, truncated toward zero; a percent below 1 counts as 1.
-std::int32_t unscaled(std::int32_t value, std::int32_t percent);
 
 QSize scaled(QSize size, std::int32_t percent);
 QPoint toScaled(MapPoint point, std::int32_t ZoomPercent);

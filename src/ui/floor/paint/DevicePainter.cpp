@@ -1,7 +1,7 @@
 #include "ui/floor/paint/DevicePainter.h"
 
+#include "model/floor/MarkedArea.h"
 #include "model/records/Text.h"
-#include "ui/floor/paint/MarkedArea.h"
 
 #include <QPen>
 

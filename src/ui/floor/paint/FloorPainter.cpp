@@ -29,7 +29,8 @@ void CFloorPainter::Draw(QPainter& painter, QRect clip, const FloorViewState& st
 /// part out of the bitmap in whole map pixels instead would shift it by up to one of them
 /// against the devices, a different shift at every scroll position.
 void CFloorPainter::drawMap(QPainter& painter, QRect clip, const FloorView& view) {
-    if (floorMapOf(sources_.document).mapPath.empty() || !sources_.map.picture())
+    if (sources_.display.FloorMapHidden || floorMapOf(sources_.document).mapPath.empty() ||
+        !sources_.map.picture())
         return;
     const QSize size = scaled(sources_.map.picture()->size(), view.zoom.ZoomPercent);
     sources_.map.draw(painter, clip,

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "model/Document.h"
+#include "model/floor/MarkedArea.h"
 #include "model/records/Text.h"
 #include "ui/floor/geometry/FloorGeometry.h"
 #include "ui/floor/paint/FloorViewState.h"
 #include "ui/floor/paint/IconSet.h"
 #include "ui/floor/paint/LabelFont.h"
 #include "ui/floor/paint/LabelLines.h"
-#include "ui/floor/paint/MarkedArea.h"
 
 #include <QImage>
 #include <QPainter>

@@ -2,8 +2,6 @@
 
 #include "model/records/Hardware.h"
 
-#include <QPoint>
-
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -18,7 +16,7 @@ std::vector<MapPoint> parseMarkedArea(std::string_view text);
 
 /// How near the corners of an area lie to a point that has corners in all four quadrants around it; nothing
 /// when the point lies outside. The smaller, the better the area fits.
-std::optional<std::int64_t> markedAreaScore(std::span<const MapPoint> area, QPoint scaledPoint,
+std::optional<std::int64_t> markedAreaScore(std::span<const MapPoint> area, MapPoint scaledPoint,
                                             std::int32_t ZoomPercent);
 
 /// A score that no area may reach to be taken as the one under the pointer.

@@ -1,6 +1,6 @@
-#include "ui/floor/paint/MarkedArea.h"
+#include "model/floor/MarkedArea.h"
 
-#include "ui/floor/geometry/FloorGeometry.h"
+#include "model/floor/Scale.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -45,14 +45,14 @@ std::vector<MapPoint> parseMarkedArea(std::string_view text) {
     return points;
 }
 
-std::optional<std::int64_t> markedAreaScore(std::span<const MapPoint> area, QPoint scaledPoint,
+std::optional<std::int64_t> markedAreaScore(std::span<const MapPoint> area, MapPoint scaledPoint,
                                             std::int32_t ZoomPercent) {
     unsigned quadrants = 0;
     std::int64_t score = 0;
     for (const MapPoint& corner : area) {
-        const QPoint at = toScaled(corner, ZoomPercent);
-        const std::int64_t dx = std::int64_t{scaledPoint.x()} - at.x();
-        const std::int64_t dy = std::int64_t{scaledPoint.y()} - at.y();
+        const MapPoint at = scaled(corner, ZoomPercent);
+        const std::int64_t dx = std::int64_t{scaledPoint.x} - at.x;
+        const std::int64_t dy = std::int64_t{scaledPoint.y} - at.y;
         quadrants |= 1U << ((dx < 0 ? 1U : 0U) + (dy < 0 ? 2U : 0U));
         score += std::abs(dx);
     }
