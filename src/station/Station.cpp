@@ -29,6 +29,7 @@ CStation::CStation(StationServices services)
       link_(document_, services_.files, services_.log),
       watch_(link_, document_, services_.files, services_.clock, services_.timers, services_.log, *this),
       door_(document_, *this),
+      liveMove_(document_, watch_, door_),
       export_(document_, link_, services_.settings, services_.log, services_.makeExportFiles),
       reminders_(document_, services_.timers, [this] { reminderTick(); }),
       features_({document_, services_.timers, services_.log, services_.clock},
@@ -97,6 +98,8 @@ void CStation::begin() {
     discovered_ = 0;
     reminders_.reset();
     door_.history().clear();
+    liveMove_.forget();
+    display_.FloorMapHidden = false;
     export_.takeDatafile();
     watch_.begin();
     redraw();
@@ -152,6 +155,17 @@ void CStation::setLiveStatSettings(const LiveStatSettings& settings) {
 
 SaveReport CStation::edit(const EditRequest& request, const std::function<void(CMirovaneDoc&)>& change) {
     return door_.edit(request, change);
+}
+
+void CStation::bringToFront(const CHardware& device) {
+    std::size_t end = document_.size();
+    while (end > 0 && !document_.at(end - 1).isDevice())
+        --end;
+    const auto place = document_.indexOfDevice(device.RecID);
+    if (end == 0 || !place || &document_.at(*place) != &device || *place == end - 1)
+        return;
+    if (!liveStat().holdsDevice(document_.at(end - 1).RecID))
+        document_.exchange(*place, end - 1);
 }
 
 void CStation::waitForLiveStat() {

@@ -14,6 +14,7 @@
 #include "station/DatafileWatch.h"
 #include "station/Features.h"
 #include "station/ListExport.h"
+#include "station/LiveMove.h"
 #include "station/Reminders.h"
 #include "station/StationObserver.h"
 
@@ -128,6 +129,13 @@ public:
     /// The one way in which a user changes the document; see CEditDoor.
     SaveReport edit(const EditRequest& request, const std::function<void(CMirovaneDoc&)>& change);
 
+    /// Devices that follow the pointer.
+    CLiveMove& liveMove() { return liveMove_; }
+
+    /// To the end of the list, where nothing is drawn over it. Stays where it is while the device at the end
+    /// is being checked: Live Stat goes through the list. Saved with the next save.
+    void bringToFront(const CHardware& device);
+
     /// The user's latest edits.
     const CEditHistory& history() const { return door_.history(); }
 
@@ -227,6 +235,7 @@ private:
     CDatafileLink link_;
     CDatafileWatch watch_;
     CEditDoor door_;
+    CLiveMove liveMove_;
     CListExport export_;
     CReminders reminders_;
     CFeatures features_;
