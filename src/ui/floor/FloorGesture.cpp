@@ -20,9 +20,14 @@ bool CFloorGesture::buttonDown() const {
     return !std::holds_alternative<Idle>(state_) && !std::holds_alternative<Marking>(state_);
 }
 
+/// The labels of selected devices would cover where a device is about to go.
+bool CFloorGesture::labelsHidden() const {
+    return buttonDown() && !std::holds_alternative<GivenUp>(state_);
+}
+
 GestureState CFloorGesture::shown() const {
     const auto* marking = std::get_if<Marking>(&state_);
-    return {!buttonDown(), marking ? marking->MarkingMarker : 0, LastPoint_, box_};
+    return {!labelsHidden(), marking ? marking->MarkingMarker : 0, LastPoint_, box_};
 }
 
 // ---- press
@@ -71,7 +76,7 @@ FloorIntents CFloorGesture::removeBox() {
 // ---- move
 
 FloorIntents CFloorGesture::move(const FloorPointer& pointer) {
-    const QPoint before = std::exchange(LastPoint_, pointer.at);
+    LastPoint_ = pointer.at;
     if (std::holds_alternative<Marking>(state_))
         return {FloorIntent::Repaint()};
     leavePressing(pointer);
@@ -79,11 +84,22 @@ FloorIntents CFloorGesture::move(const FloorPointer& pointer) {
         box_ = MapBox{boxing->BoxStart, mapPoint(pointer.at, pointer.ZoomPercent)};
         return {FloorIntent::Repaint()};
     }
-    auto* dragging = std::get_if<Dragging>(&state_);
-    if (!dragging || pointer.Busy)
+    if (auto* dragging = std::get_if<Dragging>(&state_))
+        return drag(*dragging, pointer);
+    return {};
+}
+
+/// Distances are whole map pixels. What is cut off of one stays for the next, or devices would fall behind a
+/// slow pointer on a floor that is zoomed in.
+FloorIntents CFloorGesture::drag(Dragging& dragging, const FloorPointer& pointer) {
+    if (pointer.Busy) {
+        dragging.from = pointer.at;
         return {};
-    const bool first = !std::exchange(dragging->moved, true);
-    return {FloorIntent::MoveSelection{mapPoint(pointer.at - before, pointer.ZoomPercent), first}};
+    }
+    const MapPoint by = mapPoint(pointer.at - dragging.from, pointer.ZoomPercent);
+    dragging.from += toScaled(by, pointer.ZoomPercent);
+    const bool first = !std::exchange(dragging.moved, true);
+    return {FloorIntent::MoveSelection{by, first, pointer.free}};
 }
 
 /// The first movement decides what the press was the beginning of.
@@ -94,7 +110,7 @@ void CFloorGesture::leavePressing(const FloorPointer& pointer) {
     if (pressing->startsBox)
         state_ = Boxing{mapPoint(pressing->ClickPoint, pointer.ZoomPercent)};
     else
-        state_ = Dragging();
+        state_ = Dragging{pressing->ClickPoint};
 }
 
 // ---- release
@@ -121,6 +137,18 @@ FloorIntents CFloorGesture::releaseUnmoved(const Pressing& pressing, const Floor
     FloorIntents intents = removeBox();
     if (pointer.ctrl && pressing.CtrlClickOnSelected && !pointer.hits.empty())
         intents.push_back(FloorIntent::Deselect{pointer.hits.front()});
+    return intents;
+}
+
+FloorIntents CFloorGesture::giveUp() {
+    if (std::holds_alternative<Marking>(state_))
+        return {};
+    FloorIntents intents = removeBox();
+    if (!buttonDown())
+        return intents;
+    const State ended = std::exchange(state_, GivenUp());
+    if (std::holds_alternative<Dragging>(ended))
+        intents.push_back(FloorIntent::GiveUpMove());
     return intents;
 }
 

@@ -19,6 +19,7 @@ struct FloorPointer {
     std::int32_t ZoomPercent = 100;
     bool ctrl = false;
     bool Busy = false; ///< the records must be left alone just now
+    bool free = false; ///< what is dragged shall not snap to its neighbours
 
     /// The visible devices under the pointer, topmost first. Looked at for a press and a release only.
     std::vector<const CHardware*> hits;
@@ -40,13 +41,16 @@ struct Deselect {
 struct BringToFront {
     const CHardware* device;
 };
-/// `first`: the drag begins, so that now is the moment to keep what the devices were before.
+/// `first`: the drag begins. `free`: without snapping.
 struct MoveSelection {
     MapPoint by;
     bool first;
+    bool free;
 };
 /// The devices that were moved are to be saved.
 struct FinishMove {};
+/// They go back to where they were.
+struct GiveUpMove {};
 /// `StartNewArea`: the point replaces the area that the marker has.
 struct AddMarkerPoint {
     std::int32_t MarkingMarker;
@@ -62,7 +66,8 @@ struct Repaint {};
 using AnyFloorIntent =
     std::variant<FloorIntent::SelectOnly, FloorIntent::AddToSelection, FloorIntent::Deselect,
                  FloorIntent::BringToFront, FloorIntent::MoveSelection, FloorIntent::FinishMove,
-                 FloorIntent::AddMarkerPoint, FloorIntent::ForgetSelectedMarker, FloorIntent::Repaint>;
+                 FloorIntent::GiveUpMove, FloorIntent::AddMarkerPoint, FloorIntent::ForgetSelectedMarker,
+                 FloorIntent::Repaint>;
 
 /// In the order in which they are to be carried out.
 using FloorIntents = std::vector<AnyFloorIntent>;
@@ -78,6 +83,10 @@ public:
     FloorIntents move(const FloorPointer& pointer);
     FloorIntents release(const FloorPointer& pointer);
 
+    /// The user thinks better of it: the drag or the box under way ends as if it had not begun, and what is
+    /// left of the button's press means nothing. With the button up a box that was left goes.
+    FloorIntents giveUp();
+
     /// From now on each click adds a point to the area of this Location Marker.
     void startMarking(std::int32_t recID, bool StartNewArea);
 
@@ -90,9 +99,11 @@ public:
     /// Another datafile: no box and no marker of the one before.
     void reset();
 
-    /// On the floor, for anything but marking. The labels of selected devices are hidden meanwhile, so that
-    /// they do not cover where a device is about to go.
+    /// On the floor, for anything but marking.
     bool buttonDown() const;
+
+    /// The selected devices follow the pointer.
+    bool dragging() const { return std::holds_alternative<Dragging>(state_); }
 
     /// What of it shows on the floor.
     GestureState shown() const;
@@ -109,11 +120,15 @@ private:
 
     /// The pointer moves with the button down, and the selected devices with it.
     struct Dragging {
+        QPoint from; ///< up to here the devices have followed
         bool moved = false;
     };
     struct Boxing {
         MapPoint BoxStart;
     };
+
+    /// The button is still down after giveUp().
+    struct GivenUp {};
 
     /// Stays from click to click until endMarking().
     struct Marking {
@@ -121,11 +136,13 @@ private:
         bool StartNewArea = false;
     };
 
-    using State = std::variant<Idle, Pressing, Dragging, Boxing, Marking>;
+    using State = std::variant<Idle, Pressing, Dragging, Boxing, GivenUp, Marking>;
 
     FloorIntents pressWithCtrl(const FloorPointer& pointer);
     FloorIntents pressAlone(const FloorPointer& pointer);
+    static FloorIntents drag(Dragging& dragging, const FloorPointer& pointer);
     FloorIntents releaseUnmoved(const Pressing& pressing, const FloorPointer& pointer);
+    bool labelsHidden() const;
     void leavePressing(const FloorPointer& pointer);
     FloorIntents removeBox();
 

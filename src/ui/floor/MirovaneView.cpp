@@ -3,10 +3,9 @@
 #include "model/records/Text.h"
 #include "ui/floor/geometry/FontBands.h"
 
-#include <QMouseEvent>
+#include <QKeyEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QPointer>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -20,13 +19,6 @@ namespace {
 constexpr std::chrono::milliseconds prepareSliceTime{4};
 
 constexpr int lineStep = 20;
-
-template <typename... Handlers>
-struct Overloaded : Handlers... {
-    using Handlers::operator()...;
-};
-template <typename... Handlers>
-Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 void setUp(QAbstractScrollArea& view) {
     view.setObjectName(QStringLiteral("floorView"));
@@ -71,7 +63,7 @@ CMirovaneView::CMirovaneView(CStation& station, CMessageLog& log, QWidget* paren
       station_(station),
       log_(log),
       drawing_(station.document(), station.datafile(), display()),
-      hover_(station.selection(), drawing_.index(), drawing_.icons().sizes(), display(), state_.view),
+      input_(*this, station),
       rings_(station.liveStat()) {
     setUp(*this);
     state_.view.zoom = floorZoom(display());
@@ -118,7 +110,7 @@ void CMirovaneView::deviceTracked(std::int32_t recID) {
 // ---- what the document tells; the drawing follows the rest
 
 void CMirovaneView::recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
-    gesture_.renumber(oldRecID, newRecID);
+    input_.gesture().renumber(oldRecID, newRecID);
     if (state_.SelectedMarker == oldRecID)
         state_.SelectedMarker = newRecID;
 }
@@ -131,7 +123,7 @@ void CMirovaneView::documentReplaced() {
     const QString datafile = QString::fromStdString(displayText(station_.datafile().path()));
     if (datafile != datafile_ || datafile.isEmpty()) {
         state_.SelectedMarker = 0;
-        gesture_.reset();
+        input_.gesture().reset();
         horizontalScrollBar()->setValue(0);
         verticalScrollBar()->setValue(0);
     }
@@ -174,7 +166,7 @@ QRect CMirovaneView::redraw() {
     state_.view.origin = scaledPoint({0, 0});
     state_.view.client = viewport()->size();
     state_.view.ratio = devicePixelRatioF();
-    state_.gesture = gesture_.shown();
+    state_.gesture = input_.gesture().shown();
     state_.liveStatHolds = rings_.holds();
     return drawing_.draw(state_);
 }
@@ -187,10 +179,18 @@ void CMirovaneView::paintEvent(QPaintEvent* event) {
     blit(painter, drawing_.image(), event->region(), devicePixelRatioF());
     if (drawing_.empty())
         paintHint(painter, *this);
+    paintLines(painter);
     if (!redrawn.isEmpty() && !event->rect().contains(redrawn & viewport()->rect()))
         viewport()->update(redrawn);
     if (!idle_.isActive())
         idle_.start(0);
+}
+
+/// Over the picture, so that a drag does not draw the floor again for them.
+void CMirovaneView::paintLines(QPainter& painter) const {
+    painter.setPen(QPen(QColor(230, 0, 120), 1, Qt::DashLine));
+    for (const AlignmentLine& line : input_.hand().lines())
+        painter.drawLine(state_.view.toFrame(line.from), state_.view.toFrame(line.to));
 }
 
 bool CMirovaneView::settled() const {
@@ -231,7 +231,7 @@ void CMirovaneView::showDevice(const CHardware& device) {
         horizontalScrollBar()->setValue(wanted->x());
         verticalScrollBar()->setValue(wanted->y());
     }
-    hover_.showOnly(&device);
+    input_.showLabels(device);
 }
 
 void CMirovaneView::resizeEvent(QResizeEvent* event) {
@@ -239,10 +239,8 @@ void CMirovaneView::resizeEvent(QResizeEvent* event) {
     scheduleFlush();
 }
 
-/// Another device may come to lie under a pointer that rests.
 void CMirovaneView::scrollContentsBy(int, int) {
-    if (pointer_)
-        hover(*pointer_, false);
+    input_.floorScrolled();
     viewport()->update();
 }
 
@@ -273,127 +271,21 @@ void CMirovaneView::keyPressEvent(QKeyEvent* event) {
         QAbstractScrollArea::keyPressEvent(event);
 }
 
-// ---- the pointer
+// ---- what the input and the commands ask for
 
-FloorPointer CMirovaneView::pointerAt(const QMouseEvent& event) const {
-    FloorPointer pointer;
-    pointer.at = scaledPoint(event.position().toPoint());
-    pointer.ZoomPercent = state_.view.zoom.ZoomPercent;
-    pointer.ctrl = event.modifiers().testFlag(Qt::ControlModifier);
-    pointer.Busy = station_.busy();
-    if (event.type() != QEvent::MouseMove)
-        pointer.hits = hover_.hitsAt(pointer.at);
-    return pointer;
-}
-
-void CMirovaneView::hover(QPoint windowPoint, bool synthetic) {
-    const Hover found = hover_.at(scaledPoint(windowPoint), synthetic);
-    hover_.showOnly(found.shown);
-    if (!found.selectedSeen)
-        setSelectedMarker(found.SelectedMarker);
-}
-
-void CMirovaneView::mouseMoveEvent(QMouseEvent* event) {
-    pointer_.reset();
-    if (event->buttons() != Qt::NoButton) {
-        drag(*event);
-        return;
-    }
-    if (gesture_.buttonDown()) { // it went up where this window was not told
-        carryOut(gesture_.release(pointerAt(*event)));
-        redrawSelected();
-    }
-    carryOut(gesture_.move(pointerAt(*event)));
-    pointer_ = event->position().toPoint();
-    if (gesture_.shown().MarkingMarker == 0)
-        hover(*pointer_, false);
-}
-
-/// A box that is drawn beyond the window takes the floor along.
-void CMirovaneView::drag(const QMouseEvent& event) {
-    if (!gesture_.buttonDown())
-        return;
-    const FloorIntents intents = gesture_.move(pointerAt(event));
-    carryOut(intents);
-    if (!gesture_.shown().box)
-        return;
-    const QPoint step = autoScroll(event.position().toPoint(), viewport()->size());
-    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + step.x());
-    verticalScrollBar()->setValue(verticalScrollBar()->value() + step.y());
-}
-
-/// The pointer has left: nothing is under it any more.
-bool CMirovaneView::viewportEvent(QEvent* event) {
-    if (event->type() == QEvent::Leave) {
-        pointer_.reset();
-        hover_.showOnly(nullptr);
-    }
-    return QAbstractScrollArea::viewportEvent(event);
-}
-
-/// Also the first half of a double-click. A user who clicks wants the floor to stay where it is, so tracking
-/// ends.
-void CMirovaneView::mousePressEvent(QMouseEvent* event) {
-    station_.endTracking();
-    if (event->button() != Qt::LeftButton) {
-        QAbstractScrollArea::mousePressEvent(event);
-        return;
-    }
+void CMirovaneView::endFind() {
     if (state_.find.clicked())
         drawing_.invalidateAll();
-    const FloorPointer pointer = pointerAt(*event);
-    carryOut(gesture_.press(pointer));
-    redrawSelected();
-    if (pointer.Busy || !gesture_.buttonDown())
-        return;
-    hover_.showOnly(nullptr);
-    if (pointer.hits.empty())
-        return;
-    hover(event->position().toPoint(), true);
-    const CHardware& topmost = *pointer.hits.front();
-    if (!pointer.ctrl && topmost.Type == DeviceType::LocationMarker)
-        setSelectedMarker(topmost.RecID);
-    if (station_.liveStatSettings().LSAutoPerform)
-        station_.liveStatNow();
 }
 
-void CMirovaneView::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) {
-        QAbstractScrollArea::mouseReleaseEvent(event);
-        return;
-    }
-    carryOut(gesture_.release(pointerAt(*event)));
-    redrawSelected();
-}
-
-/// Their labels come and go with the button.
-void CMirovaneView::redrawSelected() {
-    for (const CHardware* device : station_.selection().members(CSelection::Scope::Floor))
-        drawing_.invalidate(*device);
-}
-
-void CMirovaneView::carryOut(const FloorIntents& intents) {
-    CSelection& selection = station_.selection();
-    const auto carryOutOne = Overloaded{
-        [&selection](const FloorIntent::SelectOnly& intent) {
-            if (intent.device)
-                selection.only(*intent.device);
-            else
-                selection.none(CSelection::Scope::Floor);
-        },
-        [&selection](const FloorIntent::AddToSelection& intent) {
-            for (const CHardware* device : intent.devices)
-                selection.add(*device);
-        },
-        [&selection](const FloorIntent::Deselect& intent) { selection.remove(*intent.device); },
-        [this](const FloorIntent::ForgetSelectedMarker&) { setSelectedMarker(0); },
-        [this](const FloorIntent::Repaint&) { drawing_.invalidateAll(); },
-        [](const auto&) {
-            // The mouse does not edit devices yet: neither their place, nor their order, nor an area.
-        },
-    };
-    for (const AnyFloorIntent& intent : intents)
-        std::visit(carryOutOne, intent);
+FloorWindow CMirovaneView::window() const {
+    const QPoint scroll = scaledPoint({0, 0});
+    const QSize client = viewport()->size();
+    const QSize map = drawing_.mapSize();
+    return {{scroll.x(), scroll.y()},
+            {client.width(), client.height()},
+            {map.width(), map.height()},
+            state_.view.zoom.ZoomPercent};
 }
 
 } // namespace mirovane

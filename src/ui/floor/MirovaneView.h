@@ -2,20 +2,18 @@
 
 #include "station/Station.h"
 #include "ui/floor/FloorDrawing.h"
-#include "ui/floor/FloorGesture.h"
-#include "ui/floor/FloorHover.h"
+#include "ui/floor/FloorInput.h"
 #include "ui/floor/LiveStatRings.h"
 
 #include <QAbstractScrollArea>
 #include <QTimer>
 
 #include <cstdint>
-#include <optional>
 
 namespace mirovane {
 
-/// The floor: map and devices in a scrolling view. Turns events into gestures and hover, carries out what
-/// they ask for, and shows the drawing. It repaints by itself whatever a change touches, once per turn of the
+/// The floor: map and devices in a scrolling view. Shows the drawing; what mouse and keys do on it is the
+/// input's business. It repaints by itself whatever a change touches, once per turn of the
 /// event loop. A toggle of the display settings is noticed at the next repaint, so `viewport()->update()` is
 /// all that a command owes after it changed one. The station outlives the view. Main thread.
 class CMirovaneView : public QAbstractScrollArea, private DocumentObserver, private StationObserver {
@@ -28,9 +26,16 @@ public:
 
     CFloorDrawing& drawing() { return drawing_; }
     const FloorViewState& state() const { return state_; }
+    CFloorInput& input() { return input_; }
 
     std::int32_t SelectedMarker() const { return state_.SelectedMarker; }
     void setSelectedMarker(std::int32_t recID);
+
+    /// What a new device is placed by.
+    FloorWindow window() const;
+
+    /// A click takes the marks of the last search off the floor.
+    void endFind();
 
     /// Scaled coordinates of a point of the viewport.
     QPoint scaledPoint(QPoint windowPoint) const;
@@ -65,12 +70,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    bool viewportEvent(QEvent* event) override;
 
 private:
     // DocumentObserver
@@ -88,21 +89,15 @@ private:
     void flush();
     QRect redraw();
     void UpdateScrollExtent();
-    FloorPointer pointerAt(const QMouseEvent& event) const;
-    void hover(QPoint windowPoint, bool synthetic);
-    void drag(const QMouseEvent& event);
-    void carryOut(const FloorIntents& intents);
-    void redrawSelected();
+    void paintLines(QPainter& painter) const;
 
     CStation& station_;
     CMessageLog& log_;
     FloorViewState state_; ///< of the frame that was drawn last
     CFloorDrawing drawing_;
-    CFloorHover hover_;
-    CFloorGesture gesture_;
+    CFloorInput input_;
     CLiveStatRings rings_;
     QString datafile_;
-    std::optional<QPoint> pointer_; ///< where it rests over the floor, in window coordinates
     bool flushPending_ = false;
     QTimer idle_;
 };

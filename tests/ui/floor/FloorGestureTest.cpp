@@ -34,6 +34,7 @@ struct Words {
         return (i.first ? "first move " : "move ") + point(i.by);
     }
     std::string operator()(const FloorIntent::FinishMove&) const { return "finish"; }
+    std::string operator()(const FloorIntent::GiveUpMove&) const { return "give up"; }
     std::string operator()(const FloorIntent::AddMarkerPoint& i) const {
         return (i.StartNewArea ? "new area " : "area ") + std::to_string(i.MarkingMarker) + ": " +
                point(i.at);
@@ -42,7 +43,8 @@ struct Words {
     std::string operator()(const FloorIntent::Repaint&) const { return "repaint"; }
 };
 
-/// A letter for each event: (p)ress, (m)ove, (r)elease; capitals with Ctrl; "!" before it: while busy.
+/// A letter for each event: (p)ress, (m)ove, (r)elease, (e)scape; capitals with Ctrl; "!" before it: while
+/// busy.
 struct Event {
     std::string what;
     QPoint at;
@@ -69,6 +71,7 @@ protected:
         const char lower = static_cast<char>(std::tolower(letter));
         const FloorIntents intents = lower == 'p'   ? gesture.press(pointer)
                                      : lower == 'm' ? gesture.move(pointer)
+                                     : lower == 'e' ? gesture.giveUp()
                                                     : gesture.release(pointer);
         std::vector<std::string> words;
         for (const AnyFloorIntent& intent : intents)
@@ -130,6 +133,15 @@ TEST_F(FloorGestureTest, EventsAskForWhatTheyMean) {
         {"but goes on afterwards from where it is",
          {{"p", {5, 5}, {1}}, {"!m", {8, 5}}, {"m", {9, 5}}},
          "only 1, front 1 |  | first move 1,0"},
+        {"a drag can be given up",
+         {{"p", {5, 5}, {1}}, {"m", {8, 5}}, {"e", {}}, {"m", {20, 5}}, {"r", {20, 5}}, {"e", {}}},
+         "only 1, front 1 | first move 3,0 | give up |  |  | "},
+        {"so can a box",
+         {{"p", {5, 5}}, {"m", {8, 9}}, {"e", {}}, {"m", {20, 5}}, {"r", {20, 5}}},
+         "only nothing | repaint | repaint |  | "},
+        {"and a box that was left",
+         {{"p", {5, 5}}, {"m", {8, 9}}, {"r", {8, 9}}, {"e", {}}, {"e", {}}},
+         "only nothing | repaint | repaint | repaint | "},
         {"a move without the button means nothing",
          {{"m", {5, 5}}, {"r", {5, 5}, {2}}, {"R", {5, 5}, {2}}},
          " |  | "},
@@ -143,6 +155,11 @@ TEST_F(FloorGestureTest, EventsAskForWhatTheyMean) {
 TEST_F(FloorGestureTest, DistancesAndBoxesAreInMapCoordinates) {
     ZoomPercent = 50;
     EXPECT_EQ(playAll({{"p", {10, 10}, {1}}, {"m", {13, 5}}}), "only 1, front 1 | first move 6,-10");
+    gesture.reset();
+    ZoomPercent = 300;
+    EXPECT_EQ(playAll({{"p", {10, 10}, {1}}, {"m", {12, 9}}, {"m", {14, 8}}, {"m", {16, 7}}}),
+              "only 1, front 1 | first move 0,0 | move 1,0 | move 1,-1")
+        << "a slow pointer takes the device along";
     gesture.reset();
     ZoomPercent = 200;
     playAll({{"p", {41, 20}}, {"m", {7, 99}}});
