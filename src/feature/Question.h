@@ -14,6 +14,8 @@ struct Question {
         StartManyPrograms,    ///< one for each of many selected devices
         LongSweep,            ///< the ranges hold so many addresses that it takes many minutes
         ForgetFoundHosts,     ///< a sweep is cancelled
+        DeleteDevices,        ///< the selected ones
+        MoveDevices,          ///< the selected ones, to the Discovered/Misc window
         ResetCriteria,        ///< all rules go back to the defaults
     };
 

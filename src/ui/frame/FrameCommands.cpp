@@ -17,8 +17,8 @@ CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts
                  parts_.floor.viewport()->update();
              }}),
       zoom_(*new CFloorZooming(parts.floor, services.station.display(), services.settings), services.dialogs),
-      tools_(services.station, services.dialogs,
-             {[this] { parts_.floor.reloadFloorMap(); }, &parts.frame, services.settings, services.clock}),
+      tools_(services.station, services.dialogs, {&parts.frame, services.settings, services.clock}),
+      editing_({services.station, parts.floor, services.dialogs, services.settings, services.log}),
       applications_({services.station, services.dialogs, services.settings, services.log, services.launcher,
                      parts.frame}) {}
 
@@ -28,6 +28,7 @@ void CFrameCommands::connectTo(CCommandActions& actions) {
     view_.connectTo(actions);
     zoom_.connectTo(actions);
     tools_.connectTo(actions);
+    editing_.connectTo(actions);
     applications_.connectTo(actions);
     const auto on = [&actions](CommandId id, std::function<void()> run) {
         actions.setHandler(id, {[run = std::move(run)](const CommandDefinition&, bool) { run(); }, {}});
@@ -38,6 +39,10 @@ void CFrameCommands::connectTo(CCommandActions& actions) {
     on(
         CommandId::FileExit, [this] { parts_.frame.close(); });
     on(CommandId::HelpAbout, [this] { services_.dialogs.about(); });
+}
+
+std::string CFrameCommands::targets() const {
+    return targetsText(services_.station.selection().members(CSelection::Scope::Floor));
 }
 
 void CFrameCommands::storeTyping() {

@@ -7,6 +7,7 @@
 #include "ui/frame/commands/ToolsCommands.h"
 #include "ui/frame/commands/ViewCommands.h"
 #include "ui/frame/commands/ZoomCommands.h"
+#include "ui/frame/editing/EditingCommands.h"
 
 #include <QWidget>
 
@@ -37,7 +38,11 @@ public:
     CFileCommands& files() { return files_; }
     const CFileCommands& files() const { return files_; }
     CToolsCommands& tools() { return tools_; }
+    CEditingCommands& editing() { return editing_; }
     CApplicationCommands& applications() { return applications_; }
+
+    /// In words: the devices that commands and applications work on.
+    std::string targets() const;
 
     /// The session ends or the datafile is saved: what is being typed counts.
     void storeTyping();
@@ -50,6 +55,7 @@ private:
     CViewCommands view_;
     CZoomCommands zoom_;
     CToolsCommands tools_;
+    CEditingCommands editing_;
     CApplicationCommands applications_;
 };
 

@@ -118,6 +118,7 @@ void CMainFrame::makeMenus() {
                                                            [this](const ApplicationValues& application) {
                                                                commands_.applications().run(application);
                                                            },
+                                                           [this] { return commands_.targets(); },
                                                            [this] {
                                                                menuOpens();
                                                            }});
@@ -136,8 +137,18 @@ void CMainFrame::connectStation() {
     services_.station.addObserver(*this);
     connect(floor_, &CMirovaneView::floorMapFailed, this, [this](const QString& sentence, bool missing) {
         if (missing)
-            services_.dialogs.fail(sentence.toStdString());
+            commands_.editing().floorMap().offerAnother(sentence.toStdString());
     });
+    // Queued: the dialog's event loop must not begin within the double-click.
+    connect(
+        &floor_->input(), &CFloorInput::propertiesWanted, this,
+        [this] {
+            if (QAction* properties = actions_->action("editProperties"))
+                properties->trigger();
+        },
+        Qt::QueuedConnection);
+    connect(&floor_->input(), &CFloorInput::pointerMoved, this,
+            [this](std::optional<MapPoint> at) { panes_.showPointer(at); });
     if (CKeyboardLights::displayIsLocal(qEnvironmentVariable("DISPLAY")))
         keyboard_.emplace();
     connect(new CIdleNotifier(this), &CIdleNotifier::idle, this, &CMainFrame::refresh);

@@ -8,6 +8,7 @@ CommandState commandState(const CStation& station) {
     CommandState state;
     state.hasDevices = document.deviceCount() > 0;
     state.hasSelection = !station.selection().empty();
+    state.hasFloorSelection = !station.selection().empty(CSelection::Scope::Floor);
     state.hasAddressRanges = hasRanges || station.liveDiscover().enabled(); // it can be switched off
     return state;
 }
@@ -19,6 +20,7 @@ IndicatorState indicatorState(const CStation& station) {
     state.discovered = station.discovered();
     state.liveStatText = QString::fromStdString(station.liveStat().statusText());
     state.anyTypeHidden = station.display().VisibleTypes != -1;
+    state.floorMapHidden = station.display().FloorMapHidden;
     return state;
 }
 

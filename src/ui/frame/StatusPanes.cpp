@@ -99,13 +99,24 @@ void CMessagePane::elide() {
     setToolTip(shown == message_ ? QString() : Qt::convertFromPlainText(message_.left(longestToolTip)));
 }
 
-CStatusPanes::CStatusPanes(QStatusBar& bar) : message_(new CMessagePane) {
+CStatusPanes::CStatusPanes(QStatusBar& bar) : message_(new CMessagePane), pointer_(new QLabel) {
     bar.addWidget(message_, 1);
+    pointer_->setObjectName(QStringLiteral("panePointer"));
+    pointer_->setToolTip(QObject::tr("Where the pointer is on the floor map"));
+    pointer_->setAccessibleName(pointer_->toolTip());
+    pointer_->setAlignment(Qt::AlignCenter);
+    pointer_->setMinimumWidth(pointer_->fontMetrics().horizontalAdvance(QStringLiteral("99999, 99999")) +
+                              2 * padding);
+    bar.addPermanentWidget(pointer_);
     for (const PaneDefinition& definition : panes) {
         QLabel* pane = makePane(definition);
         bar.addPermanentWidget(pane);
         indicators_[static_cast<std::size_t>(definition.indicator)] = pane;
     }
+}
+
+void CStatusPanes::showPointer(std::optional<MapPoint> at) {
+    pointer_->setText(at ? QStringLiteral("%1, %2").arg(at->x).arg(at->y) : QString());
 }
 
 void CStatusPanes::refresh(const IndicatorState& state) {

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "model/records/Hardware.h"
+
 #include <QLabel>
 #include <QString>
 
 #include <array>
+#include <optional>
 
 class QStatusBar;
 
@@ -55,8 +58,12 @@ public:
     void SetStatusText(const QString& text) { message_->setMessage(text); }
     void refresh(const IndicatorState& state);
 
+    /// Where the pointer is on the map; nothing while it is elsewhere.
+    void showPointer(std::optional<MapPoint> at);
+
 private:
     CMessagePane* message_;
+    QLabel* pointer_;
     std::array<QLabel*, indicatorCount> indicators_{};
 };
 

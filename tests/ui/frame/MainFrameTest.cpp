@@ -48,8 +48,8 @@ TEST_F(MainFrameTest, EveryCommandHasAHandlerAndStandsInItsMenu) {
     QStringList titles;
     for (const QAction* top : frame->menuBar()->actions())
         titles << top->text().remove(u'&');
-    EXPECT_EQ(titles, (QStringList{QStringLiteral("File"), QStringLiteral("View"), QStringLiteral("Tools"),
-                                   QStringLiteral("Help")}));
+    EXPECT_EQ(titles, (QStringList{QStringLiteral("File"), QStringLiteral("Edit"), QStringLiteral("View"),
+                                   QStringLiteral("Tools"), QStringLiteral("Help")}));
 }
 
 TEST_F(MainFrameTest, ListViewOpensByItsCommandLeadsToTheFloorAndClosesWithTheFrame) {
@@ -287,29 +287,6 @@ TEST_F(MainFrameTest, LiveStatNowIsOfferedWhileSomethingIsSelected) {
     EXPECT_TRUE(action("toolsLiveStatNow")->isEnabled());
     action("toolsLiveStatNow")->trigger();
     EXPECT_TRUE(logged("Processing Live Stat Now on 1 selected object(s)..."));
-}
-
-TEST_F(MainFrameTest, TheFloorMapCommandStoresThePathAndSaves) {
-    dialogs.files = {inFolder("plan.mv"), inFolder("map.bmp")};
-    ASSERT_TRUE(frame->files().saveAs());
-    QImage(20, 10, QImage::Format_RGB32).save(QString::fromStdString(inFolder("map.bmp")));
-    action("toolsFloorMap")->trigger();
-    EXPECT_EQ(floorMapOf(document()).mapPath, inFolder("map.bmp"));
-    EXPECT_EQ(dialogs.choices.back().filters.front(), "Bitmap Files (*.bmp)");
-    ASSERT_TRUE(frame->files().openPath(inFolder("plan.mv")));
-    EXPECT_EQ(floorMapOf(document()).mapPath, inFolder("map.bmp"));
-    EXPECT_TRUE(dialogs.failures.empty());
-}
-
-TEST_F(MainFrameTest, AFloorMapThatIsNotThereIsNamed) {
-    setFloorMap(document(), {"/nowhere/map.bmp", {}});
-    dialogs.files = {inFolder("mapless.mv")};
-    ASSERT_TRUE(frame->files().saveAs());
-    ASSERT_TRUE(frame->files().newFile());
-    dialogs.failures.clear();
-    ASSERT_TRUE(frame->files().openPath(inFolder("mapless.mv")));
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !dialogs.failures.empty(); }));
-    EXPECT_EQ(dialogs.failures, std::vector<std::string>{"Floor map file /nowhere/map.bmp does not exist!"});
 }
 
 TEST_F(MainFrameTest, TitleAndRecentFilesFollowTheDocument) {

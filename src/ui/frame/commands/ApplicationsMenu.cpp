@@ -3,6 +3,7 @@
 #include "ui/widgets/DialogText.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace mirovane {
 
@@ -34,6 +35,7 @@ CApplicationsMenu::CApplicationsMenu(QMenuBar& bar, Parts parts)
     for (QMenu* menu : {menu_, plain_})
         connect(menu, &QMenu::aboutToShow, this, [this] {
             parts_.aboutToShow();
+            showTargets();
             const QAction* command = parts_.actions.action(propertiesCommand);
             for (QAction* properties : properties_)
                 properties->setEnabled(command && command->isEnabled());
@@ -87,6 +89,7 @@ void CApplicationsMenu::rebuild() {
 }
 
 void CApplicationsMenu::fill() {
+    qDeleteAll(std::exchange(targets_, {}));
     properties_.clear();
     menu_->clear();
     plain_->clear();
@@ -111,6 +114,22 @@ void CApplicationsMenu::placeInBar() {
     const bool helpLast = !menus.isEmpty() && menus.size() <= placeInMenuBar;
     QAction* before = helpLast ? menus.last() : menus.value(placeInMenuBar);
     bar_.insertMenu(before, menu_);
+}
+
+/// The first line names the devices, so that nothing is run for others than those under the eye.
+void CApplicationsMenu::showTargets() {
+    qDeleteAll(std::exchange(targets_, {}));
+    const QString names = qText(parts_.targets()).simplified().replace(u'&', QStringLiteral("&&"));
+    if (names.isEmpty())
+        return;
+    for (QMenu* menu : {menu_, plain_}) {
+        auto* line = new QAction(names, menu);
+        line->setObjectName(QStringLiteral("applicationsTargets"));
+        line->setEnabled(false);
+        QAction* first = menu->actions().value(0);
+        menu->insertAction(first, line);
+        targets_ << line << menu->insertSeparator(first);
+    }
 }
 
 void CApplicationsMenu::addProperties(QMenu& menu) {

@@ -26,7 +26,8 @@ public:
         const CMirovaneDoc& document; ///< outlives the menu
         const CCommandActions& actions;
         std::function<void(const ApplicationValues& application)> run;
-        std::function<void()> aboutToShow; ///< enablement is brought up to date
+        std::function<std::string()> targets; ///< in words: the devices that an application is run for
+        std::function<void()> aboutToShow;    ///< enablement is brought up to date
     };
 
     CApplicationsMenu(QMenuBar& bar, Parts parts);
@@ -53,13 +54,15 @@ private:
     void rebuild();
     void fill();
     void placeInBar();
+    void showTargets();
     void addProperties(QMenu& menu);
 
     QMenuBar& bar_;
     Parts parts_;
     std::vector<ApplicationValues> shown_; ///< what the items stand for, in their order
     QMenu* menu_;
-    QMenu* plain_; ///< "P&roperties" alone
+    QMenu* plain_;            ///< "P&roperties" alone
+    QList<QAction*> targets_; ///< the first line of each menu and what parts it from the others
     QList<QAction*> properties_;
     QTimer rebuildSoon_;
 };

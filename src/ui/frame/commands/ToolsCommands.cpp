@@ -1,35 +1,14 @@
 #include "ui/frame/commands/ToolsCommands.h"
 
-#include "model/FloorMap.h"
-#include "model/records/Text.h"
-#include "ui/floor/map/FloorMap.h"
 #include "ui/livestat/CriteriaWindow.h"
 #include "ui/livestat/LiveStatOptionsWindow.h"
-#include "ui/widgets/SaveFailure.h"
-
-#include <QFile>
 
 namespace mirovane {
-
-namespace {
-
-std::string shownMapPath(const CStation& station) {
-    const std::string stored = floorMapOf(station.document()).mapPath;
-    if (stored.empty())
-        return {};
-    const QString datafile = QFile::decodeName(station.datafile().path().c_str());
-    const QString named = QString::fromStdString(displayText(stored));
-    return QFile::encodeName(locateMap(named, datafile)).toStdString();
-}
-
-} // namespace
 
 CToolsCommands::CToolsCommands(CStation& station, FrameDialogs& dialogs, Parts parts)
     : station_(station), dialogs_(dialogs), parts_(std::move(parts)) {}
 
 void CToolsCommands::connectTo(CCommandActions& actions) {
-    actions.setHandler(CommandId::ToolsFloorMap,
-                       {[this](const CommandDefinition&, bool) { chooseFloorMap(); }, {}});
     actions.setHandler(CommandId::ToolsLiveStat,
                        {[this](const CommandDefinition&, bool) { station_.toggleLiveStat(); },
                         [this](const CommandDefinition&) {
@@ -63,24 +42,6 @@ void CToolsCommands::storeTyping() {
         return;
     for (CCriteriaWindow* criteria : options_->findChildren<CCriteriaWindow*>())
         criteria->storeTyping();
-}
-
-void CToolsCommands::chooseFloorMap() {
-    const auto path = dialogs_.chooseFileToOpen(
-        {"Floor Map",
-         shownMapPath(station_),
-         {"Bitmap Files (*.bmp)", "Pictures (*.bmp *.png *.jpg *.jpeg)", "All Files (*)"}});
-    if (!path)
-        return;
-    const SaveReport report = station_.edit({EditRequest::Kind::Settings, "Choose the floor map", {}},
-                                            [&path](CMirovaneDoc& document) {
-                                                FloorMapValues map = floorMapOf(document);
-                                                map.mapPath = *path;
-                                                setFloorMap(document, map);
-                                            });
-    parts_.onFloorMap();
-    if (report.failed())
-        dialogs_.fail(saveFailureText(*report.error));
 }
 
 } // namespace mirovane

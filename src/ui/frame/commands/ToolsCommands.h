@@ -12,12 +12,11 @@ namespace mirovane {
 
 class CLiveStatOptionsWindow;
 
-/// The Tools menu: the floor map's picture, Live Stat and Live Discover.
+/// The Tools menu: Live Stat and Live Discover.
 class CToolsCommands {
 public:
     struct Parts {
-        std::function<void()> onFloorMap; ///< another picture was chosen
-        QWidget* window;                  ///< in front of which windows open
+        QWidget* window; ///< in front of which windows open
         CSettings& settings;
         const Clock& clock;
     };
@@ -26,8 +25,6 @@ public:
     CToolsCommands(CStation& station, FrameDialogs& dialogs, Parts parts);
 
     void connectTo(CCommandActions& actions);
-
-    void chooseFloorMap();
 
     /// Shows the options window, which goes on by itself, in front of the window that asks for it: that one
     /// hands the keyboard to it and has it back afterwards.

@@ -15,6 +15,8 @@ constexpr std::array needs = {
         QT_TRANSLATE_NOOP("Commands", "There are no devices yet: add one, or choose Tools, Discover Now...")},
     NeedDefinition{CommandNeeds::Selection, &CommandState::hasSelection,
                    QT_TRANSLATE_NOOP("Commands", "No device is selected: click one on the floor first")},
+    NeedDefinition{CommandNeeds::FloorSelection, &CommandState::hasFloorSelection,
+                   QT_TRANSLATE_NOOP("Commands", "No device of the floor is selected: click one first")},
     NeedDefinition{CommandNeeds::AddressRanges, &CommandState::hasAddressRanges,
                    QT_TRANSLATE_NOOP("Commands", "Live Discover needs an address range: Tools, Live "
                                                  "Stat/Discover Option...")},

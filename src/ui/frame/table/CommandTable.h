@@ -19,6 +19,19 @@ enum class CommandId {
     FileExport,
     FileRecent, ///< stands for the recently used datafiles, an entry each
     FileExit,
+    EditCut,
+    EditCopy,
+    EditPaste,
+    EditDelete,
+    EditDuplicate,
+    EditMoveTo,
+    EditArrange, ///< `value` is the Arrangement
+    EditSelectAll,
+    EditSelectBoxed,
+    EditSelectMarkedArea,
+    EditSelectType,     ///< `value` is the device type, also in the next two
+    EditSelectActive,   ///< found to be on
+    EditSelectInactive, ///< off, or not checked yet
     ViewToolbar,
     ViewStatusBar,
     ViewDisplayToggle, ///< every command that switches one display setting; `setting` says which
@@ -26,13 +39,19 @@ enum class CommandId {
     ViewZoomCustom,
     ViewMessageLogs,
     ViewListView,
+    ViewHideType, ///< `value` is the device type
+    ViewHideFloorMap,
+    ViewHideAll,
+    ViewHideNone,
     ToolsFloorMap,
     ToolsLiveStatOptions,
     ToolsLiveStat,
     ToolsLiveDiscover,
     ToolsLiveStatNow,
+    ToolsResetLiveStatus,
     ToolsTrackLiveStat,
     ToolsApplications,
+    ToolsAdd, ///< `value` is the device type
     ToolsDiscoverNow,
     HelpAbout,
 };

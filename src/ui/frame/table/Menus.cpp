@@ -13,6 +13,7 @@ namespace {
 constexpr auto menus = std::to_array<MenuDefinition>({
     {MenuId::File,       MenuId::None, "menuFile",       QT_TRANSLATE_NOOP("Commands", "&File")},
     {MenuId::Edit,       MenuId::None, "menuEdit",       QT_TRANSLATE_NOOP("Commands", "&Edit")},
+    {MenuId::Arrange,    MenuId::Edit, "menuArrange",    QT_TRANSLATE_NOOP("Commands", "Ali&gn and distribute")},
     {MenuId::Select,     MenuId::Edit, "menuSelect",     QT_TRANSLATE_NOOP("Commands", "&Select"), true},
     {MenuId::View,       MenuId::None, "menuView",       QT_TRANSLATE_NOOP("Commands", "&View")},
     {MenuId::Hide,       MenuId::View, "menuHide",       QT_TRANSLATE_NOOP("Commands", "&Hide"), true},

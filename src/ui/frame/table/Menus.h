@@ -5,7 +5,20 @@
 
 namespace mirovane {
 
-enum class MenuId { None, File, Edit, Select, View, Hide, Zoom, Properties, Tools, Help, RightClick };
+enum class MenuId {
+    None,
+    File,
+    Edit,
+    Arrange,
+    Select,
+    View,
+    Hide,
+    Zoom,
+    Properties,
+    Tools,
+    Help,
+    RightClick
+};
 
 /// A menu of the menu bar, or one inside another. A menu without commands is not shown.
 struct MenuDefinition {

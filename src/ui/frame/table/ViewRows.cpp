@@ -1,3 +1,4 @@
+#include "model/records/Hardware.h"
 #include "ui/floor/geometry/ZoomSteps.h"
 #include "ui/frame/table/CommandRows.h"
 
@@ -40,6 +41,16 @@ constexpr CommandDefinition zoom(ZoomCommand command, std::string_view name, std
             .groupStart = groupStart};
 }
 
+constexpr CommandDefinition hide(std::int32_t type, std::string_view name, std::string_view text) {
+    return {.id = CommandId::ViewHideType,
+            .name = name,
+            .menu = MenuId::Hide,
+            .text = text,
+            .help = QT_TRANSLATE_NOOP("Commands", "Hide or show the devices of this type"),
+            .value = type,
+            .checkable = true};
+}
+
 // Rows that are alike line up; the formatter would give each a shape of its own.
 // clang-format off
 constexpr auto rows = std::to_array<CommandDefinition>({
@@ -68,6 +79,30 @@ constexpr auto rows = std::to_array<CommandDefinition>({
     {.id = CommandId::ViewListView, .name = "viewListView", .menu = MenuId::View,
      .text = QT_TRANSLATE_NOOP("Commands", "&List View"), .keys = "Ctrl+L",
      .help = QT_TRANSLATE_NOOP("Commands", "Show the devices as a table")},
+
+    hide(DeviceType::LocationMarker, "viewHideLocationMarker", QT_TRANSLATE_NOOP("Commands", "Location Mar&ker")),
+    hide(DeviceType::Jack, "viewHideJack", QT_TRANSLATE_NOOP("Commands", "&Jacks")),
+    hide(DeviceType::Computer, "viewHideComputer", QT_TRANSLATE_NOOP("Commands", "&Computers")),
+    hide(DeviceType::Printer, "viewHidePrinter", QT_TRANSLATE_NOOP("Commands", "&Printers")),
+    hide(DeviceType::Laptop, "viewHideLaptop", QT_TRANSLATE_NOOP("Commands", "Lap&tops")),
+    hide(DeviceType::Router, "viewHideRouter", QT_TRANSLATE_NOOP("Commands", "&Routers")),
+    hide(DeviceType::Switch, "viewHideSwitch", QT_TRANSLATE_NOOP("Commands", "&Switches")),
+    hide(DeviceType::Phone, "viewHidePhone", QT_TRANSLATE_NOOP("Commands", "P&hones")),
+    hide(DeviceType::Camera, "viewHideCamera", QT_TRANSLATE_NOOP("Commands", "Ca&mera")),
+    hide(DeviceType::CardModule, "viewHideCardModule", QT_TRANSLATE_NOOP("Commands", "Car&d Module")),
+    hide(DeviceType::Ups, "viewHideUps", QT_TRANSLATE_NOOP("Commands", "&UPS")),
+    hide(DeviceType::Wireless, "viewHideWireless", QT_TRANSLATE_NOOP("Commands", "Wir&eless")),
+    hide(DeviceType::Unknown, "viewHideUnknown", QT_TRANSLATE_NOOP("Commands", "Unknown")),
+    {.id = CommandId::ViewHideFloorMap, .name = "viewHideFloorMap", .menu = MenuId::Hide,
+     .text = QT_TRANSLATE_NOOP("Commands", "&Floor Map"),
+     .help = QT_TRANSLATE_NOOP("Commands", "Hide or show the picture of the floor"), .checkable = true,
+     .groupStart = true},
+    {.id = CommandId::ViewHideAll, .name = "viewHideAll", .menu = MenuId::Hide,
+     .text = QT_TRANSLATE_NOOP("Commands", "&All"),
+     .help = QT_TRANSLATE_NOOP("Commands", "Hide the devices of every type"), .groupStart = true},
+    {.id = CommandId::ViewHideNone, .name = "viewHideNone", .menu = MenuId::Hide,
+     .text = QT_TRANSLATE_NOOP("Commands", "&None"),
+     .help = QT_TRANSLATE_NOOP("Commands", "Show every device, and the picture of the floor")},
 
     zoom(ZoomCommand::In, "viewZoomIn", QT_TRANSLATE_NOOP("Commands", "&In  5%"), "+",
          QT_TRANSLATE_NOOP("Commands", "Show the floor 5 % larger")),

@@ -103,47 +103,15 @@ const std::vector<AwaitedRow> awaited = {
 
     {MenuId::Edit, "&Undo"},
 
-    {MenuId::Edit, "Cu&t"}, {MenuId::Edit, "&Copy"}, {MenuId::Edit, "P&aste"}, {MenuId::Edit, "&Delete"},
-    {MenuId::Edit, "&Move to"},
-
     {MenuId::Edit, "&Find..."}, {MenuId::Edit, "Find &Next"}, {MenuId::Edit, "Find Reminder Due"},
-
-    {MenuId::Select, "&All"}, {MenuId::Select, "&Boxed"}, {MenuId::Select, "Location Markers"},
-    {MenuId::Select, "Loca&tion Marker's Marked Area"}, {MenuId::Select, "Jack"},
-    {MenuId::Select, "Active Computers"}, {MenuId::Select, "Active Printers"},
-    {MenuId::Select, "Active Laptops"}, {MenuId::Select, "Active Routers"},
-    {MenuId::Select, "Active Switches"}, {MenuId::Select, "Active Phones"},
-    {MenuId::Select, "Active Camera"}, {MenuId::Select, "Active Card Modules"},
-    {MenuId::Select, "Active UPS"}, {MenuId::Select, "Active Wireless"},
-    {MenuId::Select, "Active Unkown"}, {MenuId::Select, "Inactive Computers"},
-    {MenuId::Select, "Inactive Printers"}, {MenuId::Select, "Inactive Laptops"},
-    {MenuId::Select, "Inactive Routers"}, {MenuId::Select, "Inactive Switches"},
-    {MenuId::Select, "Inactive Phones"}, {MenuId::Select, "Inactive Camera"},
-    {MenuId::Select, "Inactive Card Modules"}, {MenuId::Select, "Inactive UPS"},
-    {MenuId::Select, "Inactive Wireless"}, {MenuId::Select, "Inactive Unknown"},
 
     {MenuId::Edit, "&Properties"},
 
     {MenuId::View, "&Discover/Misc"},
 
-    {MenuId::Hide, "Location Mar&ker"}, {MenuId::Hide, "&Jacks"}, {MenuId::Hide, "&Computers"},
-    {MenuId::Hide, "&Printers"}, {MenuId::Hide, "Lap&tops"}, {MenuId::Hide, "&Routers"},
-    {MenuId::Hide, "&Switches"}, {MenuId::Hide, "P&hones"}, {MenuId::Hide, "Ca&mera"},
-    {MenuId::Hide, "Car&d Module"}, {MenuId::Hide, "&UPS"}, {MenuId::Hide, "Wir&eless"},
-    {MenuId::Hide, "Unknown"}, {MenuId::Hide, "&Floor Map"}, {MenuId::Hide, "&All"},
-    {MenuId::Hide, "&None"},
-
     {MenuId::Tools, "Users Photo Path.."},
 
-    {MenuId::Tools, "Reset Live Status"},
-
     {MenuId::Tools, "&Group by proximity"},
-
-    {MenuId::Tools, "Add Location Mar&ker"}, {MenuId::Tools, "Add &Jack"},
-    {MenuId::Tools, "Add &Computer"}, {MenuId::Tools, "Add &Printer"}, {MenuId::Tools, "Add Lap&top"},
-    {MenuId::Tools, "Add &Router"}, {MenuId::Tools, "Add &Switch"}, {MenuId::Tools, "Add P&hone"},
-    {MenuId::Tools, "Add Ca&mera"}, {MenuId::Tools, "Add Car&d Module"}, {MenuId::Tools, "Add &UPS"},
-    {MenuId::Tools, "Add Wir&eless"}, {MenuId::Tools, "Add Unknown"},
 
     {MenuId::Help, "&Help Topics"},
 
