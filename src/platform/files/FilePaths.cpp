@@ -1,7 +1,11 @@
 #include "platform/files/FilePaths.h"
 
+#include "platform/AbandonableCalls.h"
+
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <system_error>
 
 namespace mirovane {
@@ -25,6 +29,17 @@ bool isSameFile(const std::string& a, const std::string& b) {
 bool existsOnDisk(const std::string& path) {
     std::error_code failed;
     return std::filesystem::exists(path, failed);
+}
+
+bool isMissing(const std::string& path) {
+    const auto missing = std::make_shared<bool>(false);
+    const auto look = [missing, path] {
+        std::error_code failed;
+        *missing = std::filesystem::status(path, failed).type() == std::filesystem::file_type::not_found;
+    };
+    constexpr std::chrono::milliseconds patience{500};
+    return CAbandonableCalls().run(folderOf(path), look, patience) == CAbandonableCalls::End::Done &&
+           *missing;
 }
 
 /// Behind a symbolic link ".." leads elsewhere than the text says.

@@ -15,6 +15,9 @@ bool isSameFile(const std::string& a, const std::string& b);
 /// There is a folder or a file of any kind. False also where that cannot be found out.
 bool existsOnDisk(const std::string& path);
 
+/// There is certainly nothing. False also where that cannot be found out within half a second.
+bool isMissing(const std::string& path);
+
 /// The path from the root on, without "." and "..": settings that belong to a datafile go by its path, which
 /// must be the same however the user spelled it. An empty path stays as it is, and so does every path when
 /// the current folder is gone.

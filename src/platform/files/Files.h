@@ -22,8 +22,8 @@ struct FileIdentity {
 
 struct FileError {
     /// Changed: another station wrote the file since this one last read or wrote it, and that cannot be read;
-    /// nothing was written.
-    enum class Kind { NotFound, Denied, Locked, NoSpace, TooLarge, Changed, Other };
+    /// nothing was written. NotAnswering: the share hangs, and what it was asked for may yet be done.
+    enum class Kind { NotFound, Denied, Locked, NoSpace, TooLarge, Changed, NotAnswering, Other };
 
     Kind kind = Kind::Other;
     int code = 0;         ///< errno, 0 when the reason is not the system's

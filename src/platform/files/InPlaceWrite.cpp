@@ -4,11 +4,11 @@
 #include "platform/files/FilePaths.h"
 #include "platform/files/OpenFile.h"
 #include "platform/files/SafeReplace.h"
+#include "platform/files/StateFolder.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <unistd.h>
 #include <utility>
 
 namespace mirovane {
@@ -55,27 +55,6 @@ bool CInPlaceWrite::mayLieBeside(CFileCalls& calls, const std::string& target) {
     return calls.statusAt(folderOf(target), folder) == 0 && (folder.st_mode & S_ISVTX) == 0;
 }
 
-/// Every part of the path that is missing, for this user only.
-bool CInPlaceWrite::makeBackupFolder() const {
-    for (std::size_t slash = folder_.find('/', 1); slash != std::string::npos;
-         slash = folder_.find('/', slash + 1))
-        calls_.makeFolder(folder_.substr(0, slash), 0700);
-    if (calls_.makeFolder(folder_, 0700) != 0 && errno != EEXIST)
-        return false;
-    if (isOurFolder())
-        return true;
-    errno = EPERM;
-    return false;
-}
-
-/// Where a user has no home, the folder lies in one that all write to. Whoever made it before him could put
-/// copies there that a recovery would take for his own.
-bool CInPlaceWrite::isOurFolder() const {
-    struct stat status = {};
-    return calls_.statusAt(folder_, status) == 0 && S_ISDIR(status.st_mode) && status.st_uid == ::geteuid() &&
-           (status.st_mode & S_IWOTH) == 0;
-}
-
 bool CInPlaceWrite::keepCopy(const std::string& copy, std::string_view content, int fd) {
     struct stat status = {};
     if (calls_.statusOf(fd, status) != 0)
@@ -93,7 +72,7 @@ std::optional<FileError> CInPlaceWrite::run(int fd, std::string_view content) {
     const std::optional<std::string> before = readWhole(calls_, fd);
     if (!before)
         return fileError("cannot read", target_, errno);
-    if (!beside_ && !makeBackupFolder())
+    if (!beside_ && !makeStateFolder(calls_, folder_))
         return noCopies(errno);
     // The old copy comes last: when it is there, both are whole.
     if (!keepCopy(newCopy_, content, fd) || !keepCopy(oldCopy_, *before, fd)) {
@@ -135,7 +114,8 @@ bool CInPlaceWrite::overwrite(int fd, std::string_view content, std::size_t size
 
 bool CInPlaceWrite::leftBehind() const {
     struct stat status = {};
-    if (calls_.statusAt(oldCopy_, status) != 0 || !(beside_ ? mayLieBeside(calls_, target_) : isOurFolder()))
+    if (calls_.statusAt(oldCopy_, status) != 0 ||
+        !(beside_ ? mayLieBeside(calls_, target_) : isOwnFolder(calls_, folder_)))
         return false;
     // Copies that only their maker may read wait for him.
     return COpenFile(calls_, calls_.openFile(oldCopy_, O_RDONLY, 0)) &&

@@ -43,8 +43,6 @@ private:
     CInPlaceWrite(CFileCalls& calls, std::string folder, std::string target, bool beside)
         : calls_(calls), folder_(std::move(folder)), target_(std::move(target)), beside_(beside) {}
     FileError noCopies(int code) const;
-    bool makeBackupFolder() const;
-    bool isOurFolder() const;
     bool keepCopy(const std::string& copy, std::string_view content, int fd);
     bool overwrite(int fd, std::string_view content, std::size_t sizeNow);
     std::optional<std::string> readCopy(const std::string& copy) const;

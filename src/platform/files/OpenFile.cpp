@@ -48,10 +48,14 @@ std::optional<std::string> readWhole(CFileCalls& calls, int fd) {
 }
 
 bool writeWhole(CFileCalls& calls, int fd, std::string_view content) {
+    return appendWhole(calls, fd, 0, content);
+}
+
+bool appendWhole(CFileCalls& calls, int fd, off_t size, std::string_view content) {
     std::size_t done = 0;
     while (done < content.size()) {
         const ssize_t put =
-            calls.writeAt(fd, content.data() + done, content.size() - done, static_cast<off_t>(done));
+            calls.writeAt(fd, content.data() + done, content.size() - done, size + static_cast<off_t>(done));
         if (put < 0 && errno == EINTR)
             continue;
         if (put <= 0)

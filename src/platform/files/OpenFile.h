@@ -45,6 +45,9 @@ std::optional<std::string> readWhole(CFileCalls& calls, int fd);
 /// All of it from offset 0 on; false, and errno, when not all could be written.
 bool writeWhole(CFileCalls& calls, int fd, std::string_view content);
 
+/// The same behind the first `size` bytes.
+bool appendWhole(CFileCalls& calls, int fd, off_t size, std::string_view content);
+
 /// Makes the names in a folder durable. False, and errno, only where the disk failed: a folder that cannot be
 /// opened or flushed at all (some network file systems) leaves nothing that could be done better.
 bool flushFolder(CFileCalls& calls, const std::string& folder);

@@ -4,13 +4,12 @@
 #include "platform/files/FilePaths.h"
 #include "platform/files/InPlaceWrite.h"
 #include "platform/files/LockedPosixFile.h"
+#include "platform/files/StateFolder.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <optional>
-#include <unistd.h>
 #include <utility>
 
 namespace mirovane {
@@ -148,7 +147,7 @@ private:
 } // namespace
 
 CPosixFiles::CPosixFiles()
-    : ownCalls_(std::make_unique<CFileCalls>()), calls_(*ownCalls_), backupFolder_(defaultBackupFolder()) {}
+    : ownCalls_(std::make_unique<CFileCalls>()), calls_(*ownCalls_), backupFolder_(defaultStateFolder()) {}
 
 CPosixFiles::CPosixFiles(CFileCalls& calls, std::string backupFolder)
     : calls_(calls), backupFolder_(std::move(backupFolder)) {}
@@ -181,19 +180,6 @@ Result<std::unique_ptr<LockedFile>, FileError> CPosixFiles::lock(const std::stri
         calls_.pause(wait);
         wait = std::min(wait * 2, longestPause);
     }
-}
-
-std::string defaultBackupFolder() {
-    const auto variable = [](const char* name) {
-        const char* value = std::getenv(name);
-        return value && value[0] == '/' ? std::string(value) : std::string();
-    };
-    if (const std::string state = variable("XDG_STATE_HOME"); !state.empty())
-        return state + "/mirovane";
-    if (const std::string home = variable("HOME"); !home.empty())
-        return home + "/.local/state/mirovane";
-    const std::string temporary = variable("TMPDIR");
-    return (temporary.empty() ? std::string("/tmp") : temporary) + "/mirovane-" + std::to_string(::geteuid());
 }
 
 } // namespace mirovane

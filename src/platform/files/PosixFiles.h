@@ -30,8 +30,4 @@ private:
     std::string backupFolder_;
 };
 
-/// $XDG_STATE_HOME/mirovane, else ~/.local/state/mirovane, else a folder of this user below the temporary
-/// one.
-std::string defaultBackupFolder();
-
 } // namespace mirovane

@@ -2,6 +2,7 @@
 
 #include "platform/files/FileCalls.h"
 #include "platform/files/PosixFiles.h"
+#include "platform/files/StateFolder.h"
 
 #include <memory>
 #include <string>
@@ -24,7 +25,7 @@ private:
     };
 
     CCalls calls_;
-    CPosixFiles files_{calls_, defaultBackupFolder()};
+    CPosixFiles files_{calls_, defaultStateFolder()};
 };
 
 } // namespace mirovane

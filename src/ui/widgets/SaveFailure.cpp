@@ -21,6 +21,9 @@ std::string remedy(const FileError& error) {
                "read. Save a copy elsewhere with File, Save As, before you leave.";
     case FileError::Kind::TooLarge:
         return "Remove devices, or divide the floor into two datafiles.";
+    case FileError::Kind::NotAnswering:
+        return "Your changes are saved as soon as the share answers again. Or save elsewhere with File, Save "
+               "As.";
     case FileError::Kind::Other:
         break;
     }

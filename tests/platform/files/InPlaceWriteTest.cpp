@@ -1,5 +1,6 @@
 #include "platform/files/InPlaceWrite.h"
 
+#include "platform/files/StateFolder.h"
 #include "tests/platform/files/FilesFixture.h"
 
 #include <algorithm>
@@ -100,7 +101,7 @@ TEST(BackupFolderTest, IsTheUsersOwnWhereverHeHasOne) {
         setenv("XDG_STATE_HOME", one.state, 1);
         setenv("HOME", one.home, 1);
         setenv("TMPDIR", one.temporary, 1);
-        EXPECT_EQ(defaultBackupFolder(), one.folder);
+        EXPECT_EQ(defaultStateFolder(), one.folder);
     }
     for (const auto& [name, value] : kept)
         value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());

@@ -86,7 +86,7 @@ bool CFileCommands::openPath(const std::string& givenPath) {
         error = station_.openDatafile(path);
     }
     if (error) {
-        if (!existsOnDisk(path))
+        if (isMissing(path)) // a share that is away comes back
             recent_.remove(path);
         onDocument_();
         dialogs_.fail("The datafile " + path + " could not be opened.\n\n" + error->sentence + "\n\n" +
