@@ -39,12 +39,23 @@ std::string LogLine::shown() const {
 }
 
 void CMessageLog::LogMessage(std::string_view text, bool toStatusBar) {
-    append({clock_.wall(), oneLine(text), toStatusBar});
+    append({clock_.wall(), oneLine(text), toStatusBar, false});
+}
+
+void CMessageLog::LogLasting(std::string_view text) {
+    append({clock_.wall(), oneLine(text), false, true});
+}
+
+void CMessageLog::settle() {
+    const std::vector<LogListener*> told = listeners_;
+    for (LogListener* listener : told)
+        if (std::ranges::find(listeners_, listener) != listeners_.end())
+            listener->linesSettle();
 }
 
 void CMessageLog::begin(std::string_view line) {
     if (lines_.empty())
-        append({std::nullopt, oneLine(line), false});
+        append({std::nullopt, oneLine(line), false, false});
 }
 
 void CMessageLog::append(const LogLine& line) {

@@ -16,6 +16,7 @@ struct LogLine {
     std::optional<std::chrono::system_clock::time_point> when; ///< the log's first line is not dated
     std::string text;
     bool toStatusBar = false; ///< also for the status bar's message pane
+    bool lasting = false;     ///< names a value that gave way: it must be found again weeks later
 
     /// With the local date and time in the locale's form before it.
     std::string shown() const;
@@ -28,11 +29,14 @@ class LogListener {
 public:
     virtual ~LogListener() = default;
     virtual void lineLogged(const LogLine& line) = 0;
+
+    /// What the lasting lines so far name is about to go from the datafile.
+    virtual void linesSettle() {}
 };
 
 /// What the system did in the background, a dated line each. Main thread only. Holds at most 400 lines (the
-/// empty one after the last line end counts) by dropping the oldest, one per call; nothing of it is written
-/// to disk.
+/// empty one after the last line end counts) by dropping the oldest, one per call. CLogFile writes the
+/// lasting ones to disk.
 class CMessageLog {
 public:
     explicit CMessageLog(const Clock& clock) : clock_(clock) {}
@@ -40,6 +44,12 @@ public:
     CMessageLog& operator=(const CMessageLog&) = delete;
 
     void LogMessage(std::string_view text, bool toStatusBar = false);
+
+    /// A line that names a value which another one replaces.
+    void LogLasting(std::string_view text);
+
+    /// Before the datafile is replaced.
+    void settle();
 
     /// The first line of the log, undated; only into an empty log.
     void begin(std::string_view line);

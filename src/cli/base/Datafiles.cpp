@@ -23,9 +23,9 @@ public:
         : log_(clock_), doc(clock_, log_, thisStation()), link(doc, files, log_), door_(doc, *this) {}
 
     /// The edit and its one save. A refused edit is not saved.
-    SaveReport edit(const DatafileEdit& edit, std::optional<EditRefusal>& refusal) {
+    SaveReport edit(const LinkedEdit& edit, std::optional<EditRefusal>& refusal) {
         const auto change = [&](CMirovaneDoc& document) {
-            refusal_ = edit(document);
+            refusal_ = edit(document, link);
         };
         const SaveReport report = door_.edit({EditRequest::Kind::Change, "Edit", {}}, change);
         refusal = refusal_;
@@ -49,7 +49,7 @@ private:
 };
 
 /// Nothing when the file changed under the edit and another attempt may follow.
-std::optional<ExitStatus> attemptEdit(COutput& out, const std::string& path, const DatafileEdit& edit,
+std::optional<ExitStatus> attemptEdit(COutput& out, const std::string& path, const LinkedEdit& edit,
                                       bool last) {
     CPosixFiles system;
     CExclusiveFiles files(system);
@@ -101,6 +101,11 @@ std::optional<Datafile::Content> readDatafile(COutput& out, const std::string& p
 }
 
 ExitStatus editDatafile(COutput& out, const std::string& path, const DatafileEdit& edit) {
+    return editDatafile(
+        out, path, LinkedEdit([&edit](CMirovaneDoc& document, CDatafileLink&) { return edit(document); }));
+}
+
+ExitStatus editDatafile(COutput& out, const std::string& path, const LinkedEdit& edit) {
     for (int attempt = 1;; ++attempt)
         if (const auto status = attemptEdit(out, path, edit, attempt == mostAttempts))
             return *status;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/base/Output.h"
-#include "model/Document.h"
+#include "model/datafile/DatafileLink.h"
 
 #include <functional>
 #include <optional>
@@ -26,10 +26,14 @@ struct EditRefusal {
 /// respects no locks changed the file meanwhile.
 using DatafileEdit = std::function<std::optional<EditRefusal>(CMirovaneDoc&)>;
 
+/// One that concerns the file itself, too.
+using LinkedEdit = std::function<std::optional<EditRefusal>(CMirovaneDoc&, CDatafileLink&)>;
+
 /// Opens the datafile with its post-load pass, applies the edit and saves once. The file is locked from
 /// before it is read until it has been saved, so that of any number of commands at once each builds on the
 /// one before. When anything fails the file stays as it was and standard error says why.
 ExitStatus editDatafile(COutput& out, const std::string& path, const DatafileEdit& edit);
+ExitStatus editDatafile(COutput& out, const std::string& path, const LinkedEdit& edit);
 
 /// As `editDatafile` without saving: for looking at the document as the program would show it.
 ExitStatus viewDatafile(COutput& out, const std::string& path,

@@ -128,9 +128,11 @@ std::string renumberingText(const TwinRenumbering& twin) {
 }
 
 void printRepair(COutput& out, const DatafileRepair& repair) {
-    if (repair.renumbered.empty())
+    if (repair.nothingDone())
         return out.printLine("repaired: nothing, there is nothing that can be mended without loss");
-    out.printLine("repaired: " + std::to_string(repair.renumbered.size()));
+    out.printLine("repaired: " + std::to_string(repair.renumbered.size() + (repair.strayBytes > 0 ? 1 : 0)));
+    if (repair.strayBytes > 0)
+        out.printLine("  " + std::to_string(repair.strayBytes) + " byte(s) after the last record left out");
     for (const TwinRenumbering& twin : repair.renumbered)
         out.printLine("  " + renumberingText(twin));
     out.printLine("  the file as it was: " + printable(repair.copy));
@@ -141,7 +143,9 @@ QJsonObject repairObject(const DatafileRepair& repair) {
     for (const TwinRenumbering& twin : repair.renumbered)
         renumbered.append(QJsonObject{
             {jsonKey("Name"), jsonText(twin.name)}, {jsonKey("From"), twin.from}, {jsonKey("To"), twin.to}});
-    return {{jsonKey("renumbered"), renumbered}, {jsonKey("copy"), jsonText(repair.copy)}};
+    return {{jsonKey("renumbered"), renumbered},
+            {jsonKey("strayBytes"), static_cast<qint64>(repair.strayBytes)},
+            {jsonKey("copy"), jsonText(repair.copy)}};
 }
 
 constexpr std::array checkOptions{
@@ -153,7 +157,7 @@ constexpr std::string_view checkDetails =
     "Tells which station runs Live Stat and Live Discover, and how old its last sign of life is.\n"
     "Exit status 1 when anything is odd, 3 when the file cannot be read at all.\n"
     "--repair: of devices with the same RecID the first one keeps it, each other one gets the next free "
-    "one.\n"
+    "one, and bytes after the last record are left out.\n"
     "The file as it was is kept as FILE.before-repair, or FILE.before-repair-2 and so on where that exists.\n"
     "Then FILE is checked again. Everything else that is odd is reported only.\n";
 

@@ -63,6 +63,8 @@ public:
         for (place_ = 0; place_ < content_.records.size(); ++place_)
             inspect(*content_.records[place_]);
         place_ = Oddity::wholeFile;
+        if (content_.strayBytes > 0)
+            odd(std::to_string(content_.strayBytes) + " byte(s) follow the last record (--repair mends it)");
         inspectMissing();
         return std::move(report_);
     }

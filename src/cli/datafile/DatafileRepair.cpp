@@ -1,7 +1,7 @@
 #include "cli/datafile/DatafileRepair.h"
 
 #include "cli/base/Datafiles.h"
-#include "cli/datafile/KeptCopy.h"
+#include "platform/files/KeptCopy.h"
 
 namespace mirovane {
 
@@ -33,15 +33,18 @@ std::vector<TwinRenumbering> mendTwins(CMirovaneDoc& document) {
 DatafileRepair repairDatafile(COutput& out, const std::string& path) {
     DatafileRepair repair;
     CKeptCopy copy;
-    repair.status = editDatafile(out, path, [&](CMirovaneDoc& document) -> std::optional<EditRefusal> {
+    const LinkedEdit mend = [&](CMirovaneDoc& document, CDatafileLink& link) -> std::optional<EditRefusal> {
         repair.renumbered = mendTwins(document);
-        if (repair.renumbered.empty())
+        repair.strayBytes = link.strayBytes();
+        if (repair.nothingDone())
             return EditRefusal{"", ExitStatus::Done};
-        if (const auto error = copy.make(path, ".before-repair"))
+        if (const auto error = copy.make(path, beforeRepair))
             return EditRefusal{error->sentence, ExitStatus::FileFailed};
+        link.strayBytesKept();
         return std::nullopt;
-    });
-    if (repair.status != ExitStatus::Done || repair.renumbered.empty())
+    };
+    repair.status = editDatafile(out, path, mend);
+    if (repair.status != ExitStatus::Done || repair.nothingDone())
         return repair;
     copy.keep();
     repair.copy = copy.path();

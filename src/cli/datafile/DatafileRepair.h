@@ -12,12 +12,16 @@ namespace mirovane {
 struct DatafileRepair {
     ExitStatus status = ExitStatus::Done; ///< FileFailed: it has been said why, and nothing was changed
     std::vector<TwinRenumbering> renumbered;
-    std::string copy; ///< the file as it was; empty where there was nothing to repair
+    std::size_t strayBytes = 0; ///< that were left out
+    std::string copy;           ///< the file as it was; empty where there was nothing to repair
+
+    bool nothingDone() const { return renumbered.empty() && strayBytes == 0; }
 };
 
 /// Mends what can be mended without loss: of devices that have the same RecID the first in list order keeps
-/// it, each other one gets the smallest that no device has. All in one save under the datafile's lock, after
-/// a copy of the file has been put beside it. Where nothing can be mended nothing is written.
+/// it, each other one gets the smallest that no device has; bytes after the last record are left out. All in
+/// one save under the datafile's lock, after a copy of the file has been put beside it. Where nothing can be
+/// mended nothing is written.
 DatafileRepair repairDatafile(COutput& out, const std::string& path);
 
 } // namespace mirovane

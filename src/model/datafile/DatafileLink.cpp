@@ -5,6 +5,7 @@
 #include "model/datafile/NewRecords.h"
 #include "model/records/Criteria.h"
 #include "platform/files/FilePaths.h"
+#include "platform/files/KeptCopy.h"
 
 #include <cerrno>
 #include <new>
@@ -74,6 +75,7 @@ void CDatafileLink::newDatafile() {
     fileVersion_ = Datafile::currentVersion;
     upgradedFrom_.reset();
     mustReload_ = false;
+    strayBytes_ = 0;
     document_.replaceAll(newRecords(document_.station(), document_.now()), false);
 }
 
@@ -93,6 +95,7 @@ std::optional<Datafile::Error> CDatafileLink::open(const std::string& path) {
         upgradedFrom_ = fileVersion_;
     mustReload_ = false;
     reportedError_.clear();
+    noteStrayBytes(content.value().strayBytes);
     completeRecords(content.value().records, fileVersion_, document_.now());
     document_.replaceAll(std::move(content.value().records), true);
     return std::nullopt;
@@ -124,6 +127,7 @@ std::optional<Datafile::Error> CDatafileLink::readAgain(LockedFile& file, bool f
     mustReload_ = false;
     fileVersion_ = content.value().fileVersion;
     knownIdentity_ = file.identity();
+    noteStrayBytes(content.value().strayBytes);
     const CReplacingMark mark(replacing_);
     const CEditJournal& journal = document_.journal();
     if (journal.nothingToKeep() && (!forSave || journal.changes().empty()))
@@ -137,7 +141,7 @@ void CDatafileLink::mergeInto(Datafile::RecordList theirs) {
     MergeResult result = mergeEdits(std::move(theirs), document_.records(), document_.journal());
     log_.LogMessage("Merged changes from data file", true);
     for (const std::string& line : result.lines)
-        log_.LogMessage(line);
+        log_.LogLasting(line);
     std::vector<std::int32_t> judgedAnew;
     for (const auto& [record, change] : result.journal.changes())
         if (isCriteriaRecordType(record->Type))
@@ -208,10 +212,35 @@ SaveReport CDatafileLink::write(const std::string& path, bool over, std::chrono:
     return {SaveReport::Outcome::Saved, std::nullopt, again};
 }
 
+void CDatafileLink::noteStrayBytes(std::size_t count) {
+    strayBytes_ = count;
+    if (count > 0)
+        log_.LogMessage(
+            "The datafile has " + std::to_string(count) +
+                " byte(s) after its last record, which mean nothing. The first save leaves them out "
+                "and keeps the file as it is.",
+            true);
+}
+
+std::optional<FileError> CDatafileLink::keepStrayBytes(const std::string& path) {
+    if (strayBytes_ == 0 || path != path_)
+        return std::nullopt;
+    CKeptCopy copy;
+    if (auto error = copy.make(path, beforeRepair))
+        return error;
+    copy.keep();
+    strayBytes_ = 0;
+    log_.LogMessage("The datafile as it was is kept as " + copy.path(), true);
+    return std::nullopt;
+}
+
 /// After an error the new file may be in place all the same. It then counts as another station's: a merge
 /// with what is in it already changes nothing.
 std::optional<FileError> CDatafileLink::put(LockedFile& file, const std::string& path,
                                             std::string_view bytes) {
+    if (auto error = keepStrayBytes(path))
+        return error;
+    log_.settle(); // before a value is gone from the datafile, its line is on disk
     const auto replaced = file.replace(bytes);
     if (!replaced)
         return replaced.error();

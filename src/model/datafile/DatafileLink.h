@@ -12,6 +12,9 @@
 
 namespace mirovane {
 
+/// The copy of a datafile that was mended by a save.
+constexpr const char* beforeRepair = ".before-repair";
+
 /// The document's tie to the datafile that it lives in: where the file is, what it was like when it was last
 /// read or written, and the four ways to get at it: lock, read, merge, put. Main thread. The document, the
 /// files and the log outlive it.
@@ -63,6 +66,13 @@ public:
     /// The file holds something that this station has tried and failed to read.
     bool mustReload() const { return mustReload_; }
 
+    /// How many bytes follow the last record of the file. They open with it, and the log says so; the first
+    /// save, which leaves them out, keeps the file as it was beside it.
+    std::size_t strayBytes() const { return strayBytes_; }
+
+    /// Whoever changes the file has made that copy.
+    void strayBytesKept() { strayBytes_ = 0; }
+
     /// The records are being replaced by what the same datafile holds now.
     bool reloading() const { return replacing_; }
 
@@ -70,6 +80,8 @@ public:
     bool upgradePending() const { return upgradedFrom_.has_value(); }
 
 private:
+    void noteStrayBytes(std::size_t count);
+    std::optional<FileError> keepStrayBytes(const std::string& path);
     std::optional<Datafile::Error> readAgain(LockedFile& file, bool forSave);
     void mergeInto(Datafile::RecordList theirs);
     std::optional<FileError> bringVersionToFront(const std::string& path);
@@ -86,6 +98,7 @@ private:
     std::int32_t fileVersion_ = Datafile::currentVersion;
     std::optional<std::int32_t> upgradedFrom_;
     std::optional<FileIdentity> knownIdentity_;
+    std::size_t strayBytes_ = 0;
     bool mustReload_ = false;   ///< a reload failed: what is in memory must not go over the file
     bool replacing_ = false;    ///< the document tells its observers of other records
     std::string reportedError_; ///< of the save that failed last

@@ -206,13 +206,7 @@ Result<Content, Error> decodeRecords(std::string_view bytes, const Layout& layou
             return damaged(reader, i);
         content.records.push_back(makeRecord(raw, layout));
     }
-    const std::size_t extra = reader.remaining();
-    if (extra > 0) {
-        reader.fail(reader.offset(), std::to_string(extra) +
-                                         (extra == 1 ? " byte follows" : " bytes follow") +
-                                         " the last record");
-        return damaged(reader, count);
-    }
+    content.strayBytes = reader.remaining();
     return content;
 }
 

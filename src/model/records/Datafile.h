@@ -36,6 +36,7 @@ struct Error {
 struct Content {
     std::int32_t fileVersion = 0; ///< 2002, 2003, 2004 or 2008
     RecordList records;
+    std::size_t strayBytes = 0; ///< after the last record; they mean nothing
 };
 
 /// Decodes a whole file. Never trusts a length or a count before it has compared it with the bytes that

@@ -115,6 +115,13 @@ TEST_F(DatafileRepairTest, WhatCannotBeMendedIsReportedAndAFailureLeavesEverythi
     EXPECT_THAT(odd.out,
                 AllOf(HasSubstr("repaired: 2\n"), HasSubstr("oddities: 1\n"), HasSubstr("Priority is 9")));
 
+    writeBytes(file, damaged + "tail");
+    const CliResult tailed = cli({"check", file, "--repair"});
+    EXPECT_EQ(tailed.status, 0);
+    EXPECT_THAT(tailed.out, AllOf(HasSubstr("repaired: 3\n  4 byte(s) after"), HasSubstr("oddities: 0\n")));
+    EXPECT_EQ(readBytes(kept("-2")), damaged + "tail") << "and no second copy of it";
+    EXPECT_FALSE(std::filesystem::exists(kept("-3")));
+
     // The name of the copy is too long for the folder.
     const std::string longName = folder.path(std::string(250, 'f'));
     writeBytes(longName, damaged);

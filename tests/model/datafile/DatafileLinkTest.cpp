@@ -256,6 +256,29 @@ TEST_F(DatafileLinkTest, FailuresLeaveTheDocumentAsItWas) {
     }
 }
 
+TEST_F(DatafileLinkTest, BytesAfterTheLastRecordCostNothingButACopy) {
+    makeFloor(3);
+    const std::string whole = test::readBytes(path);
+    const std::string strange = whole + std::string(700, 'x');
+    test::writeBytes(path, strange);
+    ASSERT_FALSE(link.open(path)); // once by an open, once by the reload that a save does
+    EXPECT_EQ(doc.deviceCount(), 3U);
+    EXPECT_NE(lastLine.find("700 byte(s) after its last record"), std::string::npos) << lastLine;
+    ASSERT_FALSE(otherLink.open(path));
+    ASSERT_FALSE(link.save().failed());
+    EXPECT_EQ(test::readBytes(path), whole);
+    EXPECT_EQ(test::readBytes(path + ".before-repair"), strange);
+
+    test::writeBytes(path, whole + "again");
+    other.editByUser(*other.findDevice(2), [](CHardware& held) { held.Name = "merged"; });
+    ASSERT_FALSE(otherLink.save().failed());
+    EXPECT_EQ(test::readBytes(path + ".before-repair-2"), whole + "again");
+    ASSERT_FALSE(otherLink.save().failed());
+    EXPECT_FALSE(fs::exists(path + ".before-repair-3"));
+    ASSERT_FALSE(link.reload());
+    EXPECT_EQ(doc.findDevice(2)->Name, "merged");
+}
+
 TEST_F(DatafileLinkTest, KilledSaversLeaveAWholeFileAndNoLitter) {
     makeFloor(1);
     ASSERT_FALSE(link.open(path));

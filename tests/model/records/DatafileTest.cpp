@@ -158,7 +158,6 @@ TEST(DatafileTest, DamageIsFoundWhereItIs) {
     expectError(with(8, "X"), Kind::Damaged, 2, 0, "CHardware");
     expectError(with(secondTag, "\x02\x80"), Kind::Damaged, secondTag, 1, "no record begins here");
     expectError(with(secondTag, "\xFF\xFF"), Kind::Damaged, secondTag, 1, "no record begins here");
-    expectError(good + "x", Kind::Damaged, good.size(), 10, "1 byte follows");
     expectError(with(0, "\xFE\xFF"), Kind::Damaged, 0, 0, "65534 records");
     expectError(with(0, std::string("\x0B\0", 2)), Kind::Damaged, good.size(), 10, "ends too early");
     expectError(with(firstText, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF"), Kind::Damaged, firstText, 0,

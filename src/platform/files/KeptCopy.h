@@ -8,9 +8,9 @@
 
 namespace mirovane {
 
-/// A copy of a datafile as it is, beside it, for whoever wants to undo what a command does to it: with its
+/// A copy of a datafile as it is, beside it, for whoever wants to undo what is done to it: with its
 /// mode, its access list and, where the system allows it, its owner. It goes with the object unless it is
-/// kept, so that a command that fails leaves nothing behind.
+/// kept, so that what fails leaves nothing behind.
 class CKeptCopy {
 public:
     CKeptCopy() = default;

@@ -1,4 +1,4 @@
-#include "cli/datafile/KeptCopy.h"
+#include "platform/files/KeptCopy.h"
 
 #include "platform/files/FileErrors.h"
 #include "platform/files/FilePaths.h"
