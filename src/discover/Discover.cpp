@@ -156,8 +156,9 @@ void CLiveDiscover::addHost(std::uint32_t address) {
         document_.editInBackground(*owner, [this](CHardware& held) { held.Modified = document_.now(); });
     if (known_.contains(address))
         return; // somebody entered it while the ping was under way
-    if (!addDiscoveredDevice(document_, log_, address))
+    if (!addDiscoveredDevice(document_, address))
         return;
+    log_.LogMessage("Discover added a new device");
     host_.deviceDiscovered();
     if (switch_.on() && !known_.contains(address))
         walk_.goTo(beforePing_); // lost with what another station's save replaced

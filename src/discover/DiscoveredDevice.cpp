@@ -72,19 +72,15 @@ void CKnownAddresses::documentReplaced() {
     built_ = false;
 }
 
-const CHardware* addDiscoveredDevice(CMirovaneDoc& document, CMessageLog& log, std::uint32_t address,
-                                     const std::string& name) {
-    const CHardware* added = document.addDevice(DeviceType::Unknown + DeviceType::discoveredOffset,
-                                                [address, &name](CHardware& device) {
-                                                    device.State = DeviceState::On;
-                                                    device.IPAddress = formatRangeAddress(address);
-                                                    device.Name = name;
-                                                    device.Comment = "NEW";
-                                                });
-    if (!added)
-        return nullptr;
-    log.LogMessage("Discover added a new device");
-    return added;
+const CHardware* addDiscoveredDevice(CMirovaneDoc& document, std::uint32_t address, const std::string& name) {
+    return document.addDevice(
+        DeviceType::Unknown + DeviceType::discoveredOffset,
+        [address, &name](CHardware& device) {
+            device.State = DeviceState::On;
+            device.IPAddress = formatRangeAddress(address);
+            device.Name = name;
+            device.Comment = "NEW";
+        });
 }
 
 } // namespace mirovane

@@ -42,10 +42,9 @@ private:
     bool built_ = false;
 };
 
-/// Puts a host that answered into the Discovered/Misc window, says so in the log and counts it in the
-/// document. Saves nothing: one host is one save, a sweep's many are one, too. Null when the datafile is
-/// full; the log says so.
-const CHardware* addDiscoveredDevice(CMirovaneDoc& document, CMessageLog& log, std::uint32_t address,
+/// Puts a host that answered into the Discovered/Misc window. Saves nothing: one host is one save, a sweep's
+/// many are one, too, and so are their lines in the log. Null when the datafile is full; the log says so.
+const CHardware* addDiscoveredDevice(CMirovaneDoc& document, std::uint32_t address,
                                      const std::string& name = {});
 
 } // namespace mirovane

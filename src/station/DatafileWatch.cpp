@@ -80,6 +80,7 @@ SaveReport CDatafileWatch::saveAs(const std::string& path) {
 
 void CDatafileWatch::takeIn(const SaveReport& report) {
     state_.lastError = report.error;
+    host_.saveTried();
     if (report.saved()) {
         state_.pending = false;
         state_.owed.reset();
@@ -150,6 +151,10 @@ void CDatafileWatch::tick() {
         return;
     }
     auto status = files_.status(link_.path());
+    const bool late = !status && status.error().kind == FileError::Kind::NotAnswering;
+    if (late && !std::exchange(state_.unanswered, true))
+        return; // perhaps the answer is there with the next tick
+    state_.unanswered = late;
     if (!status) {
         log_.LogMessage("Error reading/loading from datafile!", true);
         if (state_.owed)

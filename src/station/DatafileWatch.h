@@ -34,6 +34,9 @@ public:
     /// may ask the user, and save.
     virtual void datafileRead() = 0;
 
+    /// A save was tried: what is saved needs to be kept elsewhere no longer, what is not does.
+    virtual void saveTried() = 0;
+
     /// What the records say has changed; no more changes follow at once.
     virtual void listChanged() = 0;
 };
@@ -104,6 +107,7 @@ private:
     struct State {
         Phase phase = Phase::Closed;
         bool pending = false;
+        bool unanswered = false;     ///< the last question what the file is like
         bool editTookReload = false; ///< the edit under way began while a reload waited
         int ticksSinceSave = 0;
         std::optional<OwedSave> owed;

@@ -27,6 +27,7 @@ CStation::CStation(StationServices services)
       document_(services_.clock, services_.log, services_.identity),
       selection_(document_),
       link_(document_, services_.files, services_.log),
+      kept_(document_, services_.log, services_.stateFolder),
       watch_(link_, document_, services_.files, services_.clock, services_.timers, services_.log, *this),
       door_(document_, *this),
       liveMove_(document_, watch_, door_),
@@ -56,6 +57,7 @@ void CStation::tell(void (StationObserver::*news)(Parameters...), Arguments... a
 void CStation::newDatafile() {
     leaveDatafile();
     link_.newDatafile();
+    kept_.unsaved.takeDatafile({});
     begin();
 }
 
@@ -74,7 +76,10 @@ std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
         services_.log.LogMessage(error->sentence, true);
         return error;
     }
+    kept_.unsaved.takeDatafile(link_.path());
     begin();
+    if (document_.unsavedEdits())
+        saveDatafile();
     return std::nullopt;
 }
 
@@ -202,6 +207,9 @@ SaveReport CStation::afterEdit(const EditRequest& request, bool changed) {
         if (features_.liveStat().enabled() && document_.deviceCount() == 0)
             features_.liveStat().toggle();
     }
+    // A save may take long to fail; the one before has.
+    if (request.saving == EditRequest::Saving::Later || lastSaveError())
+        kept_.unsaved.keep(link_.path());
     SaveReport report;
     if (request.saving == EditRequest::Saving::Later)
         watch_.setPendingChanges(pendingChanges() || changed);
@@ -211,6 +219,10 @@ SaveReport CStation::afterEdit(const EditRequest& request, bool changed) {
     if (stopsWatch(request))
         watch_.endEdit();
     return report;
+}
+
+std::string CStation::logFilePath() const {
+    return services_.stateFolder.empty() ? std::string() : CLogFile::pathIn(services_.stateFolder);
 }
 
 void CStation::settleList() {

@@ -13,6 +13,7 @@
 #include "probes/StepProbes.h"
 #include "station/DatafileWatch.h"
 #include "station/Features.h"
+#include "station/KeptState.h"
 #include "station/ListExport.h"
 #include "station/LiveMove.h"
 #include "station/Reminders.h"
@@ -60,6 +61,10 @@ struct StationServices {
 
     /// What Discover Now asks the network with; null: this station has none.
     SweepProbes* sweepProbes = nullptr;
+
+    /// Where this user's programs keep edits that could not be saved and the log of values that gave way;
+    /// empty: nowhere.
+    std::string stateFolder = {};
 };
 
 /// One station on one datafile: a facade over the document, its datafile and the watch over it, the door for
@@ -119,6 +124,12 @@ public:
     /// Of the last save; nothing when it went well.
     const std::optional<FileError>& lastSaveError() const { return watch_.lastError(); }
 
+    /// What could not be saved is on disk here, and goes to the datafile when it is next opened.
+    bool unsavedEditsKept() const { return kept_.unsaved.allKept(); }
+
+    /// The log of values that gave way to others; empty where this station keeps none.
+    std::string logFilePath() const;
+
     /// Switches Live Stat off, waits for the jobs (milliseconds: they are told to stop), releases the owner
     /// record and saves; then the same with Live Discover. Returns the save's error: then the station goes on
     /// without them and may be shut down again. The destructor does the same when nobody did.
@@ -158,6 +169,10 @@ public:
     void toggleTracking() { features_.liveStat().toggleTracking(); }
     void endTracking() { features_.liveStat().endTracking(); }
 
+    /// A window shows the criteria of this type, or shows none any more: Live Stat runs no rule that is half
+    /// typed.
+    void showCriteriaOf(std::optional<std::int32_t> type) { features_.liveStat().holdType(type); }
+
     /// Live Stat Now on the selected devices.
     void liveStatNow() { features_.liveStat().performNow(); }
 
@@ -194,6 +209,7 @@ private:
     void stopReminders() override { reminders_.stop(); }
     void startReminders(std::chrono::milliseconds period) override;
     void datafileRead() override;
+    void saveTried() override { kept_.unsaved.keep(link_.path()); }
     void listChanged() override { settleList(); }
 
     // EditDoorHost
@@ -233,6 +249,7 @@ private:
     CMirovaneDoc document_;
     CSelection selection_;
     CDatafileLink link_;
+    KeptState kept_;
     CDatafileWatch watch_;
     CEditDoor door_;
     CLiveMove liveMove_;

@@ -8,10 +8,12 @@
 ///   TIME log LINE                 a line of the message log
 ///
 /// TIME is the monotonic clock in nanoseconds, which all processes of a computer share. Devices are told
-/// apart by their names: record IDs change where two stations took the same one. usage: shared_editor FILE
-/// PREFIX SEED
+/// apart by their names: record IDs change where two stations took the same one. With a STATE folder, edits
+/// that cannot be saved are kept there and acknowledged all the same, and there are a hundred a second.
+/// usage: shared_editor FILE PREFIX SEED [STATE]
 
 #include "model/records/FieldNames.h"
+#include "platform/files/AbandonableFiles.h"
 #include "platform/files/PosixFiles.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
@@ -64,8 +66,8 @@ constexpr Field fields[] = {{"Comment", &CHardware::Comment},
 
 class Editor {
 public:
-    Editor(CStation& station, std::string prefix, unsigned seed)
-        : station_(station), prefix_(std::move(prefix)), random_(seed) {
+    Editor(CStation& station, std::string prefix, unsigned seed, bool keeps)
+        : station_(station), prefix_(std::move(prefix)), random_(seed), keeps_(keeps) {
         timer_.setSingleShot(true);
         QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { editAndGoOn(); });
         timer_.start(1);
@@ -82,7 +84,7 @@ private:
             set();
         else
             deleteOne();
-        timer_.start(20 + upTo(150));
+        timer_.start(keeps_ ? upTo(20) : 20 + upTo(150));
     }
 
     const CHardware* deviceNamed(std::string_view name) const {
@@ -93,8 +95,11 @@ private:
         return nullptr;
     }
 
-    /// Acknowledged is what a user is told: no error, and nothing left to save.
-    bool saved(const SaveReport& report) const { return !report.failed() && !station_.document().modified(); }
+    /// Acknowledged is what a user is told: no error, and nothing left to save, or that it is kept.
+    bool saved(const SaveReport& report) const {
+        return (!report.failed() && !station_.document().modified()) ||
+               (keeps_ && station_.unsavedEditsKept());
+    }
 
     void add() {
         const std::string token = prefix_ + "-" + std::to_string(++count_);
@@ -143,12 +148,13 @@ private:
     QTimer timer_;
     std::vector<std::string> mine_;
     int count_ = 0;
+    bool keeps_;
 };
 
 int run(int argc, char** argv) {
     QCoreApplication application(argc, argv);
-    if (argc != 4) {
-        std::fputs("usage: shared_editor FILE PREFIX SEED\n", stderr);
+    if (argc != 4 && argc != 5) {
+        std::fputs("usage: shared_editor FILE PREFIX SEED [STATE]\n", stderr);
         return 2;
     }
     std::signal(SIGTERM, [](int) { QCoreApplication::quit(); });
@@ -161,16 +167,18 @@ int run(int argc, char** argv) {
     CMessageLog log(clock);
     Teller teller;
     log.addListener(teller);
-    CPosixFiles files;
+    CAbandonableFiles files(std::make_shared<CPosixFiles>());
     CQtTimerFactory timers;
     ScriptedProbes probes;
     NoToAll dialogs;
-    CStation station({files, clock, timers, settings, log, dialogs, probes, {"editor", argv[2]}});
+    StationServices services{files, clock, timers, settings, log, dialogs, probes, {"editor", argv[2]}};
+    services.stateFolder = argc == 5 ? argv[4] : "";
+    CStation station(std::move(services));
     if (const auto error = station.openDatafile(argv[1])) {
         std::fprintf(stderr, "shared_editor: %s\n", error->sentence.c_str());
         return 3;
     }
-    const Editor editor(station, argv[2], static_cast<unsigned>(std::stoul(argv[3])));
+    const Editor editor(station, argv[2], static_cast<unsigned>(std::stoul(argv[3])), argc == 5);
     return QCoreApplication::exec();
 }
 

@@ -7,7 +7,9 @@
 #include "cli/probes/RegistryOptions.h"
 #include "cli/station/StationRun.h"
 #include "model/Settings.h"
+#include "platform/files/AbandonableFiles.h"
 #include "platform/files/PosixFiles.h"
+#include "platform/files/StateFolder.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
 #include "probes/SystemStepProbes.h"
@@ -133,11 +135,13 @@ ExitStatus runStationWith(CommandContext& context, const StationOptions& options
     CMessageLog log(clock);
     CLogPrinter printer(context.out, options.json);
     log.addListener(printer);
-    CPosixFiles files;
+    CAbandonableFiles files(std::make_shared<CPosixFiles>());
     CQtTimerFactory timers;
     CSystemStepProbes probes(registry, thisStation());
     CHeadlessDialogs dialogs(context.out, options.request.takeOver);
-    CStation station({files, clock, timers, settings, log, dialogs, probes.all(), thisStation()});
+    StationServices services{files, clock, timers, settings, log, dialogs, probes.all(), thisStation()};
+    services.stateFolder = stateFolderFor(context.configFolder);
+    CStation station(std::move(services));
     CStationRun stationRun(context.out, station, log, dialogs, options.request);
     run = &stationRun;
     return stationRun.run();

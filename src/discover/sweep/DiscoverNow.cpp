@@ -132,7 +132,7 @@ void CDiscoverNow::addFound(SweepResult& result) {
     std::vector<FoundHost> hosts = found();
     std::sort(hosts.begin(), hosts.end(),
               [](const FoundHost& a, const FoundHost& b) { return a.address < b.address; });
-    CHostAdder adder(document_, log_, result);
+    CHostAdder adder(document_, result);
     for (int i = 0; i < saveTries; ++i) {
         host_.recordEdit("Discover Now", [&] { adder.add(hosts); });
         claim_.letGoUnsaved();

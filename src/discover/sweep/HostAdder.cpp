@@ -19,7 +19,7 @@ void CHostAdder::add(const std::vector<FoundHost>& hosts) {
             ++result_.alreadyKnown;
             continue;
         }
-        const CHardware* device = addDiscoveredDevice(document_, log_, host.address, host.name);
+        const CHardware* device = addDiscoveredDevice(document_, host.address, host.name);
         if (!device) {
             result_.datafileFull = true;
             return;

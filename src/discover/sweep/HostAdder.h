@@ -2,7 +2,6 @@
 
 #include "discover/sweep/SweepResult.h"
 #include "model/Document.h"
-#include "model/MessageLog.h"
 
 #include <cstdint>
 #include <unordered_map>
@@ -15,8 +14,7 @@ namespace mirovane {
 class CHostAdder {
 public:
     /// All references outlive it.
-    CHostAdder(CMirovaneDoc& document, CMessageLog& log, SweepResult& result)
-        : document_(document), log_(log), result_(result) {}
+    CHostAdder(CMirovaneDoc& document, SweepResult& result) : document_(document), result_(result) {}
 
     /// Adds those whose address no device has; after a reload those that it lost. Fills the result's `added`,
     /// `alreadyKnown` and `datafileFull`.
@@ -29,7 +27,6 @@ private:
     std::unordered_map<std::uint32_t, std::int32_t> stillThere() const;
 
     CMirovaneDoc& document_;
-    CMessageLog& log_;
     SweepResult& result_;
 };
 

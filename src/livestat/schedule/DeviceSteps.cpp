@@ -18,6 +18,8 @@ bool mayChangeUnseen(TimeStamp fileStamp, TimeStamp searchBegan) {
 } // namespace
 
 std::optional<int> CDeviceSteps::nextRow(const CHardware& device, int from) const {
+    if (heldType_ && floorCode(device.Type) == *heldType_)
+        return std::nullopt;
     for (int row = from; row < criteriaRowCount; ++row) {
         const CHardware* record = document_.criteria(device.Type, row);
         if (record && rowCounts(device, row, criteriaFromRecord(*record)))
@@ -58,6 +60,8 @@ void CDeviceSteps::takeBack(JobSlot& slot, const StepJob& job) {
     const Applied applied = applyOutcome(after, job.input, job.outcome, document_.now());
     if (applied == Applied::Nothing)
         return;
+    if (const auto line = found_.replace(*device, after, slot.row))
+        log_.LogLasting(*line);
     document_.editInBackground(*device, [&after](CHardware& record) { record = std::move(after); });
     changed_ = changed_ || applied == Applied::Change;
 }
@@ -84,6 +88,7 @@ void CDeviceSteps::reportBrokenPattern(const StepJob& job) {
 
 void CDeviceSteps::reset() {
     searchAgain_.clear();
+    found_.clear();
     changed_ = false;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "livestat/schedule/FoundValues.h"
 #include "livestat/schedule/JobSlots.h"
 #include "livestat/steps/JackIndex.h"
 #include "livestat/steps/Step.h"
@@ -23,6 +24,10 @@ public:
 
     /// The first row from `from` on that is to be run for this device; nothing: it is done.
     std::optional<int> nextRow(const CHardware& device, int from) const;
+
+    /// No row of this type's devices is run until another one, or none, is named: somebody is changing its
+    /// criteria, and half a rule empties fields.
+    void hold(std::optional<std::int32_t> type) { heldType_ = type; }
 
     /// Everything that the step of this row may look at.
     StepInput input(const CHardware& device, int row);
@@ -48,8 +53,10 @@ private:
     CMirovaneDoc& document_;
     CMessageLog& log_;
     CJackIndex jacks_;
+    CFoundValues found_;
     std::set<DeviceRow> searchAgain_;      ///< although the text file's stamp says that it has not changed
     std::set<std::string> brokenPatterns_; ///< already reported
+    std::optional<std::int32_t> heldType_;
     bool changed_ = false;
 };
 

@@ -341,6 +341,13 @@ void CLiveStatScheduler::resizeSlots(std::size_t count) {
     resume();
 }
 
+void CLiveStatScheduler::holdType(std::optional<std::int32_t> type) {
+    steps_.hold(type);
+    if (type && atWork())
+        log_.LogMessage("Live Stat leaves devices of the type " + std::string(typeName(*type)) +
+                        " alone while their criteria are shown");
+}
+
 void CLiveStatScheduler::toggleTracking() {
     if (!switch_.on())
         host_.failUser("Live stat must be enabled first.");

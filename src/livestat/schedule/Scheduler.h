@@ -67,6 +67,9 @@ public:
     /// when it changes. Removing slots waits for their jobs.
     void setSettings(const LiveStatSettings& settings);
 
+    /// The criteria of this type are being changed: none of its devices is checked until the next call.
+    void holdType(std::optional<std::int32_t> type);
+
     /// Goes off with Live Stat.
     bool tracking() const { return tracking_.on(); }
     void toggleTracking();

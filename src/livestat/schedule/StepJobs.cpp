@@ -1,10 +1,60 @@
 #include "livestat/schedule/StepJobs.h"
 
 #include "livestat/steps/Engine.h"
+#include "model/records/Placeholders.h"
+#include "platform/files/FilePaths.h"
 
+#include <algorithm>
+#include <chrono>
 #include <new>
+#include <utility>
 
 namespace mirovane {
+
+namespace {
+
+/// A large text on a slow share takes its time; one that went away takes minutes.
+constexpr std::chrono::seconds longestFileStep{30};
+
+/// Without memory it is as if the step had been stopped: nothing changes, the row is run again.
+template <typename Step>
+StepOutcome cancelledWithoutMemory(const Step& step) {
+    try {
+        return step();
+    } catch (const std::bad_alloc&) {
+        StepOutcome outcome;
+        outcome.cancelled = true;
+        return outcome;
+    }
+}
+
+bool asksAShare(const StepInput& input) {
+    return input.criteria.Command == Action::SearchInTextFile ||
+           input.criteria.Command == Action::SearchForFile;
+}
+
+/// What hangs together.
+std::string folderAsked(const StepInput& input) {
+    std::string path = Expand(input.criteria.Argument, input.device, ExpandMode::Argument);
+    std::ranges::replace(path, '\\', '/');
+    return folderOf(path);
+}
+
+/// A step that hangs is left behind and changes nothing; its late outcome goes nowhere. While as many hang in
+/// its folder as may, a step is not begun.
+StepOutcome runAbandonably(const StepInput& input, const StepProbes& probes, CAbandonableCalls& calls) {
+    const auto outcome = std::make_shared<StepOutcome>();
+    const auto step = [outcome, input, probes] {
+        *outcome = cancelledWithoutMemory([&] { return runStep(input, probes); });
+    };
+    if (calls.run(folderAsked(input), step, longestFileStep, input.stop) == CAbandonableCalls::End::Done)
+        return std::move(*outcome);
+    StepOutcome nothing;
+    nothing.cancelled = input.stop.stop_requested();
+    return nothing;
+}
+
+} // namespace
 
 std::shared_ptr<StepJob> CStepJobs::start(StepInput input, std::size_t slot) {
     auto job = std::make_shared<StepJob>();
@@ -12,8 +62,8 @@ std::shared_ptr<StepJob> CStepJobs::start(StepInput input, std::size_t slot) {
     job->input.stop = job->stop.get_token();
     job->slot = slot;
     ++inbox_->inProgress;
-    const bool started = workers_.start([job, inbox = inbox_, probes = probes_] {
-        work(*job, probes);
+    const bool started = workers_.start([job, inbox = inbox_, probes = probes_, calls = fileCalls_] {
+        work(*job, probes, calls);
         const std::lock_guard lock(inbox->mutex);
         inbox->finished.push_back(job);
         --inbox->inProgress;
@@ -26,15 +76,11 @@ std::shared_ptr<StepJob> CStepJobs::start(StepInput input, std::size_t slot) {
     return job;
 }
 
-void CStepJobs::work(StepJob& job, const StepProbes& probes) {
+void CStepJobs::work(StepJob& job, const StepProbes& probes, CAbandonableCalls calls) {
     job.takenUp = true;
-    try {
-        job.outcome = runStep(job.input, probes);
-    } catch (const std::bad_alloc&) {
-        // As if it had been stopped: nothing changes, the row is run again.
-        job.outcome = {};
-        job.outcome.cancelled = true;
-    }
+    job.outcome = cancelledWithoutMemory([&] {
+        return asksAShare(job.input) ? runAbandonably(job.input, probes, calls) : runStep(job.input, probes);
+    });
 }
 
 std::vector<std::shared_ptr<StepJob>> CStepJobs::takeFinished() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "livestat/steps/Step.h"
+#include "platform/AbandonableCalls.h"
 #include "platform/Workers.h"
 #include "probes/StepProbes.h"
 
@@ -55,10 +56,11 @@ private:
         std::atomic<std::size_t> inProgress = 0;
     };
 
-    static void work(StepJob& job, const StepProbes& probes);
+    static void work(StepJob& job, const StepProbes& probes, CAbandonableCalls calls);
 
     StepProbes probes_;
     Workers& workers_;
+    CAbandonableCalls fileCalls_; ///< for the steps that a share may hold
     std::shared_ptr<Inbox> inbox_ = std::make_shared<Inbox>();
     std::shared_ptr<StepJob> newest_;
 };

@@ -3,6 +3,7 @@
 #include "model/MessageLog.h"
 #include "model/Settings.h"
 #include "platform/Clock.h"
+#include "platform/files/AbandonableFiles.h"
 #include "platform/files/PosixFiles.h"
 #include "platform/process/ProgramLauncher.h"
 #include "platform/qt/IniSettingsStore.h"
@@ -51,7 +52,7 @@ private:
     void pauseStation(bool pause);
 
     CSystemClock clock_;
-    CPosixFiles files_;
+    CAbandonableFiles files_{std::make_shared<CPosixFiles>()};
     CQtTimerFactory timers_;
     CIniSettingsStore store_;
     CRecentFiles recent_;

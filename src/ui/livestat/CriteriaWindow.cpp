@@ -1,5 +1,6 @@
 #include "ui/livestat/CriteriaWindow.h"
 
+#include "livestat/steps/DefaultRules.h"
 #include "model/CriteriaEdit.h"
 #include "model/records/ActionCatalogue.h"
 #include "ui/livestat/DeviceTypeList.h"
@@ -11,8 +12,10 @@
 
 #include <QAbstractItemView>
 #include <QFrame>
+#include <QHideEvent>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QShowEvent>
 #include <QVBoxLayout>
 
 namespace mirovane {
@@ -199,7 +202,21 @@ QLayout* CCriteriaWindow::makeButtons() {
 void CCriteriaWindow::typePicked() {
     storeTyping(); // what is being typed belongs to the type that was shown
     type_ = typeOfEntry(storedText(device_->currentText()));
+    if (isVisible())
+        station_.showCriteriaOf(type_);
     showRows();
+}
+
+void CCriteriaWindow::showEvent(QShowEvent* event) {
+    station_.showCriteriaOf(type_);
+    QDialog::showEvent(event);
+}
+
+/// The rules count from here on; not while the window is only minimized.
+void CCriteriaWindow::hideEvent(QHideEvent* event) {
+    if (!event->spontaneous())
+        station_.showCriteriaOf(std::nullopt);
+    QDialog::hideEvent(event);
 }
 
 void CCriteriaWindow::showRows() {
@@ -297,8 +314,12 @@ void CCriteriaWindow::edit(const std::function<void(CMirovaneDoc&)>& change) {
 
 void CCriteriaWindow::reset() {
     storeTyping(); // Alt+R does not leave the text box, which would write its rule over the defaults later
-    if (!dialogs_.ask({Question::Kind::ResetCriteria,
-                       "Are you sure you want to reset all the Devices' Criteria settings?"}))
+    const std::size_t count = devicesWrittenByDefaults(station_.document());
+    if (!dialogs_.ask(
+            {Question::Kind::ResetCriteria,
+             "Are you sure you want to reset all the Devices' Criteria settings?\n\nWith the default "
+             "criteria Live Stat may write the IP Address or Username of " +
+                 std::to_string(count) + (count == 1 ? " device." : " devices.")}))
         return;
     edit(resetCriteria);
     showRows();

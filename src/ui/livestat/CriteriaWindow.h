@@ -14,7 +14,8 @@ namespace mirovane {
 
 /// "Live Stat Information Retrieval Criteria": what Live Stat does with the devices of each type. There is no
 /// OK: every change is in the document the moment it is made, and in the datafile within seconds (the
-/// periodic save) or when the window closes. Other stations' changes appear while the window is open; text
+/// periodic save) or when the window closes; Live Stat leaves the devices of the type that is shown alone
+/// meanwhile. Other stations' changes appear while the window is open; text
 /// that is being typed stays. Main thread; station and dialogs outlive it.
 class CCriteriaWindow : public QDialog, private DocumentObserver {
     Q_OBJECT
@@ -33,6 +34,9 @@ public:
     void done(int result) override;
 
 private:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
     // DocumentObserver
     void recordAdded(const CHardware& record) override;
     void recordChanged(const CHardware& before, const CHardware& after) override;

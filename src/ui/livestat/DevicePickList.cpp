@@ -48,7 +48,7 @@ CDevicePickList::CDevicePickList(QWidget* parent)
 
 void CDevicePickList::offer(const CMirovaneDoc& document, std::int32_t type) {
     all_.clear();
-    std::int32_t selected = 0;
+    std::int32_t selected = pickedRecID();
     for (std::size_t i = 0; i < document.size(); ++i) {
         const CHardware& record = document.at(i);
         if (!record.isDevice() || floorCode(record.Type) != type)

@@ -19,8 +19,8 @@ class CDevicePickList : public QWidget {
 public:
     explicit CDevicePickList(QWidget* parent = nullptr);
 
-    /// Offers the devices of the type, on the floor and in the Discovered/Misc window. The first selected one
-    /// is picked, or else the first.
+    /// Offers the devices of the type, on the floor and in the Discovered/Misc window. The one that was
+    /// picked stays; at first the first selected one is, or else the first.
     void offer(const CMirovaneDoc& document, std::int32_t type);
 
     /// 0 when no device is left in the list.

@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace mirovane {
 
 CRowTrialWindow::CRowTrialWindow(const CStation& station, const Clock& clock, std::int32_t type, int row,
@@ -16,7 +18,8 @@ CRowTrialWindow::CRowTrialWindow(const CStation& station, const Clock& clock, st
       row_(new QComboBox(this)),
       devices_(new CDevicePickList(this)),
       result_(new QPlainTextEdit(this)),
-      run_(station.probes(), clock) {
+      run_(station.probes(), clock),
+      type_(type) {
     setObjectName(QStringLiteral("rowTrialWindow"));
     setWindowTitle(tr("Test Criteria of %1").arg(qText(typeName(type))));
     row_->setObjectName(QStringLiteral("trialRow"));
@@ -35,21 +38,67 @@ CRowTrialWindow::CRowTrialWindow(const CStation& station, const Clock& clock, st
     layout->addWidget(result_, 3);
     layout->addWidget(makeButtons());
     connect(&run_, &CTrialRun::finished, this, &CRowTrialWindow::showResult);
-    fillRows(type, row);
+    fillRows(row);
     devices_->offer(station.document(), type);
     devices_->searchBox().setFocus();
     enableButtons();
     resize(QSize(640, 560).expandedTo(sizeHint()));
+    station_.document().addObserver(*this);
 }
 
-void CRowTrialWindow::fillRows(std::int32_t type, int row) {
+CRowTrialWindow::~CRowTrialWindow() {
+    station_.document().removeObserver(*this);
+}
+
+void CRowTrialWindow::fillRows(int row) {
+    row_->clear();
     for (int i = 0; i < criteriaRowCount; ++i) {
-        const CHardware* record = station_.document().criteria(type, i);
+        const CHardware* record = station_.document().criteria(type_, i);
         const QString action = record ? shownText(criteriaFromRecord(*record).Command) : QString();
         row_->addItem(qText(criteriaRowLabel(i)) + QStringLiteral(":  ") + action);
     }
     row_->setMaxVisibleItems(criteriaRowCount);
     row_->setCurrentIndex(row);
+}
+
+bool CRowTrialWindow::isOffered(const CHardware& record) const {
+    return record.isDevice() ? floorCode(record.Type) == type_ : isCriteriaRecordType(record.Type);
+}
+
+void CRowTrialWindow::recordAdded(const CHardware& record) {
+    if (isOffered(record))
+        scheduleOffer();
+}
+
+void CRowTrialWindow::recordChanged(const CHardware& before, const CHardware& after) {
+    const bool sameEntry = before.Type == after.Type && before.RecID == after.RecID &&
+                           before.Name == after.Name && before.IPAddress == after.IPAddress &&
+                           before.Username == after.Username && before.Comment == after.Comment;
+    if ((isOffered(before) || isOffered(after)) && !(after.isDevice() && sameEntry))
+        scheduleOffer();
+}
+
+void CRowTrialWindow::recordRemoved(const CHardware& record) {
+    if (isOffered(record))
+        scheduleOffer();
+}
+
+void CRowTrialWindow::documentReplaced() {
+    scheduleOffer();
+}
+
+/// Once for many changes, and after them.
+void CRowTrialWindow::scheduleOffer() {
+    if (std::exchange(offerPending_, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            offerPending_ = false;
+            fillRows(row_->currentIndex());
+            devices_->offer(station_.document(), type_);
+        },
+        Qt::QueuedConnection);
 }
 
 QWidget* CRowTrialWindow::makeButtons() {

@@ -13,17 +13,27 @@
 
 namespace mirovane {
 
-/// Tries one criteria row on one device and shows what Live Stat would do. Writes nothing. Main thread; the
+/// Tries one criteria row on one device and shows what Live Stat would do. Writes nothing. What it offers is
+/// what the document holds at the moment. Main thread; the
 /// station outlives it.
-class CRowTrialWindow : public QDialog {
+class CRowTrialWindow : public QDialog, private DocumentObserver {
     Q_OBJECT
 
 public:
     CRowTrialWindow(const CStation& station, const Clock& clock, std::int32_t type, int row,
                     QWidget* parent = nullptr);
+    ~CRowTrialWindow() override;
 
 private:
-    void fillRows(std::int32_t type, int row);
+    // DocumentObserver
+    void recordAdded(const CHardware& record) override;
+    void recordChanged(const CHardware& before, const CHardware& after) override;
+    void recordRemoved(const CHardware& record) override;
+    void documentReplaced() override;
+
+    bool isOffered(const CHardware& record) const;
+    void scheduleOffer();
+    void fillRows(int row);
     QWidget* makeButtons();
     void start();
     void showResult(const RowTrial& trial);
@@ -36,6 +46,8 @@ private:
     QPushButton* test_ = nullptr;
     QPushButton* stop_ = nullptr;
     CTrialRun run_;
+    std::int32_t type_;
+    bool offerPending_ = false;
 };
 
 } // namespace mirovane

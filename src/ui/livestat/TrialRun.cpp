@@ -1,10 +1,14 @@
 #include "ui/livestat/TrialRun.h"
 
+#include "platform/AbandonableCalls.h"
 #include "ui/widgets/DialogText.h"
 
 #include <QStringList>
 
+#include <chrono>
+#include <memory>
 #include <system_error>
+#include <utility>
 
 namespace mirovane {
 
@@ -17,6 +21,22 @@ QString quoted(const std::string& bytes) {
 QString indented(const std::string& lines) {
     const QString text = shownText(lines).trimmed();
     return QStringLiteral("    ") + QString(text).replace(u'\n', QStringLiteral("\n    "));
+}
+
+/// Whoever closes the window waits for no share that hangs.
+RowTrial trialOf(const StepInput& input, const StepProbes& probes, const Clock& clock) {
+    constexpr std::chrono::hours patience{1};
+    const auto trial = std::make_shared<RowTrial>();
+    const auto call = [trial, input, probes, &clock] {
+        *trial = tryRow(input, probes, clock);
+    };
+    if (CAbandonableCalls().run({}, call, patience, input.stop) == CAbandonableCalls::End::Done)
+        return std::move(*trial);
+    RowTrial none;
+    none.row = input.row;
+    none.command = input.criteria.Command;
+    none.cancelled = true;
+    return none;
 }
 
 } // namespace
@@ -36,7 +56,7 @@ void CTrialRun::start(const CMirovaneDoc& document, const CHardware& device, int
     // The trial gets copies: the record may change or go while the probe waits for its answer.
     try {
         thread_ = std::jthread([this, input = trialInput(document, device, row, stop_.get_token())] {
-            const RowTrial trial = tryRow(input, probes_, clock_);
+            const RowTrial trial = trialOf(input, probes_, clock_);
             QMetaObject::invokeMethod(
                 this, [this, trial] { report(trial); }, Qt::QueuedConnection);
         });

@@ -256,12 +256,31 @@ TEST_F(CriteriaWindowTest, AnotherStationsRulesAppearAndTypedTextStays) {
     EXPECT_EQ(stored(DeviceType::Computer, 0).Argument, "$mvN $mvI");
 }
 
+TEST_F(CriteriaWindowTest, LiveStatRunsNoRuleThatIsShown) {
+    chooseType(DeviceType::Printer);
+    a.station->toggleLiveStat();
+    pass(20'000);
+    EXPECT_EQ(a.device(1).State, DeviceState::Def) << "half a rule must not be run";
+    chooseType(DeviceType::Computer);
+    pass(20'000);
+    EXPECT_EQ(a.device(1).State, DeviceState::Off);
+    chooseType(DeviceType::Printer);
+    a.probes.answer("127.0.0.1");
+    pass(20'000);
+    EXPECT_EQ(a.device(1).State, DeviceState::Off);
+    window->close();
+    pass(20'000);
+    EXPECT_EQ(a.device(1).State, DeviceState::On);
+}
+
 TEST_F(CriteriaWindowTest, ResetAsksFirst) {
     choose(list(1, "Command"), "Set Value");
     auto* reset = find<QPushButton>(QStringLiteral("reset"));
     reset->click();
     EXPECT_EQ(a.dialogs.questions,
-              test::Lines{"Are you sure you want to reset all the Devices' Criteria settings?"});
+              test::Lines{"Are you sure you want to reset all the Devices' Criteria settings?\n\nWith the "
+                          "default criteria Live Stat may write the IP Address or Username of 0 devices."})
+        << "printers are not among them";
     EXPECT_EQ(stored(DeviceType::Computer, 1).Command, "Set Value");
     a.dialogs.answer = true;
     type(box(1, "Argument"), "before the reset");

@@ -176,11 +176,14 @@ SaveReport CFileCommands::saveWaiting() {
 }
 
 bool CFileCommands::mayLose(const FileError& error) {
+    const char* fate =
+        station_.unsavedEditsKept()
+            ? "Your changes are kept on this computer for later: they are put into the datafile "
+              "when it is next opened here."
+            : "What was changed since the last save is lost then.";
     return dialogs_.ask(
-        {Question::Kind::LeaveUnsaved,
-         "The datafile could not be saved.\n\n" + error.sentence +
-             "\n\nDo you want to leave it all the same? What was changed since the last save is lost "
-             "then."});
+        {Question::Kind::LeaveUnsaved, "The datafile could not be saved.\n\n" + error.sentence +
+                                           "\n\nDo you want to leave it all the same? " + fate});
 }
 
 void CFileCommands::showSaveError(const FileError& error) {
