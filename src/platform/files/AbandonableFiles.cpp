@@ -1,10 +1,14 @@
 #include "platform/files/AbandonableFiles.h"
 
+#include "platform/BlockedSignals.h"
 #include "platform/files/FilePaths.h"
 
 #include <cerrno>
+#include <condition_variable>
 #include <mutex>
 #include <optional>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 namespace mirovane {
@@ -15,6 +19,7 @@ struct CAbandonableFiles::Shared {
     const std::shared_ptr<Files> files;
     const Patience patience;
     CAbandonableCalls calls{{1, 100, patience.signOfLife}};
+    CAbandonableCalls pulse{{1, 100, patience.signOfLife}};
 
     using Status = Result<FileIdentity, FileError>;
 
@@ -52,18 +57,50 @@ struct CAbandonableFiles::Shared {
         -> std::invoke_result_t<Work> {
         using Value = std::invoke_result_t<Work>;
         const auto answer = std::make_shared<Answer<Value>>();
-        if (ask(path, span, answer, std::move(work)))
+        std::stop_source gone;
+        const std::jthread watcher = span > patience.signOfLife ? watch(path, gone) : std::jthread();
+        if (ask(path, span, answer, std::move(work), gone.get_token()))
             return *answer->take();
         return notAnswering(path);
     }
 
+    /// While something long is under way: looks from time to time whether the folder still answers at all, so
+    /// that nobody waits to the end for a share that went away in the middle. A line that the transfer fills
+    /// is given more time for that. Without a thread to spare nobody looks.
+    std::jthread watch(const std::string& path, const std::stop_source& gone) {
+        const CBlockedSignals noSignals;
+        try {
+            return std::jthread([this, path, gone](const std::stop_token& over) mutable {
+                std::mutex mutex;
+                std::condition_variable_any ending;
+                std::unique_lock lock(mutex);
+                const auto never = [] {
+                    return false;
+                };
+                do
+                    ending.wait_for(lock, over, patience.signOfLife, never);
+                while (!over.stop_requested() && looksAlive(path, over));
+                gone.request_stop();
+            });
+        } catch (const std::system_error&) {
+            return {};
+        }
+    }
+
+    bool looksAlive(const std::string& path, const std::stop_token& over) {
+        const auto look = [its = files, path] {
+            (void)its->status(path);
+        };
+        return pulse.run(folderOf(path), look, 3 * patience.signOfLife, over) == CAbandonableCalls::End::Done;
+    }
+
     template <typename Value, typename Work>
     bool ask(const std::string& path, std::chrono::milliseconds span,
-             const std::shared_ptr<Answer<Value>>& answer, Work work) {
+             const std::shared_ptr<Answer<Value>>& answer, Work work, const std::stop_token& stop = {}) {
         const auto call = [answer, work = std::move(work)]() mutable {
             answer->put(work());
         };
-        return calls.run(folderOf(path), std::move(call), span) == CAbandonableCalls::End::Done;
+        return calls.run(folderOf(path), std::move(call), span, stop) == CAbandonableCalls::End::Done;
     }
 
     Status status(const std::string& path, std::chrono::milliseconds span) {
@@ -136,8 +173,10 @@ Result<FileIdentity, FileError> CAbandonableFiles::status(const std::string& pat
     const auto work = [files = shared_->files, path] {
         return files->status(path);
     };
-    if (shared_->ask(path, shared_->patience.status, answer, work))
+    if (shared_->ask(path, shared_->patience.status, answer, work)) {
+        late = {}; // this one is newer
         return *answer->take();
+    }
     if (late.path != path || !late.answer) // else that one is still on its way
         late = {path, answer};
     return Shared::notAnswering(path);

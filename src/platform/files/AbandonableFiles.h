@@ -16,7 +16,7 @@ namespace mirovane {
 /// Whoever asks from time to time what a file is like waits for no more than a frame: an answer that comes
 /// later is the answer to the next question, unless the file was locked in between. Before anything long is
 /// begun the folder is asked for a sign of life, so that a save to a share that went away costs half a
-/// second, once.
+/// second, once; one that goes away in the middle costs two.
 ///
 /// What was given up may be done later all the same: a lock is then let go, and a new content counts as
 /// another station's save, which is merged with what is in memory. Main thread.

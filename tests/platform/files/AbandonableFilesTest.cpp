@@ -57,19 +57,18 @@ protected:
         while (hanging->waiting() > 0)
             std::this_thread::yield();
     }
-    bool answersAgain() {
+    bool answersAgain(CAbandonableFiles& asked) {
         hanging->hang(false);
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!share.status(path) && std::chrono::steady_clock::now() < deadline)
+        while (!asked.status(path) && std::chrono::steady_clock::now() < deadline)
             std::this_thread::yield();
-        return share.status(path).ok();
+        return asked.status(path).ok();
     }
 
     std::shared_ptr<HangingCalls> hanging = std::make_shared<HangingCalls>();
     std::shared_ptr<CPosixFiles> posix = std::make_shared<CPosixFiles>(*hanging, backup.path());
-    CAbandonableFiles share{
-        posix,
-        {std::chrono::milliseconds(300), std::chrono::milliseconds(300), std::chrono::milliseconds(300)}};
+    static constexpr std::chrono::milliseconds span{300};
+    CAbandonableFiles share{posix, {span, span, span}};
 };
 
 TEST_F(AbandonableFilesTest, AShareThatHangsIsAskedOnceAndUsedAgainWhenItIsBack) {
@@ -86,7 +85,7 @@ TEST_F(AbandonableFilesTest, AShareThatHangsIsAskedOnceAndUsedAgainWhenItIsBack)
     EXPECT_EQ(readBytes(path), before);
     const TestFolder elsewhere;
     writeBytes(elsewhere.file("other.mv"), before);
-    ASSERT_TRUE(answersAgain());
+    ASSERT_TRUE(answersAgain(share));
     EXPECT_FALSE(save(share, path, after));
     EXPECT_EQ(readBytes(path), after);
 }
@@ -128,14 +127,16 @@ TEST_F(AbandonableFilesTest, AnAnswerThatComesLateIsTheNextOneUnlessTheFileWasUs
 /// The new file was in place when the share went: the next save must find that out, and find no lock of ours.
 TEST_F(AbandonableFilesTest, ASaveThatWasGivenUpIsWholeAndLetsGoOfItsLock) {
     writeBytes(path, before);
-    auto locked = share.lock(path, FileAccess::Write, patience);
+    CAbandonableFiles slow(posix, {span, span, std::chrono::hours(1)});
+    auto locked = slow.lock(path, FileAccess::Write, patience);
     ASSERT_TRUE(locked);
     hanging->hangAfterRename = true;
+    // Long before the hour is over that a transfer may take.
     const auto replaced = locked.value()->replace(after);
     ASSERT_FALSE(replaced);
     EXPECT_EQ(replaced.error().kind, FileError::Kind::NotAnswering);
     locked.value().reset();
-    ASSERT_TRUE(answersAgain());
+    ASSERT_TRUE(answersAgain(slow));
     EXPECT_EQ(readBytes(path), after);
     EXPECT_FALSE(save(files, path, before)) << "another station can have the file";
 }
