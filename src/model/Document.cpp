@@ -40,25 +40,12 @@ const CHardware* CMirovaneDoc::findDevice(std::int32_t recID) const {
 }
 
 const CHardware* CMirovaneDoc::findDevice(const DeviceKey& key) const {
-    if (key.twin == 0)
-        return findDevice(key.recID);
-    std::size_t before = 0;
-    for (const auto& record : records_)
-        if (record->isDevice() && record->RecID == key.recID && before++ == key.twin)
-            return record.get();
-    return nullptr;
+    const auto place = index_.device(records_, key.recID, key.twin);
+    return place ? records_[*place].get() : nullptr;
 }
 
 DeviceKey CMirovaneDoc::keyOf(const CHardware& device) const {
-    DeviceKey key{device.RecID, 0};
-    if (findDevice(device.RecID) == &device)
-        return key;
-    for (const auto& record : records_) {
-        if (record.get() == &device)
-            break;
-        key.twin += record->isDevice() && record->RecID == device.RecID ? 1 : 0;
-    }
-    return key;
+    return {device.RecID, index_.twinOf(records_, placeOf(device))};
 }
 
 const CHardware* CMirovaneDoc::findSpecial(std::int32_t type) const {
@@ -94,6 +81,14 @@ CHardware& CMirovaneDoc::slot(const CHardware& record) {
 // ---- edits
 
 const CHardware* CMirovaneDoc::append(CHardware record) {
+    return appended(std::move(record), &CEditJournal::added);
+}
+
+const CHardware* CMirovaneDoc::bringBack(CHardware record) {
+    return appended(std::move(record), &CEditJournal::cameBack);
+}
+
+const CHardware* CMirovaneDoc::appended(CHardware record, void (CEditJournal::*note)(const CHardware&)) {
     if (records_.size() >= Datafile::maxRecords) {
         log_.LogMessage("The datafile is full (65,534 records); nothing was added", true);
         return nullptr;
@@ -109,7 +104,7 @@ const CHardware* CMirovaneDoc::append(CHardware record) {
     const CHardware& added = *records_.back();
     modified_ = true;
     if (keepsJournal_)
-        journal_.added(added);
+        (journal_.*note)(added);
     for (DocumentObserver* observer : observers_)
         observer->recordAdded(added);
     return &added;

@@ -43,7 +43,7 @@ public:
     /// when none.
     const CHardware* findDevice(std::int32_t recID) const;
 
-    /// The device meant, also where its record ID is in the list twice. For a second one it walks the list.
+    /// The device meant, also where its record ID is in the list twice.
     const CHardware* findDevice(const DeviceKey& key) const;
     DeviceKey keyOf(const CHardware& device) const;
 
@@ -67,6 +67,10 @@ public:
     /// Appends a record as it is. Null, and a line in the log, when the datafile is full (65,534 records: one
     /// more and no station could open it again) or memory runs out.
     const CHardware* append(CHardware record);
+
+    /// As `append`, for a record that was removed from this list: a removal that is in no datafile yet is
+    /// none any more, so that a merge knows the record as the one that other stations have.
+    const CHardware* bringBack(CHardware record);
 
     /// A new device of this type: next record ID, the type's priority, Modified now. Otherwise as `append`.
     const CHardware* addDevice(std::int32_t type, const std::function<void(CHardware&)>& fill = {});
@@ -131,6 +135,7 @@ public:
     void removeObserver(DocumentObserver& observer) const;
 
 private:
+    const CHardware* appended(CHardware record, void (CEditJournal::*note)(const CHardware&));
     CHardware& slot(const CHardware& record);
     std::size_t placeOf(const CHardware& record) const;
     void setFlag(const CHardware& record, std::int32_t CHardware::*flag, bool on);

@@ -2,6 +2,7 @@
 
 #include "model/records/SpecialRecords.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace mirovane {
@@ -51,7 +52,38 @@ void CEditJournal::removed(std::unique_ptr<CHardware> gone) {
         changes_.erase(entry);
         *gone = std::move(base);
     }
+    if (gone->isDevice())
+        removedDevices_[gone->RecID] = removals_.size();
     removals_.push_back(std::move(gone));
+}
+
+std::optional<std::size_t> CEditJournal::removalOf(const CHardware& record) const {
+    if (record.isDevice()) {
+        const auto known = removedDevices_.find(record.RecID);
+        return known == removedDevices_.end() ? std::nullopt : std::optional(known->second);
+    }
+    const auto same = std::ranges::find_if(removals_, [&](const auto& gone) {
+        return gone->Type == record.Type &&
+               (!isListedSpecial(record.Type) || changedFields(*gone, record).none());
+    });
+    if (same == removals_.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(same - removals_.begin());
+}
+
+void CEditJournal::cameBack(const CHardware& record) {
+    const auto place = removalOf(record);
+    if (!place) {
+        added(record);
+        return;
+    }
+    const std::unique_ptr<CHardware> base = std::exchange(removals_[*place], std::move(removals_.back()));
+    removals_.pop_back();
+    if (base->isDevice())
+        removedDevices_.erase(base->RecID);
+    if (*place < removals_.size() && removals_[*place]->isDevice())
+        removedDevices_[removals_[*place]->RecID] = *place;
+    changed(*base, record, allFields);
 }
 
 /// not the clear() of the tables: that would go through the tables as large as they once were at every later
@@ -61,6 +93,8 @@ void CEditJournal::clear() {
         added_ = {};
     if (!changes_.empty())
         changes_ = {};
+    if (!removals_.empty())
+        removedDevices_ = {};
     removals_.clear();
     keepsChanges_ = false;
 }

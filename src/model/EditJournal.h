@@ -5,7 +5,9 @@
 
 #include <bitset>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -48,6 +50,9 @@ public:
 
     void added(const CHardware& record) { added_.insert(&record); }
 
+    /// A removed record is in the list again: as `added`, or back to what the datafile still holds.
+    void cameBack(const CHardware& record);
+
     /// `after` is the record of the list. Of the fields that differ, those in `byUser` are the user's edit.
     void changed(const CHardware& before, const CHardware& after, const FieldSet& byUser);
 
@@ -69,9 +74,12 @@ public:
     const std::unordered_map<const CHardware*, Change>& changes() const { return changes_; }
 
 private:
+    std::optional<std::size_t> removalOf(const CHardware& record) const;
+
     std::unordered_set<const CHardware*> added_;
     std::unordered_map<const CHardware*, Change> changes_;
     Datafile::RecordList removals_;
+    std::unordered_map<std::int32_t, std::size_t> removedDevices_; ///< place in removals_ by record ID
     bool keepsChanges_ = false; ///< some of them are not found again by themselves
 };
 

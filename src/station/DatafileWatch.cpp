@@ -136,9 +136,19 @@ void CDatafileWatch::endEdit() {
         timer_->start(watchPeriod);
 }
 
-void CDatafileWatch::settleReload() {
+bool CDatafileWatch::behind() const {
     if (phase() == Phase::ReloadWaiting)
-        finishReload();
+        return true;
+    if (phase() != Phase::Watching || link_.path().empty())
+        return false;
+    const auto status = files_.status(link_.path());
+    return status && status.value() != link_.knownIdentity();
+}
+
+void CDatafileWatch::catchUp() {
+    timer_->stop();
+    host_.stopReminders();
+    finishReload();
 }
 
 // ---- ticks

@@ -98,9 +98,11 @@ public:
     void beginEdit();
     void endEdit();
 
-    /// Reads a datafile for which a reload waits, now: before a copy of it is made, which must not be older
-    /// than the original. No job may be in progress.
-    void settleReload();
+    /// Another station has saved what this one has not read yet. Asks the disk.
+    bool behind() const;
+
+    /// Reads it now: before a copy of the datafile is made or an edit is undone. No job may be in progress.
+    void catchUp();
 
 private:
     /// All that one datafile leaves behind; the next one begins with a fresh one.

@@ -29,7 +29,7 @@ CStation::CStation(StationServices services)
       link_(document_, services_.files, services_.log),
       kept_(document_, services_.log, services_.stateFolder),
       watch_(link_, document_, services_.files, services_.clock, services_.timers, services_.log, *this),
-      door_(document_, *this),
+      door_(document_, services_.log, *this),
       liveMove_(document_, watch_, door_),
       export_(document_, link_, services_.settings, services_.log, services_.makeExportFiles),
       reminders_(document_, services_.timers, [this] { reminderTick(); }),
@@ -102,7 +102,7 @@ void CStation::begin() {
     features_.reset();
     discovered_ = 0;
     reminders_.reset();
-    door_.history().clear();
+    door_.forgetHistory();
     liveMove_.forget();
     display_.FloorMapHidden = false;
     export_.takeDatafile();
@@ -114,6 +114,8 @@ void CStation::begin() {
 }
 
 SaveReport CStation::saveDatafile() {
+    if (door_.postponesSave())
+        return {};
     SaveReport report = watch_.save();
     if (!watch_.busy()) // the reload settles it; the export file must not be ahead of the datafile
         settleList();
@@ -121,10 +123,7 @@ SaveReport CStation::saveDatafile() {
 }
 
 SaveReport CStation::saveDatafileAs(const std::string& path) {
-    if (watch_.phase() == CDatafileWatch::Phase::ReloadWaiting) {
-        waitForLiveStat();
-        watch_.settleReload();
-    }
+    readNews(); // the copy must not be older than the original
     const bool leaving = !link_.path().empty() && absolutePath(path) != link_.path();
     CFeatures::Moving moving;
     if (leaving)
@@ -171,6 +170,32 @@ void CStation::bringToFront(const CHardware& device) {
         return;
     if (!liveStat().holdsDevice(document_.at(end - 1).RecID))
         document_.exchange(*place, end - 1);
+}
+
+SaveReport CStation::undo() {
+    if (liveMove_.held())
+        return {}; // what is under the hand is not a step yet
+    readNews();
+    return door_.undo();
+}
+
+SaveReport CStation::redo() {
+    if (liveMove_.held())
+        return {};
+    readNews();
+    return door_.redo();
+}
+
+/// What another station has saved must be seen to stay.
+void CStation::readNews() {
+    if (door_.changing() || !watch_.behind())
+        return;
+    waitForLiveStat();
+    watch_.catchUp();
+}
+
+void CStation::historyChanged() {
+    tell(&StationObserver::historyChanged);
 }
 
 void CStation::waitForLiveStat() {
@@ -290,6 +315,8 @@ void CStation::failUser(const std::string& text) {
 }
 
 SaveResult CStation::saveNow(SaveNote note) {
+    if (door_.postponesSave())
+        return SaveResult::Saved; // at the end of the edit; a failure is told and tried again there
     const auto before = FeatureOwner::stations(document_);
     // Devices of earlier runs may have waited for the periodic save, which this save makes needless.
     const bool devicesChanged = note != SaveNote::None || pendingChanges();
@@ -314,6 +341,8 @@ void CStation::deviceDiscovered() {
 
 void CStation::recordEdit(const std::string& name, const std::function<void()>& change) {
     door_.record(name, change);
+    if (door_.takePostponedSave())
+        saveDatafile();
 }
 
 void CStation::hostsDiscovered(std::size_t count) {

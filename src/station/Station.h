@@ -147,7 +147,13 @@ public:
     /// is being checked: Live Stat goes through the list. Saved with the next save.
     void bringToFront(const CHardware& device);
 
-    /// The user's latest edits.
+    /// Takes the user's latest edit back, or makes the one that was undone last again, and saves; see
+    /// CEditDoor. What another station has saved is read first. The log names what stays, because somebody
+    /// else has written it since.
+    SaveReport undo();
+    SaveReport redo();
+
+    /// The user's latest edits, and what is undone and redone next.
     const CEditHistory& history() const { return door_.history(); }
 
     /// Which devices are selected: no edit, and never saved.
@@ -215,6 +221,7 @@ private:
     // EditDoorHost
     void beforeEdit(const EditRequest& request) override;
     SaveReport afterEdit(const EditRequest& request, bool changed) override;
+    void historyChanged() override;
 
     // DocumentObserver
     void documentReplaced() override;
@@ -238,6 +245,7 @@ private:
     void reminderTick();
     void keepOwnerAlive();
     void waitForLiveStat();
+    void readNews();
     bool wantsLiveStat() const { return services_.autoStart && liveStatSettings_.LSAutoStart; }
     template <typename... Parameters, typename... Arguments>
     void tell(void (StationObserver::*news)(Parameters...), Arguments... arguments);

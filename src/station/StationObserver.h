@@ -22,6 +22,9 @@ public:
     /// A reminder check found due reminders, or found that none is due any more.
     virtual void remindersChanged() {}
 
+    /// Another step is undone or redone next; see CEditHistory.
+    virtual void historyChanged() {}
+
     /// Track Live Stat is on and the check of this device begins.
     virtual void deviceTracked(std::int32_t recID) { (void)recID; }
 

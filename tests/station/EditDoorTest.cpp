@@ -138,5 +138,42 @@ TEST_F(EditDoorTest, AnEditThatThrowsLeavesTheStationAtWork) {
     EXPECT_EQ(a.device(1).Name, "by b");
 }
 
+/// The records must not be replaced while an edit holds some of them.
+TEST_F(EditDoorTest, ASaveWithinAnEditComesAfterIt) {
+    open(a);
+    open(b);
+    rename(b, 2, "by b");
+    ASSERT_TRUE(b.station->saveDatafile().saved());
+    const SaveReport report =
+        a.station->edit({EditRequest::Kind::Settings, "Rename", {}, EditRequest::Saving::Later},
+                        [this](CMirovaneDoc& document) {
+                            const CHardware& first = a.device(1);
+                            EXPECT_EQ(a.station->saveDatafile().outcome, SaveReport::Outcome::Deferred);
+                            document.editByUser(first, [](CHardware& held) { held.Name = "by a"; });
+                        });
+    EXPECT_TRUE(report.saved());
+    EXPECT_EQ(a.device(2).Name, "by b");
+    EXPECT_EQ(open(b).device(1).Name, "by a");
+    a.station->undo();
+    EXPECT_EQ(a.device(1).Name, "");
+}
+
+TEST_F(EditDoorTest, AnEditWithinAnEditIsRefused) {
+    open(a);
+    updateDevices(*a.station, std::array{1}, [](CHardware& held) { held.Name = "first"; });
+    bool ran = false;
+    a.station->edit({EditRequest::Kind::Settings, "Outer", {}}, [&](CMirovaneDoc& document) {
+        const SaveReport inner =
+            a.station->edit({EditRequest::Kind::Settings, "Inner", {}}, [&](CMirovaneDoc&) { ran = true; });
+        EXPECT_TRUE(inner.failed());
+        EXPECT_EQ(inner.error->sentence, "\"Inner\" was not done: another edit is being made");
+        EXPECT_TRUE(a.station->undo().failed());
+        document.editByUser(a.device(2), [](CHardware& held) { held.Name = "second"; });
+    });
+    EXPECT_FALSE(ran);
+    EXPECT_EQ(a.device(1).Name, "first");
+    EXPECT_EQ(lastStep().name, "Outer");
+}
+
 } // namespace
 } // namespace mirovane::test

@@ -20,7 +20,7 @@ constexpr int mostAttempts = 5;
 class CLooseDocument final : private EditDoorHost {
 public:
     explicit CLooseDocument(Files& files)
-        : log_(clock_), doc(clock_, log_, thisStation()), link(doc, files, log_), door_(doc, *this) {}
+        : log_(clock_), doc(clock_, log_, thisStation()), link(doc, files, log_), door_(doc, log_, *this) {}
 
     /// The edit and its one save. A refused edit is not saved.
     SaveReport edit(const LinkedEdit& edit, std::optional<EditRefusal>& refusal) {

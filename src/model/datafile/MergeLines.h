@@ -11,10 +11,6 @@ namespace mirovane {
 /// record and quotes every value that is no longer in the datafile, whole, so that it can be typed in again.
 namespace MergeLines {
 
-/// `device 12 "pc-12"`, `external application "Browse"`, `criteria "IP Address" of Computer`: as our station
-/// knows the record.
-std::string nameOf(const CHardware& record);
-
 /// Both stations changed the field; ours, saved later, stays.
 std::string gaveWay(const CHardware& ours, const CHardware& theirs, const RecordField& field);
 
