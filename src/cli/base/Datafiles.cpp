@@ -23,11 +23,11 @@ public:
         : log_(clock_), doc(clock_, log_, thisStation()), link(doc, files, log_), door_(doc, log_, *this) {}
 
     /// The edit and its one save. A refused edit is not saved.
-    SaveReport edit(const LinkedEdit& edit, std::optional<EditRefusal>& refusal) {
+    SaveReport edit(const std::string& name, const LinkedEdit& edit, std::optional<EditRefusal>& refusal) {
         const auto change = [&](CMirovaneDoc& document) {
             refusal_ = edit(document, link);
         };
-        const SaveReport report = door_.edit({EditRequest::Kind::Change, "Edit", {}}, change);
+        const SaveReport report = door_.edit({EditRequest::Kind::Change, name, {}}, change);
         refusal = refusal_;
         return report;
     }
@@ -49,8 +49,8 @@ private:
 };
 
 /// Nothing when the file changed under the edit and another attempt may follow.
-std::optional<ExitStatus> attemptEdit(COutput& out, const std::string& path, const LinkedEdit& edit,
-                                      bool last) {
+std::optional<ExitStatus> attemptEdit(COutput& out, const std::string& path, const std::string& name,
+                                      const LinkedEdit& edit, bool last) {
     CPosixFiles system;
     CExclusiveFiles files(system);
     CLooseDocument loose(files);
@@ -59,7 +59,7 @@ std::optional<ExitStatus> attemptEdit(COutput& out, const std::string& path, con
         return ExitStatus::FileFailed;
     }
     std::optional<EditRefusal> refusal;
-    const SaveReport report = loose.edit(edit, refusal);
+    const SaveReport report = loose.edit(name, edit, refusal);
     if (refusal) {
         if (!refusal->sentence.empty())
             out.diagnose(refusal->sentence);
@@ -100,14 +100,17 @@ std::optional<Datafile::Content> readDatafile(COutput& out, const std::string& p
     return std::move(content.value());
 }
 
-ExitStatus editDatafile(COutput& out, const std::string& path, const DatafileEdit& edit) {
-    return editDatafile(
-        out, path, LinkedEdit([&edit](CMirovaneDoc& document, CDatafileLink&) { return edit(document); }));
+ExitStatus editDatafile(COutput& out, const std::string& path, const std::string& name,
+                        const DatafileEdit& edit) {
+    return editDatafile(out, path, name, LinkedEdit([&edit](CMirovaneDoc& document, CDatafileLink&) {
+                            return edit(document);
+                        }));
 }
 
-ExitStatus editDatafile(COutput& out, const std::string& path, const LinkedEdit& edit) {
+ExitStatus editDatafile(COutput& out, const std::string& path, const std::string& name,
+                        const LinkedEdit& edit) {
     for (int attempt = 1;; ++attempt)
-        if (const auto status = attemptEdit(out, path, edit, attempt == mostAttempts))
+        if (const auto status = attemptEdit(out, path, name, edit, attempt == mostAttempts))
             return *status;
 }
 

@@ -31,9 +31,12 @@ using LinkedEdit = std::function<std::optional<EditRefusal>(CMirovaneDoc&, CData
 
 /// Opens the datafile with its post-load pass, applies the edit and saves once. The file is locked from
 /// before it is read until it has been saved, so that of any number of commands at once each builds on the
-/// one before. When anything fails the file stays as it was and standard error says why.
-ExitStatus editDatafile(COutput& out, const std::string& path, const DatafileEdit& edit);
-ExitStatus editDatafile(COutput& out, const std::string& path, const LinkedEdit& edit);
+/// one before. When anything fails the file stays as it was and standard error says why. `name` says what the
+/// edit does: "Delete devices".
+ExitStatus editDatafile(COutput& out, const std::string& path, const std::string& name,
+                        const DatafileEdit& edit);
+ExitStatus editDatafile(COutput& out, const std::string& path, const std::string& name,
+                        const LinkedEdit& edit);
 
 /// As `editDatafile` without saving: for looking at the document as the program would show it.
 ExitStatus viewDatafile(COutput& out, const std::string& path,

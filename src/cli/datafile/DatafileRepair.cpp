@@ -43,7 +43,7 @@ DatafileRepair repairDatafile(COutput& out, const std::string& path) {
         link.strayBytesKept();
         return std::nullopt;
     };
-    repair.status = editDatafile(out, path, mend);
+    repair.status = editDatafile(out, path, "Repair the datafile", mend);
     if (repair.status != ExitStatus::Done || repair.nothingDone())
         return repair;
     copy.keep();

@@ -35,8 +35,8 @@ ExitStatus runUpgrade(CommandContext& context) {
     const auto before = readDatafile(context.out, path);
     if (!before)
         return ExitStatus::FileFailed;
-    const ExitStatus status =
-        editDatafile(context.out, path, [](CMirovaneDoc&) { return std::optional<EditRefusal>(); });
+    const ExitStatus status = editDatafile(context.out, path, "Upgrade",
+                                           [](CMirovaneDoc&) { return std::optional<EditRefusal>(); });
     if (status == ExitStatus::Done)
         context.out.printLine("version " + std::to_string(before->fileVersion) + " to " +
                               std::to_string(Datafile::currentVersion));
@@ -82,8 +82,8 @@ ExitStatus runAdd(CommandContext& context) {
     if (!filled)
         return usageError(context, filled.error());
     std::int32_t recID = 0;
-    const ExitStatus status =
-        editDatafile(context.out, words[0], [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
+    const ExitStatus status = editDatafile(
+        context.out, words[0], "Add a device", [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
             const CHardware* device = doc.addDevice(
                 code, [&](CHardware& fresh) { fresh = changedBy(edit.value(), fresh, false).value(); });
             if (!device)
@@ -117,8 +117,8 @@ ExitStatus runDelete(CommandContext& context) {
     const auto recIDs = recordIDArguments(std::span(words).subspan(1));
     if (!recIDs)
         return usageError(context, recIDs.error().sentence);
-    const ExitStatus status =
-        editDatafile(context.out, words[0], [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
+    const ExitStatus status = editDatafile(
+        context.out, words[0], "Delete devices", [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
             const auto chosen = chosenDevices(doc, recIDs.value(), "cannot delete", words[0]);
             if (!chosen)
                 return chosen.error();

@@ -163,8 +163,8 @@ ExitStatus runImport(CommandContext& context) {
         return ExitStatus::No;
     }
     std::vector<std::int32_t> recIDs;
-    const ExitStatus status =
-        editDatafile(context.out, words[0], [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
+    const ExitStatus status = editDatafile(
+        context.out, words[0], "Import devices", [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
             recIDs.clear();
             for (const ClipboardReading::Row& row : reading.rows) {
                 CHardware device = row.device;

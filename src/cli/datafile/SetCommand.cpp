@@ -143,20 +143,20 @@ ExitStatus tryOut(COutput& out, const SetRequest& request) {
 
 ExitStatus change(COutput& out, const SetRequest& request) {
     std::vector<std::int32_t> touched;
-    const ExitStatus status =
-        editDatafile(out, request.path, [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
-            const auto devices = devicesToChange(doc, request);
-            if (!devices)
-                return devices.error();
-            touched.clear();
-            std::vector<DeviceKey> keys;
-            for (const CHardware* device : devices.value()) {
-                touched.push_back(device->RecID);
-                keys.push_back(doc.keyOf(*device));
-            }
-            applyProperties(doc, keys, request.edit);
-            return std::nullopt;
-        });
+    const ExitStatus status = editDatafile(out, request.path, "Change devices",
+                                           [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
+                                               const auto devices = devicesToChange(doc, request);
+                                               if (!devices)
+                                                   return devices.error();
+                                               touched.clear();
+                                               std::vector<DeviceKey> keys;
+                                               for (const CHardware* device : devices.value()) {
+                                                   touched.push_back(device->RecID);
+                                                   keys.push_back(doc.keyOf(*device));
+                                               }
+                                               applyProperties(doc, keys, request.edit);
+                                               return std::nullopt;
+                                           });
     if (status == ExitStatus::Done)
         printRecIDs(out, touched);
     return status;

@@ -121,7 +121,7 @@ ExitStatus runRanges(CommandContext& context) {
     if (!changes)
         return usageError(context, changes.error().sentence);
     if (!changes.value().added.empty() || !changes.value().deleted.empty())
-        return editDatafile(context.out, file,
+        return editDatafile(context.out, file, "Change address ranges",
                             [&](CMirovaneDoc& doc) { return apply(doc, changes.value()); });
     return viewDatafile(context.out, file, [&](const CMirovaneDoc& doc) {
         const auto ranges = discoverRanges(doc);

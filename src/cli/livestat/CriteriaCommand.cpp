@@ -178,7 +178,8 @@ ExitStatus changeRows(CommandContext& context, std::int32_t type) {
             resetCriteria(doc);
         return applyChanges(doc, type, changes.value());
     };
-    const ExitStatus status = editDatafile(context.out, context.arguments.positionals[0], edit);
+    const ExitStatus status =
+        editDatafile(context.out, context.arguments.positionals[0], "Change criteria", edit);
     if (status == ExitStatus::Done)
         warnOfPatterns(context.out, changes.value());
     return status;
