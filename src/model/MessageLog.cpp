@@ -1,5 +1,7 @@
 #include "model/MessageLog.h"
 
+#include "model/records/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <ctime>
@@ -21,14 +23,23 @@ std::string localDateTime(std::chrono::system_clock::time_point when) {
     return std::string(text.data(), length);
 }
 
+bool isControl(char c) {
+    return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+}
+
+/// U+0080 to U+009F, in UTF-8 two bytes.
+bool startsC1Control(std::string_view text) {
+    return text.size() > 1 && text[0] == '\xC2' && static_cast<unsigned char>(text[1]) < 0xA0;
+}
+
 /// A host name may come from the network: it must not forge a line of its own, nor steer the terminal that
-/// shows the log.
+/// shows the log. Valid UTF-8 afterwards: a single byte of the upper controls steers terminals, too.
 std::string oneLine(std::string_view text) {
-    std::string line(text);
-    const auto isControl = [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-    };
+    std::string line = displayText(text);
     std::ranges::replace_if(line, isControl, ' ');
+    for (std::size_t at = 0; at < line.size(); ++at)
+        if (startsC1Control(std::string_view(line).substr(at)))
+            line.replace(at, 2, " ");
     return line;
 }
 

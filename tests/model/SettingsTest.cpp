@@ -100,6 +100,12 @@ TEST(MessageLogTest, KeepsTheLatestLinesAndTellsListeners) {
     EXPECT_EQ(log.lines().size(), 399U);
     EXPECT_EQ(log.lines()[0].text, "first");
     EXPECT_EQ(told.back(), (LogLine{clock.wall(), "a name  Mon - forged,  [2Jwiped  \xC3\xA9", false}));
+    log.LogMessage("\xC2\x9B"
+                   "2J, \xC2\xA3");
+    EXPECT_EQ(told.back().text, " 2J, \xC2\xA3");
+    log.LogMessage("\x9D"
+                   "2J for 5 \x80"); // in the code page of old stations
+    EXPECT_EQ(told.back().text, " 2J for 5 \xE2\x82\xAC");
 
     log.removeListener(listener);
     const std::size_t before = told.size();
