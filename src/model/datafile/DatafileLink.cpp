@@ -62,11 +62,6 @@ Result<Datafile::Content, Datafile::Error> contentOf(LockedFile& file) {
 
 } // namespace
 
-TimeStamp CDatafileLink::creationTime() const {
-    const CHardware* version = document_.findSpecial(SpecialType::VersionRecord);
-    return version ? version->Modified : 0;
-}
-
 // ---- reading
 
 void CDatafileLink::newDatafile() {

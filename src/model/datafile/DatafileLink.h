@@ -57,9 +57,6 @@ public:
     const std::string& path() const { return path_; }
     std::int32_t fileVersion() const { return fileVersion_; }
 
-    /// When the datafile was made; 0 where it does not say.
-    TimeStamp creationTime() const;
-
     /// As this station last read or wrote it; nothing before the first time.
     const std::optional<FileIdentity>& knownIdentity() const { return knownIdentity_; }
 

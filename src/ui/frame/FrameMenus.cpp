@@ -1,19 +1,12 @@
 #include "ui/frame/FrameMenus.h"
 
 #include "model/records/Text.h"
+#include "ui/widgets/DialogText.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 namespace mirovane {
-
-namespace {
-
-QString qText(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-} // namespace
 
 QString recentFileText(int number, const std::string& path) {
     const QFileInfo file(QString::fromStdString(displayText(path)));

@@ -1,5 +1,7 @@
 #include "ui/frame/commands/CommandActions.h"
 
+#include "ui/widgets/DialogText.h"
+
 #include <QKeySequence>
 #include <QStringList>
 #include <QWidget>
@@ -9,10 +11,6 @@
 namespace mirovane {
 
 namespace {
-
-QString qText(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 QList<QKeySequence> keySequences(std::string_view keys) {
     QList<QKeySequence> sequences;
