@@ -4,6 +4,7 @@
 #include "bench/support/BigFloor.h"
 #include "bench/support/PairedRounds.h"
 #include "bench/support/PlainDatafile.h"
+#include "model/datafile/DatafileLink.h"
 #include "platform/files/PosixFiles.h"
 
 #include <cstdlib>
@@ -25,9 +26,8 @@ struct Floor {
     CPosixFiles files;
     CSystemClock clock;
     CMessageLog log{clock};
-    CMemorySettingsStore store;
-    CSettings settings{store};
     CMirovaneDoc doc{clock, log, {"bench", "bench"}};
+    CDatafileLink link{doc, files, log};
 };
 
 void require(bool ok, const char* what) {
@@ -82,7 +82,7 @@ double documentSize(const std::string& path) {
             return static_cast<double>(info.uordblks + info.hblkhd) / 1024 / 1024;
         };
         const double before = inUse();
-        require(!floor->doc.open(path), "open");
+        require(!floor->link.open(path), "open");
         return inUse() - before;
     });
 }
@@ -92,7 +92,7 @@ void memoryRows(const std::string& path, std::size_t rounds) {
     const auto ours = [&path] {
         return peakOf([&path] {
             Floor* floor = new Floor; // kept to the end of the process
-            require(!floor->doc.open(path), "open");
+            require(!floor->link.open(path), "open");
         });
     };
     const auto other = [&path] {
@@ -110,7 +110,7 @@ void memoryRows(const std::string& path, std::size_t rounds) {
 void loadRows(const std::string& path, std::size_t rounds) {
     const auto ours = [&path] {
         auto floor = std::make_unique<Floor>();
-        return millisecondsOf([&] { require(!floor->doc.open(path), "open"); });
+        return millisecondsOf([&] { require(!floor->link.open(path), "open"); });
     };
     const auto other = [&path] {
         std::vector<PlainRecord> records;
@@ -123,12 +123,12 @@ void loadRows(const std::string& path, std::size_t rounds) {
 }
 
 void saveRow(Floor& floor, const std::string& plainPath, std::size_t rounds) {
-    const std::vector<PlainRecord> records = decodePlain(readPlainFile(floor.doc.path()));
+    const std::vector<PlainRecord> records = decodePlain(readPlainFile(floor.link.path()));
     require(encodePlain(records) ==
-                Datafile::encode(Datafile::decode(readPlainFile(floor.doc.path())).value().records),
+                Datafile::encode(Datafile::decode(readPlainFile(floor.link.path())).value().records),
             "both sides must write the same bytes");
     const auto ours = [&floor] {
-        require(!floor.doc.save(), "save");
+        require(floor.link.save().saved(), "save");
     };
     const auto other = [&] {
         savePlain(plainPath, records);
@@ -156,7 +156,7 @@ int run(std::size_t rounds) {
     inChild([&path] {
         Floor floor;
         fillBigFloor(floor.doc, deviceCount);
-        require(!floor.doc.saveAs(path), "save");
+        require(floor.link.saveAs(path).saved(), "save");
         return 1.0;
     });
     std::printf("%d devices, %.1f bytes each, %zu rounds\n", deviceCount,
@@ -166,7 +166,7 @@ int run(std::size_t rounds) {
     loadRows(path, rounds);
     {
         Floor floor;
-        require(!floor.doc.open(path), "open");
+        require(!floor.link.open(path), "open");
         saveRow(floor, folder + "/plain.mv", rounds);
         addRow(floor, rounds);
     }

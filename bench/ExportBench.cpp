@@ -29,11 +29,8 @@ void require(bool ok, const char* what) {
 }
 
 struct Floor {
-    CPosixFiles files;
     CSystemClock clock;
     CMessageLog log{clock};
-    CMemorySettingsStore store;
-    CSettings settings{store};
     CMirovaneDoc doc{clock, log, {"bench", "bench"}};
     CUnflushedFiles exportFiles;
     ListViewState view;
@@ -76,7 +73,7 @@ void plainExport(const CMirovaneDoc& doc, const std::string& path) {
 
 void ourExport(Floor& floor, const std::string& path) {
     const std::string text = exportText(listViewRows(floor.doc, floor.view), {});
-    require(!writeExport(floor.exportFiles, path, floor.doc.path(), text, lockPatience), "export");
+    require(!writeExport(floor.exportFiles, path, std::string(), text, lockPatience), "export");
 }
 
 std::string contentOf(const std::string& path) {

@@ -73,17 +73,33 @@ void wait(std::chrono::milliseconds span) {
     QApplication::exec();
 }
 
-/// Milliseconds of each run, by the line that the log gets at its end.
-std::vector<double> runs(CStation& station, std::size_t count) {
-    static std::vector<Clock::time_point> ends; // a listener stays for the log's life
-    station.log().addListener([count](const std::string& line, bool) {
-        if (line.find("Live Stat Priority") == std::string::npos)
-            return;
-        ends.push_back(Clock::now());
-        if (ends.size() == count + 1)
+/// Notes when runs end.
+class RunEnds final : private StationObserver {
+public:
+    RunEnds(CStation& station, std::size_t count) : station_(station), count_(count) {
+        station_.addObserver(*this);
+    }
+    ~RunEnds() override { station_.removeObserver(*this); }
+
+    const std::vector<Clock::time_point>& ends() const { return ends_; }
+
+private:
+    void indicatorsChanged() override {
+        ends_.push_back(Clock::now());
+        if (ends_.size() == count_)
             QApplication::exit();
-    });
+    }
+
+    CStation& station_;
+    std::size_t count_;
+    std::vector<Clock::time_point> ends_;
+};
+
+/// Milliseconds of each run.
+std::vector<double> runs(CStation& station, std::size_t count) {
+    const RunEnds noted(station, count + 1);
     QApplication::exec();
+    const auto& ends = noted.ends();
     std::vector<double> spans;
     for (std::size_t i = 1; i < ends.size(); ++i)
         spans.push_back(std::chrono::duration<double, std::milli>(ends[i] - ends[i - 1]).count());
@@ -93,13 +109,15 @@ std::vector<double> runs(CStation& station, std::size_t count) {
 /// A site whose devices have these addresses, each checked by one ping.
 void fill(CStation& station, const std::string& network) {
     station.newDatafile();
-    for (int i = 0; i < devices; ++i)
-        station.document().addDevice(DeviceType::Switch, [&](CHardware& device) {
-            device.Priority = 5;
-            device.Name = "switch-" + std::to_string(i);
-            device.IPAddress = network + std::to_string(10 + i / 250) + "." + std::to_string(i % 250 + 1);
-            device.Position = {i % 50 * 30, i / 50 * 40};
-        });
+    station.edit({EditRequest::Kind::Add, "Fill", {}}, [&network](CMirovaneDoc& document) {
+        for (int i = 0; i < devices; ++i)
+            document.addDevice(DeviceType::Switch, [&](CHardware& device) {
+                device.Priority = 5;
+                device.Name = "switch-" + std::to_string(i);
+                device.IPAddress = network + std::to_string(10 + i / 250) + "." + std::to_string(i % 250 + 1);
+                device.Position = {i % 50 * 30, i / 50 * 40};
+            });
+    });
 }
 
 void printEvents(const char* what, const EventWaits& events) {

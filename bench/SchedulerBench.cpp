@@ -1,7 +1,7 @@
 #include "bench/support/PairedRounds.h"
 #include "livestat/schedule/Scheduler.h"
 #include "platform/WorkerPool.h"
-#include "platform/files/PosixFiles.h"
+#include "tests/support/NewFloor.h"
 
 #include <cstdio>
 #include <memory>
@@ -69,7 +69,8 @@ public:
     bool ask(const Question&) override { return true; }
     void failUser(const std::string& text) override { std::fprintf(stderr, "%s\n", text.c_str()); }
     bool holdsStill() const override { return false; }
-    SaveResult saveDatafile(const std::string&) override { return SaveResult::Saved; }
+    SaveResult saveNow(SaveNote) override { return SaveResult::Saved; }
+    void changesPending() override {}
     void redraw() override {}
     void indicatorsChanged() override {}
     void track(std::int32_t) override {}
@@ -79,7 +80,7 @@ public:
 class Side {
 public:
     explicit Side(int devices) {
-        doc_.newDatafile();
+        test::newFloor(doc_);
         for (int i = 0; i < devices; ++i)
             doc_.addDevice(i % 12 + 1, [i](CHardware& device) {
                 device.Name = "host-" + std::to_string(i);
@@ -115,11 +116,8 @@ public:
 
 private:
     CSystemClock clock_;
-    CPosixFiles files_;
     CMessageLog log_{clock_};
-    CMemorySettingsStore store_;
-    CSettings settings_{store_};
-    CMirovaneDoc doc_{files_, clock_, log_, settings_, {"bench", "bench"}};
+    CMirovaneDoc doc_{clock_, log_, {"bench", "bench"}};
     QuickProbes probes_;
     QuietHost host_;
     CWorkerPool workers_{1};
