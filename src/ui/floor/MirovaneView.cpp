@@ -51,9 +51,11 @@ void paintHint(QPainter& painter, const QAbstractScrollArea& view) {
     painter.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, CMirovaneView::tr("This floor is empty"));
     painter.setFont(view.font());
     painter.setPen(QColor(120, 120, 120));
-    painter.drawText(area.translated(0, 2 * lift), Qt::AlignCenter | Qt::TextWordWrap,
-                     CMirovaneView::tr("Choose a picture of it with Tools \u203a Floor Map..., or open a "
-                                       "datafile with Ctrl+O."));
+    painter.drawText(
+        area.translated(0, 2 * lift), Qt::AlignCenter | Qt::TextWordWrap,
+        CMirovaneView::tr("Choose a picture of it with Tools \u203a Floor Map..., add devices with "
+                          "Tools \u203a Add Computer and its like, or open a datafile with "
+                          "Ctrl+O."));
 }
 
 } // namespace

@@ -99,7 +99,8 @@ void CFloorMapCommand::take(const std::string& path, const std::string& datafile
     if (parts_.station.datafile().path() != datafile)
         return; // the user has gone on to another floor
     if (!problem.empty()) {
-        parts_.dialogs.fail(problem + "\n\nThe floor keeps the map that it has.");
+        const bool hasMap = !floorMapOf(parts_.station.document()).mapPath.empty();
+        parts_.dialogs.fail(problem + (hasMap ? "\n\nThe floor keeps the map that it has." : ""));
         return;
     }
     if (runner_.run(setMap(path)))
