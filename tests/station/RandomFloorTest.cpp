@@ -3,6 +3,7 @@
 
 #include <map>
 #include <random>
+#include <utility>
 
 namespace mirovane::test {
 namespace {
@@ -18,7 +19,8 @@ struct Plain {
 };
 using PlainFloor = std::map<std::int32_t, Plain>;
 
-/// A user who clicks about, and a model of the floor that is too simple to be wrong.
+/// A user who clicks about, thinks better of it and again, and a model of the floor that is too simple to be
+/// wrong.
 class RandomFloorTest : public StationFixture {
 protected:
     RandomFloorTest() { plain = floorOf(open(a).doc()); }
@@ -103,13 +105,45 @@ protected:
         (this->*commands[below(std::size(commands))])();
     }
 
+    /// An edit that changes nothing is no step.
+    void edit() {
+        const PlainFloor before = plain;
+        const std::size_t steps = a.station->history().steps().size();
+        makeSomeEdit();
+        if (a.station->history().steps().size() == steps && before == plain)
+            return;
+        past.push_back(before);
+        future.clear();
+    }
+    void goBack() {
+        a.station->undo();
+        if (past.empty())
+            return;
+        future.push_back(std::exchange(plain, past.back()));
+        past.pop_back();
+    }
+    void goForward() {
+        a.station->redo();
+        if (future.empty())
+            return;
+        past.push_back(std::exchange(plain, future.back()));
+        future.pop_back();
+    }
+
     std::mt19937 dice{20261123};
     PlainFloor plain;
+    std::vector<PlainFloor> past, future;
 };
 
 TEST_F(RandomFloorTest, AnyRowOfCommandsDoesWhatAPlainModelDoes) {
     for (int i = 0; i < 400; ++i) {
-        makeSomeEdit();
+        const std::size_t way = below(3);
+        if (way == 0)
+            goBack();
+        else if (way == 1)
+            goForward();
+        else
+            edit();
         ASSERT_EQ(floorOf(a.doc()), plain) << "after command " << i;
     }
     open(b);

@@ -9,6 +9,8 @@ CommandState commandState(const CStation& station) {
     state.hasDevices = document.deviceCount() > 0;
     state.hasSelection = !station.selection().empty();
     state.hasFloorSelection = !station.selection().empty(CSelection::Scope::Floor);
+    state.hasUndo = station.history().next(CEditHistory::Way::Undo) != nullptr;
+    state.hasRedo = station.history().next(CEditHistory::Way::Redo) != nullptr;
     state.hasAddressRanges = hasRanges || station.liveDiscover().enabled(); // it can be switched off
     return state;
 }

@@ -4,6 +4,7 @@
 #include "ui/frame/editing/EditCommands.h"
 #include "ui/frame/editing/FloorMapCommand.h"
 #include "ui/frame/editing/SelectCommands.h"
+#include "ui/frame/editing/UndoCommands.h"
 
 namespace mirovane {
 
@@ -11,13 +12,14 @@ namespace mirovane {
 class CEditingCommands {
 public:
     explicit CEditingCommands(const EditingParts& parts)
-        : add_(parts), select_(parts), edit_(parts), floorMap_(parts) {}
+        : add_(parts), select_(parts), edit_(parts), floorMap_(parts), undo_(parts) {}
 
     void connectTo(CCommandActions& actions) {
         add_.connectTo(actions);
         select_.connectTo(actions);
         edit_.connectTo(actions);
         floorMap_.connectTo(actions);
+        undo_.connectTo(actions);
     }
 
     CFloorMapCommand& floorMap() { return floorMap_; }
@@ -27,6 +29,7 @@ private:
     CSelectCommands select_;
     CEditCommands edit_;
     CFloorMapCommand floorMap_;
+    CUndoCommands undo_;
 };
 
 } // namespace mirovane

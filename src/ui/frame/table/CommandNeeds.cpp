@@ -17,6 +17,10 @@ constexpr std::array needs = {
                    QT_TRANSLATE_NOOP("Commands", "No device is selected: click one on the floor first")},
     NeedDefinition{CommandNeeds::FloorSelection, &CommandState::hasFloorSelection,
                    QT_TRANSLATE_NOOP("Commands", "No device of the floor is selected: click one first")},
+    NeedDefinition{CommandNeeds::Undo, &CommandState::hasUndo,
+                   QT_TRANSLATE_NOOP("Commands", "Nothing was edited since the datafile was opened")},
+    NeedDefinition{CommandNeeds::Redo, &CommandState::hasRedo,
+                   QT_TRANSLATE_NOOP("Commands", "No edit was taken back since the latest one")},
     NeedDefinition{CommandNeeds::AddressRanges, &CommandState::hasAddressRanges,
                    QT_TRANSLATE_NOOP("Commands", "Live Discover needs an address range: Tools, Live "
                                                  "Stat/Discover Option...")},

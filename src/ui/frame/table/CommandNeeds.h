@@ -6,13 +6,15 @@
 namespace mirovane {
 
 /// What must be there before a command can do anything.
-enum class CommandNeeds { Nothing, Devices, Selection, FloorSelection, AddressRanges };
+enum class CommandNeeds { Nothing, Devices, Selection, FloorSelection, Undo, Redo, AddressRanges };
 
 /// What the window's commands depend on at this moment, a flag for each of their needs.
 struct CommandState {
     bool hasDevices = false;
     bool hasSelection = false;
     bool hasFloorSelection = false;
+    bool hasUndo = false;
+    bool hasRedo = false;
     bool hasAddressRanges = false;
 };
 

@@ -19,6 +19,8 @@ enum class CommandId {
     FileExport,
     FileRecent, ///< stands for the recently used datafiles, an entry each
     FileExit,
+    EditUndo,
+    EditRedo,
     EditCut,
     EditCopy,
     EditPaste,

@@ -64,6 +64,10 @@ constexpr CommandDefinition inactive(std::int32_t type, std::string_view name, s
 // Rows that are alike line up; the formatter would give each a shape of its own.
 // clang-format off
 constexpr auto rows = std::to_array<CommandDefinition>({
+    edit(CommandId::EditUndo, "editUndo", QT_TRANSLATE_NOOP("Commands", "&Undo"), "Ctrl+Z Alt+Backspace",
+         QT_TRANSLATE_NOOP("Commands", "Take the latest edit back"), CommandNeeds::Undo),
+    edit(CommandId::EditRedo, "editRedo", QT_TRANSLATE_NOOP("Commands", "&Redo"), "Ctrl+Y Ctrl+Shift+Z",
+         QT_TRANSLATE_NOOP("Commands", "Make the edit that was taken back again"), CommandNeeds::Redo),
     edit(CommandId::EditCut, "editCut", QT_TRANSLATE_NOOP("Commands", "Cu&t"), "Ctrl+X Shift+Del",
          QT_TRANSLATE_NOOP("Commands", "Copy the selected devices as text and delete them"), CommandNeeds::Selection, true),
     edit(CommandId::EditCopy, "editCopy", QT_TRANSLATE_NOOP("Commands", "&Copy"), "Ctrl+C Ctrl+Ins",

@@ -178,6 +178,30 @@ TEST_F(EditingCommandsTest, SelectedDevicesAreAlignedAndDuplicated) {
     EXPECT_EQ(selected(), (IDs{3, 4}));
 }
 
+TEST_F(EditingCommandsTest, UndoAndRedoNameTheirStep) {
+    EXPECT_FALSE(enabled("editUndo"));
+    run("toolsAddPhone");
+    run("toolsAddUps");
+    dialogs.answers = {true};
+    run("editDelete");
+    const QAction* undo = frame->actions().action("editUndo");
+    EXPECT_EQ(undo->text(), QStringLiteral("&Undo Delete 1 device"));
+    EXPECT_FALSE(enabled("editRedo"));
+    run("editUndo");
+    EXPECT_EQ(document().deviceCount(), 2U);
+    EXPECT_EQ(undo->text(), QStringLiteral("&Undo Add UPS"));
+    EXPECT_EQ(frame->actions().action("editRedo")->text(), QStringLiteral("&Redo Delete 1 device"));
+    run("editUndo");
+    run("editUndo");
+    EXPECT_EQ(document().deviceCount(), 0U);
+    EXPECT_EQ(undo->text(), QStringLiteral("&Undo"));
+    EXPECT_FALSE(enabled("editUndo"));
+    for (int i = 0; i < 3; ++i)
+        run("editRedo");
+    EXPECT_EQ(document().deviceCount(), 1U);
+    EXPECT_EQ(document().findDevice(1)->Type, DeviceType::Phone);
+}
+
 TEST_F(EditingCommandsTest, AFloorMapIsReadBeforeItIsStored) {
     saveAs("plan.mv");
     QImage(20, 10, QImage::Format_RGB32).save(QString::fromStdString(inFolder("map.bmp")));

@@ -101,8 +101,6 @@ const std::vector<AwaitedRow> awaited = {
 
     {MenuId::File, "Sen&d..."},
 
-    {MenuId::Edit, "&Undo"},
-
     {MenuId::Edit, "&Find..."}, {MenuId::Edit, "Find &Next"}, {MenuId::Edit, "Find Reminder Due"},
 
     {MenuId::Edit, "&Properties"},
