@@ -107,7 +107,8 @@ void CFloorInput::move(const QMouseEvent& event) {
         pan_.moveTo(at);
         return;
     }
-    if (event.buttons() != Qt::NoButton) {
+    const bool marking = gesture().shown().MarkingMarker != 0;
+    if (event.buttons() != Qt::NoButton && !marking) {
         drag(at, event.modifiers());
         return;
     }
@@ -117,7 +118,7 @@ void CFloorInput::move(const QMouseEvent& event) {
     }
     hand_.move(pointerAt(event));
     pointer_ = at;
-    if (gesture().shown().MarkingMarker == 0)
+    if (!marking)
         hover(at, false);
 }
 
