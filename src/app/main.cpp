@@ -1,6 +1,7 @@
 #include "app/CommandLine.h"
 #include "app/DisplayGuard.h"
 #include "app/EndSignals.h"
+#include "app/Print.h"
 #include "app/Render.h"
 #include "platform/process/StandardDescriptors.h"
 #include "platform/process/Terminal.h"
@@ -29,6 +30,8 @@ QStringList argumentList(int argc, char** argv) {
 std::optional<int> runWithoutWindow(const QStringList& arguments) {
     if (arguments.contains(QStringLiteral("--render")))
         return runRender(arguments);
+    if (arguments.contains(QStringLiteral("--print")))
+        return runPrint(arguments);
     if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
         std::fputs(usageText().toUtf8().constData(), stdout);
         return 0;

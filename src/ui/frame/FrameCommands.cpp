@@ -17,6 +17,7 @@ CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts
                  parts_.floor.viewport()->update();
              }}),
       zoom_(*new CFloorZooming(parts.floor, services.station.display(), services.settings), services.dialogs),
+      print_(parts.floor, services.station, services.dialogs),
       tools_(services.station, services.dialogs, {&parts.frame, services.settings, services.clock}),
       editing_({services.station, parts.floor, services.dialogs, services.settings, services.log}),
       applications_({services.station, services.dialogs, services.settings, services.log, services.launcher,
@@ -27,6 +28,7 @@ void CFrameCommands::connectTo(CCommandActions& actions) {
     export_.connectTo(actions);
     view_.connectTo(actions);
     zoom_.connectTo(actions);
+    print_.connectTo(actions);
     tools_.connectTo(actions);
     editing_.connectTo(actions);
     applications_.connectTo(actions);

@@ -4,6 +4,7 @@
 #include "ui/frame/commands/ExportCommand.h"
 #include "ui/frame/commands/FileCommands.h"
 #include "ui/frame/commands/FrameServices.h"
+#include "ui/frame/commands/PrintCommands.h"
 #include "ui/frame/commands/ToolsCommands.h"
 #include "ui/frame/commands/ViewCommands.h"
 #include "ui/frame/commands/ZoomCommands.h"
@@ -54,6 +55,7 @@ private:
     CExportCommand export_;
     CViewCommands view_;
     CZoomCommands zoom_;
+    CPrintCommands print_;
     CToolsCommands tools_;
     CEditingCommands editing_;
     CApplicationCommands applications_;

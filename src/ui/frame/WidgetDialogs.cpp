@@ -13,6 +13,10 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMessageBox>
+#include <QPageSetupDialog>
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
 #include <QStringList>
 
 #include <cstdio>
@@ -177,6 +181,30 @@ std::optional<CustomZoom> CWidgetDialogs::askCustomZoom(const CustomZoom& start)
     const BoxOpen open(*this);
     CCustomZoomDialog dialog(start, {smallestCommandZoom, largestZoom, largestLabelFont}, parent_);
     return dialog.exec() == QDialog::Accepted ? std::optional(dialog.zoom()) : std::nullopt;
+}
+
+bool CWidgetDialogs::choosePrinter(QPrinter& printer) {
+    const BoxOpen open(*this);
+    QPrintDialog dialog(&printer, parent_);
+    dialog.setObjectName(QStringLiteral("printDialog"));
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange);
+    return dialog.exec() == QDialog::Accepted;
+}
+
+void CWidgetDialogs::setUpPage(QPrinter& printer) {
+    const BoxOpen open(*this);
+    QPageSetupDialog dialog(&printer, parent_);
+    dialog.setObjectName(QStringLiteral("pageSetup"));
+    dialog.exec();
+}
+
+void CWidgetDialogs::previewPages(QPrinter& printer, const std::function<void(QPrinter&)>& print) {
+    const BoxOpen open(*this);
+    QPrintPreviewDialog dialog(&printer, parent_);
+    dialog.setObjectName(QStringLiteral("printPreview"));
+    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
+                     [&print](QPrinter* paper) { print(*paper); });
+    dialog.exec();
 }
 
 void CWidgetDialogs::about() {

@@ -35,6 +35,9 @@ public:
     std::optional<ExportSettings> askExport(const ExportRequest& request) override;
     std::optional<std::string> insertText(const std::string& command) override;
     std::optional<CustomZoom> askCustomZoom(const CustomZoom& start) override;
+    bool choosePrinter(QPrinter& printer) override;
+    void setUpPage(QPrinter& printer) override;
+    void previewPages(QPrinter& printer, const std::function<void(QPrinter&)>& print) override;
     void about() override;
 
 private:

@@ -6,7 +6,9 @@
 
 #include <QProcess>
 
+#include <cstdlib>
 #include <filesystem>
+#include <tuple>
 
 namespace mirovane {
 
@@ -89,6 +91,51 @@ TEST_F(RenderTest, DrawsWhatTheWindowWouldAndTouchesNothing) {
     EXPECT_EQ(test::readBytes(datafile), before);
     EXPECT_EQ(std::filesystem::last_write_time(datafile), stamp);
     EXPECT_FALSE(std::filesystem::exists(folder.file("config"))) << "no settings are left behind";
+}
+
+TEST_F(RenderTest, HiddenTypesRatioAndFontScaleAreTaken) {
+    ASSERT_EQ(render({QStringLiteral("--size"), QStringLiteral("300x200"), QStringLiteral("--hide"),
+                      QStringLiteral("switch,Map"), QStringLiteral("--device-ratio"), QStringLiteral("1.5"),
+                      QStringLiteral("--font-scale"), QStringLiteral("6"), QStringLiteral("--show"),
+                      QStringLiteral("PropertiesComputer")}),
+              0)
+        << said.toStdString();
+    floor.display.VisibleTypes = ~(1 << (DeviceType::Switch - 1));
+    floor.display.PropertiesComputer = true;
+    floor.state.view.LabelFontHeight = 18;
+    EXPECT_EQ(test::firstDifference(rendered(), floor.freshFrame(1.5)), "");
+}
+
+TEST_F(RenderTest, PrintsTheFloorAsPages) {
+    const QString pages = QString::fromStdString(folder.file("out.pdf"));
+    const auto print = [&](const QStringList& options) {
+        return run(QStringList{QStringLiteral("--print"), pages, QString::fromStdString(datafile)} + options);
+    };
+    const auto pageCount = [&] {
+        const std::string bytes = test::readBytes(pages.toStdString());
+        EXPECT_TRUE(bytes.starts_with("%PDF-"));
+        const std::size_t at = bytes.find("/Count ");
+        return at == std::string::npos ? 0 : std::atoi(bytes.c_str() + at + 7);
+    };
+    ASSERT_EQ(print({}), 0) << said.toStdString();
+    EXPECT_EQ(pageCount(), 1);
+    ASSERT_EQ(print({QStringLiteral("--zoom"), QStringLiteral("1500"), QStringLiteral("--paper"),
+                     QStringLiteral("a5"), QStringLiteral("--landscape")}),
+              0)
+        << said.toStdString();
+    EXPECT_GT(pageCount(), 1);
+    ASSERT_EQ(print({QStringLiteral("--box"), QStringLiteral("10,10,90,90")}), 0);
+    EXPECT_EQ(pageCount(), 1);
+    for (const auto& [option, value, text] : {std::tuple("--box", "1,2,3", "four whole numbers"),
+                                              std::tuple("--box", "5,5,5,9", "enclose something"),
+                                              std::tuple("--paper", "A99", "the name of a paper size"),
+                                              std::tuple("--hide", "Ghost", "device types")}) {
+        EXPECT_EQ(print({QLatin1String(option), QLatin1String(value)}), 2);
+        EXPECT_TRUE(said.contains(text)) << said.toStdString();
+    }
+    EXPECT_EQ(run({QStringLiteral("--print"), QStringLiteral("/nowhere/out.pdf"),
+                   QString::fromStdString(datafile)}),
+              3);
 }
 
 TEST_F(RenderTest, WithoutASizeTheWholeFloorIsDrawn) {

@@ -146,6 +146,27 @@ TEST_F(MainFrameTest, ZoomKeysAndTheCustomDialogAreStoredAtOnce) {
     EXPECT_EQ(station->display().ZoomPercent, 800);
 }
 
+TEST_F(MainFrameTest, PrintsOnThePaperThatWasChosenAndNothingWhenCancelled) {
+    addComputer();
+    const QString pages = QString::fromStdString(inFolder("pages.pdf"));
+    dialogs.setsUpPage = [](QPrinter& printer) {
+        printer.setPageSize(QPageSize(QPageSize::A5));
+    };
+    action("filePrintSetup")->trigger();
+    action("filePrint")->trigger();
+    EXPECT_FALSE(QFile::exists(pages));
+    dialogs.choosesPrinter = [&](QPrinter& printer) {
+        EXPECT_EQ(printer.pageLayout().pageSize().id(), QPageSize::A5);
+        printer.setOutputFileName(pages);
+    };
+    action("filePrint")->trigger();
+    EXPECT_GT(QFileInfo(pages).size(), 0);
+    document().addDevice(DeviceType::Computer, [](CHardware& d) { d.Position = {9000000, 9000000}; });
+    action("filePrintPreview")->trigger();
+    ASSERT_EQ(dialogs.failures.size(), 1U);
+    EXPECT_NE(dialogs.failures[0].find("Draw a box"), std::string::npos) << dialogs.failures[0];
+}
+
 TEST_F(MainFrameTest, BarsCanBeHiddenAndShown) {
     for (const auto& [name, bar] :
          {std::pair<const char*, QWidget*>{"viewToolbar", frame->findChild<QToolBar*>()},

@@ -2,7 +2,10 @@
 
 #include "ui/frame/commands/FrameDialogs.h"
 
+#include <QPrinter>
+
 #include <deque>
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -25,6 +28,8 @@ public:
     std::deque<std::optional<ExportSettings>> exportAnswers;
     std::vector<CustomZoom> zoomStarts;
     std::deque<std::optional<CustomZoom>> zoomAnswers;
+    std::function<void(QPrinter&)> choosesPrinter; ///< none: he cancels
+    std::function<void(QPrinter&)> setsUpPage;
     int abouts = 0;
 
     bool ask(const Question& question) override { return askStop(question.text); }
@@ -49,6 +54,16 @@ public:
     std::optional<CustomZoom> askCustomZoom(const CustomZoom& start) override {
         zoomStarts.push_back(start);
         return take(zoomAnswers, std::optional<CustomZoom>(), "Custom Zoom");
+    }
+    bool choosePrinter(QPrinter& printer) override {
+        if (!choosesPrinter)
+            return false;
+        choosesPrinter(printer);
+        return true;
+    }
+    void setUpPage(QPrinter& printer) override { setsUpPage(printer); }
+    void previewPages(QPrinter& printer, const std::function<void(QPrinter&)>& print) override {
+        print(printer);
     }
     void about() override { ++abouts; }
 

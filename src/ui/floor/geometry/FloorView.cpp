@@ -8,7 +8,7 @@ namespace mirovane {
 bool FloorView::shows(MapPoint position) const {
     if (within && !within->holds(position))
         return false;
-    return !culls || insideCull(toScaled(position, zoom.ZoomPercent), origin, client);
+    return paper || insideCull(toScaled(position, zoom.ZoomPercent), origin, client);
 }
 
 int FloorView::px(std::int64_t logical) const {

@@ -22,9 +22,10 @@ struct FloorView {
     QSize client;                      ///< logical pixels
     qreal ratio = 1;                   ///< canvas pixels per logical pixel
 
-    /// Devices that start outside the frame and its margin are left out. A page draws them all: a label of
-    /// any length may reach into it.
-    bool culls = true;
+    /// A printed page. No device is left out for starting outside the frame, as a label of any length may
+    /// reach in, and texts and the map are handed over as they are instead of as pixels.
+    bool paper = false;
+    int lineScale = 1; ///< lines are so many times as wide: a page's pixels are finer than a screen's
 
     /// Only devices strictly inside are shown; nothing: all of them. Normalised.
     std::optional<MapBox> within;

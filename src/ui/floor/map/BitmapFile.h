@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QSize>
 #include <QString>
 
@@ -12,6 +13,10 @@ struct BitmapHeader {
 };
 
 BitmapHeader readBitmapHeader(const QString& path);
+
+/// Reads a bitmap of any size, which Qt's reader refuses beyond 268 million pixels: plain ones of 1, 8, 24 or
+/// 32 bits a pixel. Null otherwise; `problem` then says why, as the end of a sentence.
+QImage readLargeBitmap(const QString& path, QString& problem);
 
 /// True for a bitmap file that ends before its last pixel. The reader of pictures takes such a file and
 /// leaves the pixels that it lacks black.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/floor/map/MapTiles.h"
+#include "ui/floor/map/MapFile.h"
 
 #include <QObject>
 #include <QSize>
@@ -19,20 +19,9 @@ struct MapRequest {
     QString known;    ///< stamp of the file that was read last
 };
 
-/// A picture read from a file, or why it could not be.
-struct LoadedMap {
-    std::shared_ptr<const CMapPicture> picture;
-    QString stamp;          ///< tells the file from others and from its other versions
-    bool unchanged = false; ///< the file is the one known: nothing was read
-    bool missing = false;
-    QString problem; ///< a complete sentence for the user; empty when the picture is there
-};
-
-/// Any thread; may wait for a slow share. Never takes more memory than `largestMapBytes` for the bitmap: a
-/// larger one is refused with its size.
+/// Any thread; may wait for a slow share. For a map that is about to be chosen, `problem` says why it cannot
+/// be.
 LoadedMap readMap(const MapRequest& request);
-
-constexpr qsizetype largestMapBytes = qsizetype{512} << 20;
 
 /// Where the map named in a datafile is found from here; as it was named when it is not found.
 QString locateMap(const QString& named, const QString& datafile);

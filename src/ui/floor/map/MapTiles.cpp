@@ -1,5 +1,9 @@
 #include "ui/floor/map/MapTiles.h"
 
+#include "ui/floor/map/LargeImage.h"
+
+#include <QSvgRenderer>
+
 #include <algorithm>
 #include <cmath>
 
@@ -7,16 +11,14 @@ namespace mirovane {
 
 namespace {
 
-/// A halved copy larger than this is left out; the next smaller one is made from the bitmap directly.
-constexpr qsizetype largestCopyPixels = 32 << 20;
 constexpr int smallestCopySide = 256;
 
 /// Averages squares of `by` x `by` pixels. Reads the bitmap in bands, so that a large one-bit drawing never
 /// is in memory with 32 bits a pixel.
 QImage reduced(const QImage& bitmap, int by) {
     const QSize size(bitmap.width() / by, bitmap.height() / by);
-    QImage result(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
+    QImage result = makeLargeImage(size, QImage::Format_RGB32);
+    for (int y = 0; y < result.height(); ++y) {
         const QImage band =
             bitmap.copy(0, y * by, size.width() * by, by).convertToFormat(QImage::Format_RGB32);
         auto* out = reinterpret_cast<QRgb*>(result.scanLine(y));
@@ -47,6 +49,23 @@ std::uint64_t tileKey(int column, int row) {
            static_cast<std::uint32_t>(row);
 }
 
+/// Lays `from` on white, line by line; without it `to` itself, in place, so that a large picture does not
+/// exist twice.
+void onPaper(const QImage& from, QImage& to) {
+    for (int y = 0; y < to.height(); ++y) {
+        const QImage& source = from.isNull() ? to : from;
+        const QImage line =
+            source.copy(0, y, source.width(), 1).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        const auto* in = reinterpret_cast<const QRgb*>(line.constBits());
+        auto* out = reinterpret_cast<QRgb*>(to.scanLine(y));
+        for (int x = 0; x < to.width(); ++x) {
+            const int paper = 255 - qAlpha(in[x]);
+            out[x] = qRgb(qRed(in[x]) + paper, qGreen(in[x]) + paper, qBlue(in[x]) + paper);
+        }
+    }
+    to.reinterpretAsFormat(QImage::Format_RGB32);
+}
+
 /// Bitmaps of few colours stay small as they are; everything else is brought to the format that is copied
 /// fastest.
 QImage drawable(QImage bitmap) {
@@ -55,23 +74,21 @@ QImage drawable(QImage bitmap) {
         return bitmap;
     if (bitmap.format() == QImage::Format_RGB32)
         return bitmap;
-    if (!bitmap.hasAlphaChannel())
-        return std::move(bitmap).convertToFormat(QImage::Format_RGB32);
-    QImage onPaper(bitmap.size(), QImage::Format_RGB32);
-    onPaper.fill(Qt::white);
-    QPainter(&onPaper).drawImage(0, 0, bitmap);
-    return onPaper;
+    QImage opaque = bitmap.depth() == 32 ? bitmap : makeLargeImage(bitmap.size(), QImage::Format_RGB32);
+    bitmap = bitmap.depth() == 32 ? QImage() : bitmap;
+    onPaper(bitmap, opaque);
+    return opaque;
 }
 
 } // namespace
 
-CMapPicture::CMapPicture(QImage bitmap) : bitmap_(drawable(std::move(bitmap))) {
+CMapPicture::CMapPicture(QImage bitmap) : bitmap_(drawable(std::move(bitmap))), size_(bitmap_.size()) {
     for (int by = 2; bitmap_.width() / by >= smallestCopySide && bitmap_.height() / by >= smallestCopySide;
          by *= 2) {
-        if (qsizetype{bitmap_.width() / by} * (bitmap_.height() / by) > largestCopyPixels)
-            continue;
-        const bool first = levels_.empty();
-        levels_.push_back({by, first ? reduced(bitmap_, by) : reduced(levels_.back().image, 2)});
+        QImage copy = levels_.empty() ? reduced(bitmap_, by) : reduced(levels_.back().image, 2);
+        if (copy.isNull())
+            return; // no room: small zooms are averaged from the bitmap, and take their time
+        levels_.push_back({by, std::move(copy)});
     }
 }
 
@@ -87,9 +104,28 @@ const QImage& CMapPicture::levelFor(double factor, int& reduction) const {
     return *best;
 }
 
+CMapTiles::CMapTiles() = default;
+CMapTiles::~CMapTiles() = default;
+
 void CMapTiles::setPicture(std::shared_ptr<const CMapPicture> picture) {
     picture_ = std::move(picture);
     tiles_.clear();
+    renderer_.reset();
+    tileSide_ = pixelTileSide;
+    if (!picture_ || picture_->drawing().isEmpty())
+        return;
+    tileSide_ = drawingTileSide;
+    renderer_ = std::make_unique<QSvgRenderer>();
+    renderer_->load(picture_->drawing());
+}
+
+QImage CMapTiles::rendered(QRect area, QSize mapSize) {
+    QImage image(area.size(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.translate(-area.topLeft());
+    renderer_->render(&painter, QRectF(QPointF(0, 0), QSizeF(mapSize)));
+    return image;
 }
 
 void CMapTiles::draw(QPainter& painter, QRect target, const MapPlace& place) {
@@ -107,26 +143,49 @@ void CMapTiles::draw(QPainter& painter, QRect target, const MapPlace& place) {
         tiles_.clear();
     factor_ = place.factor;
     ++use_;
-    const int lastColumn = shown.right() / tileSide;
-    const int lastRow = shown.bottom() / tileSide;
-    for (int row = shown.top() / tileSide; row <= lastRow; ++row) {
-        for (int column = shown.left() / tileSide; column <= lastColumn; ++column) {
-            const QPoint corner(column * tileSide, row * tileSide);
-            const QRect part = shown.intersected(QRect(corner, QSize(tileSide, tileSide)));
+    const int lastColumn = shown.right() / tileSide_;
+    const int lastRow = shown.bottom() / tileSide_;
+    for (int row = shown.top() / tileSide_; row <= lastRow; ++row) {
+        for (int column = shown.left() / tileSide_; column <= lastColumn; ++column) {
+            const QPoint corner(column * tileSide_, row * tileSide_);
+            const QRect part = shown.intersected(QRect(corner, QSize(tileSide_, tileSide_)));
             painter.drawImage(part.topLeft() + origin, tile(column, row, place.size),
                               part.translated(-corner));
         }
     }
-    makeRoom(static_cast<std::size_t>(lastColumn + 1 - shown.left() / tileSide) *
-             static_cast<std::size_t>(lastRow + 1 - shown.top() / tileSide));
+    makeRoom(static_cast<std::size_t>(lastColumn + 1 - shown.left() / tileSide_) *
+             static_cast<std::size_t>(lastRow + 1 - shown.top() / tileSide_));
+}
+
+void CMapTiles::drawWhole(QPainter& painter, QRect target, const MapPlace& place) {
+    if (renderer_) {
+        renderer_->render(&painter, QRectF(QPointF(place.corner), QSizeF(place.size)));
+        return;
+    }
+    if (!picture_)
+        return;
+    const QRect shown = target.translated(-place.corner).intersected(QRect(QPoint(0, 0), place.size));
+    if (shown.isEmpty())
+        return;
+    int reduction = 1;
+    const QImage& level = picture_->levelFor(place.factor, reduction);
+    const double step = 1 / (place.factor * reduction);
+    const QRectF used(shown.x() * step, shown.y() * step, shown.width() * step, shown.height() * step);
+    const QRect whole = used.toAlignedRect() & level.rect();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(QRectF(whole.x() / step + place.corner.x(), whole.y() / step + place.corner.y(),
+                             whole.width() / step, whole.height() / step),
+                      level.copy(whole));
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
 }
 
 const QImage& CMapTiles::tile(int column, int row, QSize mapSize) {
     Tile& tile = tiles_[tileKey(column, row)];
     tile.lastUse = use_;
     if (tile.image.isNull()) {
-        const QRect whole(column * tileSide, row * tileSide, tileSide, tileSide);
-        tile.image = resampled(*picture_, whole.intersected(QRect(QPoint(0, 0), mapSize)), factor_);
+        const QRect whole(column * tileSide_, row * tileSide_, tileSide_, tileSide_);
+        const QRect area = whole.intersected(QRect(QPoint(0, 0), mapSize));
+        tile.image = renderer_ ? rendered(area, mapSize) : resampled(*picture_, area, factor_);
     }
     return tile.image;
 }

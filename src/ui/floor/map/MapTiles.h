@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 #include <QPainter>
 #include <QPoint>
@@ -9,18 +10,30 @@
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <utility>
 #include <vector>
+
+class QSvgRenderer;
 
 namespace mirovane {
 
-/// A floor map ready to be drawn: the bitmap as its file holds it, and halved copies down to a few hundred
-/// pixels, from which any zoom below 100 % is averaged without touching every pixel. Immutable; made on a
-/// worker thread.
+/// A floor map ready to be drawn. Of pixels: the bitmap as its file holds it, and halved copies down to a few
+/// hundred pixels, from which any zoom below 100 % is averaged without touching every pixel; large ones are
+/// not in memory (see LargeImage.h). Or a drawing, which is sharp at every zoom. Immutable; made on a worker
+/// thread.
 class CMapPicture {
 public:
     explicit CMapPicture(QImage bitmap);
 
-    QSize size() const { return bitmap_.size(); }
+    /// The bytes of an SVG drawing that can be read, and its size at 100 %.
+    CMapPicture(QByteArray drawing, QSize size) : drawing_(std::move(drawing)), size_(size) {}
+
+    QSize size() const { return size_; }
+
+    /// Empty for a picture of pixels.
+    const QByteArray& drawing() const { return drawing_; }
+
+    /// Null for a drawing.
     const QImage& bitmap() const { return bitmap_; }
 
     /// The smallest copy that still has a pixel for every pixel shown at this factor, and how many map pixels
@@ -34,6 +47,8 @@ private:
     };
 
     QImage bitmap_;
+    QByteArray drawing_;
+    QSize size_;
     std::vector<Level> levels_;
 };
 
@@ -48,14 +63,22 @@ struct MapPlace {
 /// zoom needs no huge image. Main thread only.
 class CMapTiles {
 public:
+    CMapTiles();
+    ~CMapTiles();
+
     void setPicture(std::shared_ptr<const CMapPicture> picture);
     const CMapPicture* picture() const { return picture_.get(); }
 
     /// Draws what of the map lies in `target` (pixels of the canvas). What lies beside the map is left alone.
     void draw(QPainter& painter, QRect target, const MapPlace& place);
 
+    /// The same without keeping or resampling anything, for a canvas that scales by itself, such as a page.
+    /// What is handed over has no more pixels than can be seen.
+    void drawWhole(QPainter& painter, QRect target, const MapPlace& place);
+
 private:
-    static constexpr int tileSide = 256;
+    static constexpr int pixelTileSide = 256;
+    static constexpr int drawingTileSide = 1024; ///< each piece runs through the whole drawing
     static constexpr std::size_t keptTiles = 384;
 
     struct Tile {
@@ -64,9 +87,12 @@ private:
     };
 
     const QImage& tile(int column, int row, QSize mapSize);
+    QImage rendered(QRect area, QSize mapSize);
     void makeRoom(std::size_t needed);
 
     std::shared_ptr<const CMapPicture> picture_;
+    std::unique_ptr<QSvgRenderer> renderer_; ///< of a drawing
+    int tileSide_ = pixelTileSide;
     double factor_ = 0;
     std::uint64_t use_ = 0;
     std::unordered_map<std::uint64_t, Tile> tiles_;

@@ -43,7 +43,7 @@ CDevicePainter::CDevicePainter(const DisplaySettings& display, CIconSet& icons, 
 
 void CDevicePainter::begin(const FloorViewState& state) {
     state_ = state;
-    penWidth_ = std::max(1, state.view.px(linePenWidth(display_)));
+    penWidth_ = std::max(1, state.view.px(linePenWidth(display_) * state.view.lineScale));
     labels_.begin(display_, state.labels(), std::max(1, state.view.px(state.view.LabelFontHeight)));
 }
 
@@ -173,7 +173,7 @@ void CDevicePainter::drawMarkedArea(QPainter& painter, const CHardware& device) 
     const std::vector<QPoint> points = markedAreaPoints(device);
     if (points.size() < 2)
         return;
-    CLinePainter pen(painter, areaYellow, std::max(1, state_.view.px(areaPenWidth)));
+    CLinePainter pen(painter, areaYellow, std::max(1, state_.view.px(areaPenWidth * state_.view.lineScale)));
     pen->drawPolyline(points.data(), static_cast<int>(points.size()));
 }
 
@@ -188,7 +188,7 @@ QRect CDevicePainter::boundsOf(const CHardware& device, const Figure& figure) {
     if (const QImage photo = photoOf(device); !photo.isNull())
         all |= photoRect(photo.size(), figure);
     if (showsMarkedArea(device)) {
-        const int areaMargin = state_.view.px(areaPenWidth);
+        const int areaMargin = state_.view.px(areaPenWidth * state_.view.lineScale);
         for (const QPoint& point : markedAreaPoints(device))
             all |= QRect(point, QSize(1, 1)).adjusted(-areaMargin, -areaMargin, areaMargin, areaMargin);
     }

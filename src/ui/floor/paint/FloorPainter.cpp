@@ -33,9 +33,12 @@ void CFloorPainter::drawMap(QPainter& painter, QRect clip, const FloorView& view
         !sources_.map.picture())
         return;
     const QSize size = scaled(sources_.map.picture()->size(), view.zoom.ZoomPercent);
-    sources_.map.draw(painter, clip,
-                      {view.px(-view.origin), view.pxRect({0, 0}, size).size(),
-                       view.zoom.ZoomPercent / 100.0 * view.ratio});
+    const MapPlace place{view.px(-view.origin), view.pxRect({0, 0}, size).size(),
+                         view.zoom.ZoomPercent / 100.0 * view.ratio};
+    if (view.paper)
+        sources_.map.drawWhole(painter, clip, place);
+    else
+        sources_.map.draw(painter, clip, place);
 }
 
 void CFloorPainter::drawDevices(QPainter& painter, QRect clip, const FloorViewState& state) {

@@ -18,7 +18,7 @@ bool reaches(const CHardware& device, const FloorViewState& state) {
 
 /// Map coordinates that may show in the window, rounded outwards; the exact test follows on each device.
 CFloorIndex::Area around(const FloorView& view) {
-    if (!view.culls)
+    if (view.paper)
         return view.within ? CFloorIndex::Area{view.within->BoxStart.x, view.within->BoxStart.y,
                                                view.within->BoxEnd.x, view.within->BoxEnd.y}
                            : CFloorIndex::Area{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};

@@ -4,9 +4,12 @@
 #include "ui/dialogs/CustomZoomDialog.h"
 #include "ui/dialogs/ExportRequest.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
+
+class QPrinter;
 
 namespace mirovane {
 
@@ -42,6 +45,15 @@ public:
 
     /// The numbers of the Custom Zoom dialog; nothing when the user cancels.
     virtual std::optional<CustomZoom> askCustomZoom(const CustomZoom& start) = 0;
+
+    /// Which printer, pages and copies; false when the user cancels.
+    virtual bool choosePrinter(QPrinter& printer) = 0;
+
+    /// Paper, orientation and margins.
+    virtual void setUpPage(QPrinter& printer) = 0;
+
+    /// Shows what `print` makes of the printer's paper, and prints it when the user wants to.
+    virtual void previewPages(QPrinter& printer, const std::function<void(QPrinter&)>& print) = 0;
 
     virtual void about() = 0;
 };

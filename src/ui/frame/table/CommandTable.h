@@ -17,6 +17,9 @@ enum class CommandId {
     FileSave,
     FileSaveAs,
     FileExport,
+    FilePrint,
+    FilePrintPreview,
+    FilePrintSetup,
     FileRecent, ///< stands for the recently used datafiles, an entry each
     FileExit,
     EditUndo,

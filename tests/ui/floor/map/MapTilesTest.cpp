@@ -8,6 +8,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <cstring>
+
 namespace mirovane {
 
 namespace {
@@ -176,22 +178,86 @@ std::string bmpHeader(std::int32_t width, std::int32_t height, std::int16_t dept
 }
 
 TEST_F(FloorMapTest, GiantBitmapsAreRefusedBeforeTheyTakeMemory) {
-    const std::pair<int, const char*> tooLarge[] = {
-        {20000, "it has 20000 x 20000 pixels, the limit is 268 million"},
-        {16000, "it has 16000 x 16000 pixels, which take 976 MB of memory, the limit is 512 MB"}};
-    for (const auto& [side, text] : tooLarge) {
-        failed.clear();
-        map.loadNow(written("giant" + std::to_string(side) + ".bmp", bmpHeader(side, side, 24)));
-        ASSERT_EQ(failed.size(), 1);
-        const std::string sentence = failed[0][0].toString().toStdString();
-        EXPECT_NE(sentence.find(text), std::string::npos) << sentence;
-    }
+    map.loadNow(written("giant.bmp", bmpHeader(30000, 20000, 24)));
+    ASSERT_EQ(failed.size(), 1);
+    const std::string sentence = failed[0][0].toString().toStdString();
+    EXPECT_NE(sentence.find("it has 30000 x 20000 pixels, the limit is 500 million"), std::string::npos)
+        << sentence;
     failed.clear();
     for (const auto& [width, height] : {std::pair(INT32_MAX, INT32_MAX), std::pair(-5, 7), std::pair(0, 0)}) {
         map.loadNow(written("odd" + std::to_string(height) + ".bmp", bmpHeader(width, height, 32)));
         EXPECT_EQ(map.size(), QSize(0, 0));
     }
     EXPECT_EQ(failed.size(), 3);
+}
+
+TEST_F(FloorMapTest, LargeBitmapsAreReadIntoAFileWithoutAName) {
+    qputenv("XDG_CACHE_HOME", QByteArray::fromStdString(folder.file("cache")));
+    const auto write = [this](const char* name, int width, int height, std::int16_t depth) {
+        std::string head = bmpHeader(width, height, depth);
+        const std::size_t lineBytes =
+            (static_cast<std::size_t>(width) * static_cast<std::size_t>(depth) + 31) / 32 * 4;
+        if (depth <= 8)
+            head +=
+                std::string("\xFF\xFF\xFF\0\x10\x20\x30\0", 8) + std::string(4 * ((1 << depth) - 2), '\0');
+        const auto offset = static_cast<std::uint32_t>(head.size());
+        std::memcpy(head.data() + 10, &offset, sizeof offset);
+        const QString path = written(name, head);
+        EXPECT_TRUE(QFile(path).resize(
+            static_cast<qint64>(head.size() + lineBytes * static_cast<std::size_t>(height))));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadWrite));
+        file.seek(static_cast<qint64>(head.size()));
+        file.write(depth == 24 ? "\x30\x20\x10" : depth == 8 ? "\x01" : "\x80");
+        return path;
+    };
+    for (const auto& [size, depth] : {std::pair(QSize(20000, 20000), 1), std::pair(QSize(9000, 8000), 8),
+                                      std::pair(QSize(4100, 4100), 24)}) {
+        map.loadNow(write("large.bmp", size.width(), size.height(), static_cast<std::int16_t>(depth)));
+        ASSERT_EQ(map.size(), size) << (failed.empty() ? "" : failed[0][0].toString().toStdString());
+        const QImage& bitmap = map.tiles().picture()->bitmap();
+        EXPECT_EQ(bitmap.pixelColor(0, size.height() - 1),
+                  depth == 24 ? QColor(0x10, 0x20, 0x30) : QColor(0x30, 0x20, 0x10));
+        EXPECT_EQ(bitmap.pixelColor(1, size.height() - 1),
+                  depth == 24 ? QColor(Qt::black) : QColor(Qt::white));
+    }
+    EXPECT_TRUE(QDir(QString::fromStdString(folder.file("cache"))).isEmpty()) << "nothing stays behind";
+    qunsetenv("XDG_CACHE_HOME");
+}
+
+TEST_F(FloorMapTest, PicturesOfEveryKindAreShown) {
+    QImage half(300, 200, QImage::Format_ARGB32);
+    half.fill(QColor(255, 0, 0, 128));
+    for (const char* name : {"floor.png", "floor.jpg", "floor.bmp"}) {
+        map.loadNow(saved(name, half));
+        EXPECT_EQ(map.size(), QSize(300, 200)) << name;
+    }
+    map.loadNow(saved("floor.png", half));
+    EXPECT_EQ(map.tiles().picture()->bitmap().pixelColor(5, 5), QColor(255, 127, 127)) << "on white paper";
+
+    map.loadNow(written("floor.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='300' height='200'>"
+                                     "<rect x='100' y='0' width='100' height='200'/></svg>"));
+    ASSERT_EQ(map.size(), QSize(300, 200));
+    const QImage large = drawn(map.tiles(), {40, 10}, {-380, 0}, 4.0);
+    EXPECT_EQ(large.pixelColor(19, 5), QColor(Qt::white));
+    EXPECT_EQ(large.pixelColor(20, 5), QColor(Qt::black)) << "an edge is an edge at every zoom";
+    EXPECT_EQ(failed.size(), 0);
+}
+
+TEST_F(FloorMapTest, DamagedPicturesOfEveryKindAreNamed) {
+    const QString photo = saved("floor.jpg", pattern(900, 700));
+    QFile(photo).resize(QFileInfo(photo).size() / 2);
+    const QString picture = saved("floor.png", pattern(900, 700));
+    QFile(picture).resize(QFileInfo(picture).size() / 2);
+    const QString drawing = written("floor.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='300'");
+    const QString endless =
+        written("huge.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='99999' height='5'/>");
+    for (const QString& path : {photo, picture, drawing, endless}) {
+        failed.clear();
+        const QString problem = readMap({path, {}, {}}).problem;
+        EXPECT_TRUE(problem.contains(QStringLiteral("cannot be shown: "))) << path.toStdString();
+        EXPECT_TRUE(problem.contains(path));
+    }
 }
 
 TEST_F(FloorMapTest, MapIsFoundBesideTheDatafile) {

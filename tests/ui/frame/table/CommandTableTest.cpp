@@ -97,8 +97,6 @@ constexpr auto promised = std::to_array<PromisedRow>({
 
 /// Promised and not yet there. A command that has come is taken off.
 const std::vector<AwaitedRow> awaited = {
-    {MenuId::File, "&Print..."}, {MenuId::File, "Print Pre&view"}, {MenuId::File, "P&rint Setup..."},
-
     {MenuId::File, "Sen&d..."},
 
     {MenuId::Edit, "&Find..."}, {MenuId::Edit, "Find &Next"}, {MenuId::Edit, "Find Reminder Due"},
