@@ -144,7 +144,7 @@ CallersRun callersRun(const Addresses& addresses, std::size_t callers) {
             for (std::size_t mine = next++; mine < targets.size(); mine = next++) {
                 PingReply reply;
                 std::optional<std::uint32_t> resolved;
-                answered += probes.PingHost(targets[mine], reply, resolved, 10, 5000, 32, {}) ? 1 : 0;
+                answered += probes.PingHost(targets[mine], reply, resolved, 10, 5000, 32, {}).isYes() ? 1 : 0;
             }
         });
     }

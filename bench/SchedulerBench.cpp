@@ -43,22 +43,20 @@ private:
 /// Every host lives but each seventh, in turn, so that states keep changing.
 class QuickProbes final : public HostProbes, public SNMPProbe, public RegistryProbes {
 public:
-    bool PingHost(const std::string&, PingReply&, std::optional<std::uint32_t>&, std::uint8_t, std::uint32_t,
-                  std::uint8_t, std::stop_token) override {
-        return ++count_ % 7 != 0;
+    ProbeAnswer PingHost(const std::string&, PingReply&, std::optional<std::uint32_t>&, std::uint8_t,
+                         std::uint32_t, std::uint8_t, std::stop_token) override {
+        return ++count_ % 7 != 0 ? ProbeAnswer::yes() : ProbeAnswer::no({});
     }
-    bool ResolveHost(const std::string&, std::uint32_t&, std::string&, std::stop_token) override {
-        return false;
+    ProbeAnswer ResolveHost(const std::string&, std::uint32_t&, std::string&, std::stop_token) override {
+        return {};
     }
     std::optional<std::string> echoUnusable() override { return std::nullopt; }
     SNMPAnswer SnmpGet(const SNMPQuery&, std::stop_token) override { return {}; }
-    std::optional<std::string> snmpUnusable() override { return std::nullopt; }
-    std::optional<std::string> ReadRegistryValue(const std::string&, const std::string&, std::stop_token,
-                                                 std::string*) override {
-        return std::nullopt;
+    ProbeAnswer ReadRegistryValue(const std::string&, const std::string&, std::string&,
+                                  std::stop_token) override {
+        return {};
     }
-    LoggedOnUser LookUpLoggedOnUser(const std::string&, std::stop_token, std::string*) override { return {}; }
-    std::vector<std::string> takeTroubles() override { return {}; }
+    ProbeAnswer LookUpLoggedOnUser(const std::string&, LoggedOnUser&, std::stop_token) override { return {}; }
 
 private:
     std::atomic<unsigned> count_ = 0;

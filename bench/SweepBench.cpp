@@ -20,8 +20,8 @@ constexpr std::size_t rounds = 9;
 /// Every host has a name, at once: the figures are about probing, not about this computer's name server.
 class InstantNames final : public NameService {
 public:
-    std::optional<std::uint32_t> addressOf(const std::string&) override { return std::nullopt; }
-    std::optional<std::string> nameOf(std::uint32_t) override { return "host.example"; }
+    LookedUp<std::uint32_t> addressOf(const std::string&) override { return {}; }
+    LookedUp<std::string> nameOf(std::uint32_t) override { return {ProbeAnswer::yes(), "host.example"}; }
 };
 
 struct Outcome {

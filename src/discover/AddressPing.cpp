@@ -10,7 +10,7 @@ namespace mirovane {
 
 namespace {
 
-bool answers(HostProbes& probes, const std::string& target, std::stop_token stop) {
+ProbeAnswer answers(HostProbes& probes, const std::string& target, std::stop_token stop) {
     PingReply reply;
     std::optional<std::uint32_t> resolved;
     return probes.PingHost(target, reply, resolved, pingTtl, pingTimeoutMs, pingPayloadSize, std::move(stop));
@@ -21,7 +21,7 @@ bool answers(HostProbes& probes, const std::string& target, std::stop_token stop
 bool CAddressPing::start(std::uint32_t address) {
     Ping ping{address, {}, {}};
     // The worker's own share of the promise: it may end after this object.
-    const auto answer = std::make_shared<std::promise<bool>>();
+    const auto answer = std::make_shared<std::promise<ProbeAnswer>>();
     ping.answer = answer->get_future();
     const bool started =
         workers_.start([answer, target = formatRangeAddress(address), stop = ping.stop.get_token(),
@@ -37,8 +37,11 @@ std::optional<CAddressPing::Answer> CAddressPing::take() {
     Ping ping = std::move(*ping_);
     ping_.reset();
     if (ping.stop.stop_requested())
-        return Answer{Answer::Kind::Stopped, ping.address};
-    return Answer{ping.answer.get() ? Answer::Kind::Answered : Answer::Kind::Silent, ping.address};
+        return Answer{Answer::Kind::Stopped, ping.address, {}};
+    const ProbeAnswer answer = ping.answer.get();
+    if (answer.couldNotBeAsked())
+        return Answer{Answer::Kind::NotAsked, ping.address, answer.why};
+    return Answer{answer.isYes() ? Answer::Kind::Answered : Answer::Kind::Silent, ping.address, {}};
 }
 
 void CAddressPing::stop() {

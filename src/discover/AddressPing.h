@@ -8,6 +8,7 @@
 #include <future>
 #include <optional>
 #include <stop_token>
+#include <string>
 
 namespace mirovane {
 
@@ -31,9 +32,10 @@ public:
     bool waitFor(std::chrono::milliseconds patience) const { return !ping_ || answered(patience); }
 
     struct Answer {
-        enum class Kind { Silent, Answered, Stopped };
+        enum class Kind { Silent, Answered, NotAsked, Stopped };
         Kind kind;
         std::uint32_t address;
+        std::string why; ///< it could not be asked
     };
 
     /// Of a ping that has ended, once. A ping that was told to stop has no answer that counts.
@@ -49,7 +51,7 @@ private:
     struct Ping {
         std::uint32_t address;
         std::stop_source stop;
-        std::future<bool> answer;
+        std::future<ProbeAnswer> answer;
     };
 
     bool answered(std::chrono::milliseconds patience) const {

@@ -12,6 +12,9 @@ constexpr std::chrono::milliseconds probePeriod{5000};
 constexpr std::chrono::milliseconds waitSlice{10};
 constexpr std::chrono::minutes publishPeriod{10};
 
+/// An address that nobody may ping, such as a network's own, must not end the walk.
+constexpr int mostTries = 12;
+
 } // namespace
 
 CLiveDiscover::CLiveDiscover(const FeatureServices& services, CFeatureOwnership& ownership,
@@ -143,9 +146,18 @@ bool CLiveDiscover::takeAnswer() {
     const auto answer = ping_.take();
     if (!answer)
         return false;
-    if (answer->kind == CAddressPing::Answer::Kind::Stopped) // switched off and on again meanwhile
+    using Kind = CAddressPing::Answer::Kind;
+    const bool notAsked = answer->kind == Kind::NotAsked;
+    tries_ = notAsked ? tries_ + 1 : 0;
+    // Nobody knows whether it is there: stopped, or this computer is ill.
+    if (answer->kind == Kind::Stopped || (notAsked && tries_ % mostTries != 0))
         walk_.goTo(beforePing_);
-    if (answer->kind != CAddressPing::Answer::Kind::Answered)
+    if (notAsked)
+        reportTrouble("Live Discover cannot ping " + formatRangeAddress(answer->address) + ": " +
+                      answer->why);
+    else
+        reportedTrouble_.reset();
+    if (answer->kind != Kind::Answered)
         return false;
     addHost(answer->address);
     return true;
@@ -195,13 +207,18 @@ void CLiveDiscover::publishSometimes() {
     host_.changesPending();
 }
 
-/// Says once why no echo can be sent here.
 bool CLiveDiscover::echoesFail() {
     const auto trouble = probes_.echoUnusable();
-    if (trouble && trouble != reportedTrouble_)
-        log_.LogMessage(*trouble, true);
-    reportedTrouble_ = trouble;
+    if (trouble)
+        reportTrouble(*trouble);
     return trouble.has_value();
+}
+
+/// Once, however often the walk meets it.
+void CLiveDiscover::reportTrouble(const std::string& trouble) {
+    if (trouble != reportedTrouble_)
+        log_.LogMessage(trouble, true);
+    reportedTrouble_ = trouble;
 }
 
 } // namespace mirovane

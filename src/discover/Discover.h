@@ -67,6 +67,7 @@ private:
     void probeNext();
     void publishSometimes();
     bool echoesFail();
+    void reportTrouble(const std::string& trouble);
 
     CMirovaneDoc& document_;
     CMessageLog& log_;
@@ -80,6 +81,7 @@ private:
     CAddressPing ping_;
     CDiscoverWalk::Place beforePing_; ///< the place that led to the last ping
     std::chrono::steady_clock::time_point published_{};
+    int tries_ = 0; ///< of pings one after the other that could not be sent
     std::optional<std::string> reportedTrouble_;
 };
 

@@ -1,6 +1,7 @@
 #include "discover/DiscoveredDevice.h"
 
 #include "discover/AddressRanges.h"
+#include "model/records/KeptText.h"
 #include "probes/names/HostAddress.h"
 
 #include <arpa/inet.h>
@@ -10,10 +11,7 @@ namespace mirovane {
 std::optional<std::uint32_t> deviceAddress(const CHardware& record) {
     if (!record.isDevice() || record.IPAddress.empty())
         return std::nullopt;
-    std::string_view text = record.IPAddress;
-    if (text.ends_with(keptByUser))
-        text.remove_suffix(keptByUser.size());
-    const auto address = parseDottedAddress(text);
+    const auto address = parseDottedAddress(withoutKeptMark(record.IPAddress));
     return address ? std::optional<std::uint32_t>(ntohl(*address)) : std::nullopt;
 }
 

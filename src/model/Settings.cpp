@@ -1,5 +1,6 @@
 #include "model/Settings.h"
 
+#include <algorithm>
 #include <iterator>
 #include <utility>
 
@@ -24,6 +25,7 @@ constexpr SettingDefinition startup[] = {
     {"LSAutoStart", absentFlag, 1},
     {"LSAutoPerform", absentFlag, 1},
     {"LSIncludeMisc", absentFlag, 1},
+    {"LSConfirmOff", absentFlag, 1},
     {"HideJacks", absentFlag, 0},
     {"HideComputers", absentFlag, 0},
     {"HidePrinters", absentFlag, 0},
@@ -186,6 +188,7 @@ void LiveStatSettings::readAll(const CSettings& settings) {
     LSAutoStart = settings.read("LSAutoStart", 1) != 0;
     LSAutoPerform = settings.read("LSAutoPerform", 1) != 0;
     LSIncludeMisc = settings.read("LSIncludeMisc", 1) != 0;
+    LSConfirmOff = std::clamp(settings.read("LSConfirmOff", 1), 0, mostConfirmOff);
 }
 
 void LiveStatSettings::writeAll(CSettings& settings) const {
@@ -194,6 +197,7 @@ void LiveStatSettings::writeAll(CSettings& settings) const {
     settings.write("LSAutoStart", LSAutoStart ? 1 : 0);
     settings.write("LSAutoPerform", LSAutoPerform ? 1 : 0);
     settings.write("LSIncludeMisc", LSIncludeMisc ? 1 : 0);
+    settings.write("LSConfirmOff", LSConfirmOff);
 }
 
 } // namespace mirovane

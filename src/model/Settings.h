@@ -111,12 +111,14 @@ struct LiveStatSettings {
     /// A slip of the keys, or a settings file edited by hand, must not bring the computer down.
     static constexpr std::int32_t mostRunSec = 24 * 60 * 60;
     static constexpr std::int32_t mostNumPerRun = 10'000;
+    static constexpr std::int32_t mostConfirmOff = 5;
 
     std::int32_t LSRunSec = 3;
     std::int32_t LSNumPerRun = 50;
     bool LSAutoStart = true;
     bool LSAutoPerform = true;
     bool LSIncludeMisc = true;
+    std::int32_t LSConfirmOff = 1; ///< so often the test of a device that is On is repeated before it is Off
 
     void readAll(const CSettings& settings);
     static LiveStatSettings of(const CSettings& settings) {

@@ -1,5 +1,7 @@
 #include "probes/SNMPProbe.h"
 
+#include "probes/names/HostAddress.h"
+#include "probes/names/Resolver.h"
 #include "probes/snmp/SNMPException.h"
 #include "probes/snmp/SNMPObject.h"
 #include "probes/snmp/SNMPRemoteAgent.h"
@@ -47,29 +49,57 @@ std::string nameOfStatus(std::int32_t status) {
 SNMPAnswer CSystemSNMPProbe::SnmpGet(const SNMPQuery& query, std::stop_token stop) {
     try {
         manager_.Startup();
-        SNMPRemoteAgent agent(manager_, query.host, query.community, query.port, nullptr, stop);
+    } catch (SNMPException* raised) {
+        const std::unique_ptr<SNMPException> owned(raised);
+        return {SNMPAnswer::Kind::NotAsked,
+                "no socket can be opened (code " + std::to_string(owned->code()) + ")"};
+    }
+    if (SNMPEntity::parse(query.host))
+        return ask(query, query.host, stop);
+    const auto found = manager_.resolver().addressOf(query.host, CResolver::defaultTimeout, stop);
+    switch (found.answer.kind) {
+    case ProbeAnswer::Kind::Yes:
+        return ask(query, formatAddress(found.value), stop);
+    case ProbeAnswer::Kind::No:
+        return {SNMPAnswer::Kind::Failed, found.answer.why};
+    case ProbeAnswer::Kind::CouldNotAsk:
+        return {SNMPAnswer::Kind::NotAsked, found.answer.why, 0, found.answer.through};
+    case ProbeAnswer::Kind::Stopped:
+        break;
+    }
+    return {SNMPAnswer::Kind::Stopped, {}};
+}
+
+SNMPAnswer CSystemSNMPProbe::ask(const SNMPQuery& query, const std::string& address,
+                                 const std::stop_token& stop) {
+    try {
+        SNMPRemoteAgent agent(manager_, address, query.community, query.port, nullptr, stop);
         SNMPObject object("");
         object.SetOid(query.oid);
         SNMPRequest request(SNMPPduType::GetRequest, {&object, 1});
         request.Send(agent);
         request.Wait(query.timeoutMs, stop);
+        if (agent.sendingFailed())
+            return {SNMPAnswer::Kind::NotAsked, "the query cannot be sent"};
         return answerOf(request);
     } catch (SNMPException* raised) {
         const std::unique_ptr<SNMPException> owned(raised);
         if (stop.stop_requested())
-            return {SNMPAnswer::Kind::Stopped, "", 0};
-        return {SNMPAnswer::Kind::Failed, continued(owned->message()), 0};
+            return {SNMPAnswer::Kind::Stopped, {}};
+        return {SNMPAnswer::Kind::Failed, continued(owned->message())};
     }
 }
 
-std::optional<std::string> CSystemSNMPProbe::snmpUnusable() {
-    try {
-        manager_.Startup();
-        return std::nullopt;
-    } catch (SNMPException* raised) {
-        const std::unique_ptr<SNMPException> owned(raised);
-        return "SNMP cannot be used: no socket can be opened (code " + std::to_string(owned->code()) +
-               "); every SNMPGet row fails until this station is started again.";
+ProbeAnswer answerOf(const SNMPAnswer& answer, const SNMPQuery& query) {
+    switch (answer.kind) {
+    case SNMPAnswer::Kind::Value:
+        return ProbeAnswer::yes();
+    case SNMPAnswer::Kind::Stopped:
+        return ProbeAnswer::stopped();
+    case SNMPAnswer::Kind::NotAsked:
+        return ProbeAnswer::couldNotAsk(answer.through, answer.text);
+    default:
+        return ProbeAnswer::no(describeSnmpAnswer(answer, query));
     }
 }
 
@@ -84,6 +114,7 @@ std::string describeSnmpAnswer(const SNMPAnswer& answer, const SNMPQuery& query)
     case SNMPAnswer::Kind::Stopped:
         return "stopped";
     case SNMPAnswer::Kind::Failed:
+    case SNMPAnswer::Kind::NotAsked:
         break;
     }
     return answer.text;

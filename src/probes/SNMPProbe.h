@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/ProbeAnswer.h"
 #include "probes/snmp/SNMPManager.h"
 
 #include <cstdint>
-#include <optional>
 #include <stop_token>
 #include <string>
 
@@ -25,12 +25,14 @@ struct SNMPAnswer {
         ErrorStatus, ///< the agent refused: `errorStatus` says why (2: no such name)
         TimedOut,
         Stopped,
-        Failed, ///< nothing was asked: `text` says why
+        Failed,   ///< the host or the object cannot be: `text` says why
+        NotAsked, ///< this computer could not ask: `text` says why, `through` by whose fault
     };
 
     Kind kind = Kind::Failed;
     std::string text;
     std::int32_t errorStatus = 0;
+    AskedThrough through = AskedThrough::Snmp;
 
     bool hasValue() const { return kind == Kind::Value; }
 };
@@ -42,10 +44,6 @@ class SNMPProbe {
 public:
     virtual ~SNMPProbe() = default;
     virtual SNMPAnswer SnmpGet(const SNMPQuery& query, std::stop_token stop) = 0;
-
-    /// Why no agent can be asked from this computer, one line; nothing while queries work. Starts the service
-    /// if that has not happened yet.
-    virtual std::optional<std::string> snmpUnusable() = 0;
 };
 
 /// Over the network: each query has its own agent and session.
@@ -55,11 +53,15 @@ public:
     explicit CSystemSNMPProbe(SNMPManager& manager) : manager_(manager) {}
 
     SNMPAnswer SnmpGet(const SNMPQuery& query, std::stop_token stop) override;
-    std::optional<std::string> snmpUnusable() override;
 
 private:
+    SNMPAnswer ask(const SNMPQuery& query, const std::string& address, const std::stop_token& stop);
+
     SNMPManager& manager_;
 };
+
+/// What it says about the host.
+ProbeAnswer answerOf(const SNMPAnswer& answer, const SNMPQuery& query);
 
 /// For people: "no answer within 1000 ms", "error status 2 (no such name)"; empty for a value.
 std::string describeSnmpAnswer(const SNMPAnswer& answer, const SNMPQuery& query);

@@ -10,52 +10,68 @@ CSystemHostProbes::CSystemHostProbes()
 CSystemHostProbes::CSystemHostProbes(std::unique_ptr<CIcmpEngine> engine, std::unique_ptr<CResolver> resolver)
     : engine_(std::move(engine)), resolver_(std::move(resolver)) {}
 
+ProbeAnswer answerOf(const EchoResult& echo, const EchoOptions& options) {
+    switch (echo.kind) {
+    case EchoKind::Reply:
+        return ProbeAnswer::yes();
+    case EchoKind::Stopped:
+        return ProbeAnswer::stopped();
+    case EchoKind::NotPermitted:
+    case EchoKind::SendFailed:
+        return ProbeAnswer::couldNotAsk(AskedThrough::Echo, describeEcho(echo, options));
+    default:
+        return ProbeAnswer::no(describeEcho(echo, options));
+    }
+}
+
 PingOutcome CSystemHostProbes::ping(const std::string& target, const EchoOptions& options,
                                     const std::stop_token& stop) {
     PingOutcome outcome;
-    if (engine_->unusable()) {
+    if (const auto unusable = engine_->unusable()) {
+        outcome.answer = ProbeAnswer::couldNotAsk(AskedThrough::Echo, *unusable);
         outcome.echo.kind = EchoKind::NotPermitted;
         return outcome;
     }
     if (const auto dotted = parseDottedAddress(target)) {
         outcome.address = *dotted;
     } else {
-        const auto found = resolver_->addressOf(target, CResolver::Milliseconds(options.timeoutMs), stop);
-        if (!found) {
-            outcome.echo.kind = stop.stop_requested() ? EchoKind::Stopped : EchoKind::SendFailed;
+        auto found = resolver_->addressOf(target, CResolver::Milliseconds(options.timeoutMs), stop);
+        outcome.answer = std::move(found.answer);
+        if (!outcome.answer.isYes())
             return outcome;
-        }
         outcome.lookedUp = true;
-        outcome.address = *found;
+        outcome.address = found.value;
     }
-    outcome.found = true;
     outcome.echo = engine_->echo(outcome.address, options, stop);
+    outcome.answer = answerOf(outcome.echo, options);
     return outcome;
 }
 
-bool CSystemHostProbes::PingHost(const std::string& target, PingReply& reply,
-                                 std::optional<std::uint32_t>& resolvedAddress, std::uint8_t ttl,
-                                 std::uint32_t timeoutMs, std::uint8_t payloadSize, std::stop_token stop) {
-    const PingOutcome outcome = ping(target, {ttl, timeoutMs, payloadSize}, stop);
+ProbeAnswer CSystemHostProbes::PingHost(const std::string& target, PingReply& reply,
+                                        std::optional<std::uint32_t>& resolvedAddress, std::uint8_t ttl,
+                                        std::uint32_t timeoutMs, std::uint8_t payloadSize,
+                                        std::stop_token stop) {
+    PingOutcome outcome = ping(target, {ttl, timeoutMs, payloadSize}, stop);
     if (outcome.lookedUp)
         resolvedAddress = outcome.address;
-    if (!outcome.answered())
-        return false;
-    reply = {outcome.echo.reporter, outcome.echo.roundTripMs()};
-    return true;
+    if (outcome.answer.isYes())
+        reply = {outcome.echo.reporter, outcome.echo.roundTripMs()};
+    return std::move(outcome.answer);
 }
 
-bool CSystemHostProbes::ResolveHost(const std::string& target, std::uint32_t& address, std::string& hostName,
-                                    std::stop_token stop) {
+ProbeAnswer CSystemHostProbes::ResolveHost(const std::string& target, std::uint32_t& address,
+                                           std::string& hostName, std::stop_token stop) {
     if (const auto dotted = parseDottedAddress(target)) {
-        if (auto name = resolver_->nameOf(*dotted, CResolver::defaultTimeout, std::move(stop)))
-            hostName = std::move(*name);
-        return true;
+        auto name = resolver_->nameOf(*dotted, CResolver::defaultTimeout, std::move(stop));
+        if (name.found())
+            hostName = std::move(name.value);
+        // Without a name it is a yes with an empty one: the address itself was right.
+        return name.answer.kind == ProbeAnswer::Kind::No ? ProbeAnswer::yes() : std::move(name.answer);
     }
-    const auto found = resolver_->addressOf(target, CResolver::defaultTimeout, std::move(stop));
-    if (found)
-        address = *found;
-    return found.has_value();
+    auto found = resolver_->addressOf(target, CResolver::defaultTimeout, std::move(stop));
+    if (found.found())
+        address = found.value;
+    return std::move(found.answer);
 }
 
 } // namespace mirovane

@@ -4,69 +4,62 @@
 #include "probes/registry/RegistryPath.h"
 #include "probes/registry/RegistryRead.h"
 
-#include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace mirovane {
 
-std::optional<std::string> CSystemRegistryProbes::ReadRegistryValue(const std::string& path,
-                                                                    const std::string& localComputerName,
-                                                                    std::stop_token stop,
-                                                                    std::string* trouble) {
-    std::optional<std::string> value;
+ProbeAnswer CSystemRegistryProbes::ReadRegistryValue(const std::string& path,
+                                                     const std::string& localComputerName, std::string& value,
+                                                     std::stop_token stop) {
+    std::optional<std::string> found;
     const auto read = [&](Registry& registry) {
-        value = mirovane::ReadRegistryValue(registry, path, localComputerName);
+        found = mirovane::ReadRegistryValue(registry, path, localComputerName);
     };
-    withRegistryOf(splitRegistryPath(path, localComputerName).host, std::move(stop), read, trouble);
-    return value;
+    const std::string host = splitRegistryPath(path, localComputerName).host;
+    ProbeAnswer answer = withRegistryOf(host, std::move(stop), read);
+    if (found) {
+        value = std::move(*found);
+        return ProbeAnswer::yes();
+    }
+    return answer.isYes() ? ProbeAnswer::no(whyNotFound(path, answer.why)) : answer;
 }
 
-LoggedOnUser CSystemRegistryProbes::LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
-                                                       std::string* trouble) {
-    LoggedOnUser user;
+ProbeAnswer CSystemRegistryProbes::LookUpLoggedOnUser(const std::string& host, LoggedOnUser& user,
+                                                      std::stop_token stop) {
+    LoggedOnUser found;
     const auto lookUp = [&](Registry& registry) {
-        user = mirovane::LookUpLoggedOnUser(registry, host);
+        found = mirovane::LookUpLoggedOnUser(registry, host);
     };
-    const bool answered = withRegistryOf(host, std::move(stop), lookUp, trouble);
+    ProbeAnswer answer = withRegistryOf(host, std::move(stop), lookUp);
     // A look-up that broke off before it found somebody does not tell that nobody is logged on.
-    return answered || !user.name.empty() ? user : LoggedOnUser();
+    if (!answer.isYes() && found.name.empty())
+        return answer;
+    user = std::move(found);
+    return user.reached ? ProbeAnswer::yes() : ProbeAnswer::no(answer.why);
 }
 
-bool CSystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_token stop,
-                                           const std::function<void(Registry&)>& lookUp,
-                                           std::string* trouble) {
-    if (trouble)
-        trouble->clear();
+ProbeAnswer CSystemRegistryProbes::withRegistryOf(const std::string& host, std::stop_token stop,
+                                                  const std::function<void(Registry&)>& lookUp) const {
     if (sameRegistryName(host, "\\\\" + station_.computerName)) {
         CLocalRegistry registry(station_.computerName, station_.userName);
         lookUp(registry);
-        note({});
-        return true;
+        return ProbeAnswer::yes();
     }
     CRegistryRemote registry(options_, std::move(stop));
     lookUp(registry);
-    note(registry.trouble());
-    if (trouble)
-        *trouble = registry.trouble().last;
-    return !registry.unreachable();
-}
-
-void CSystemRegistryProbes::note(const RegistryTrouble& trouble) {
-    const std::lock_guard lock(mutex_);
-    last_ = trouble.last;
-    if (trouble.setUp.empty() || std::find(told_.begin(), told_.end(), trouble.setUp) != told_.end())
-        return;
-    told_.push_back(trouble.setUp);
-    untold_.push_back(trouble.setUp);
-}
-
-std::vector<std::string> CSystemRegistryProbes::takeTroubles() {
-    const std::lock_guard lock(mutex_);
-    return std::exchange(untold_, {});
-}
-
-std::string CSystemRegistryProbes::lastTrouble() const {
-    const std::lock_guard lock(mutex_);
-    return last_;
+    const RegistryTrouble& trouble = registry.trouble();
+    switch (trouble.kind) {
+    case RegistryTrouble::Kind::Silent:
+        return ProbeAnswer::no(trouble.last);
+    case RegistryTrouble::Kind::Refused:
+        return ProbeAnswer::couldNotAsk(AskedThrough::Registry, trouble.last);
+    case RegistryTrouble::Kind::Stopped:
+        return ProbeAnswer::stopped();
+    case RegistryTrouble::Kind::Nothing:
+        break;
+    }
+    return {ProbeAnswer::Kind::Yes, trouble.last};
 }
 
 } // namespace mirovane

@@ -5,7 +5,6 @@
 #include "probes/registry/RegistryRemote.h"
 
 #include <functional>
-#include <mutex>
 
 namespace mirovane {
 
@@ -15,29 +14,18 @@ public:
     CSystemRegistryProbes(RegistryRemoteOptions options, StationIdentity station)
         : options_(std::move(options)), station_(std::move(station)) {}
 
-    std::optional<std::string> ReadRegistryValue(const std::string& path,
-                                                 const std::string& localComputerName, std::stop_token stop,
-                                                 std::string* trouble = nullptr) override;
-    LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
-                                    std::string* trouble = nullptr) override;
-    std::vector<std::string> takeTroubles() override;
-
-    /// Why the look-up that ended last failed, in a few words; means nothing after a good one. For a program
-    /// that makes one look-up.
-    std::string lastTrouble() const;
+    ProbeAnswer ReadRegistryValue(const std::string& path, const std::string& localComputerName,
+                                  std::string& value, std::stop_token stop) override;
+    ProbeAnswer LookUpLoggedOnUser(const std::string& host, LoggedOnUser& user,
+                                   std::stop_token stop) override;
 
 private:
-    /// False when the computer did not answer to the end.
-    bool withRegistryOf(const std::string& host, std::stop_token stop,
-                        const std::function<void(Registry&)>& lookUp, std::string* trouble);
-    void note(const RegistryTrouble& trouble);
+    /// What became of a look-up for which the computer answered to the end is a yes.
+    ProbeAnswer withRegistryOf(const std::string& host, std::stop_token stop,
+                               const std::function<void(Registry&)>& lookUp) const;
 
-    RegistryRemoteOptions options_;
-    StationIdentity station_;
-    mutable std::mutex mutex_; ///< guards what follows
-    std::vector<std::string> untold_;
-    std::vector<std::string> told_;
-    std::string last_;
+    const RegistryRemoteOptions options_;
+    const StationIdentity station_;
 };
 
 } // namespace mirovane

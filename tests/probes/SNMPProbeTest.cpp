@@ -121,8 +121,8 @@ TEST_F(SNMPProbeTest, RefusalsAndSilence) {
     EXPECT_EQ(transport_.outstanding(), 0U);
 
     EXPECT_EQ(get(upTime, "public", "localhost").kind, SNMPAnswer::Kind::Value) << "a name is looked up";
-    EXPECT_EQ(get(upTime, "public", "no such host").text, "could not get host by name");
-    EXPECT_EQ(get(upTime, "public", "10.1").text, "could not get host by name") << "half an address";
+    EXPECT_EQ(get(upTime, "public", "no such host").text, "this can't be the name of a host");
+    EXPECT_EQ(get(upTime, "public", "10.1").kind, SNMPAnswer::Kind::Failed) << "half an address";
     EXPECT_EQ(get(upTime, "public", "0.0.0.0").kind, SNMPAnswer::Kind::Failed) << "not this computer";
     EXPECT_EQ(get(upTime, std::string(2000, 'c')).text, "could not convert community name to context");
     EXPECT_EQ(get("sysName.0").text, "could not convert OID from string representation");
@@ -175,7 +175,6 @@ TEST_F(SNMPProbeTest, WorksAgainAfterItsEnd) {
     EXPECT_EQ(test::messageOf([&] { SNMPRemoteAgent(manager_, "127.0.0.1", "public", 161, none); }),
               "Could not create WinSNMP session");
     EXPECT_EQ(get(tree + "1.0").text, "-5") << "the query has started it";
-    EXPECT_EQ(probe_.snmpUnusable(), std::nullopt);
 }
 
 TEST_F(SNMPProbeTest, SaysWhyThereIsNoValue) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "probes/StepProbes.h"
+#include "probes/names/HostAddress.h"
 
 #include <condition_variable>
 #include <map>
@@ -29,9 +30,23 @@ public:
     }
     void registryValue(const std::string& path, const std::string& value) { registry_[path] = value; }
     void loggedOn(const std::string& host, LoggedOnUser user) { users_[host] = std::move(user); }
-    void trouble(const std::string& line) { troubles_.push_back(line); }
     void refuseEchoes(const std::string& why) { unusable_ = why; }
     void allowEchoes() { unusable_.reset(); }
+
+    /// Whoever asks this host (any kind of question) learns that it could not be asked.
+    void cannotAsk(const std::string& host, AskedThrough through, const std::string& why) {
+        const std::lock_guard lock(mutex_);
+        notAsked_[host] = ProbeAnswer::couldNotAsk(through, why);
+    }
+    void canAsk(const std::string& host) {
+        const std::lock_guard lock(mutex_);
+        notAsked_.erase(host);
+    }
+    /// The next so many pings of this host get lost.
+    void lose(const std::string& host, int pings) {
+        const std::lock_guard lock(mutex_);
+        lost_[host] = pings;
+    }
 
     void hang(const std::string& host) {
         const std::lock_guard lock(mutex_);
@@ -54,27 +69,40 @@ public:
         return pinged_;
     }
 
-    bool PingHost(const std::string& target, PingReply&, std::optional<std::uint32_t>&, std::uint8_t ttl,
-                  std::uint32_t timeoutMs, std::uint8_t payloadSize, std::stop_token stop) override {
+    ProbeAnswer PingHost(const std::string& target, PingReply&, std::optional<std::uint32_t>&,
+                         std::uint8_t ttl, std::uint32_t timeoutMs, std::uint8_t payloadSize,
+                         std::stop_token stop) override {
         std::unique_lock lock(mutex_);
         if (ttl != 10 || timeoutMs != 5000 || payloadSize != 32)
-            return false;
+            return ProbeAnswer::no("other options than Live Stat's");
+        if (unusable_)
+            return ProbeAnswer::couldNotAsk(AskedThrough::Echo, *unusable_);
         pinged_.push_back(target);
         waitWhileHanging(lock, target, stop);
-        return !stop.stop_requested() && living_.contains(target);
+        if (stop.stop_requested())
+            return ProbeAnswer::stopped();
+        if (const auto found = notAsked_.find(target); found != notAsked_.end())
+            return found->second;
+        if (const auto found = lost_.find(target); found != lost_.end() && found->second-- > 0)
+            return ProbeAnswer::no("no reply within 5000 ms");
+        return living_.contains(target) ? ProbeAnswer::yes() : ProbeAnswer::no("no reply within 5000 ms");
     }
 
-    bool ResolveHost(const std::string& target, std::uint32_t& address, std::string& hostName,
-                     std::stop_token) override {
-        if (const auto name = names_.find(target); name != names_.end()) {
-            hostName = name->second;
-            return true;
+    ProbeAnswer ResolveHost(const std::string& target, std::uint32_t& address, std::string& hostName,
+                            std::stop_token) override {
+        const std::lock_guard lock(mutex_);
+        if (const auto found = notAsked_.find(target); found != notAsked_.end())
+            return found->second;
+        if (parseDottedAddress(target)) {
+            if (const auto name = names_.find(target); name != names_.end())
+                hostName = name->second;
+            return ProbeAnswer::yes();
         }
         const auto found = addresses_.find(target);
         if (found == addresses_.end())
-            return false;
+            return ProbeAnswer::no("no such name");
         address = found->second;
-        return true;
+        return ProbeAnswer::yes();
     }
 
     std::optional<std::string> echoUnusable() override { return unusable_; }
@@ -85,31 +113,40 @@ public:
         const auto found = agents_.find(query.host + " " + query.community + " " + query.oid);
         if (stop.stop_requested())
             return {SNMPAnswer::Kind::Stopped, "", 0};
+        if (const auto refused = notAsked_.find(query.host); refused != notAsked_.end())
+            return {SNMPAnswer::Kind::NotAsked, refused->second.why, 0, refused->second.through};
         if (found == agents_.end() || query.timeoutMs != 1000)
             return {SNMPAnswer::Kind::TimedOut, "", 0};
         return found->second;
     }
-    std::optional<std::string> snmpUnusable() override { return std::nullopt; }
 
     /// Scripted paths without a host are those of `localComputerName`.
-    std::optional<std::string> ReadRegistryValue(const std::string& path,
-                                                 const std::string& localComputerName, std::stop_token stop,
-                                                 std::string* = nullptr) override {
+    ProbeAnswer ReadRegistryValue(const std::string& path, const std::string& localComputerName,
+                                  std::string& value, std::stop_token stop) override {
         const std::string whole =
             path.starts_with(R"(\\)") ? path : R"(\\)" + localComputerName + R"(\)" + path;
         std::unique_lock lock(mutex_);
         waitWhileHanging(lock, whole, stop);
+        if (const auto refused = notAsked_.find(whole); refused != notAsked_.end())
+            return refused->second;
         const auto found = registry_.find(whole);
-        return found == registry_.end() ? std::nullopt : std::optional(found->second);
+        if (found == registry_.end())
+            return ProbeAnswer::no("there is no such key or value");
+        value = found->second;
+        return ProbeAnswer::yes();
     }
-    LoggedOnUser LookUpLoggedOnUser(const std::string& host, std::stop_token stop,
-                                    std::string* = nullptr) override {
+    ProbeAnswer LookUpLoggedOnUser(const std::string& host, LoggedOnUser& user,
+                                   std::stop_token stop) override {
         std::unique_lock lock(mutex_);
         waitWhileHanging(lock, host, stop);
+        if (const auto refused = notAsked_.find(host); refused != notAsked_.end())
+            return refused->second;
         const auto found = users_.find(host);
-        return found == users_.end() ? LoggedOnUser() : found->second;
+        if (found == users_.end() || !found->second.reached)
+            return ProbeAnswer::no("no answer in time");
+        user = found->second;
+        return ProbeAnswer::yes();
     }
-    std::vector<std::string> takeTroubles() override { return std::exchange(troubles_, {}); }
 
     operator StepProbes() { return {*this, *this, *this}; }
 
@@ -132,7 +169,8 @@ private:
     std::map<std::string, SNMPAnswer> agents_;
     std::map<std::string, std::string> registry_;
     std::map<std::string, LoggedOnUser> users_;
-    std::vector<std::string> troubles_;
+    std::map<std::string, ProbeAnswer> notAsked_;
+    std::map<std::string, int> lost_;
     std::vector<std::string> pinged_;
     std::optional<std::string> unusable_;
     int hangingNow_ = 0;

@@ -96,6 +96,7 @@ QJsonObject trialObject(const RowTrial& trial) {
             {jsonKey("Answer"), jsonText(trial.answer)},
             {jsonKey("Acted"), trial.acted},
             {jsonKey("Failed"), trial.acted && trial.failed},
+            {jsonKey("CouldNotAsk"), trial.couldNotAsk},
             {jsonKey("Changes"), changes}};
 }
 
@@ -108,7 +109,7 @@ ExitStatus tryAll(CommandContext& context, const std::vector<StepInput>& inputs,
         if (input.stop.stop_requested())
             break;
         const RowTrial trial = tryRow(input, probes, clock);
-        if (trial.acted && trial.failed)
+        if ((trial.acted && trial.failed) || trial.couldNotAsk)
             status = ExitStatus::No;
         if (json)
             printer.add(trialObject(trial));
@@ -131,7 +132,8 @@ constexpr std::string_view testDetails =
     "Runs the rows as Live Stat does, by the fields and the state that the device has in FILE, and writes\n"
     "nothing. ROW is a number from 0 to 11 or a label; without one every row that does something is tried.\n"
     "A text file is searched even when it has not changed since Live Stat searched it.\n"
-    "Exit status 1 when a row that ran found no match, or no device has that RECID.\n";
+    "A failed test of a device that is On is not repeated here.\n"
+    "Exit status 1 when a row that ran found no match or could not ask, or no device has that RECID.\n";
 
 ExitStatus runTest(CommandContext& context) {
     ExitStatus status = ExitStatus::Done;

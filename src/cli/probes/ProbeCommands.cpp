@@ -23,14 +23,15 @@ std::string milliseconds(std::chrono::nanoseconds span) {
     return {text.data(), static_cast<std::size_t>(length)};
 }
 
-std::string pingLine(const std::string& host, const PingOutcome& outcome, const EchoOptions& options) {
-    if (!outcome.found)
-        return host + " - " +
-               (outcome.echo.kind == EchoKind::NotPermitted ? describeEcho(outcome.echo, options)
-                                                            : "unknown host");
+std::string pingLine(const std::string& host, const PingOutcome& outcome) {
+    if (outcome.address == 0)
+        return host + " - " + outcome.answer.why;
     const std::string line = host + " " + formatAddress(outcome.address) + " ";
-    return line +
-           (outcome.answered() ? milliseconds(outcome.echo.roundTrip) : describeEcho(outcome.echo, options));
+    if (!outcome.answer.isYes())
+        return line + outcome.answer.why;
+    const bool byAnother = outcome.echo.reporter != outcome.address;
+    return line + milliseconds(outcome.echo.roundTrip) +
+           (byAnother ? ", answered by " + formatAddress(outcome.echo.reporter) : std::string());
 }
 
 /// Addresses go out at once; names need a thread each for their look-up.
@@ -47,8 +48,8 @@ public:
             if (const auto address = parseDottedAddress(hosts[host]))
                 probes.engine().start(
                     *address, options,
-                    [this, host, address](const EchoResult& echo) {
-                        outcomes_.set(host, {true, false, *address, echo});
+                    [this, host, address, options](const EchoResult& echo) {
+                        outcomes_.set(host, {answerOf(echo, options), false, *address, echo});
                     });
         }
     }
@@ -70,17 +71,19 @@ private:
 };
 
 struct LookUp {
-    bool found = false;
+    ProbeAnswer answer;
     std::string result;
 };
 
 LookUp lookUp(CSystemHostProbes& probes, const std::string& target) {
     std::uint32_t address = 0;
     std::string name;
-    const bool known = probes.ResolveHost(target, address, name, std::stop_token());
-    if (parseDottedAddress(target))
-        return {!name.empty(), name};
-    return {known, known ? formatAddress(address) : std::string()};
+    ProbeAnswer answer = probes.ResolveHost(target, address, name, std::stop_token());
+    if (!parseDottedAddress(target))
+        return {answer, answer.isYes() ? formatAddress(address) : std::string()};
+    if (answer.isYes() && name.empty())
+        answer = ProbeAnswer::no("no name is known for this address");
+    return {answer, name};
 }
 
 constexpr std::array pingOptions{
@@ -101,9 +104,9 @@ ExitStatus runPing(CommandContext& context) {
     ExitStatus status = ExitStatus::Done;
     for (std::size_t host = 0; host < hosts.size(); ++host) {
         const PingOutcome outcome = pings.take(host);
-        context.out.printLine(printable(pingLine(hosts[host], outcome, options)));
+        context.out.printLine(printable(pingLine(hosts[host], outcome)));
         context.out.flush();
-        if (!outcome.answered())
+        if (!outcome.answer.isYes())
             status = ExitStatus::No;
     }
     return status;
@@ -135,14 +138,11 @@ ExitStatus runLookup(CommandContext& context) {
     ExitStatus status = ExitStatus::Done;
     for (std::size_t index = 0; index < targets.size(); ++index) {
         const LookUp found = results.take(index);
-        if (found.found) {
+        if (found.answer.isYes()) {
             context.out.printLine(printable(targets[index] + " " + found.result));
             continue;
         }
-        const bool reverse = parseDottedAddress(targets[index]).has_value();
-        context.out.diagnose("cannot look up " + targets[index].substr(0, 300),
-                             reverse ? "no name is known for this address"
-                                     : "no IPv4 address is known for this name");
+        context.out.diagnose("cannot look up " + targets[index].substr(0, 300), found.answer.why);
         status = ExitStatus::No;
     }
     return status;

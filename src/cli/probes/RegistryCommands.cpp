@@ -2,7 +2,6 @@
 #include "cli/probes/ProbeCommands.h"
 #include "cli/probes/RegistryOptions.h"
 #include "probes/SystemRegistryProbes.h"
-#include "probes/registry/RegistryRead.h"
 #include "probes/registry/ThisStation.h"
 
 namespace mirovane {
@@ -30,13 +29,13 @@ ExitStatus runRegistry(CommandContext& context) {
     const CLookUpSignals signals;
     const StationIdentity station = thisStation();
     CSystemRegistryProbes probes(*options, station);
-    const auto value = probes.ReadRegistryValue(path, station.computerName, signals.token());
-    if (value) {
-        context.out.printLine(printable(*value));
+    std::string value;
+    const ProbeAnswer answer = probes.ReadRegistryValue(path, station.computerName, value, signals.token());
+    if (answer.isYes()) {
+        context.out.printLine(printable(value));
         return ExitStatus::Done;
     }
-    context.out.diagnose(printable("cannot read " + path.substr(0, 300)),
-                         printable(whyNotFound(path, probes.lastTrouble())));
+    context.out.diagnose(printable("cannot read " + path.substr(0, 300)), printable(answer.why));
     return ExitStatus::No;
 }
 
@@ -71,15 +70,16 @@ ExitStatus runLoggedOn(CommandContext& context) {
         host.insert(0, "\\\\");
     const CLookUpSignals signals;
     CSystemRegistryProbes probes(*options, thisStation());
-    const LoggedOnUser user = probes.LookUpLoggedOnUser(host, signals.token());
+    LoggedOnUser user;
+    const ProbeAnswer answer = probes.LookUpLoggedOnUser(host, user, signals.token());
     if (!user.name.empty()) {
         context.out.printLine(printable(user.name));
         return ExitStatus::Done;
     }
-    if (user.reached)
+    if (answer.isYes())
         context.out.diagnose("nobody is logged on to " + shown);
     else
-        context.out.diagnose("cannot ask " + shown, printable(probes.lastTrouble()));
+        context.out.diagnose("cannot ask " + shown, printable(answer.why));
     return ExitStatus::No;
 }
 

@@ -29,21 +29,22 @@ constexpr std::int32_t mostLoops = 1'000'000'000;
 
 /// What may be given as --name N, or why not.
 std::optional<UsageError> takeNumber(const Arguments& arguments, std::string_view option, std::int32_t most,
-                                     std::optional<std::int32_t>& number) {
+                                     std::optional<std::int32_t>& number, std::int32_t least = 1) {
     const auto text = arguments.value(option);
     if (!text)
         return std::nullopt;
-    number = numberArgument(*text, 1, most);
+    number = numberArgument(*text, least, most);
     if (number)
         return std::nullopt;
-    return UsageError{"option " + std::string(option) + ": \"" + *text + "\" is not a number from 1 to " +
-                      std::to_string(most)};
+    return UsageError{"option " + std::string(option) + ": \"" + *text + "\" is not a number from " +
+                      std::to_string(least) + " to " + std::to_string(most)};
 }
 
 struct StationOptions {
     StationRequest request;
     std::optional<std::int32_t> runSec;
     std::optional<std::int32_t> perRun;
+    std::optional<std::int32_t> confirmOff;
     bool json = false;
 };
 
@@ -62,7 +63,8 @@ Result<StationOptions, UsageError> parseOptions(const Arguments& arguments) {
          {takeNumber(arguments, "--loops", mostLoops, options.request.loops),
           takeNumber(arguments, "--for", mostSeconds, options.request.seconds),
           takeNumber(arguments, "--run-sec", LiveStatSettings::mostRunSec, options.runSec),
-          takeNumber(arguments, "--per-run", LiveStatSettings::mostNumPerRun, options.perRun)})
+          takeNumber(arguments, "--per-run", LiveStatSettings::mostNumPerRun, options.perRun),
+          takeNumber(arguments, "--confirm-off", LiveStatSettings::mostConfirmOff, options.confirmOff, 0)})
         if (error)
             return *error;
     if (options.request.loops && !options.request.liveStat && options.request.now.empty())
@@ -78,6 +80,8 @@ void replaceSettings(COverlaySettingsStore& store, const StationOptions& options
         store.replace("LSRunSec", *options.runSec);
     if (options.perRun)
         store.replace("LSNumPerRun", *options.perRun);
+    if (options.confirmOff)
+        store.replace("LSConfirmOff", *options.confirmOff);
 }
 
 /// Devices that cannot be meant are refused before the station touches the datafile.
@@ -158,6 +162,8 @@ constexpr std::array stationOptions{
     OptionDefinition{"--for", 1, "SECONDS", "end after this time"},
     OptionDefinition{"--run-sec", 1, "N", "pause between two runs in seconds, for this station only"},
     OptionDefinition{"--per-run", 1, "N", "device checks per run, for this station only"},
+    OptionDefinition{"--confirm-off", 1, "N",
+                     "repeat a failed test of a device that is On N times (0 to 5), for this station only"},
     credentialsOption,
     smbPortOption,
     OptionDefinition{"--json", 0, "", "one JSON object a line"},
@@ -186,7 +192,7 @@ constinit const Command stationCommand{
     .help = "run a station without a display",
     .usage = "FILE [--live-stat] [--discover] [--take-over] [--now RECID...] [--loops N] [--for SECONDS] "
              "[--run-sec N]"
-             " [--per-run N] [--json]",
+             " [--per-run N] [--confirm-off N] [--json]",
     .least = 1,
     .most = 1,
     .options = stationOptions,

@@ -34,6 +34,8 @@ StepInput CDeviceSteps::input(const CHardware& device, int row) {
     if (searchAgain_.contains({device.RecID, row}))
         input.device.RuleStamps[static_cast<std::size_t>(row)] = 0;
     input.row = row;
+    input.confirmOff = confirmOff_;
+    input.number = ++steps_;
     input.criteria = criteriaFromRecord(*document_.criteria(device.Type, row));
     if (input.criteria.Command == Action::MatchToJack)
         input.matchedState = jacks_.stateAtJack(device.ToJack);
@@ -53,6 +55,7 @@ void CDeviceSteps::takeBack(JobSlot& slot, const StepJob& job) {
         --slot.row;
         return;
     }
+    outages_.note({device->RecID, slot.row}, job.input, job.outcome);
     if (!job.outcome.brokenPattern.empty())
         reportBrokenPattern(job);
     noteSearch(slot, job);
@@ -86,9 +89,21 @@ void CDeviceSteps::reportBrokenPattern(const StepJob& job) {
                     "\" is no pattern (" + job.outcome.brokenPattern + ") and matches nothing.");
 }
 
+bool CDeviceSteps::isAsked(const DeviceRow& row) const {
+    const CHardware* device = document_.findDevice(row.first);
+    return device && nextRow(*device, row.second) == row.second;
+}
+
+void CDeviceSteps::forgetGoneOutages() {
+    if (outages_.any())
+        outages_.forget([this](const DeviceRow& row) { return isAsked(row); });
+}
+
 void CDeviceSteps::reset() {
     searchAgain_.clear();
     found_.clear();
+    brokenPatterns_.clear();
+    outages_.reset();
     changed_ = false;
 }
 

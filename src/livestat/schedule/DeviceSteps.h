@@ -2,6 +2,7 @@
 
 #include "livestat/schedule/FoundValues.h"
 #include "livestat/schedule/JobSlots.h"
+#include "livestat/schedule/Outages.h"
 #include "livestat/steps/JackIndex.h"
 #include "livestat/steps/Step.h"
 #include "model/Document.h"
@@ -20,7 +21,7 @@ namespace mirovane {
 class CDeviceSteps {
 public:
     CDeviceSteps(CMirovaneDoc& document, CMessageLog& log)
-        : document_(document), log_(log), jacks_(document) {}
+        : document_(document), log_(log), jacks_(document), outages_(log) {}
 
     /// The first row from `from` on that is to be run for this device; nothing: it is done.
     std::optional<int> nextRow(const CHardware& device, int from) const;
@@ -28,6 +29,9 @@ public:
     /// No row of this type's devices is run until another one, or none, is named: somebody is changing its
     /// criteria, and half a rule empties fields.
     void hold(std::optional<std::int32_t> type) { heldType_ = type; }
+
+    /// How often the test of a device that is On is made again before it turns Off.
+    void setConfirmOff(int times) { confirmOff_ = times; }
 
     /// Everything that the step of this row may look at.
     StepInput input(const CHardware& device, int row);
@@ -40,13 +44,16 @@ public:
     bool changed() const { return changed_; }
     bool takeChanged() { return std::exchange(changed_, false); }
 
+    /// Once a run: rows that went with their device or their rule hold up the end of no outage.
+    void forgetGoneOutages();
+
     /// Another document.
     void reset();
 
 private:
-    /// One criteria row of one device.
-    using DeviceRow = std::pair<std::int32_t, int>;
+    using DeviceRow = COutages::DeviceRow;
 
+    bool isAsked(const DeviceRow& row) const;
     void noteSearch(const JobSlot& slot, const StepJob& job);
     void reportBrokenPattern(const StepJob& job);
 
@@ -54,6 +61,10 @@ private:
     CMessageLog& log_;
     CJackIndex jacks_;
     CFoundValues found_;
+
+    COutages outages_;
+    int confirmOff_ = 0;
+    std::uint64_t steps_ = 0;              ///< begun so far
     std::set<DeviceRow> searchAgain_;      ///< although the text file's stamp says that it has not changed
     std::set<std::string> brokenPatterns_; ///< already reported
     std::optional<std::int32_t> heldType_;

@@ -28,7 +28,6 @@ CLiveStatScheduler::CLiveStatScheduler(const FeatureServices& services, const St
     : document_(services.document),
       log_(services.log),
       host_(host),
-      probes_(probes),
       settings_(settings),
       timer_(services.timers.makeTimer([this] { tick(); })),
       ownership_(Feature::LiveStat, document_, host_),
@@ -39,6 +38,7 @@ CLiveStatScheduler::CLiveStatScheduler(const FeatureServices& services, const St
       now_(document_, log_, picker_),
       tracking_(log_) {
     picker_.setIncludeMisc(settings_.LSIncludeMisc);
+    steps_.setConfirmOff(settings_.LSConfirmOff);
     slots_.setCount(wantedSlots(settings_));
 }
 
@@ -67,7 +67,6 @@ std::optional<StartRefusal> CLiveStatScheduler::enable() {
     run_ = {};
     shownCount_.reset();
     picker_.startLoops();
-    reportProbeTroubles();
     host_.indicatorsChanged();
     return std::nullopt;
 }
@@ -155,14 +154,6 @@ void CLiveStatScheduler::resume() {
         switch_.arm(disablePeriod);
 }
 
-/// Without echoes every device turns Off, without SNMP many a field is emptied; the user must know why.
-void CLiveStatScheduler::reportProbeTroubles() {
-    if (const auto trouble = probes_.hosts.echoUnusable())
-        log_.LogMessage(*trouble, true);
-    if (const auto trouble = probes_.snmp.snmpUnusable())
-        log_.LogMessage(*trouble, true);
-}
-
 // ---- ticks
 
 void CLiveStatScheduler::tick() {
@@ -244,8 +235,7 @@ void CLiveStatScheduler::endRun() {
     if (run_.devices() > 0)
         reportRun();
     run_ = {};
-    for (const std::string& trouble : probes_.registry.takeTroubles())
-        log_.LogMessage(trouble, true);
+    steps_.forgetGoneOutages();
     if (steps_.changed())
         publishChanges();
     host_.indicatorsChanged();
@@ -269,7 +259,8 @@ void CLiveStatScheduler::reportRun() {
 void CLiveStatScheduler::publishChanges() {
     steps_.takeChanged();
     host_.changesPending();
-    LiveStatHeartbeat::signOfLife(document_);
+    if (switch_.on()) // Live Stat Now alone is no sign of the owner
+        LiveStatHeartbeat::signOfLife(document_);
     if (now_.active())
         host_.saveNow(SaveNote::LiveStat);
     host_.redraw();
@@ -291,7 +282,6 @@ void CLiveStatScheduler::performNow() {
             return;
         }
         run_ = {};
-        reportProbeTroubles();
     }
     now_.begin(count);
     shownCount_ = count;
@@ -316,6 +306,7 @@ void CLiveStatScheduler::setSettings(const LiveStatSettings& settings) {
     const auto periodBefore = runPeriod(settings_);
     settings_ = settings;
     picker_.setIncludeMisc(settings_.LSIncludeMisc);
+    steps_.setConfirmOff(settings_.LSConfirmOff);
     // A pause of hours, typed by mistake, must not have to end first.
     if (runPeriod(settings_) != periodBefore && run_.resting() && timer_->active())
         resume();

@@ -119,12 +119,10 @@ private:
     void publishChanges();
     void finishNow();
     void resizeSlots(std::size_t count);
-    void reportProbeTroubles();
 
     CMirovaneDoc& document_;
     CMessageLog& log_;
     LiveStatHost& host_;
-    StepProbes probes_;
     LiveStatSettings settings_;
     std::unique_ptr<Timer> timer_;
     CFeatureOwnership ownership_;

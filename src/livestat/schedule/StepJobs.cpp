@@ -47,11 +47,15 @@ StepOutcome runAbandonably(const StepInput& input, const StepProbes& probes, CAb
     const auto step = [outcome, input, probes] {
         *outcome = cancelledWithoutMemory([&] { return runStep(input, probes); });
     };
-    if (calls.run(folderAsked(input), step, longestFileStep, input.stop) == CAbandonableCalls::End::Done)
+    const std::string folder = folderAsked(input);
+    if (calls.run(folder, step, longestFileStep, input.stop) == CAbandonableCalls::End::Done)
         return std::move(*outcome);
-    StepOutcome nothing;
-    nothing.cancelled = input.stop.stop_requested();
-    return nothing;
+    const auto nothing = std::make_shared<StepOutcome>();
+    if (input.stop.stop_requested())
+        nothing->cancelled = true;
+    else
+        nothing->notAsked = NotAsked{AskedThrough::File, folder, "it does not answer"};
+    return std::move(*nothing);
 }
 
 } // namespace

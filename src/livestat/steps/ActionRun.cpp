@@ -9,6 +9,23 @@ void CActionRun::failWithNothing() {
     outcome.failed = true;
 }
 
+void CActionRun::couldNotAsk(AskedThrough through, const std::string& about, const std::string& why) {
+    outcome.acted = false;
+    outcome.notAsked = NotAsked{through, about, why};
+    outcome.fileStamp.reset();
+    outcome.stampsModified.reset();
+}
+
+bool CActionRun::endedBy(const ProbeAnswer& answer, const std::string& about) {
+    if (stopRequested() || answer.kind == ProbeAnswer::Kind::Stopped)
+        outcome.cancelled = true;
+    else if (answer.couldNotBeAsked())
+        couldNotAsk(answer.through, about, answer.why);
+    else
+        return false;
+    return true;
+}
+
 std::optional<std::string> CActionRun::searchText() {
     const std::string& searchFor = input.criteria.SearchFor;
     const std::string pattern = Expand(searchFor, input.device, ExpandMode::Pattern);

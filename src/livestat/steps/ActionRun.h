@@ -41,6 +41,12 @@ public:
     /// No match: the field is emptied.
     void failWithNothing();
 
+    /// The device, its stamps included, stays as it is.
+    void couldNotAsk(AskedThrough through, const std::string& about, const std::string& why);
+
+    /// The same, or the end of a stopped step; false for an answer that counts. `about` is what was asked.
+    bool endedBy(const ProbeAnswer& answer, const std::string& about);
+
     /// The row's "Search for", expanded and lower-cased for the search of a lower-cased text. An empty one
     /// matches every text. Nothing when its placeholders gave nothing, because then it must not match.
     std::optional<std::string> searchText();

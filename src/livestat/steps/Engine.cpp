@@ -76,21 +76,46 @@ bool conditionAllows(const CHardware& device, int row, const CriteriaRow& criter
     return device.State == stateIfMatch(criteria);
 }
 
-StepOutcome runStep(const StepInput& input, const StepProbes& probes, std::string* answer) {
+namespace {
+
+StepOutcome begunOutcome(const StepInput& input) {
     StepOutcome outcome;
     outcome.stateIfMatch = stateIfMatch(input.criteria);
     outcome.stateIfNoMatch = outcome.stateIfMatch == DeviceState::On ? DeviceState::Off : DeviceState::On;
     // An action that has no text of its own (a ping in a field rule) leaves the field as it is.
     if (input.row > 0)
         outcome.result = input.device.*criteriaTargetField(input.row);
+    return outcome;
+}
+
+StepOutcome perform(const NamedAction& action, const StepInput& input, const StepProbes& probes,
+                    std::string* answer) {
+    StepOutcome outcome = begunOutcome(input);
+    outcome.acted = true;
+    CActionRun run(input, probes, Expand(input.criteria.Argument, input.device, ExpandMode::Argument),
+                   outcome, answer);
+    action.perform(run);
+    return outcome;
+}
+
+/// The jack's state was looked up before the step; asking again would bring the same answer.
+bool turnsOff(const StepInput& input, const StepOutcome& outcome) {
+    return input.row == 0 && input.device.State == DeviceState::On && outcome.acted && !outcome.cancelled &&
+           input.criteria.Command != Action::MatchToJack &&
+           (outcome.failed ? outcome.stateIfNoMatch : outcome.stateIfMatch) == DeviceState::Off;
+}
+
+} // namespace
+
+StepOutcome runStep(const StepInput& input, const StepProbes& probes, std::string* answer) {
+    StepOutcome outcome = begunOutcome(input);
     const NamedAction* action = findAction(input.criteria.Command);
     if (input.stop.stop_requested()) {
         outcome.cancelled = true;
     } else if (action && conditionAllows(input.device, input.row, input.criteria)) {
-        outcome.acted = true;
-        CActionRun run(input, probes, Expand(input.criteria.Argument, input.device, ExpandMode::Argument),
-                       outcome, answer);
-        action->perform(run);
+        outcome = perform(*action, input, probes, answer);
+        for (int again = 0; again < input.confirmOff && turnsOff(input, outcome); ++again)
+            outcome = perform(*action, input, probes, answer);
         // A field that keeps its text keeps it whole.
         if (outcome.result.size() > longestResult &&
             (input.row == 0 || outcome.result != input.device.*criteriaTargetField(input.row)))

@@ -20,6 +20,12 @@ void failAndKeep(CActionRun& run, const std::string& why) {
     run.say([&] { return why; });
 }
 
+/// The file is there, or the share that it is on is not: either way nobody knows what it holds.
+void fileCouldNotBeAsked(CActionRun& run, const std::string& path, const std::string& why) {
+    run.couldNotAsk(AskedThrough::File, path, why);
+    run.say([&] { return path + ": " + why; });
+}
+
 void takeHit(CActionRun& run, const std::string& text) {
     run.outcome.failed = false;
     if (run.input.row == 0)
@@ -77,10 +83,11 @@ void searchLines(CActionRun& run, const std::string& path) {
     case SearchResult::End::Stopped:
         run.outcome.cancelled = true;
         return;
+    case SearchResult::End::Missing: // gone since a moment ago
+        run.outcome.fileStamp = 0;
+        return failAndKeep(run, path + ": " + found.trouble);
     case SearchResult::End::Unreadable:
-        run.outcome.fileStamp.reset(); // nothing was searched: try again, even if the file does not change
-        run.say([&] { return path + ": " + found.trouble; });
-        return run.failWithNothing();
+        return fileCouldNotBeAsked(run, path, found.trouble);
     }
 }
 
@@ -95,15 +102,18 @@ void searchInTextFile(CActionRun& run) {
     if (run.argument.empty())
         return failAndKeep(run, "no file is named");
     const std::string path = nativePath(run.argument);
-    std::string trouble;
-    const auto stamp = textFileStamp(path, trouble);
-    if (!stamp)
-        return failAndKeep(run, path + ": " + trouble);
-    if (!stale && *stamp == device.RuleStamps[static_cast<std::size_t>(run.input.row)]) {
+    const TextFileStatus status = textFileStatus(path);
+    if (status.kind == TextFileStatus::Kind::Unreadable)
+        return fileCouldNotBeAsked(run, path, status.trouble);
+    if (status.kind == TextFileStatus::Kind::Missing) {
+        run.outcome.fileStamp = 0;
+        return failAndKeep(run, path + ": " + status.trouble);
+    }
+    if (!stale && status.stamp == device.RuleStamps[static_cast<std::size_t>(run.input.row)]) {
         run.outcome.acted = false;
         return;
     }
-    run.outcome.fileStamp = *stamp;
+    run.outcome.fileStamp = status.stamp;
     searchLines(run, path);
 }
 
@@ -116,15 +126,14 @@ void searchForFile(CActionRun& run) {
         searchFileNames(run.argument, pattern ? &*pattern : nullptr, run.input.stop);
     if (found.search.end == SearchResult::End::Stopped)
         run.outcome.cancelled = true;
+    else if (found.search.end == SearchResult::End::Unreadable)
+        fileCouldNotBeAsked(run, run.argument, found.search.trouble);
     else if (!found.anyFile)
         failAndKeep(run, run.argument + ": " +
                              (found.search.trouble.empty() ? "no such file" : found.search.trouble));
     else if (found.search.end == SearchResult::End::Hit) {
         run.say([&] { return "file: " + found.search.text; });
         takeHit(run, found.search.text);
-    } else if (found.search.end == SearchResult::End::Unreadable) {
-        run.say([&] { return run.argument + ": " + found.search.trouble; });
-        run.failWithNothing();
     } else
         takeMiss(run, found.search, "file names");
 }

@@ -109,7 +109,7 @@ private:
 
 SearchResult unreadable(int error) {
     SearchResult result;
-    result.end = SearchResult::End::Unreadable;
+    result.end = endOf(error);
     result.trouble = std::generic_category().message(error);
     return result;
 }

@@ -3,76 +3,81 @@
 #include "probes/names/HostAddress.h"
 
 #include <optional>
+#include <utility>
 
 namespace mirovane {
 
 namespace {
 
-bool answers(CActionRun& run, const std::string& host) {
+ProbeAnswer ping(CActionRun& run, const std::string& host) {
     PingReply reply;
     std::optional<std::uint32_t> resolved;
-    const bool answered = run.probes.hosts.PingHost(host, reply, resolved, pingTtl, pingTimeoutMs,
-                                                    pingPayloadSize, run.input.stop);
+    ProbeAnswer answer = run.probes.hosts.PingHost(host, reply, resolved, pingTtl, pingTimeoutMs,
+                                                   pingPayloadSize, run.input.stop);
     run.say([&] {
         const std::string shown = resolved ? host + " (" + formatAddress(*resolved) + ")" : host;
-        if (answered)
+        if (answer.isYes())
             return shown + ": reply from " + formatAddress(reply.address) + " after " +
                    std::to_string(reply.roundTripMs) + " ms";
-        if (run.stopRequested())
-            return shown + ": stopped";
-        if (const auto trouble = run.probes.hosts.echoUnusable())
-            return shown + ": " + *trouble;
-        if (!resolved && !parseDottedAddress(host))
-            return shown + ": unknown host";
-        return shown + ": no reply within " + std::to_string(pingTimeoutMs) + " ms";
+        return shown + ": " + answer.why;
     });
-    return answered;
+    return answer;
 }
 
-std::string addressOf(CActionRun& run, const std::string& name) {
+/// A yes or a no, with what was found in `found`.
+using LookUp = ProbeAnswer (*)(CActionRun& run, const std::string& host, std::string& found);
+
+ProbeAnswer addressOf(CActionRun& run, const std::string& name, std::string& found) {
+    if (parseDottedAddress(name))
+        return ProbeAnswer::no("is an address already, not looked up");
     std::uint32_t address = 0;
     std::string unused;
-    if (parseDottedAddress(name)) {
-        run.say([&] { return name + ": is an address already, not looked up"; });
-        return {};
-    }
-    const bool found = run.probes.hosts.ResolveHost(name, address, unused, run.input.stop) && address != 0;
-    run.say([&] { return name + ": " + (found ? formatAddress(address) : "no IPv4 address is known"); });
-    return found ? formatAddress(address) : std::string();
+    ProbeAnswer answer = run.probes.hosts.ResolveHost(name, address, unused, run.input.stop);
+    if (answer.isYes() && address == 0)
+        return ProbeAnswer::no("no IPv4 address is known for this name");
+    if (answer.isYes())
+        found = formatAddress(address);
+    return answer;
 }
 
-std::string nameOf(CActionRun& run, const std::string& address) {
+ProbeAnswer nameOf(CActionRun& run, const std::string& address, std::string& found) {
+    if (!parseDottedAddress(address))
+        return ProbeAnswer::no("is not an IPv4 address, not looked up");
     std::uint32_t unused = 0;
-    std::string name;
-    if (!parseDottedAddress(address)) {
-        run.say([&] { return address + ": is not an IPv4 address, not looked up"; });
-        return {};
-    }
-    if (!run.probes.hosts.ResolveHost(address, unused, name, run.input.stop))
-        name.clear();
-    run.say([&] { return address + ": " + (name.empty() ? "no name is known" : name); });
-    return name;
+    ProbeAnswer answer = run.probes.hosts.ResolveHost(address, unused, found, run.input.stop);
+    if (answer.isYes() && found.empty())
+        return ProbeAnswer::no("no name is known for this address");
+    return answer;
 }
 
-template <typename LookUp>
+/// The last host decides, so only there it matters that it could not be asked.
 void lookUpAll(CActionRun& run, LookUp one) {
     run.outcome.failed = false;
+    ProbeAnswer last = ProbeAnswer::yes();
+    std::string lastHost;
     for (const std::string& host : argumentTokens(run.argument)) {
-        run.outcome.result = one(run, host);
-        run.outcome.failed = run.outcome.result.empty();
-        if (run.stopRequested()) {
-            run.outcome.cancelled = true;
-            return;
-        }
+        std::string found;
+        last = one(run, host, found);
+        lastHost = host;
+        run.say([&] { return host + ": " + (last.isYes() ? found : last.why); });
+        run.outcome.failed = !last.isYes();
+        run.outcome.result = last.isYes() ? found : std::string();
+        if (run.stopRequested())
+            break;
     }
+    run.endedBy(last, lastHost);
 }
 
 } // namespace
 
+/// One host that answers is enough. Off takes a no of each: where one of them could not be asked, the device
+/// may be alive.
 void pingHosts(CActionRun& run) {
     run.outcome.failed = true;
+    std::optional<std::pair<ProbeAnswer, std::string>> notAsked;
     for (const std::string& host : argumentTokens(run.argument)) {
-        if (answers(run, host)) {
+        ProbeAnswer answer = ping(run, host);
+        if (answer.isYes()) {
             run.outcome.failed = false;
             return;
         }
@@ -80,7 +85,11 @@ void pingHosts(CActionRun& run) {
             run.outcome.cancelled = true;
             return;
         }
+        if (answer.couldNotBeAsked() && !notAsked)
+            notAsked = {std::move(answer), host};
     }
+    if (notAsked)
+        run.endedBy(notAsked->first, notAsked->second);
 }
 
 void lookUpAddresses(CActionRun& run) {

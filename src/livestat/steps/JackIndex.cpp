@@ -1,21 +1,27 @@
 #include "livestat/steps/JackIndex.h"
 
+#include "model/records/KeptText.h"
+
 #include <functional>
 
 namespace mirovane {
 
 namespace {
 
-std::size_t keyOf(const std::string& jackNumber) {
-    return std::hash<std::string>{}(jackNumber);
+std::size_t keyOf(std::string_view jackNumber) {
+    return std::hash<std::string_view>{}(withoutKeptMark(jackNumber));
 }
 
 } // namespace
 
+bool sameJack(std::string_view one, std::string_view other) {
+    return withoutKeptMark(one) == withoutKeptMark(other);
+}
+
 bool isPlugged(const CHardware& record) {
     const std::int32_t code = floorCode(record.Type);
     return record.isDevice() && code != DeviceType::Jack && code != DeviceType::LocationMarker &&
-           !record.ToJack.empty();
+           !withoutKeptMark(record.ToJack).empty();
 }
 
 CJackIndex::CJackIndex(CMirovaneDoc& document) : document_(document) {
@@ -27,7 +33,7 @@ CJackIndex::~CJackIndex() {
 }
 
 std::optional<std::int32_t> CJackIndex::stateAtJack(const std::string& jackNumber) {
-    if (jackNumber.empty())
+    if (withoutKeptMark(jackNumber).empty())
         return std::nullopt;
     if (!built_)
         build();
@@ -39,7 +45,7 @@ std::optional<std::int32_t> CJackIndex::stateAtJack(const std::string& jackNumbe
         if (!place || (first && *place >= firstPlace))
             continue;
         const CHardware& device = document_.at(*place);
-        if (!isPlugged(device) || device.ToJack != jackNumber)
+        if (!isPlugged(device) || !sameJack(device.ToJack, jackNumber))
             continue;
         first = &device;
         firstPlace = *place;

@@ -5,12 +5,16 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 namespace mirovane {
 
 /// Names a jack that it is plugged into; jacks and location markers are not plugged anywhere.
 bool isPlugged(const CHardware& record);
+
+/// Two jack numbers are the same, whether or not either field is kept by the user.
+bool sameJack(std::string_view one, std::string_view other);
 
 /// Answers "which device is plugged into this jack?" without walking the list. Built at the first question,
 /// because many sites have no jack at all, then kept up with the document. Main thread only.
@@ -21,8 +25,8 @@ public:
     CJackIndex(const CJackIndex&) = delete;
     CJackIndex& operator=(const CJackIndex&) = delete;
 
-    /// State of the first device in list order, no jack and no location marker, whose `ToJack` equals the
-    /// jack's number byte for byte. Nothing when there is none or the number is empty.
+    /// State of the first device in list order, no jack and no location marker, whose `ToJack` is the
+    /// jack's number. Nothing when there is none or the number is empty.
     std::optional<std::int32_t> stateAtJack(const std::string& jackNumber);
 
     void recordAdded(const CHardware& record) override;

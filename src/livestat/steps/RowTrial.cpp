@@ -14,9 +14,9 @@ namespace {
 
 /// Live Stat keeps an index for this. For one question that is not worth while.
 std::optional<std::int32_t> stateAtJack(const CMirovaneDoc& document, const std::string& jackNumber) {
-    for (std::size_t i = 0; i < document.size() && !jackNumber.empty(); ++i) {
+    for (std::size_t i = 0; i < document.size(); ++i) {
         const CHardware& record = document.at(i);
-        if (isPlugged(record) && record.ToJack == jackNumber)
+        if (isPlugged(record) && sameJack(record.ToJack, jackNumber))
             return record.State;
     }
     return std::nullopt;
@@ -77,6 +77,7 @@ void carryOut(const StepInput& input, const StepProbes& probes, const Clock& clo
     StepInput fresh = input;
     fresh.device.RuleStamps.fill(0); // else a text file that has not changed would show nothing
     const StepOutcome outcome = runStep(fresh, probes, &trial.answer);
+    trial.couldNotAsk = outcome.notAsked.has_value();
     trial.acted = outcome.acted;
     trial.failed = outcome.failed;
     trial.cancelled = outcome.cancelled;
@@ -90,6 +91,8 @@ void carryOut(const StepInput& input, const StepProbes& probes, const Clock& clo
 std::string_view outcomeText(const RowTrial& trial) {
     if (trial.cancelled)
         return "stopped";
+    if (trial.couldNotAsk)
+        return "could not ask";
     if (!trial.acted)
         return "nothing is done";
     return trial.failed ? "no match" : "match";

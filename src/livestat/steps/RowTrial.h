@@ -38,10 +38,11 @@ struct RowTrial {
     bool acted = false;
     bool failed = false;
     bool cancelled = false;
+    bool couldNotAsk = false;    ///< `answer` says why; Live Stat would leave the device as it is
     std::vector<Change> changes; ///< what would be written, without Modified and the stamps of text files
 };
 
-/// "match", "no match", "nothing is done", "stopped".
+/// "match", "no match", "nothing is done", "could not ask", "stopped".
 std::string_view outcomeText(const RowTrial& trial);
 
 /// What tryRow() needs, copied out of the document. Main thread. `row` is 0 to 11.

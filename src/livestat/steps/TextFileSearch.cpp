@@ -37,19 +37,21 @@ bool isTextFile(const struct stat& status, std::string& trouble) {
 
 /// Opened for reading without waiting for anybody and without becoming the terminal of this program; what a
 /// path names may change between two looks at it.
-CDescriptor openTextFile(const std::string& path, struct stat& status, std::string& trouble) {
-    if (stat(path.c_str(), &status) != 0) {
-        trouble = errorText(errno);
-        return {};
-    }
-    if (!isTextFile(status, trouble))
+CDescriptor openTextFile(const std::string& path, struct stat& status, SearchResult& failed) {
+    failed.end = SearchResult::End::Missing;
+    const auto failedWith = [&failed](int error) {
+        failed.end = endOf(error);
+        failed.trouble = errorText(error);
+        return CDescriptor();
+    };
+    if (stat(path.c_str(), &status) != 0)
+        return failedWith(errno);
+    if (!isTextFile(status, failed.trouble))
         return {};
     CDescriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file || fstat(file.get(), &status) != 0) {
-        trouble = errorText(errno);
-        return {};
-    }
-    return isTextFile(status, trouble) ? std::move(file) : CDescriptor();
+    if (!file || fstat(file.get(), &status) != 0)
+        return failedWith(errno);
+    return isTextFile(status, failed.trouble) ? std::move(file) : CDescriptor();
 }
 
 ssize_t readBlock(const CDescriptor& file, std::vector<char>& block) {
@@ -111,27 +113,35 @@ std::string nativePath(const std::string& path) {
     return native == path || access(path.c_str(), F_OK) == 0 ? path : native;
 }
 
-std::optional<TimeStamp> textFileStamp(const std::string& path, std::string& trouble) {
+SearchResult::End endOf(int error) {
+    const bool missing = error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == ELOOP;
+    return missing ? SearchResult::End::Missing : SearchResult::End::Unreadable;
+}
+
+TextFileStatus textFileStatus(const std::string& path) {
+    using Kind = TextFileStatus::Kind;
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
-        trouble = errorText(errno);
-        return std::nullopt;
+        const int error = errno;
+        return {endOf(error) == SearchResult::End::Missing ? Kind::Missing : Kind::Unreadable, 0,
+                errorText(error)};
     }
+    std::string trouble;
     if (!isTextFile(status, trouble))
-        return std::nullopt;
+        return {Kind::Missing, 0, trouble};
     using Limits = std::numeric_limits<TimeStamp>;
     const std::int64_t changed = std::clamp<std::int64_t>(status.st_mtime, Limits::min(), Limits::max());
-    return changed == 0 ? 1 : static_cast<TimeStamp>(changed);
+    return {Kind::File, changed == 0 ? 1 : static_cast<TimeStamp>(changed), {}};
 }
 
 SearchResult searchTextFile(const std::string& path, const CompiledPattern& pattern,
                             const std::stop_token& stop) {
     struct stat status {};
     SearchResult unreadable;
-    unreadable.end = SearchResult::End::Unreadable;
-    const CDescriptor file = openTextFile(path, status, unreadable.trouble);
+    const CDescriptor file = openTextFile(path, status, unreadable);
     if (!file)
         return unreadable;
+    unreadable.end = SearchResult::End::Unreadable;
     posix_fadvise(file.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
     CLineSearch search(pattern);
     if (!feedAll(file, status.st_size + mostGrowth, search, stop, unreadable.trouble))

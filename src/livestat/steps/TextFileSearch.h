@@ -4,7 +4,6 @@
 #include "pattern/Pattern.h"
 
 #include <cstdint>
-#include <optional>
 #include <stop_token>
 #include <string>
 
@@ -15,8 +14,8 @@ struct SearchResult {
     enum class End {
         Hit,
         NoHit,
-        Unreadable, ///< no such file, not a regular file, not allowed, or the disk failed: `trouble` says
-                    ///< which
+        Missing,    ///< no such file, or not a regular one
+        Unreadable, ///< not allowed, or the disk or its share failed: what the file holds is not known
         Stopped,    ///< the stop token ended it
     };
 
@@ -34,10 +33,24 @@ struct SearchResult {
 /// is names something.
 std::string nativePath(const std::string& path);
 
-/// When a text file was changed last; nothing when no regular file can be found there, then `trouble` says
-/// why. Never 0, which means "never searched". Devices and pipes are not opened: reading those can wait for
-/// ever.
-std::optional<TimeStamp> textFileStamp(const std::string& path, std::string& trouble);
+struct TextFileStatus {
+    enum class Kind {
+        File,
+        Missing,    ///< there is no regular file
+        Unreadable, ///< whether there is one cannot be found out
+    };
+
+    Kind kind = Kind::File;
+    TimeStamp stamp = 0; ///< when it was changed last; never 0, which means "never searched"
+    std::string trouble; ///< why there is none, a few words
+};
+
+/// Devices and pipes are not opened: reading those can wait for ever.
+TextFileStatus textFileStatus(const std::string& path);
+
+/// How a search ends that this error keeps from its file or folder: only what is known not to be there is
+/// missing.
+SearchResult::End endOf(int error);
 
 /// The first line that matches the lower-cased pattern, whatever the case of the text.
 ///

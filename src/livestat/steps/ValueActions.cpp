@@ -1,6 +1,6 @@
 #include "livestat/steps/ValueActions.h"
 
-#include "probes/registry/RegistryRead.h"
+#include "model/records/KeptText.h"
 
 namespace mirovane {
 
@@ -39,7 +39,8 @@ void matchValue(CActionRun& run, const std::string& value) {
 
 /// Where the user is looked for: the row's argument is not used.
 std::string logonHost(const CHardware& device) {
-    return "\\\\" + (device.Name.empty() ? device.IPAddress : device.Name);
+    const std::string_view name = withoutKeptMark(device.Name);
+    return "\\\\" + std::string(name.empty() ? withoutKeptMark(device.IPAddress) : name);
 }
 
 void keepInBrackets(CActionRun& run) {
@@ -70,18 +71,16 @@ void setValue(CActionRun& run) {
 }
 
 void readRegistry(CActionRun& run) {
-    std::string trouble;
-    const auto value =
-        run.probes.registry.ReadRegistryValue(run.argument, run.input.computerName, run.input.stop, &trouble);
-    if (run.stopRequested()) {
-        run.outcome.cancelled = true;
-    } else if (value) {
-        run.say([&] { return "value: " + *value; });
-        matchValue(run, *value);
-    } else {
-        run.say([&] { return "not read: " + whyNotFound(run.argument, trouble); });
+    std::string value;
+    const ProbeAnswer answer =
+        run.probes.registry.ReadRegistryValue(run.argument, run.input.computerName, value, run.input.stop);
+    run.say([&] { return answer.isYes() ? "value: " + value : "not read: " + answer.why; });
+    if (run.endedBy(answer, run.argument))
+        return;
+    if (answer.isYes())
+        matchValue(run, value);
+    else
         run.failWithNothing();
-    }
 }
 
 void getFromAgent(CActionRun& run) {
@@ -93,39 +92,42 @@ void getFromAgent(CActionRun& run) {
     }
     const SNMPQuery query{words[0], words[1], words[2], 0, snmpTimeoutMs};
     const SNMPAnswer answer = run.probes.snmp.SnmpGet(query, run.input.stop);
-    if (run.stopRequested()) {
-        run.outcome.cancelled = true;
-    } else if (answer.hasValue()) {
-        run.say([&] { return "value: " + answer.text; });
+    run.say([&] {
+        return answer.hasValue() ? "value: " + answer.text
+                                 : words[0] + ": " + describeSnmpAnswer(answer, query);
+    });
+    if (run.endedBy(answerOf(answer, query), words[0]))
+        return;
+    if (answer.hasValue())
         matchValue(run, answer.text);
-    } else {
-        run.say([&] { return words[0] + ": " + describeSnmpAnswer(answer, query); });
+    else
         run.failWithNothing();
-    }
 }
 
 void lookUpUser(CActionRun& run) {
     const CHardware& device = run.input.device;
-    if (device.Name.empty() && device.IPAddress.empty()) {
+    if (withoutKeptMark(device.Name).empty() && withoutKeptMark(device.IPAddress).empty()) {
         run.say([] { return "not asked: the device has neither a name nor an address"; });
         run.outcome.acted = false;
         return;
     }
     const std::string host = logonHost(device);
-    std::string trouble;
-    const LoggedOnUser user = run.probes.registry.LookUpLoggedOnUser(host, run.input.stop, &trouble);
-    if (run.stopRequested()) {
-        run.outcome.cancelled = true;
-    } else if (!user.reached) {
-        run.say([&] { return host + ": not reached" + (trouble.empty() ? "" : ": " + trouble); });
+    LoggedOnUser user;
+    const ProbeAnswer answer = run.probes.registry.LookUpLoggedOnUser(host, user, run.input.stop);
+    run.say([&] {
+        if (answer.isYes())
+            return host + ": " + (user.name.empty() ? "nobody is logged on" : user.name);
+        return host + ": not reached" + (answer.why.empty() ? "" : ": " + answer.why);
+    });
+    if (run.endedBy(answer, host))
+        return;
+    if (!answer.isYes()) {
         run.failWithNothing();
         run.outcome.acted = false;
     } else if (!user.name.empty()) {
-        run.say([&] { return host + ": " + user.name; });
         run.outcome.result = user.name;
         run.outcome.failed = false;
     } else {
-        run.say([&] { return host + ": nobody is logged on"; });
         keepInBrackets(run);
     }
 }

@@ -1,5 +1,7 @@
 #include "model/records/Placeholders.h"
 
+#include "model/records/KeptText.h"
+
 #include <algorithm>
 #include <array>
 
@@ -45,7 +47,7 @@ char selectorAt(std::string_view text, std::size_t at) {
 
 /// Who's Logon leaves "[jsmith]" when nobody is logged on; the bare name is what commands and searches want.
 std::string_view fieldValue(const CHardware& device, const FieldPlaceholder& placeholder) {
-    std::string_view value = device.*placeholder.field;
+    std::string_view value = withoutKeptMark(device.*placeholder.field);
     if (placeholder.selector == 'U' && value.starts_with('[')) {
         value.remove_prefix(1);
         if (!value.empty())

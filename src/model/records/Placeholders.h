@@ -29,7 +29,8 @@ struct TemplatePiece {
 /// only the first is one; datafiles rely on it. Pure, any thread.
 std::vector<TemplatePiece> templatePieces(std::string_view text, ExpandMode mode);
 
-/// What a placeholder other than $mvW stands for, as it goes into the expanded text.
+/// What a placeholder other than $mvW stands for, as it goes into the expanded text: the field's value
+/// without the mark of a field that the user keeps.
 std::string placeholderValue(char selector, const CHardware& device, ExpandMode mode);
 
 /// Replaces $mvN, $mvI, ... (any case) by the device's fields, as `templatePieces` finds them. Pure, any

@@ -60,7 +60,7 @@ std::string describeEcho(const EchoResult& result, const EchoOptions& options) {
     case EchoKind::NotPermitted:
         return "echoes can't be sent on this computer";
     case EchoKind::SendFailed:
-        return "can't send: " + std::generic_category().message(result.systemError);
+        return std::generic_category().message(result.systemError);
     }
     return {};
 }

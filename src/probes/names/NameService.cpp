@@ -1,41 +1,80 @@
 #include "probes/names/NameService.h"
 
-#include <array>
+#include <cerrno>
 #include <cstring>
 #include <netdb.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <system_error>
+#include <vector>
 
 namespace mirovane {
 
 namespace {
 
+ProbeAnswer whyNothing(int hostError, int systemError) {
+    switch (hostError) {
+    case HOST_NOT_FOUND:
+        return ProbeAnswer::no("no such name");
+    case NO_DATA:
+        return ProbeAnswer::no("no IPv4 address is known for this name");
+    case TRY_AGAIN:
+        return ProbeAnswer::couldNotAsk(AskedThrough::NameService, "the name server does not answer");
+    case NETDB_INTERNAL:
+        return ProbeAnswer::couldNotAsk(AskedThrough::NameService,
+                                        std::generic_category().message(systemError));
+    default:
+        return ProbeAnswer::couldNotAsk(AskedThrough::NameService, "the name server refuses to answer");
+    }
+}
+
+/// Calls one of the resolver's functions with a buffer that grows until the answer fits. These functions keep
+/// the order in which the name server gave the addresses, and tell a missing name from a missing server; the
+/// newer getaddrinfo() sorts the addresses by rules of its own.
+template <typename Call>
+ProbeAnswer askSystem(Call call, std::vector<char>& buffer, hostent& entry) {
+    constexpr std::size_t longestAnswer = std::size_t{1} << 20;
+    for (buffer.resize(2048);; buffer.resize(buffer.size() * 2)) {
+        hostent* found = nullptr;
+        int hostError = 0;
+        const int status = call(&entry, buffer.data(), buffer.size(), &found, &hostError);
+        if (found != nullptr)
+            return ProbeAnswer::yes();
+        if (status != ERANGE || buffer.size() >= longestAnswer)
+            return whyNothing(hostError, status != 0 ? status : errno);
+    }
+}
+
 class CSystemNameService final : public NameService {
 public:
-    std::optional<std::uint32_t> addressOf(const std::string& name) override {
-        addrinfo hints{};
-        hints.ai_family = AF_INET;
-        hints.ai_socktype = SOCK_DGRAM; // one entry per address instead of one per kind of socket
-        addrinfo* found = nullptr;
-        if (::getaddrinfo(name.c_str(), nullptr, &hints, &found) != 0)
-            return std::nullopt;
-        const std::unique_ptr<addrinfo, void (*)(addrinfo*)> owner(found, ::freeaddrinfo);
-        if (found == nullptr || found->ai_addrlen < sizeof(sockaddr_in))
-            return std::nullopt;
-        sockaddr_in address{};
-        std::memcpy(&address, found->ai_addr, sizeof address);
-        return address.sin_addr.s_addr;
+    LookedUp<std::uint32_t> addressOf(const std::string& name) override {
+        std::vector<char> buffer;
+        hostent entry{};
+        const auto call = [&name](hostent* into, char* space, std::size_t size, hostent** found, int* error) {
+            return ::gethostbyname2_r(name.c_str(), AF_INET, into, space, size, found, error);
+        };
+        LookedUp<std::uint32_t> result{askSystem(call, buffer, entry)};
+        if (!result.found())
+            return result;
+        if (entry.h_length != sizeof result.value || entry.h_addr_list[0] == nullptr)
+            return {whyNothing(NO_DATA, 0)};
+        std::memcpy(&result.value, entry.h_addr_list[0], sizeof result.value);
+        return result;
     }
 
-    std::optional<std::string> nameOf(std::uint32_t address) override {
-        sockaddr_in of{};
-        of.sin_family = AF_INET;
-        of.sin_addr.s_addr = address;
-        std::array<char, NI_MAXHOST> name{};
-        if (::getnameinfo(reinterpret_cast<const sockaddr*>(&of), sizeof of, name.data(), name.size(),
-                          nullptr, 0, NI_NAMEREQD) != 0)
-            return std::nullopt;
-        return name.data();
+    LookedUp<std::string> nameOf(std::uint32_t address) override {
+        std::vector<char> buffer;
+        hostent entry{};
+        const auto call = [&address](hostent* into, char* space, std::size_t size, hostent** found,
+                                     int* error) {
+            return ::gethostbyaddr_r(&address, sizeof address, AF_INET, into, space, size, found, error);
+        };
+        LookedUp<std::string> result{askSystem(call, buffer, entry)};
+        if (result.found() && entry.h_name != nullptr)
+            result.value = entry.h_name;
+        if (!result.answer.couldNotBeAsked() && result.value.empty())
+            result.answer = ProbeAnswer::no("no name is known for this address");
+        return result;
     }
 };
 

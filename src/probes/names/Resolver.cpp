@@ -11,20 +11,26 @@ namespace mirovane {
 namespace {
 
 /// One answer on its way from a worker to a caller who may have left.
-template <typename Answer>
+template <typename Value>
 struct Pending {
     std::mutex mutex;
     std::condition_variable_any changed;
     bool done = false;
-    std::optional<Answer> answer;
+    LookedUp<Value> answer;
 };
 
-template <typename Answer, typename Ask>
-std::optional<Answer> askWithin(CLookUpThreads& threads, CResolver::Milliseconds timeout,
-                                std::stop_token stop, Ask ask) {
+ProbeAnswer notInTime(const std::stop_token& stop) {
+    return stop.stop_requested()
+               ? ProbeAnswer::stopped()
+               : ProbeAnswer::couldNotAsk(AskedThrough::NameService, "the name server does not answer");
+}
+
+template <typename Value, typename Ask>
+LookedUp<Value> askWithin(CLookUpThreads& threads, CResolver::Milliseconds timeout, std::stop_token stop,
+                          Ask ask) {
     if (stop.stop_requested())
-        return std::nullopt;
-    const auto pending = std::make_shared<Pending<Answer>>();
+        return {ProbeAnswer::stopped()};
+    const auto pending = std::make_shared<Pending<Value>>();
     const auto job =
         std::make_shared<CLookUpThreads::Job>([pending, ask = std::move(ask)](NameService& service) {
             auto answer = ask(service);
@@ -34,12 +40,12 @@ std::optional<Answer> askWithin(CLookUpThreads& threads, CResolver::Milliseconds
             pending->changed.notify_one();
         });
     if (!threads.run(job))
-        return std::nullopt;
+        return {ProbeAnswer::couldNotAsk(AskedThrough::NameService, "there is no thread for it")};
     std::unique_lock lock(pending->mutex);
     if (!pending->changed.wait_for(lock, stop, timeout, [&pending] { return pending->done; })) {
         lock.unlock();
         threads.forget(job);
-        return std::nullopt;
+        return {notInTime(stop)};
     }
     return std::move(pending->answer);
 }
@@ -53,26 +59,28 @@ CResolver::~CResolver() {
     threads_->close();
 }
 
-std::optional<std::uint32_t> CResolver::addressOf(const std::string& name, Milliseconds timeout,
-                                                  std::stop_token stop) {
+LookedUp<std::uint32_t> CResolver::addressOf(const std::string& name, Milliseconds timeout,
+                                             std::stop_token stop) {
     if (classifyHostText(name) != HostTextKind::Name)
-        return std::nullopt;
+        return {ProbeAnswer::no("this can't be the name of a host")};
     return askWithin<std::uint32_t>(*threads_, timeout, std::move(stop),
                                     [text = std::string(trimmedHostText(name))](NameService& service) {
                                         return service.addressOf(text);
                                     });
 }
 
-std::optional<std::string> CResolver::nameOf(std::uint32_t address, Milliseconds timeout,
-                                             std::stop_token stop) {
+LookedUp<std::string> CResolver::nameOf(std::uint32_t address, Milliseconds timeout, std::stop_token stop) {
     return askWithin<std::string>(
         *threads_, timeout, std::move(stop),
         [address](NameService& service) { return service.nameOf(address); });
 }
 
 void CResolver::startNameOf(std::uint32_t address, std::function<void(std::optional<std::string>)> done) {
-    threads_->run(std::make_shared<CLookUpThreads::Job>(
-        [address, done = std::move(done)](NameService& service) { done(service.nameOf(address)); }));
+    threads_->run(
+        std::make_shared<CLookUpThreads::Job>([address, done = std::move(done)](NameService& service) {
+            LookedUp<std::string> name = service.nameOf(address);
+            done(name.found() ? std::optional(std::move(name.value)) : std::nullopt);
+        }));
 }
 
 } // namespace mirovane

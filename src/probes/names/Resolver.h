@@ -31,13 +31,13 @@ public:
     CResolver(const CResolver&) = delete;
     CResolver& operator=(const CResolver&) = delete;
 
-    /// The first IPv4 address of a name, network byte order. Nothing when there is none, when the text can't
-    /// be a name (see classifyHostText()), when the time is up or a stop was requested.
-    std::optional<std::uint32_t> addressOf(const std::string& name, Milliseconds timeout,
-                                           std::stop_token stop);
+    /// The first IPv4 address of a name, network byte order. No for a name that is not known and for a text
+    /// that can't be a name (see classifyHostText()); a name server that has not answered when the time is up
+    /// could not be asked.
+    LookedUp<std::uint32_t> addressOf(const std::string& name, Milliseconds timeout, std::stop_token stop);
 
-    /// The name of an address; nothing when it has none, when the time is up or a stop was requested.
-    std::optional<std::string> nameOf(std::uint32_t address, Milliseconds timeout, std::stop_token stop);
+    /// The name of an address.
+    LookedUp<std::string> nameOf(std::uint32_t address, Milliseconds timeout, std::stop_token stop);
 
     /// The same without waiting: `done` gets the name, or nothing, on a worker's thread when the system has
     /// answered. Never called when no worker can be had or the resolver goes away first.

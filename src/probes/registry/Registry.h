@@ -11,7 +11,8 @@ namespace mirovane {
 /// Answers of the registry's operations, in the platform's numbers.
 enum class RegistryStatus : std::uint32_t {
     Success = 0,
-    FileNotFound = 2,  ///< no such key or value
+    FileNotFound = 2, ///< no such key or value
+    AccessDenied = 5,
     InvalidHandle = 6, ///< closed, or never opened
     NetPathNotFound = 53,
     MoreData = 234, ///< the value is longer than the buffer

@@ -5,6 +5,7 @@
 #include "probes/registry/RegistryPath.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -15,8 +16,6 @@
 namespace mirovane {
 
 namespace {
-
-constexpr const char* nobodyAsked = "no registry of another computer is read: ";
 
 /// Names and addresses of computers; anything else is not even tried.
 bool mayBeHost(const std::string& host) {
@@ -61,6 +60,22 @@ std::vector<std::string> environmentOfSamba() {
     return variables;
 }
 
+/// The computer was reached and does not let this user in.
+bool refusesUser(const std::string& diagnostics) {
+    constexpr std::array refusals{"NT_STATUS_ACCOUNT_",
+                                  "NT_STATUS_PASSWORD_",
+                                  "NT_STATUS_WRONG_PASSWORD",
+                                  "NT_STATUS_LOGON_TYPE_NOT_GRANTED",
+                                  "NT_STATUS_NO_LOGON_SERVERS",
+                                  "NT_STATUS_INVALID_WORKSTATION",
+                                  "NT_STATUS_NO_TRUST_",
+                                  "NT_STATUS_TRUSTED_",
+                                  "NT_STATUS_TIME_DIFFERENCE_AT_DC"};
+    return std::any_of(refusals.begin(), refusals.end(), [&diagnostics](const char* refusal) {
+        return diagnostics.find(refusal) != diagnostics.npos;
+    });
+}
+
 /// Only of a cache in a file it is known without asking Kerberos.
 bool mayHoldTicket(const std::string& cache) {
     const std::string prefix = "FILE:";
@@ -89,16 +104,12 @@ CRegistryRemote::CRegistryRemote(RegistryRemoteOptions options, std::stop_token 
       stop_(std::move(stop)),
       deadline_(std::chrono::steady_clock::now() + options_.deadline),
       ticket_(!exists(options_.credentialsFile)) {
-    if (ticket_ && !mayHoldTicket(ticketCache())) {
-        const std::string missing = "there is neither a credentials file (" + options_.credentialsFile +
-                                    ") nor a Kerberos ticket (" + ticketCache() + ")";
-        trouble_ = {nobodyAsked + missing, missing};
-    } else if (const auto wrong = ticket_ ? std::nullopt : credentialsTrouble(options_.credentialsFile)) {
-        trouble_ = {nobodyAsked + ("the credentials file " + *wrong), "the credentials file " + *wrong};
-    } else {
-        return;
-    }
-    unreachable_ = RegistryStatus::CallFailed;
+    using Kind = RegistryTrouble::Kind;
+    if (ticket_ && !mayHoldTicket(ticketCache()))
+        giveUp(Kind::Refused, "there is neither a credentials file (" + options_.credentialsFile +
+                                  ") nor a Kerberos ticket (" + ticketCache() + ")");
+    else if (const auto wrong = ticket_ ? std::nullopt : credentialsTrouble(options_.credentialsFile))
+        giveUp(Kind::Refused, "the credentials file " + *wrong);
 }
 
 RegistryHandle CRegistryRemote::hold(Key key) {
@@ -243,38 +254,48 @@ RegistryStatus CRegistryRemote::failure(const ProcessResult& result) {
     return result.end == ProcessEnd::Exited ? netFailure(result.diagnostics) : processFailure(result);
 }
 
-RegistryStatus CRegistryRemote::processFailure(const ProcessResult& result) {
+RegistryStatus CRegistryRemote::giveUp(RegistryTrouble::Kind kind, std::string why) {
+    trouble_ = {kind, std::move(why)};
     unreachable_ = RegistryStatus::NetPathNotFound;
-    switch (result.end) {
-    case ProcessEnd::NotStarted:
-        trouble_.last = "Samba's " + options_.program + " cannot be run: " + std::strerror(result.error);
-        if (result.error == ENOENT || result.error == EACCES) {
-            trouble_.last += "; install samba-common-bin";
-            trouble_.setUp = nobodyAsked + trouble_.last;
-        }
-        break;
-    case ProcessEnd::TimedOut:
-        trouble_.last = "no answer in time";
-        break;
-    case ProcessEnd::Stopped:
-        trouble_.last = "stopped";
-        break;
-    default:
-        trouble_.last = "the answer is too long";
-    }
     return *unreachable_;
 }
 
+RegistryStatus CRegistryRemote::processFailure(const ProcessResult& result) {
+    using Kind = RegistryTrouble::Kind;
+    switch (result.end) {
+    case ProcessEnd::NotStarted: {
+        const bool missing = result.error == ENOENT || result.error == EACCES;
+        return giveUp(Kind::Refused, "Samba's " + options_.program +
+                                         " cannot be run: " + std::strerror(result.error) +
+                                         (missing ? "; install samba-common-bin" : ""));
+    }
+    case ProcessEnd::TimedOut:
+        return giveUp(Kind::Silent, "no answer in time");
+    case ProcessEnd::Stopped:
+        return giveUp(Kind::Stopped, "stopped");
+    default:
+        return giveUp(Kind::Silent, "the answer is too long");
+    }
+}
+
 RegistryStatus CRegistryRemote::netFailure(const std::string& diagnostics) {
-    trouble_.last = lastLine(diagnostics);
-    if (diagnostics.find("registry_") != diagnostics.npos) {
-        trouble_.last = "there is no such key or value, or no right to read it";
+    using Kind = RegistryTrouble::Kind;
+    const auto says = [&diagnostics](const char* words) {
+        return diagnostics.find(words) != diagnostics.npos;
+    };
+    if (says("NT_STATUS_LOGON_FAILURE"))
+        return giveUp(Kind::Refused, "the user name or password was refused");
+    // One key that this user may not read tells nothing about the others.
+    if (says("WERR_ACCESS_DENIED") || says("NT_STATUS_ACCESS_DENIED")) {
+        trouble_ = {Kind::Refused, "there is no right to read it"};
+        return RegistryStatus::AccessDenied;
+    }
+    if (says("registry_")) {
+        trouble_.last = "there is no such key or value";
         return RegistryStatus::FileNotFound;
     }
-    unreachable_ = RegistryStatus::NetPathNotFound;
-    if (diagnostics.find("NT_STATUS_LOGON_FAILURE") != diagnostics.npos)
-        trouble_.last = "the user name or password was refused";
-    return *unreachable_;
+    const bool refused = refusesUser(diagnostics);
+    return giveUp(refused ? Kind::Refused : Kind::Silent, lastLine(diagnostics));
 }
 
 } // namespace mirovane

@@ -27,10 +27,16 @@ struct RegistryRemoteOptions {
     std::chrono::milliseconds deadline{20000};
 };
 
-/// What went wrong; the texts are empty when nothing did.
+/// What went wrong.
 struct RegistryTrouble {
-    std::string
-        setUp;        ///< why no computer can be asked from here, and what to do about it: a line for the log
+    enum class Kind {
+        Nothing, ///< or the computer answered that what was asked for is not there
+        Silent,  ///< the computer does not answer, or no longer answers
+        Refused, ///< it refuses this station, or this station cannot ask at all: that says nothing about it
+        Stopped,
+    };
+
+    Kind kind = Kind::Nothing;
     std::string last; ///< why the operation that failed last did, in a few words
 };
 
@@ -82,6 +88,7 @@ private:
     std::vector<std::string> commandLine(const std::string& host, std::vector<std::string> words) const;
     RegistryStatus failure(const ProcessResult& result);
     RegistryStatus processFailure(const ProcessResult& result);
+    RegistryStatus giveUp(RegistryTrouble::Kind kind, std::string why);
     RegistryStatus netFailure(const std::string& diagnostics);
 
     RegistryRemoteOptions options_;

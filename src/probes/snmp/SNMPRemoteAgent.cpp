@@ -35,9 +35,9 @@ SNMPEntity SNMPRemoteAgent::entityOfHost(const std::string& address, std::stop_t
         return *entity;
     const auto found =
         session_->manager().resolver().addressOf(address, CResolver::defaultTimeout, std::move(stop));
-    if (!found)
+    if (!found.found())
         raiseSnmp(agentSource, "Could not get host by name", snmpCallerError);
-    const auto entity = transport.SnmpStrToEntity(session_->handle(), formatAddress(*found));
+    const auto entity = transport.SnmpStrToEntity(session_->handle(), formatAddress(found.value));
     if (!entity)
         raiseSnmp(agentSource, "Could not convert remote agent address to entity", session_->lastError());
     return *entity;
@@ -64,6 +64,10 @@ void SNMPRemoteAgent::Send(SNMPRequest& request, const SNMPPdu& pdu) {
         const std::lock_guard lock(session_->manager().gate());
         request.Complete(snmpLayerError);
     }
+}
+
+bool SNMPRemoteAgent::sendingFailed() const {
+    return session_->transport().SnmpGetLastError(&session_->handle()) == SNMPError::NotSent;
 }
 
 SNMPRequest* SNMPRemoteAgent::FindRequest(std::int32_t requestId) const {

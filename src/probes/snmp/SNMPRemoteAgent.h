@@ -33,6 +33,9 @@ public:
     /// refuses it, the request has ended with an error status.
     void Send(SNMPRequest& request, const SNMPPdu& pdu);
 
+    /// The last request did not leave this computer.
+    bool sendingFailed() const;
+
     // With the manager's gate held.
     SNMPRequest* FindRequest(std::int32_t requestId) const;
     void ForgetRequest(std::int32_t requestId);

@@ -46,12 +46,15 @@ QLayout* CLiveStatOptionsWindow::makeSettings() {
     runSec_ = addNumber(*grid, 0, tr("R&uns every (second)"), "LSRunSec", LiveStatSettings::mostRunSec);
     numPerRun_ = addNumber(*grid, 1, tr("# of de&vices to check per run"), "LSNumPerRun",
                            LiveStatSettings::mostNumPerRun);
+    confirmOff_ = addNumber(*grid, 2, tr("Repeat a failed &test before a device turns Off (times)"),
+                            "LSConfirmOff", LiveStatSettings::mostConfirmOff);
+    confirmOff_->setSpecialValueText(tr("0 (Off at once)"));
     autoStart_ = makeFlag(tr("Auto &start Live Stat"), "LSAutoStart");
     autoPerform_ =
         makeFlag(tr("&Perform Live Stat Now on selection of device(s) (include Find, exclude Select->All)"),
                  "LSAutoPerform");
     includeMisc_ = makeFlag(tr("&Include device(s) in Discover/Misc window"), "LSIncludeMisc");
-    int line = 2;
+    int line = 3;
     for (QCheckBox* flag : {autoStart_, autoPerform_, includeMisc_})
         grid->addWidget(flag, line++, 0, 1, 3);
     auto* criteria = new QPushButton(tr("Live Stat C&riteria settings.."), this);
@@ -97,6 +100,7 @@ void CLiveStatOptionsWindow::showStored() {
     const LiveStatSettings& settings = station_.liveStatSettings();
     runSec_->setValue(settings.LSRunSec);
     numPerRun_->setValue(settings.LSNumPerRun);
+    confirmOff_->setValue(settings.LSConfirmOff);
     autoStart_->setChecked(settings.LSAutoStart);
     autoPerform_->setChecked(settings.LSAutoPerform);
     includeMisc_->setChecked(settings.LSIncludeMisc);
@@ -107,6 +111,7 @@ LiveStatSettings CLiveStatOptionsWindow::shownSettings() const {
     LiveStatSettings settings = station_.liveStatSettings();
     settings.LSRunSec = runSec_->value();
     settings.LSNumPerRun = numPerRun_->value();
+    settings.LSConfirmOff = confirmOff_->value();
     settings.LSAutoStart = autoStart_->isChecked();
     settings.LSAutoPerform = autoPerform_->isChecked();
     settings.LSIncludeMisc = includeMisc_->isChecked();

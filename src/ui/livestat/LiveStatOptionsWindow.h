@@ -43,6 +43,7 @@ private:
     Services services_;
     CStation& station_;
     QSpinBox* runSec_ = nullptr;
+    QSpinBox* confirmOff_ = nullptr;
     QSpinBox* numPerRun_ = nullptr;
     QCheckBox* autoStart_ = nullptr;
     QCheckBox* autoPerform_ = nullptr;

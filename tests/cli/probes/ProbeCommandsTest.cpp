@@ -48,8 +48,9 @@ TEST(PingCommandTest, OneLineForEachHostInTheOrderGiven) {
     ASSERT_EQ(found.size(), 5U);
     EXPECT_THAT(found[0], StartsWith("socket: "));
     EXPECT_THAT(found[1], StartsWith("127.255.255.255 127.255.255.255 "));
-    EXPECT_EQ(found[2], "10.1 - unknown host") << "half an address must not reach anybody";
-    EXPECT_THAT(found[3], HasSubstr("hhh - unknown host"));
+    EXPECT_EQ(found[2], "10.1 - this can't be the name of a host")
+        << "half an address must not reach anybody";
+    EXPECT_THAT(found[3], HasSubstr("hhh - this can't be the name of a host"));
     EXPECT_EQ(answeringHost(found[4]), "127.0.0.1");
 }
 
@@ -64,7 +65,7 @@ TEST(PingCommandTest, ANameThatWasNotLookedUpIsNotCalledUnknown) {
     if (result.status > 1)
         GTEST_SKIP() << "no network of its own, or the build folder is closed to the user \"nobody\"";
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "localhost - echoes can't be sent on this computer\n");
+    EXPECT_THAT(result.out, StartsWith("localhost - Ping is not p"));
 }
 
 TEST(LookupCommandTest, BothWays) {
@@ -74,8 +75,7 @@ TEST(LookupCommandTest, BothWays) {
     ASSERT_EQ(found.size(), 2U);
     EXPECT_EQ(found[0], "localhost 127.0.0.1");
     EXPECT_THAT(found[1], AllOf(StartsWith("127.0.0.1 "), HasSubstr("localhost")));
-    EXPECT_EQ(result.err,
-              "mirovanectl: cannot look up no such host: no IPv4 address is known for this name\n");
+    EXPECT_EQ(result.err, "mirovanectl: cannot look up no such host: this can't be the name of a host\n");
     EXPECT_EQ(cli({"lookup", "localhost"}).status, 0);
 }
 

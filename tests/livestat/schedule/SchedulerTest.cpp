@@ -134,7 +134,6 @@ TEST_F(SchedulerTest, ARowWithoutAnActionAndABrokenPatternHurtNobody) {
     rule(DeviceType::Printer, 6, Action::SnmpGet, "$mvI public 1.3");
     setCriteria(doc, DeviceType::Printer, 6, CriteriaColumn::SearchFor, "(laser");
     probes.agent("127.0.0.1", "public", "1.3", {SNMPAnswer::Kind::Value, "LaserJet", 0});
-    probes.trouble("Samba is missing");
     scheduler->toggle();
     for (int i = 0; i < 6; ++i)
         run();
@@ -147,7 +146,6 @@ TEST_F(SchedulerTest, ARowWithoutAnActionAndABrokenPatternHurtNobody) {
         });
     };
     EXPECT_EQ(linesWith("Printer, row Comment/Marker: \"(laser\" is no pattern (mismatched parenthesis)"), 1);
-    EXPECT_EQ(linesWith("Samba is missing"), 1);
     EXPECT_GT(linesWith("Processing 1 device(s)."), 2); // the printer; the UPS has nothing to check
     EXPECT_EQ(linesWith("Processing 2 device(s)."), 0);
 }
@@ -471,13 +469,6 @@ TEST_F(SchedulerTest, WithoutAThreadTheStepIsTriedAgain) {
     inlineWorkers.exhausted = false;
     run();
     EXPECT_EQ(device(1).State, DeviceState::Off);
-}
-
-TEST_F(SchedulerTest, SaysWhyNoEchoCanBeSent) {
-    addPrinters(1);
-    probes.refuseEchoes("no permission; run setcap");
-    scheduler->toggle();
-    EXPECT_EQ(logged(), Lines{"no permission; run setcap"});
 }
 
 TEST_F(SchedulerTest, TheEmptiedListRestsAndTrackingBringsDevicesIntoView) {

@@ -78,7 +78,7 @@ TEST_F(FileActionsTest, WhereNothingCanBeSearchedTheFieldKeepsItsText) {
     for (const char* argument : {"", "$mvN", "/missing/file", "/dev/null", "C:\\Temp\\Text.txt"}) {
         outcome = run(Action::SearchInTextFile, argument);
         EXPECT_EQ(shown(outcome), "failed:kept") << argument;
-        EXPECT_FALSE(outcome.fileStamp) << argument;
+        EXPECT_EQ(outcome.fileStamp.value_or(0), 0) << argument;
     }
     for (const char* argument : {"", "$mvN", "/missing/file", "/missing/*", "C:\\Temp\\*"})
         EXPECT_EQ(shown(run(Action::SearchForFile, argument)), "failed:kept") << argument;
@@ -86,6 +86,29 @@ TEST_F(FileActionsTest, WhereNothingCanBeSearchedTheFieldKeepsItsText) {
     EXPECT_EQ(inNames("*.csv", "other"), "failed:"); // there are files, and none matches
     input.row = 0;
     EXPECT_TRUE(run(Action::SearchInTextFile, "").failed);
+}
+
+TEST_F(FileActionsTest, AFileThatCameBackUnchangedIsSearchedAgain) {
+    input.device.RuleStamps[6] = 500;
+    EXPECT_EQ(inText("pc1"), "nothing");
+    ASSERT_EQ(rename(path.c_str(), folder.file("away").c_str()), 0);
+    EXPECT_EQ(inText("pc1"), "failed:kept");
+    apply();
+    ASSERT_EQ(rename(folder.file("away").c_str(), path.c_str()), 0);
+    EXPECT_EQ(inText("pc1"), "done:pc1,\"Room 7, East\",carla");
+}
+
+TEST_F(FileActionsTest, AFileThatIsThereAndCannotBeReadIsNoAnswer) {
+    input.row = 0;
+    const std::string unreadable = "/proc/self/mem"; // a regular file; its first bytes are an I/O error
+    outcome = run(Action::SearchInTextFile, unreadable, "pc1");
+    EXPECT_EQ(shown(outcome), "nothing");
+    ASSERT_TRUE(outcome.notAsked) << answer;
+    EXPECT_EQ(outcome.notAsked->through, AskedThrough::File);
+    EXPECT_EQ(outcome.notAsked->about, unreadable);
+    apply();
+    EXPECT_EQ(input.device.State, DeviceState::On);
+    EXPECT_EQ(input.device.RuleStamps[0], 0);
 }
 
 TEST_F(FileActionsTest, AnUnchangedFileIsSearchedOncePerRowAndDevice) {

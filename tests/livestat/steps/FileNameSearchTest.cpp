@@ -93,7 +93,7 @@ TEST_F(FileNameSearchTest, BackslashesPartFoldersToo) {
     std::replace(path.begin(), path.end(), '/', '\\');
     EXPECT_EQ(find(path, "").search.text, "0.txt");
     EXPECT_FALSE(find(R"(C:\Temp\*)", "").anyFile);
-    EXPECT_EQ(find(R"(\\server\share\*)", "").search.end, SearchResult::End::Unreadable);
+    EXPECT_EQ(find(R"(\\server\share\*)", "").search.end, SearchResult::End::Missing);
 }
 
 TEST_F(FileNameSearchTest, WithoutAPatternThereAreFilesAndNoHit) {

@@ -42,7 +42,40 @@ TEST_F(HostActionsTest, LookUpsProcessEveryTokenAndTheLastDecides) {
     EXPECT_EQ(shown(run(Action::NsLookupReverse, "127.0.0.7")), "done:pc1.example");
     EXPECT_EQ(shown(run(Action::NsLookupReverse, "pc1")), "failed:");
     EXPECT_EQ(shown(run(Action::NsLookupReverse, "127.0.0.8")), "failed:");
-    EXPECT_EQ(answer, "127.0.0.8: no name is known");
+    EXPECT_EQ(answer, "127.0.0.8: no name is known for this address");
+}
+
+TEST_F(HostActionsTest, WhatCouldNotBeAskedIsNeitherYesNorNo) {
+    probes.answer("127.0.0.5");
+    probes.name("pc1", *parseDottedAddress("127.0.0.7"));
+    probes.cannotAsk("pc9", AskedThrough::NameService, "the name server does not answer");
+    EXPECT_EQ(shown(run(Action::Ping, "pc9 127.0.0.5")), "done:kept") << "one that answers is enough";
+    EXPECT_EQ(shown(run(Action::Ping, "pc9 127.0.0.6")), "nothing") << "pc9 may have another address by now";
+    EXPECT_EQ(shown(run(Action::NsLookup, "pc9")), "nothing");
+    EXPECT_EQ(answer, "pc9: the name server does not answer");
+    EXPECT_EQ(shown(run(Action::NsLookup, "pc9 pc1")), "done:127.0.0.7") << "the last one decides";
+    EXPECT_EQ(shown(run(Action::SnmpGet, "pc9 public 1.3")), "nothing");
+    for (const char* host : {R"(\\pc9)", R"(\\pc9\HKEY_USERS\x)"})
+        probes.cannotAsk(host, AskedThrough::Registry, "the user name or password was refused");
+    EXPECT_EQ(shown(run(Action::Registry, R"(\\pc9\HKEY_USERS\x)")), "nothing");
+    input.device.Name = "pc9";
+    const StepOutcome logon = run(Action::WhosLogon, "");
+    ASSERT_TRUE(logon.notAsked);
+    EXPECT_EQ(logon.notAsked->about, R"(\\pc9)");
+}
+
+TEST_F(HostActionsTest, AKeptFieldIsACleanValue) {
+    input.device.Name = "pc1 >>";
+    input.device.Username = "[eve]  >>";
+    input.device.IPAddress = ">>";
+    probes.answer("pc1");
+    probes.loggedOn(R"(\\pc1)", {"eve", 1, true});
+    EXPECT_EQ(shown(run(Action::Ping, "$mvI $mvN")), "done:kept");
+    EXPECT_EQ(probes.pinged(), Tokens{"pc1"});
+    EXPECT_EQ(shown(run(Action::WhosLogon, "")), "done:eve");
+    EXPECT_EQ(shown(run(Action::SetValue, "$mvU on $mvN")), "done:eve on pc1");
+    probes.agent("pc1", "public", "1.3", {SNMPAnswer::Kind::Value, "it is pc1", 0});
+    EXPECT_EQ(shown(run(Action::SnmpGet, "$mvN public 1.3", "is $mvN$")), "done:it is pc1");
 }
 
 TEST_F(HostActionsTest, AStoppedStepSaysThatItKnowsNothing) {

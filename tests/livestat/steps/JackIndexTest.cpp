@@ -34,6 +34,9 @@ TEST_F(JackIndexTest, TheFirstDeviceInTheListThatNamesTheJackCounts) {
     plug(DeviceType::Computer + DeviceType::discoveredOffset, "A-1", DeviceState::Off);
     plug(DeviceType::Printer, "", DeviceState::On);
     EXPECT_EQ(index.stateAtJack("A-1"), DeviceState::On);
+    EXPECT_EQ(index.stateAtJack("A-1 >>"), DeviceState::On) << "kept by the user, and the same jack";
+    plug(DeviceType::Printer, "A-2>>", DeviceState::Off);
+    EXPECT_EQ(index.stateAtJack("A-2"), DeviceState::Off);
     EXPECT_EQ(index.stateAtJack("a-1"), std::nullopt);
     EXPECT_EQ(index.stateAtJack(""), std::nullopt);
     doc.removeDevices(std::array{DeviceKey{first}});

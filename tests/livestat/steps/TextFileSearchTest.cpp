@@ -71,27 +71,25 @@ TEST_F(TextFileSearchTest, NoLineNoHit) {
 TEST_F(TextFileSearchTest, OnlyTextFilesAreOpenedAndWaitedFor) {
     const std::string pipe = folder.file("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    std::string trouble;
     for (const std::string& other :
          {pipe, folder.path(), std::string("/dev/zero"), std::string("/dev/tty"), folder.file("missing"),
           std::string(R"(C:\Temp\Text.txt)"), std::string()}) {
-        trouble.clear();
-        EXPECT_FALSE(textFileStamp(other, trouble)) << other;
-        EXPECT_FALSE(trouble.empty()) << other;
+        const TextFileStatus status = textFileStatus(other);
+        EXPECT_EQ(status.kind, TextFileStatus::Kind::Missing) << other;
+        EXPECT_FALSE(status.trouble.empty()) << other;
         path = other;
-        EXPECT_EQ(search("").end, End::Unreadable) << other;
+        EXPECT_EQ(search("").end, End::Missing) << other;
     }
 }
 
 TEST_F(TextFileSearchTest, StampIsTheChangeTimeAndNeverZero) {
     test::writeBytes(path, "x");
-    std::string trouble;
     for (const auto& [seconds, stamp] : {std::pair<time_t, TimeStamp>{1'700'000'000, 1'700'000'000},
                                          {0, 1},
                                          {time_t{1} << 33, 2147483647}}) {
         const timespec times[2] = {{seconds, 0}, {seconds, 0}};
         ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
-        EXPECT_EQ(textFileStamp(path, trouble), stamp);
+        EXPECT_EQ(textFileStatus(path).stamp, stamp);
     }
 }
 

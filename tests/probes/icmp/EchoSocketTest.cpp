@@ -37,7 +37,7 @@ TEST(EchoSocketTest, OrdinaryUserPingsWhereTheGroupRangeAllowsIt) {
         EXPECT_EQ(probes.socketKind(), "unprivileged ICMP socket");
         PingReply reply;
         std::optional<std::uint32_t> resolved;
-        EXPECT_TRUE(probes.PingHost("127.1.2.3", reply, resolved, 10, 5000, 32, {}));
+        EXPECT_TRUE(probes.PingHost("127.1.2.3", reply, resolved, 10, 5000, 32, {}).isYes());
         EXPECT_EQ(reply.address, addressOf("127.1.2.3"));
     });
     if (refused)
@@ -49,7 +49,7 @@ TEST(EchoSocketTest, OrdinaryUserWithoutPermissionIsToldTheRemedyOnce) {
         CSystemHostProbes probes;
         PingReply reply;
         std::optional<std::uint32_t> resolved;
-        EXPECT_FALSE(probes.PingHost("127.0.0.1", reply, resolved, 10, 5000, 32, {}));
+        EXPECT_FALSE(probes.PingHost("127.0.0.1", reply, resolved, 10, 5000, 32, {}).isYes());
         const std::string reason = probes.echoUnusable().value_or("");
         EXPECT_NE(reason.find("setcap cap_net_raw+ep /"), std::string::npos) << reason;
         EXPECT_NE(reason.find("net.ipv4.ping_group_range"), std::string::npos) << reason;

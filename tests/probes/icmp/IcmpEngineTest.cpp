@@ -144,7 +144,7 @@ TEST_P(EchoTest, PingHostTakesNothingElseForAnAnswer) {
                              std::make_unique<CResolver>());
     const auto ping = [&probes](const std::string& target, PingReply& reply) {
         std::optional<std::uint32_t> resolved;
-        return probes.PingHost(target, reply, resolved, pingTtl, 300, pingPayloadSize, {});
+        return probes.PingHost(target, reply, resolved, pingTtl, 300, pingPayloadSize, {}).isYes();
     };
     for (const auto& [target, what] : std::map<std::string, const char*>{
              {"10.77.1.8", "a reply from another address"},

@@ -21,7 +21,7 @@ class ScriptedNames final : public NameService {
 public:
     ~ScriptedNames() override { release(); }
 
-    std::optional<std::uint32_t> addressOf(const std::string& name) override {
+    LookedUp<std::uint32_t> addressOf(const std::string& name) override {
         ++calls;
         if (name.starts_with("hang")) {
             std::unique_lock lock(mutex_);
@@ -32,15 +32,17 @@ public:
             changed_.notify_all();
         }
         const auto found = names.find(name);
-        return found == names.end() ? std::nullopt : std::optional(found->second);
+        if (found == names.end())
+            return {ProbeAnswer::no("no such name")};
+        return {ProbeAnswer::yes(), found->second};
     }
 
-    std::optional<std::string> nameOf(std::uint32_t address) override {
+    LookedUp<std::string> nameOf(std::uint32_t address) override {
         ++calls;
         for (const auto& [name, of] : names)
             if (of == address)
-                return name;
-        return std::nullopt;
+                return {ProbeAnswer::yes(), name};
+        return {ProbeAnswer::no("no name")};
     }
 
     bool waitForHanging(int count) {
@@ -69,19 +71,27 @@ class ResolverTest : public testing::Test {
 protected:
     std::shared_ptr<ScriptedNames> names_ = std::make_shared<ScriptedNames>();
     CResolver resolver_{names_, 4};
+
+    ProbeAnswer::Kind kindOf(const std::string& name, milliseconds timeout, std::stop_token stop = {}) {
+        return resolver_.addressOf(name, timeout, std::move(stop)).answer.kind;
+    }
+    std::uint32_t found(const std::string& name) {
+        return resolver_.addressOf(name, milliseconds(30000), {}).value;
+    }
 };
 
+using Kind = ProbeAnswer::Kind;
+
 TEST_F(ResolverTest, HangingLookUpsDoNotHangTheirCallers) {
-    EXPECT_EQ(resolver_.addressOf("hang", milliseconds(30), {}), std::nullopt);
+    EXPECT_EQ(kindOf("hang", milliseconds(30)), Kind::CouldNotAsk) << "that says nothing about the name";
     std::stop_source stop;
-    std::jthread caller([&] {
-        EXPECT_EQ(resolver_.addressOf("hang2", milliseconds(600000), stop.get_token()), std::nullopt);
-    });
+    std::jthread caller(
+        [&] { EXPECT_EQ(kindOf("hang2", milliseconds(600000), stop.get_token()), Kind::Stopped); });
     ASSERT_TRUE(names_->waitForHanging(2));
     stop.request_stop();
     caller.join();
-    EXPECT_EQ(resolver_.addressOf("printer", milliseconds(30000), {}), addressOf("127.0.0.7"))
-        << "others go on";
+    EXPECT_EQ(found("printer"), addressOf("127.0.0.7")) << "others go on";
+    EXPECT_EQ(kindOf("unknown", milliseconds(30000)), Kind::No);
     names_->release();
     EXPECT_TRUE(names_->waitForHanging(0));
 }
@@ -89,13 +99,13 @@ TEST_F(ResolverTest, HangingLookUpsDoNotHangTheirCallers) {
 TEST_F(ResolverTest, ThreadsAreBoundedAndComeBack) {
     std::vector<std::jthread> callers;
     for (int i = 0; i < 10; ++i)
-        callers.emplace_back([this] { EXPECT_FALSE(resolver_.addressOf("hang", milliseconds(200), {})); });
+        callers.emplace_back([this] { EXPECT_EQ(kindOf("hang", milliseconds(200)), Kind::CouldNotAsk); });
     callers.clear();
     EXPECT_TRUE(names_->waitForHanging(4));
-    EXPECT_EQ(resolver_.addressOf("printer", milliseconds(20), {}), std::nullopt) << "no thread is left";
+    EXPECT_EQ(kindOf("printer", milliseconds(20)), Kind::CouldNotAsk) << "no thread is left";
     EXPECT_EQ(names_->calls, 4);
     names_->release();
-    EXPECT_TRUE(resolver_.addressOf("printer", milliseconds(30000), {}));
+    EXPECT_NE(found("printer"), 0U);
     EXPECT_EQ(names_->calls, 5) << "look-ups that nobody waits for any more are not made";
 }
 
@@ -112,8 +122,8 @@ TEST_F(ResolverTest, StartedLookUpsReportTheNameOrNothing) {
 TEST_F(ResolverTest, DestructionDoesNotWaitForHangingLookUps) {
     {
         CResolver resolver(names_, 1);
-        EXPECT_FALSE(resolver.addressOf("hang", milliseconds(10), {}));
-        EXPECT_FALSE(resolver.addressOf("printer", milliseconds(10), {}));
+        resolver.addressOf("hang", milliseconds(10), {});
+        resolver.addressOf("printer", milliseconds(10), {});
     }
     EXPECT_TRUE(names_->waitForHanging(1)) << "still hanging, on its own";
     names_->release();
@@ -125,9 +135,9 @@ TEST_F(ResolverTest, TextsThatAreNoNamesAreNotLookedUp) {
     for (const std::string& text :
          {""s, "  "s, "two words"s, "line\nbreak"s, "print\0er"s, "printer\0"s, "bell\a"s, "10.1"s, "0x7f.1"s,
           "2130706433"s, "10.0.0.256"s, std::string(10000, 'a'), std::string(254, 'a')})
-        EXPECT_FALSE(resolver_.addressOf(text, milliseconds(30000), {})) << text.substr(0, 30);
+        EXPECT_EQ(kindOf(text, milliseconds(30000)), Kind::No) << text.substr(0, 30);
     EXPECT_EQ(names_->calls, 0);
-    EXPECT_TRUE(resolver_.addressOf(" printer\t", milliseconds(30000), {})) << "blanks around do not count";
+    EXPECT_NE(found(" printer\t"), 0U) << "blanks around do not count";
 }
 
 TEST(HostAddressTest, DottedAddresses) {
@@ -154,9 +164,11 @@ protected:
     CSystemHostProbes probes_{std::make_unique<CIcmpEngine>(), std::make_unique<CResolver>(names_)};
 
     bool ping(const std::string& target) {
-        return probes_.PingHost(target, reply_, resolved_, 10, 5000, 32, {});
+        return probes_.PingHost(target, reply_, resolved_, 10, 5000, 32, {}).isYes();
     }
-    bool resolve(const std::string& target) { return probes_.ResolveHost(target, address_, hostName_, {}); }
+    bool resolve(const std::string& target) {
+        return probes_.ResolveHost(target, address_, hostName_, {}).isYes();
+    }
 };
 
 TEST_F(HostProbesTest, ResolvesBothWaysAndLeavesTheOtherOutputAlone) {
@@ -195,11 +207,12 @@ TEST_F(HostProbesTest, FailuresLeaveTheReplyAlone) {
     EXPECT_EQ(resolved_, addressOf("127.255.255.255")) << "found, though it does not answer";
     EXPECT_FALSE(ping("0.0.0.0"));
     EXPECT_EQ(reply_.address, 77U);
-    EXPECT_FALSE(probes_.ping("unknown", {}, {}).found);
+    EXPECT_EQ(probes_.ping("unknown", {}, {}).answer.kind, Kind::No);
+    EXPECT_EQ(probes_.ping("broadcast", {}, {}).answer.kind, Kind::CouldNotAsk) << "the system refuses to";
 }
 
 TEST(CSystemNameServiceTest, KnowsThisComputer) {
-    EXPECT_EQ(systemNameService()->addressOf("localhost"), addressOf("127.0.0.1"));
+    EXPECT_EQ(systemNameService()->addressOf("localhost").value, addressOf("127.0.0.1"));
 }
 
 } // namespace

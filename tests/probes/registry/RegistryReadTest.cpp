@@ -161,15 +161,18 @@ TEST(LocalRegistryTest, AnswersWhatTheSystemItselfReads) {
     RegistryRemoteOptions nobody;
     nobody.program = "/nonexistent/net";
     CSystemRegistryProbes probes(nobody, {"here", "carla"});
-    EXPECT_EQ(probes.LookUpLoggedOnUser(R"(\\here)", {}), (LoggedOnUser{"carla", 1, true}));
+    LoggedOnUser user;
+    EXPECT_TRUE(probes.LookUpLoggedOnUser(R"(\\here)", user, {}).isYes());
+    EXPECT_EQ(user, (LoggedOnUser{"carla", 1, true}));
     const auto read = [&probes](const char* path) {
-        return probes.ReadRegistryValue(path, "here", {});
+        std::string value;
+        const ProbeAnswer answer = probes.ReadRegistryValue(path, "here", value, {});
+        return answer.isYes() ? std::optional(value) : std::nullopt;
     };
     EXPECT_EQ(read(R"(HKEY_CURRENT_USER\Volatile Environment\USERNAME)"), "carla");
     EXPECT_EQ(read(R"(\\HERE\HKEY_CURRENT_USER\Volatile Environment\username)"), "carla");
     EXPECT_EQ(read(R"(HKEY_LOCAL_MACHINE\SOFTWARE\Vendor\Version)"), std::nullopt);
-    EXPECT_TRUE(probes.takeTroubles().empty());
-    EXPECT_FALSE(probes.LookUpLoggedOnUser(R"(\\127.0.0.1)", {}).reached);
+    EXPECT_TRUE(probes.LookUpLoggedOnUser(R"(\\127.0.0.1)", user, {}).couldNotBeAsked());
 
     CLocalRegistry nameless("here", "");
     EXPECT_EQ(GetDefaultUserName(nameless, "here"), "");

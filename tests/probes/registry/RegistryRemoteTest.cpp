@@ -43,11 +43,18 @@ struct Asking {
         return *probes_;
     }
     std::optional<std::string> read(const std::string& path, std::stop_token stop = {}) {
-        return probes().ReadRegistryValue("\\\\127.0.0.1\\" + path, "here", std::move(stop));
+        std::string value;
+        answer = probes().ReadRegistryValue("\\\\127.0.0.1\\" + path, "here", value, std::move(stop));
+        return answer.isYes() ? std::optional(value) : std::nullopt;
     }
-    LoggedOnUser user() { return probes().LookUpLoggedOnUser(R"(\\127.0.0.1)", {}); }
+    LoggedOnUser user() {
+        LoggedOnUser user;
+        answer = probes().LookUpLoggedOnUser(R"(\\127.0.0.1)", user, {});
+        return user;
+    }
 
     RegistryRemoteOptions options;
+    ProbeAnswer answer; ///< to the last question
 
 private:
     std::unique_ptr<CSystemRegistryProbes> probes_;
@@ -111,7 +118,7 @@ TEST_F(RegistryServerTest, ValuesOfEveryType) {
              {"Fits", std::string(255, 'x')},
              {"", "the default"},
          })
-        EXPECT_EQ(asking.read(path + name), text) << name << ": " << asking.probes().lastTrouble();
+        EXPECT_EQ(asking.read(path + name), text) << name << ": " << asking.answer.why;
     ASSERT_TRUE(server_.setText("HKEY_USERS", "Of the root", "yes"));
     EXPECT_EQ(asking.read("HKEY_USERS\\Of the root"), "yes") << "no key between the root and the value";
     ASSERT_TRUE(server_.import("[HKEY_CLASSES_ROOT\\.txt]\n\"PerceivedType\"=\"text\"\n\n"));
@@ -122,7 +129,7 @@ TEST_F(RegistryServerTest, ValuesOfEveryType) {
     EXPECT_EQ(asking.read(path + std::string("Version\0x", 9)), std::nullopt) << "is not cut short";
     EXPECT_EQ(asking.read(path + "back\\slash"), std::nullopt) << "names a key";
     EXPECT_EQ(asking.read("HKLM\\SOFTWARE\\Vendor Ltd\\Sub key\\Version"), std::nullopt);
-    EXPECT_TRUE(asking.probes().takeTroubles().empty());
+    EXPECT_EQ(asking.answer.kind, ProbeAnswer::Kind::No);
 }
 
 TEST_F(RegistryServerTest, SubKeysToTheLast) {
@@ -149,7 +156,7 @@ TEST_F(RegistryServerTest, SubKeysToTheLast) {
 
 TEST_F(RegistryServerTest, NobodyThenTwoUsersLoggedOn) {
     Asking asking = this->asking();
-    EXPECT_EQ(asking.user(), (LoggedOnUser{"", 0, true})) << asking.probes().lastTrouble();
+    EXPECT_EQ(asking.user(), (LoggedOnUser{"", 0, true})) << asking.answer.why;
     std::string entries;
     for (const auto& [hive, name] : {std::pair(anna, "anna"), std::pair(ben, "ben")}) {
         entries += "[HKEY_USERS\\" + std::string(hive) + "\\Volatile Environment]\n\"USERNAME\"=\"" + name +
@@ -158,7 +165,7 @@ TEST_F(RegistryServerTest, NobodyThenTwoUsersLoggedOn) {
     }
     ASSERT_TRUE(server_.import(entries + "[HKEY_USERS\\.DEFAULT\\Volatile Environment]\n\n"));
     const LoggedOnUser both = asking.user();
-    EXPECT_EQ(both.count, 2U) << asking.probes().lastTrouble();
+    EXPECT_EQ(both.count, 2U) << asking.answer.why;
     EXPECT_TRUE(both.name == "anna(2)" || both.name == "ben(2)") << both.name;
     const auto printer = asking.read(R"(hkey_current_user\printers\DeviceOLD)");
     EXPECT_TRUE(printer == "of anna" || printer == "of ben");
@@ -170,15 +177,15 @@ TEST_F(RegistryServerTest, CredentialsThatDoNotServe) {
     chmod(file.c_str(), 0600);
     Asking wrong(server_.port(), file);
     EXPECT_EQ(wrong.read(R"(HKEY_LOCAL_MACHINE\SOFTWARE\x)"), std::nullopt);
-    EXPECT_EQ(wrong.probes().lastTrouble(), "the user name or password was refused");
+    EXPECT_EQ(wrong.answer.why, "the user name or password was refused");
     EXPECT_FALSE(wrong.user().reached);
+    EXPECT_TRUE(wrong.answer.couldNotBeAsked());
 
     setenv("KRB5CCNAME", ("FILE:" + server_.file("no-ticket")).c_str(), 1);
     Asking none(server_.port(), server_.file("no-such-file"));
     EXPECT_FALSE(none.user().reached);
-    const auto troubles = none.probes().takeTroubles();
-    ASSERT_EQ(troubles.size(), 1U) << none.probes().lastTrouble();
-    EXPECT_THAT(troubles[0], HasSubstr("nor a Kerberos ticket"));
+    EXPECT_TRUE(none.answer.couldNotBeAsked());
+    EXPECT_THAT(none.answer.why, HasSubstr("nor a Kerberos ticket"));
 }
 
 TEST(RegistryRemoteTest, AComputerThatIsOff) {
@@ -187,8 +194,8 @@ TEST(RegistryRemoteTest, AComputerThatIsOff) {
     if (system("command -v net >/dev/null") != 0)
         GTEST_SKIP() << "Samba's net is not installed";
     EXPECT_FALSE(asking.user().reached);
-    EXPECT_THAT(asking.probes().lastTrouble(), HasSubstr("REFUSED"));
-    EXPECT_TRUE(asking.probes().takeTroubles().empty()) << "the computer's trouble, not ours";
+    EXPECT_THAT(asking.answer.why, HasSubstr("REFUSED"));
+    EXPECT_EQ(asking.answer.kind, ProbeAnswer::Kind::No) << "the computer's trouble, not ours";
 }
 
 TEST(RegistryRemoteTest, AServerThatNeverAnswersIsLeftAtTheDeadlineOrWhenTold) {
@@ -201,28 +208,25 @@ TEST(RegistryRemoteTest, AServerThatNeverAnswersIsLeftAtTheDeadlineOrWhenTold) {
     const auto begin = steady_clock::now();
     EXPECT_FALSE(brief.user().reached);
     EXPECT_LT(steady_clock::now() - begin, seconds(10)) << "one deadline for both connections";
-    EXPECT_EQ(brief.probes().lastTrouble(), "no answer in time");
+    EXPECT_EQ(brief.answer.why, "no answer in time");
 
     Asking patient(silent.port(), credentialsIn(folder));
     patient.options.deadline = seconds(600);
     std::stop_source stop;
     std::jthread stopper([&stop] { stop.request_stop(); });
     EXPECT_EQ(patient.read(R"(HKEY_LOCAL_MACHINE\x)", stop.get_token()), std::nullopt);
-    EXPECT_EQ(patient.probes().lastTrouble(), "stopped");
+    EXPECT_EQ(patient.answer.why, "stopped");
 }
 
-TEST(RegistryRemoteTest, WhatIsMissingHereIsSaidOnce) {
+TEST(RegistryRemoteTest, WhatIsMissingHereSaysNothingAboutTheComputer) {
     const test::TestFolder folder;
     Asking asking(1, credentialsIn(folder));
     asking.options.program = "/nonexistent/net";
-    EXPECT_FALSE(asking.user().reached);
     EXPECT_EQ(asking.read(R"(HKEY_LOCAL_MACHINE\x)"), std::nullopt);
-    const auto troubles = asking.probes().takeTroubles();
-    ASSERT_EQ(troubles.size(), 1U);
-    EXPECT_THAT(troubles[0], HasSubstr("install samba-common-bin"));
-    EXPECT_THAT(asking.probes().lastTrouble(), HasSubstr("install samba-common-bin"));
+    EXPECT_TRUE(asking.answer.couldNotBeAsked());
+    EXPECT_THAT(asking.answer.why, HasSubstr("install samba-common-bin"));
     EXPECT_FALSE(asking.user().reached);
-    EXPECT_TRUE(asking.probes().takeTroubles().empty());
+    EXPECT_TRUE(asking.answer.couldNotBeAsked());
 }
 
 TEST(RegistryRemoteTest, CredentialsThatOthersCanReadAreNotUsed) {
@@ -235,8 +239,7 @@ TEST(RegistryRemoteTest, CredentialsThatOthersCanReadAreNotUsed) {
     Asking asking(1, file);
     asking.options.program = "/nonexistent/net";
     EXPECT_FALSE(asking.user().reached);
-    EXPECT_THAT(asking.probes().takeTroubles().at(0), HasSubstr("can be read by others"))
-        << "before any process";
+    EXPECT_THAT(asking.answer.why, HasSubstr("can be read by others")) << "before any process";
     chmod(file.c_str(), 0604);
     EXPECT_THAT(credentialsTrouble(file).value_or(""), HasSubstr("chmod 600"));
     chmod(file.c_str(), 0600);
@@ -263,9 +266,11 @@ TEST(RegistryRemoteTest, WithoutACredentialsFileTheTicketIsShown) {
         test::writeBytes(folder.file("shown"), "");
         CSystemRegistryProbes probes({program, folder.file("no credentials"), 0, seconds(60)},
                                      {"here", "carla"});
-        probes.ReadRegistryValue(R"(\\127.0.0.1\HKEY_LOCAL_MACHINE\x\y)", "here", {});
+        std::string value;
+        const ProbeAnswer answer =
+            probes.ReadRegistryValue(R"(\\127.0.0.1\HKEY_LOCAL_MACHINE\x\y)", "here", value, {});
         const std::string shown = test::readBytes(folder.file("shown"));
-        EXPECT_EQ(probes.takeTroubles().empty(), !shown.empty()) << cache << ": asked, or said why not";
+        EXPECT_EQ(answer.couldNotBeAsked(), shown.empty()) << cache << ": asked, or said why not";
         return shown;
     };
     for (const std::string& cache : {std::string("KEYRING:persistent:0"), std::string("DIR:/none"),
@@ -290,7 +295,9 @@ TEST(RegistryRemoteTest, ALookUpThatBreaksOffDoesNotTellThatNobodyIsThere) {
                              "\\nModtime   = now\\n\\n' ;;\n*) " + command + " ;;\nesac\n");
         chmod(program.c_str(), 0700);
         CSystemRegistryProbes probes({program, credentialsIn(folder), 4450, seconds(60)}, {"here", "carla"});
-        return probes.LookUpLoggedOnUser(R"(\\127.0.0.1)", {});
+        LoggedOnUser user;
+        probes.LookUpLoggedOnUser(R"(\\127.0.0.1)", user, {});
+        return user;
     };
     const std::string noKey = "echo 'registry_openkey failed: WERR_FILE_NOT_FOUND' >&2; exit 255";
     EXPECT_EQ(answersReads(noKey), (LoggedOnUser{"", 0, true}));
@@ -310,10 +317,13 @@ TEST(RegistryRemoteTest, TextsOfTheUserAreNeverOptions) {
                                   "\necho 'registry_openkey failed' >&2\nexit 255\n");
     chmod(program.c_str(), 0700);
     CSystemRegistryProbes probes({program, credentialsIn(folder), 4450, seconds(60)}, {"here", "carla"});
-    for (const char* host : {R"(\\a b)", R"(\\a;b)", R"(\\--option=x)", R"(\\a%b)", R"(\\)", ""})
-        EXPECT_FALSE(probes.LookUpLoggedOnUser(host, {}).reached) << host;
+    for (const char* host : {R"(\\a b)", R"(\\a;b)", R"(\\--option=x)", R"(\\a%b)", R"(\\)", ""}) {
+        LoggedOnUser user;
+        EXPECT_FALSE(probes.LookUpLoggedOnUser(host, user, {}).isYes()) << host;
+    }
     EXPECT_EQ(test::readBytes(folder.file("words")), "") << "no names of computers";
-    probes.ReadRegistryValue(R"(\\-f\HKEY_LOCAL_MACHINE\-k $(id)\`x`\--y 'z')", "here", {});
+    std::string value;
+    probes.ReadRegistryValue(R"(\\-f\HKEY_LOCAL_MACHINE\-k $(id)\`x`\--y 'z')", "here", value, {});
     EXPECT_EQ(test::readBytes(folder.file("words")),
               "--server=-f\n--port=4450\n--authentication-file=" + folder.file("credentials") +
                   "\n--\nrpc\nregistry\ngetvalue\nHKEY_LOCAL_MACHINE\\-k $(id)\\`x`\n--y 'z'\n");
@@ -333,9 +343,10 @@ TEST(RegistryRemoteTest, ManyLookUpsAtOnceKeepTheirAnswersApart) {
         workers.emplace_back([&probes, worker] {
             for (int round = 0; round < 5; ++round) {
                 const std::string name = std::to_string(worker * 10 + round);
-                EXPECT_EQ(probes.ReadRegistryValue(R"(\\127.0.0.1\HKEY_LOCAL_MACHINE\x\)" + name, "here", {}),
-                          "of " + name);
-                EXPECT_TRUE(probes.takeTroubles().empty());
+                std::string value;
+                const std::string path = R"(\\127.0.0.1\HKEY_LOCAL_MACHINE\x\)" + name;
+                EXPECT_TRUE(probes.ReadRegistryValue(path, "here", value, {}).isYes());
+                EXPECT_EQ(value, "of " + name);
             }
         });
     }
