@@ -69,11 +69,20 @@ std::string lowerCased(std::string_view text) {
     return lowered;
 }
 
+namespace {
+
+/// Its capital is part of the language: "(?r)" would be refused.
+constexpr std::string_view recursion = "(?R)";
+
+} // namespace
+
 std::string lowerCasedPattern(std::string_view pattern) {
     std::string lowered(pattern);
     for (std::size_t i = 0; i < lowered.size(); ++i)
         if (lowered[i] == '\\')
             ++i;
+        else if (std::string_view(lowered).substr(i).starts_with(recursion))
+            i += recursion.size() - 1;
         else
             lowered[i] = lowerCasedByte(lowered[i]);
     return lowered;

@@ -49,6 +49,11 @@ std::optional<std::string> refuseValue(std::int32_t type, Change& change) {
     const auto isValue = [&](std::string_view entry) {
         return entry == change.value;
     };
+    if (type == DeviceType::LocationMarker)
+        return where + "Live Stat never checks location markers";
+    if (change.column == CriteriaColumn::Command && !actionChoosable(type, change.row) &&
+        change.value != Action::DoNothing)
+        return where + "a jack has actions in the rows 0, 5 and 6 alone";
     if (change.column == CriteriaColumn::Command) {
         const auto actions = actionsForRow(type, change.row);
         if (std::none_of(actions.begin(), actions.end(), isValue))

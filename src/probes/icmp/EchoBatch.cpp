@@ -32,7 +32,8 @@ void COutgoingEchoes::fill(std::size_t index, std::uint16_t identifier, const Ec
     part.to = sockaddr_in{};
     part.to.sin_family = AF_INET;
     part.to.sin_addr.s_addr = request.address;
-    const auto bytes = buildEchoRequest(part.packet, identifier, request.sequence, request.payloadSize);
+    const auto bytes =
+        buildEchoRequest(part.packet, identifier, request.sequence, request.payloadSize, request.token);
     part.bytes = iovec{part.packet.data(), bytes.size()};
     part.control = {};
 

@@ -56,8 +56,11 @@ void readReply(std::span<const std::byte> icmp, EchoMessage& message) {
     message.identifier = wordAt(icmp, 4);
     message.sequence = wordAt(icmp, 6);
     message.payloadSize = payload.size();
+    const std::size_t tokenSize = payload.size() < echoTokenSize ? 0 : echoTokenSize;
+    std::memcpy(&message.token, payload.data(), tokenSize);
+    const auto rest = payload.subspan(tokenSize);
     message.payloadRight =
-        std::all_of(payload.begin(), payload.end(), [](std::byte b) { return b == echoPayloadByte; });
+        std::all_of(rest.begin(), rest.end(), [](std::byte b) { return b == echoPayloadByte; });
 }
 
 bool readQuotedRequest(std::span<const std::byte> quoted, EchoMessage& message) {
@@ -85,9 +88,12 @@ std::uint16_t internetChecksum(std::span<const std::byte> data) {
 }
 
 std::span<const std::byte> buildEchoRequest(std::span<std::byte> packet, std::uint16_t identifier,
-                                            std::uint16_t sequence, std::uint8_t payloadSize) {
+                                            std::uint16_t sequence, std::uint8_t payloadSize,
+                                            std::uint64_t token) {
     const auto request = packet.first(echoHeaderSize + payloadSize);
     std::fill(request.begin() + echoHeaderSize, request.end(), echoPayloadByte);
+    if (payloadSize >= echoTokenSize)
+        std::memcpy(request.data() + echoHeaderSize, &token, echoTokenSize);
     request[0] = std::byte{ICMP_ECHO};
     request[1] = std::byte{0};
     putWord(request, 2, 0);

@@ -18,6 +18,7 @@ struct EchoRequest {
     std::uint16_t sequence = 0;
     std::uint8_t ttl = 0;
     std::uint8_t payloadSize = 0;
+    std::uint64_t token = 0; ///< see echoTokenSize
 };
 
 /// A message that concerns one of our own requests (the identifier is checked already).

@@ -7,8 +7,14 @@ namespace mirovane {
 
 namespace {
 
-/// How soon requests that found the buffers full, or the budget spent, are tried again.
-constexpr std::chrono::milliseconds retryPause{1};
+/// How soon requests are tried again that found the budget spent.
+constexpr std::chrono::milliseconds budgetPause{1};
+
+/// And those that the system did not take. A send buffer mostly gets room soon; a table of neighbours that is
+/// full stays so until one of them has been given up, and asking it again at once only costs time.
+constexpr std::chrono::milliseconds shortestRefusal{1};
+constexpr std::chrono::milliseconds shortestFullTable{20};
+constexpr std::chrono::milliseconds longestRefusal{50};
 
 /// Callbacks wake threads, which may keep this one from running; replies come in all the while.
 constexpr std::size_t callsPerReceive = 16;
@@ -77,6 +83,8 @@ void CEchoTraffic::send(Time now) {
     // While the system takes nothing, those in line get their numbers all the same: their time-outs begin,
     // and nobody waits for ever on a network device that is stuck.
     giveNumbers(refusing_ ? echoBatch : allowed - std::min(allowed, leaving_.size()), now);
+    if (refusing_ && now < sendAgain_)
+        return;
     const std::size_t gone = sendSome(std::span(leaving_).first(std::min(allowed, leaving_.size())), now);
     leaving_.erase(leaving_.begin(), leaving_.begin() + static_cast<std::ptrdiff_t>(gone));
 }
@@ -103,9 +111,10 @@ std::size_t CEchoTraffic::sendSome(std::span<const EchoRequest> requests, Time n
         const std::size_t sent = socket_.send(requests.subspan(done), error);
         refusing_ = sent == 0 && temporary(error);
         if (refusing_) {
-            lastRefusal_ = error;
+            noteRefusal(error, now);
             break;
         }
+        refusalPause_ = {};
         budget_.spend(sent);
         for (const EchoRequest& request : requests.subspan(done, sent))
             outstanding_.noteLeft(request.sequence, now);
@@ -114,6 +123,13 @@ std::size_t CEchoTraffic::sendSome(std::span<const EchoRequest> requests, Time n
             ended_.push_back(outstanding_.fail(requests[done++].sequence, error));
     }
     return done;
+}
+
+void CEchoTraffic::noteRefusal(int error, Time now) {
+    lastRefusal_ = error;
+    const auto least = error == ENOBUFS ? shortestFullTable : shortestRefusal;
+    refusalPause_ = std::clamp(refusalPause_ * 2, least, longestRefusal);
+    sendAgain_ = now + refusalPause_;
 }
 
 void CEchoTraffic::callBack() {
@@ -140,7 +156,7 @@ std::optional<std::chrono::milliseconds> CEchoTraffic::pause() {
     if (somebodyCouldLeave()) {
         if (!refusing_ && budget_.allowed(now) > 0)
             return milliseconds(0);
-        next = std::min(next.value_or(Time::max()), now + retryPause);
+        next = std::min(next.value_or(Time::max()), refusing_ ? sendAgain_ : now + budgetPause);
     }
     if (!next)
         return std::nullopt;

@@ -43,6 +43,7 @@ private:
     void send(Time now);
     void giveNumbers(std::size_t most, Time now);
     std::size_t sendSome(std::span<const EchoRequest> requests, Time now);
+    void noteRefusal(int error, Time now);
     void callBack();
     bool somebodyCouldLeave() const;
 
@@ -54,6 +55,8 @@ private:
     std::vector<EchoRequest> leaving_; ///< have their numbers and leave next, in order
     bool refusing_ = false;            ///< the system took nothing at the last attempt
     int lastRefusal_ = 0;              ///< its errno
+    std::chrono::milliseconds refusalPause_{0};
+    Time sendAgain_{}; ///< not before, while it is refusing
     std::vector<EchoArrival> arrivals_;
     std::vector<EndedEcho> ended_;
 };

@@ -31,7 +31,8 @@ EchoRequest COutstandingEchoes::add(std::shared_ptr<const EchoOrder> order, std:
     probe->address = address;
     startTimeout(*probe, sequence, now);
     const EchoOptions& options = probe->order->options;
-    const EchoRequest request{address, sequence, options.ttl, options.payloadSize};
+    probe->token = options.payloadSize < echoTokenSize ? 0 : tokens_.next();
+    const EchoRequest request{address, sequence, options.ttl, options.payloadSize, probe->token};
     probes_[sequence] = std::move(probe);
     return request;
 }
@@ -65,10 +66,18 @@ EndedEcho COutstandingEchoes::end(std::uint16_t sequence, EchoKind kind) {
     return ended;
 }
 
+/// A reply that was cut before its number ended can still be told by its sender.
+bool COutstandingEchoes::isAbout(const Probe& probe, const EchoMessage& message) {
+    const bool fromTarget = message.requestTarget == probe.address;
+    if (!message.isReply || probe.token == 0 || message.payloadSize < echoTokenSize)
+        return fromTarget;
+    return message.token == probe.token;
+}
+
 std::optional<EndedEcho> COutstandingEchoes::match(const EchoArrival& arrival) {
     const EchoMessage& message = arrival.message;
     const Probe* waiting = probes_[message.sequence].get();
-    if (waiting == nullptr || waiting->address != message.requestTarget)
+    if (waiting == nullptr || !isAbout(*waiting, message))
         return std::nullopt;
     const Time sentAt = waiting->sentAt;
     EndedEcho ended = end(message.sequence, judge(message, waiting->order->options.payloadSize));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "probes/icmp/EchoSocket.h"
+#include "probes/icmp/EchoTokens.h"
 #include "probes/icmp/EchoTypes.h"
 
 #include <chrono>
@@ -21,6 +22,9 @@ struct EndedEcho {
 
 /// The requests that wait for their reply: who holds which sequence number and until when. Pure bookkeeping
 /// on values: no socket, no clock, no thread. The engine's thread owns it.
+///
+/// A host may answer from another of its addresses. What makes a reply the right one is the number that
+/// nobody else knows; only a payload too short for it has to come from the address that was asked.
 ///
 /// A sequence number has one holder at a time. The numbers go round in a circle, so that a reply that comes
 /// too late meets a number that nobody holds.
@@ -62,6 +66,7 @@ private:
     struct Probe {
         std::shared_ptr<const EchoOrder> order;
         std::uint32_t address = 0;
+        std::uint64_t token = 0;
         Time sentAt;
         bool left = false;
         Deadlines::iterator deadline;
@@ -70,6 +75,9 @@ private:
     void startTimeout(Probe& probe, std::uint16_t sequence, Time now);
     EndedEcho end(std::uint16_t sequence, EchoKind kind);
 
+    static bool isAbout(const Probe& probe, const EchoMessage& message);
+
+    CEchoTokens tokens_;
     std::vector<std::unique_ptr<Probe>> probes_; ///< by sequence number
     Deadlines deadlines_;
     std::uint16_t nextNumber_ = 0;

@@ -20,7 +20,7 @@ std::vector<std::byte> toBytes(const TunHosts::Bytes& packet) {
 TunHosts::Bytes requestPacket() {
     TunHosts::Bytes packet{0x45, 0, 0, 60, 0, 0, 0, 0, 10, 1, 0, 0, 10, 77, 0, 1, 10, 77, 1, 2};
     std::array<std::byte, longestEcho> buffer{};
-    for (const std::byte b : buildEchoRequest(buffer, 0x1234, 0xabcd, 32))
+    for (const std::byte b : buildEchoRequest(buffer, 0x1234, 0xabcd, 32, 0x0102030405060708))
         packet.push_back(std::to_integer<std::uint8_t>(b));
     return packet;
 }
@@ -46,14 +46,15 @@ TunHosts::Bytes errorPacket() {
     return error;
 }
 
-TEST(EchoPacketTest, RequestIsOnlyEsWithTheRightSum) {
+TEST(EchoPacketTest, RequestIsOnlyEsBehindItsNumberWithTheRightSum) {
     std::array<std::byte, longestEcho> buffer{};
     for (int size = 0; size <= 255; ++size) {
-        const auto request = buildEchoRequest(buffer, 7, 9, static_cast<std::uint8_t>(size));
+        const auto request = buildEchoRequest(buffer, 7, 9, static_cast<std::uint8_t>(size), 77);
+        const std::ptrdiff_t token = size < 8 ? 0 : 8;
         ASSERT_EQ(request.size(), 8U + static_cast<unsigned>(size));
         EXPECT_EQ(internetChecksum(request), 0);
-        EXPECT_TRUE(
-            std::all_of(request.begin() + 8, request.end(), [](std::byte b) { return b == std::byte{'E'}; }));
+        EXPECT_TRUE(std::all_of(request.begin() + 8 + token, request.end(),
+                                [](std::byte b) { return b == std::byte{'E'}; }));
     }
 }
 
@@ -61,6 +62,7 @@ TEST(EchoPacketTest, ReadsRepliesAndQuotedRequests) {
     const auto reply = parseIpPacket(toBytes(replyPacket()));
     ASSERT_TRUE(reply);
     EXPECT_TRUE(reply->isReply && reply->payloadRight);
+    EXPECT_EQ(reply->token, 0x0102030405060708U);
     EXPECT_EQ(reply->requestTarget, addressOf("10.77.1.2"));
     EXPECT_EQ(reply->identifier, 0x1234);
     EXPECT_EQ(reply->sequence, 0xabcd);

@@ -87,6 +87,7 @@ protected:
         message.source = message.requestTarget = request.address;
         message.sequence = request.sequence;
         message.payloadSize = request.payloadSize;
+        message.token = request.token;
         message.payloadRight = true;
         return {message, clock.monotonic()};
     }
@@ -252,11 +253,12 @@ TEST_F(EchoTrafficTest, FullBuffersAreTriedAgainAndLoseNothing) {
         order({1, 2, forbidden, 3}, 100);
         socket_.refusal = refusal;
         turnAfter(milliseconds(0));
-        EXPECT_EQ(traffic().pause(), milliseconds(1));
-        turnAfter(milliseconds(90));
+        EXPECT_EQ(traffic().pause(), milliseconds(refusal == ENOBUFS ? 20 : 1)) << "a full table stays full";
+        turnAfter(milliseconds(20));
+        turnAfter(milliseconds(25));
         EXPECT_EQ(ended(), Kinds{});
         socket_.refusal = 0;
-        turnAfter(milliseconds(1));
+        turnAfter(milliseconds(50)); // the longest pause
         EXPECT_EQ(socket_.sent.size(), 3U);
         EXPECT_EQ(results_.front().systemError, EPERM);
         EXPECT_EQ(ended(), Kinds{EchoKind::SendFailed}) << "only the one that a filter forbids";
@@ -285,10 +287,31 @@ TEST_F(EchoTrafficTest, BuffersThatStayFullAreTheReasonAtTheDeadline) {
 
     socket_.refusal = 0;
     order({5}, 50);
-    turnAfter(milliseconds(0));
+    turnAfter(milliseconds(50));
     ASSERT_EQ(socket_.sent.size(), 1U) << "nothing of what has ended leaves late";
     answer(socket_.sent.back());
     turnAfter(milliseconds(1));
+    EXPECT_EQ(ended(), Kinds{EchoKind::Reply});
+}
+
+TEST_F(EchoTrafficTest, AHostMayAnswerFromAnotherOfItsAddresses) {
+    order({1, 2, 3}, 100);
+    turnAfter(milliseconds(0));
+    ASSERT_EQ(socket_.sent.size(), 3U);
+    EchoRequest guessed = socket_.sent[0];
+    ++guessed.token;
+    answer(guessed); // from the right address, and late: an earlier request had this sequence number
+    EchoRequest elsewhere = socket_.sent[1];
+    elsewhere.address = 77;
+    answer(elsewhere);
+    elsewhere = socket_.sent[2];
+    elsewhere.address = 77;
+    ++elsewhere.token;
+    answer(elsewhere);
+    turnAfter(milliseconds(1));
+    ASSERT_EQ(results_.size(), 1U) << "only who knows the number";
+    EXPECT_EQ(results_[0].target, 2U);
+    EXPECT_EQ(results_[0].reporter, 77U);
     EXPECT_EQ(ended(), Kinds{EchoKind::Reply});
 }
 

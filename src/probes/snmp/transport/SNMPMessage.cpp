@@ -54,7 +54,8 @@ public:
 
     bool takeInteger(std::int32_t& value) {
         long number = 0;
-        if (!take(asn_parse_int, ASN_INTEGER, &number) || number < INT32_MIN || number > INT32_MAX)
+        if (!numberFits() || !take(asn_parse_int, ASN_INTEGER, &number) || number < INT32_MIN ||
+            number > INT32_MAX)
             return false;
         value = static_cast<std::int32_t>(number);
         return true;
@@ -62,7 +63,7 @@ public:
 
     bool takeUnsigned(std::uint32_t& value) {
         unsigned long number = 0;
-        if (!take(asn_parse_unsigned_int, type(), &number) || number > UINT32_MAX)
+        if (!numberFits() || !take(asn_parse_unsigned_int, type(), &number) || number > UINT32_MAX)
             return false;
         value = static_cast<std::uint32_t>(number);
         return true;
@@ -126,6 +127,17 @@ public:
     }
 
 private:
+    /// The library cuts a longer number down to 32 bits, and so to another number, without a word.
+    bool numberFits() const {
+        constexpr std::size_t most = 4;
+        std::size_t length = left_;
+        std::uint8_t type = 0;
+        const std::uint8_t* content = left_ > 0 ? asn_parse_header(at_, &length, &type) : nullptr;
+        if (content == nullptr || !within(content, length))
+            return false;
+        return length <= most || (length == most + 1 && *content == 0);
+    }
+
     template <typename Parse, typename Number>
     bool take(Parse parse, std::uint8_t expected, Number* number) {
         std::size_t rest = left_;

@@ -151,7 +151,7 @@ bool SNMPUdpTransport::SnmpSendMsg(SNMPTransportSession& session, const SNMPEnti
     const std::lock_guard lock(mutex_);
     if (!sockets_)
         return fail(&session, SNMPError::NotInitialized);
-    const auto [waiter, isNew] = waiters_.try_emplace(pdu.requestId, Waiter{&session, destination, context});
+    const auto [waiter, isNew] = waiters_.try_emplace(pdu.requestId, Waiter{&session, context});
     if (!isNew)
         return fail(&session, SNMPError::PduInvalid);
     if (!sockets_->send(destination, *bytes)) {
@@ -203,8 +203,7 @@ void SNMPUdpTransport::deliver(const SNMPEntity& source, SNMPMessage&& message) 
     {
         const std::lock_guard lock(mutex_);
         const auto waiter = waiters_.find(requestId);
-        if (waiter == waiters_.end() || !(waiter->second.entity == source) ||
-            waiter->second.context != message.context)
+        if (waiter == waiters_.end() || waiter->second.context != message.context)
             return;
         session = waiter->second.session;
         if (message.pdu.type == static_cast<std::int32_t>(SNMPPduType::Response))

@@ -14,9 +14,9 @@ namespace mirovane {
 
 /// SNMP over UDP: one socket for each address family and one receive thread serve all sessions of the
 /// process. Owned by the program's main object; it outlives the manager. Thousands of requests may be
-/// outstanding. A message counts only when it comes from the address and port that its request went to, under
-/// the same community, with the same id. The sockets are opened in the network namespace of the thread that
-/// starts it.
+/// outstanding. A message counts when it carries the id of a request, which nobody else can guess, and its
+/// community; an agent may answer from another of its addresses. The sockets are opened in the network
+/// namespace of the thread that starts it.
 class SNMPUdpTransport final : public SNMPTransport {
 public:
     SNMPUdpTransport() = default;
@@ -50,10 +50,9 @@ public:
     std::size_t outstanding() const;
 
 private:
-    /// Where a reply must come from, and who gets it.
+    /// What a reply must carry, and who gets it.
     struct Waiter {
         SNMPTransportSession* session;
-        SNMPEntity entity;
         SNMPContext context;
     };
 

@@ -49,8 +49,8 @@ TEST_F(SNMPUdpTransportTest, OnlyTheRightReplyCounts) {
         self.send(asked, Reply{id, lie(7), "public", 0xA0}.bytes());    // a request
         self.send(asked, Reply{id, lie(8), "public", 0xA2, 1}.bytes()); // of another version
         self.send(asked, Reply{id, lie(9)}.bytes().substr(0, 20));
-        self.sendFromElsewhere(asked, Reply{id, lie(10)}.bytes());
-        self.send(asked, Reply{id}.bytes());
+        // An agent may answer from another of its addresses; nobody else knows the id.
+        self.sendFromElsewhere(asked, Reply{id}.bytes());
     });
     for (int time = 0; time < 20; ++time)
         EXPECT_EQ(probe_.SnmpGet({"127.0.0.1", "public", upTime, agent.port(), 30000}, {}).text,
