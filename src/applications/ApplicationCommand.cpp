@@ -52,11 +52,10 @@ public:
         quoted_ = quoteClosed_ = false;
     }
 
-    void field(std::string_view value) {
+    void field(char selector, std::string_view value) {
         CommandArgument& argument = current();
-        argument.holdsField = true;
         argument.beginsWithField = argument.beginsWithField || argument.text.empty();
-        argument.oddField = argument.oddField || !isPlainForShell(value);
+        argument.fields.push_back({selector, std::string(value)});
         argument.text += value;
         quoteClosed_ = false;
     }
@@ -71,7 +70,10 @@ private:
         return arguments_.back();
     }
 
-    void append(std::string_view text) { current().text += text; }
+    void append(std::string_view text) {
+        current().text += text;
+        current().written += text;
+    }
 
     void character(char c) {
         const bool second = std::exchange(quoteClosed_, false);
@@ -142,23 +144,13 @@ constexpr std::string_view programFromField =
 
 constexpr std::string_view addressOfWords = "a web address must be one word; write %20 for a blank";
 
-constexpr std::string_view fieldForShell =
-    "a shell would run what a device's field holds; write the shell's line into a script and start that "
-    "with the placeholders as its arguments";
-
-constexpr std::string_view oddFieldForShell = "the program hands its arguments to a shell, and a field among "
-                                              "them is empty or holds blanks or characters "
-                                              "that a shell obeys";
-
 std::string refusalOf(const std::vector<CommandArgument>& arguments, ProgramPlace place) {
     if (arguments.empty() || arguments.front().text.empty())
         return "no program is left when the text is put in";
     if (place == ProgramPlace::Browser)
         return std::string(arguments.size() > 1 ? addressOfWords : std::string_view());
-    if (arguments.front().holdsField)
+    if (arguments.front().holdsField())
         return std::string(programFromField);
-    if (givesFieldToShell(arguments))
-        return std::string(fieldForShell);
     bool optionsEnded = false;
     for (const CommandArgument& argument : arguments) {
         if (argument.text.find('\0') != std::string::npos)
@@ -166,9 +158,9 @@ std::string refusalOf(const std::vector<CommandArgument>& arguments, ProgramPlac
         if (argument.beginsWithField && argument.text.starts_with('-') && !optionsEnded)
             return "what a field begins starts with \"-\" and would be taken for an option (an argument "
                    "\"--\" before the placeholder allows it, where the program knows that)";
-        optionsEnded = optionsEnded || (argument.text == "--" && !argument.holdsField);
+        optionsEnded = optionsEnded || (argument.text == "--" && !argument.holdsField());
     }
-    return handsOddFieldToShell(arguments) ? std::string(oddFieldForShell) : std::string();
+    return fieldRefusal(arguments);
 }
 
 std::vector<CommandArgument> cut(std::string_view line, ProgramPlace place, const CHardware& device,
@@ -181,7 +173,7 @@ std::vector<CommandArgument> cut(std::string_view line, ProgramPlace place, cons
             splitter.inserted(insertedText);
         } else {
             const std::string value = placeholderValue(piece.selector, device, ExpandMode::Command);
-            splitter.field(place == ProgramPlace::Browser ? addressPart(value) : value);
+            splitter.field(piece.selector, place == ProgramPlace::Browser ? addressPart(value) : value);
         }
     }
     return std::move(splitter).finish();
@@ -248,10 +240,7 @@ std::string CApplicationCommand::problem() const {
         return "\"" + words.front() + "\" is a program of another system and cannot be started on this one";
     if (place() == ProgramPlace::Browser)
         return words.size() > 1 ? std::string(addressOfWords) : std::string();
-    if (holdsField(words.front()))
-        return std::string(programFromField);
-    return givesFieldToShell(cut(line_, place(), CHardware(), {})) ? std::string(fieldForShell)
-                                                                   : std::string();
+    return holdsField(words.front()) ? std::string(programFromField) : std::string();
 }
 
 CApplicationCommand::Filled CApplicationCommand::fill(const CHardware& device,

@@ -37,7 +37,7 @@ using ProgramWords = std::vector<std::string>;
 /// Fields come from the network. So the program itself must be written in the command, and an argument may
 /// not become an option ("-oProxyCommand=...") through the field that it begins with, except behind an
 /// argument "--", by which most programs know that no option follows.
-/// Nor may a field be in the line that a command hands to a shell ("sh -c LINE").
+/// Nor may a field that is not plain get to where somebody's shell may read it; see fieldRefusal().
 ///
 /// "term:" or "noterm:" at the beginning of the line decides whether the program gets a terminal; without
 /// them the usual programs of the terminal (ping, ssh, traceroute, ...) get one.

@@ -2,90 +2,110 @@
 
 #include <algorithm>
 #include <array>
-#include <string_view>
-#include <utility>
 
 namespace mirovane {
 
 namespace {
 
-using Arguments = std::span<const CommandArgument>;
+/// Programs that run what is in their arguments: shells, languages, remote shells, and those that pass their
+/// arguments on to one of them. Without the number of a version: "python" is "python3.11", too.
+constexpr std::array<std::string_view, 65> interpreters = {"ash",        "awk",
+                                                           "bash",       "busybox",
+                                                           "cmd",        "cmd.exe",
+                                                           "csh",        "dash",
+                                                           "emacs",      "eval",
+                                                           "expect",     "fish",
+                                                           "gawk",       "gdb",
+                                                           "guile",      "irb",
+                                                           "ksh",        "lua",
+                                                           "lxterm",     "lxterminal",
+                                                           "make",       "mawk",
+                                                           "mksh",       "mosh",
+                                                           "node",       "nodejs",
+                                                           "osascript",  "parallel",
+                                                           "pdsh",       "perl",
+                                                           "php",        "plink",
+                                                           "powershell", "powershell.exe",
+                                                           "psexec",     "psexec.exe",
+                                                           "pwsh",       "python",
+                                                           "rexec",      "rlogin",
+                                                           "rsh",        "rsync",
+                                                           "ruby",       "runuser",
+                                                           "rxvt",       "screen",
+                                                           "script",     "sed",
+                                                           "sh",         "socat",
+                                                           "ssh",        "su",
+                                                           "tclsh",      "tcsh",
+                                                           "tmux",       "urxvt",
+                                                           "uxterm",     "vi",
+                                                           "vim",        "watch",
+                                                           "winexe",     "x-terminal-emulator",
+                                                           "xargs",      "xterm",
+                                                           "zsh"};
 
-constexpr std::array<std::string_view, 9> shells = {"ash", "bash", "csh",  "dash", "fish",
-                                                    "ksh", "sh",   "tcsh", "zsh"};
+struct FieldLabel {
+    char selector;
+    std::string_view label;
+};
 
-/// Programs that run a line by a shell behind an option that hardly anybody leaves out.
-constexpr std::array<std::string_view, 3> lineRunners = {"su", "runuser", "script"};
+constexpr std::array<FieldLabel, 10> labels = {{{'N', "Name"},
+                                                {'I', "IP Address"},
+                                                {'U', "Username"},
+                                                {'J', "to Jack/#"},
+                                                {'C', "Comment/Marker"},
+                                                {'/', "/ Text"},
+                                                {'\\', "\\ Text"},
+                                                {'-', "-- Text"},
+                                                {'|', "| Text"},
+                                                {'T', "To Do"}}};
 
-constexpr std::array<std::string_view, 1> watch = {"watch"};
-constexpr std::array<std::string_view, 1> ssh = {"ssh"};
-
-/// "-e" with one word behind it is a line for a shell, with several it is a program and its arguments.
-constexpr std::array<std::string_view, 7> lineTerminals = {
-    "x-terminal-emulator", "xterm", "uxterm", "lxterm", "rxvt", "urxvt", "lxterminal"};
-
-constexpr std::string_view sshOptionsWithValue = "BbcDEeFIiJLlmOoPpQRSWw";
-
-/// What follows the first of these programs; nothing where none is called.
-template <typename Names>
-Arguments argumentsOf(Arguments arguments, const Names& names) {
-    const auto program = std::ranges::find_if(arguments, [&names](const CommandArgument& argument) {
-        return !argument.holdsField && std::ranges::find(names, programName(argument.text)) != names.end();
-    });
-    if (program == arguments.end())
-        return {};
-    return arguments.subspan(static_cast<std::size_t>(program - arguments.begin()) + 1);
+std::string labelOf(const CommandField& field) {
+    const auto* found = std::ranges::find(labels, field.selector, &FieldLabel::selector);
+    return found == labels.end() ? std::string("field") : "field \"" + std::string(found->label) + "\"";
 }
 
-/// "-o pipefail", "--rcfile FILE"
-bool takesValue(std::string_view option) {
-    return option.starts_with("--") || option.ends_with('o') || option.ends_with('O');
+bool isPlainCharacter(char c) {
+    constexpr std::string_view marks = "-._/:@,+=%";
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+           static_cast<unsigned char>(c) >= 0x80 || marks.find(c) != std::string_view::npos;
 }
 
-/// A shell drops an argument that is empty.
-bool isOdd(const CommandArgument& argument) {
-    return argument.oddField || (argument.holdsField && argument.text.empty());
+bool isNameCharacter(char c) {
+    return isPlainCharacter(c) && std::string_view("/:@,=%").find(c) == std::string_view::npos;
 }
 
-bool anyOdd(Arguments arguments) {
-    return std::ranges::any_of(arguments, isOdd);
+bool isInterpreter(std::string_view word) {
+    const auto known = [](std::string_view name) {
+        return std::ranges::find(interpreters, name) != interpreters.end();
+    };
+    const auto end = word.find_last_not_of("0123456789.-");
+    return known(word) || (end != std::string_view::npos && known(word.substr(0, end + 1)));
 }
 
-/// "-x" among its options makes it start the command by itself.
-bool watchHandsOver(Arguments arguments) {
-    for (std::size_t i = 0; i < arguments.size() && arguments[i].text.starts_with('-'); ++i) {
-        const std::string_view option = arguments[i].text;
-        if (option == "-x" || option == "--exec")
-            return false;
-        if (option == "-n" || option == "--interval")
-            ++i;
+/// The first interpreter among the words that were written, wherever in an argument it is; empty for none.
+std::string_view interpreterIn(std::string_view written) {
+    while (!written.empty()) {
+        const auto begin = std::ranges::find_if(written, isNameCharacter);
+        const auto end = std::find_if_not(begin, written.end(), isNameCharacter);
+        const std::string_view word(begin, end);
+        if (isInterpreter(word))
+            return word;
+        written = std::string_view(end, written.end());
     }
-    return anyOdd(arguments);
+    return {};
 }
 
-/// The host and the user's name go through no shell, whatever they hold. All else may: options name commands,
-/// and what follows the host is run on the other computer.
-bool sshHandsOver(Arguments arguments) {
-    bool hostSeen = false;
-    bool optionsEnded = false;
-    char option = 0; // whose value comes next
-    for (const CommandArgument& argument : arguments) {
-        const std::string_view text = argument.text;
-        const char valueOf = std::exchange(option, '\0');
-        const bool isOption = valueOf == 0 && !optionsEnded && text.size() > 1 && text.starts_with('-');
-        const bool isHost = valueOf == 0 && !isOption && !hostSeen;
-        hostSeen = hostSeen || isHost;
-        optionsEnded = optionsEnded || (isOption && text == "--");
-        if (isOption && text.size() == 2 && sshOptionsWithValue.find(text[1]) != std::string_view::npos)
-            option = text[1];
-        if (isOdd(argument) && !isHost && valueOf != 'l')
-            return true;
-    }
-    return false;
+std::string_view interpreterIn(std::span<const CommandArgument> arguments) {
+    for (const CommandArgument& argument : arguments)
+        if (const std::string_view word = interpreterIn(argument.written); !word.empty())
+            return word;
+    return {};
 }
 
-bool terminalHandsOver(Arguments arguments) {
-    return arguments.size() > 1 && isOdd(arguments.back()) && arguments[arguments.size() - 2].text == "-e";
+std::string whyNotPlain(const CommandField& field) {
+    if (field.value.starts_with('-'))
+        return "begins with \"-\"";
+    return "holds a blank or a character that a shell obeys";
 }
 
 } // namespace
@@ -95,35 +115,25 @@ std::string_view programName(std::string_view word) {
 }
 
 bool isPlainForShell(std::string_view value) {
-    static constexpr std::string_view marks = "-._/:@,+=%";
-    const auto plain = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-               static_cast<unsigned char>(c) >= 0x80 || marks.find(c) != std::string_view::npos;
-    };
-    return std::ranges::all_of(value, plain);
+    return !value.starts_with('-') && std::ranges::all_of(value, isPlainCharacter);
 }
 
-bool givesFieldToShell(Arguments arguments) {
-    bool takesLine = false;
-    std::string_view option;
-    for (const CommandArgument& argument : argumentsOf(arguments, shells)) {
-        const std::string_view text = argument.text;
-        if (text.starts_with('-') || text.starts_with('+')) {
-            option = text;
-            takesLine = takesLine || (!text.starts_with("--") && text.find('c') != std::string_view::npos);
-        } else if (takesLine) {
-            return argument.holdsField;
-        } else if (!takesValue(std::exchange(option, {}))) {
-            return false;
-        }
+std::string fieldRefusal(std::span<const CommandArgument> arguments) {
+    const std::string interpreter(interpreterIn(arguments));
+    for (const CommandArgument& argument : arguments) {
+        const bool joined = !std::ranges::all_of(argument.written, isPlainCharacter);
+        if (interpreter.empty() && !joined)
+            continue;
+        const std::string because = joined
+                                        ? "the command joins it with blanks or characters of a shell"
+                                        : "\"" + interpreter + "\" in the command may take it for a command";
+        for (const CommandField& field : argument.fields)
+            if (!isPlainForShell(field.value))
+                return "the " + labelOf(field) + " " + whyNotPlain(field) + ", and " + because;
+        if (!interpreter.empty() && argument.holdsField() && argument.text.empty()) // a shell drops it
+            return "the " + labelOf(argument.fields.front()) + " is empty, and " + because;
     }
-    return false;
-}
-
-bool handsOddFieldToShell(Arguments arguments) {
-    return anyOdd(argumentsOf(arguments, lineRunners)) || watchHandsOver(argumentsOf(arguments, watch)) ||
-           sshHandsOver(argumentsOf(arguments, ssh)) ||
-           terminalHandsOver(argumentsOf(arguments, lineTerminals));
+    return {};
 }
 
 } // namespace mirovane

@@ -3,29 +3,41 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace mirovane {
+
+/// A field that a command's placeholder stands for.
+struct CommandField {
+    char selector = 0; ///< 'N' for $mvN
+    std::string value;
+};
 
 /// An argument of a command, after the device's fields were put in.
 struct CommandArgument {
     std::string text;
-    bool holdsField = false;
+    std::string written; ///< the same without the fields: what whoever made the command wrote
+    std::vector<CommandField> fields;
     bool beginsWithField = false; ///< by an empty one, too
-    bool oddField = false;        ///< by a field that is not plain for a shell
+
+    bool holdsField() const { return !fields.empty(); }
 };
 
 /// "xterm" for "/usr/bin/xterm".
 std::string_view programName(std::string_view word);
 
-/// Every shell passes it on as it is: it holds no blanks and no characters that shells obey.
+/// Every shell passes it on as it is: it holds no blanks and no characters that shells obey, and no program
+/// takes it for an option.
 bool isPlainForShell(std::string_view value);
 
-/// "sh -c LINE", "sudo bash -lc LINE": a field in LINE would be read as commands. What follows LINE is not,
-/// nor is anything behind the name of a script.
-bool givesFieldToShell(std::span<const CommandArgument> arguments);
-
-/// Some programs hand arguments of theirs to a shell: "watch ping HOST", "ssh HOST COMMAND" on the other
-/// computer, "xterm -e LINE". Plain fields may be there; this tells whether another one is.
-bool handsOddFieldToShell(std::span<const CommandArgument> arguments);
+/// Why no process may be started with these arguments: a field, which comes from the network, might become a
+/// command. Empty: it may.
+///
+/// There is one rule for all programs, because which of them hand their arguments to a shell, here or on
+/// another computer, is nowhere written down. A field that is an argument by itself, or a part of one without
+/// blanks and shell characters, is safe with a plain program. It has to be plain where the command joins it
+/// with blanks or shell characters, which is how a line for somebody's shell looks, and where an interpreter
+/// or a remote shell is named anywhere in the command.
+std::string fieldRefusal(std::span<const CommandArgument> arguments);
 
 } // namespace mirovane

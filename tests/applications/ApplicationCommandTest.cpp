@@ -72,9 +72,12 @@ TEST(ApplicationCommandTest, TypedTextIsCutLikeTheCommandButHoldsNoPlaceholders)
 TEST(ApplicationCommandTest, AFieldNeverBecomesAnOptionOrTheProgram) {
     const CHardware hostile = device("-oProxyCommand=reboot");
     EXPECT_THAT(CApplicationCommand("ssh $mvN").fill(hostile, "").refusal, HasSubstr("option"));
-    EXPECT_THAT(CApplicationCommand("ssh \"$mvU$mv/ x $mvN\"").fill(hostile, "").refusal, IsEmpty());
-    EXPECT_EQ(filled("ssh -- $mvN", hostile), (Words{"ssh", "--", hostile.Name}));
-    EXPECT_EQ(filled("ssh admin@$mvN", hostile), (Words{"ssh", "admin@-oProxyCommand=reboot"}));
+    EXPECT_EQ(filled("tool -- $mvN", hostile), (Words{"tool", "--", hostile.Name}));
+    EXPECT_EQ(filled("tool /v:$mvN", hostile), (Words{"tool", "/v:-oProxyCommand=reboot"}));
+    for (const char* line : {"ssh -- $mvN", "ssh admin@$mvN", "tool \"x $mvN\""})
+        EXPECT_THAT(CApplicationCommand(line).fill(hostile, "").refusal,
+                    HasSubstr("the field \"Name\" begins with \"-\""))
+            << line;
     EXPECT_EQ(filled("tool $mvW", hostile, "-x"), (Words{"tool", "-x"})); // the user may
     CHardware second = hostile;
     second.IPAddress = "--";
@@ -96,36 +99,39 @@ TEST(ApplicationCommandTest, AFieldNeverBecomesAnOptionOrTheProgram) {
                 HasSubstr("zero byte"));
 }
 
-TEST(ApplicationCommandTest, AFieldIsNeverReadByAShell) {
-    for (const char* line : {"sh -c \"ping $mvI\"", "term: sudo /bin/bash -o pipefail -lc $mvN",
-                             "env X=1 zsh -f -c \"a $mvC\"", "sh -c -- \"x $mvN\""})
-        EXPECT_THAT(CApplicationCommand(line).problem(), HasSubstr("shell")) << line;
-    for (const char* line : {"sh /opt/tool.sh -c $mvN", "sh -c \"exec ping \"\"$1\"\"\" x $mvI",
-                             "tool -c $mvN", "sh --rcfile x $mvN", "sh -c $mvW"})
-        EXPECT_EQ(CApplicationCommand(line).problem(), "") << line;
-    EXPECT_THAT(CApplicationCommand("$mvW $mvN").fill(device("reboot"), "sh -c").refusal, HasSubstr("shell"));
-    EXPECT_EQ(filled("tool $mvN -c $mvI", device("sh")), (Words{"tool", "sh", "-c", "10.0.0.5"}));
-}
-
-TEST(ApplicationCommandTest, ProgramsThatCallAShellGetPlainFieldsOnly) {
-    const char* handedOver[] = {"watch ping -x $mvN",     "term: sudo watch -n 5 \"ping $mvN | tail\"",
-                                "ssh $mvI uptime $mvN",   "ssh -o \"ProxyCommand=nc $mvN 22\" $mvI",
-                                "ssh -p 22 -- $mvI $mvN", "su -c \"ping $mvN\" nobody",
-                                "xterm -e \"ping $mvN\""};
-    const char* passedOn[] = {
-        "watch -n 5 -x ping $mvN", "ssh $mvN",           "ssh -l $mvN -p 22 $mvI uptime",
-        "ssh -v root@$mvN -4 ls",  "xterm -e ping $mvN", "xterm -T $mvN -e top",
-        "tool watch.txt $mvN"};
+TEST(ApplicationCommandTest, NoShellIsReachedFromAField) {
+    const char* mayReachOne[] = {"sh -c \"ping $mvN\"",
+                                 "term: sudo /bin/bash -o pipefail -lc $mvN",
+                                 "env X=1 zsh -f -c \"a $mvN\"",
+                                 "sh /opt/tool.sh $mvN",
+                                 "watch ping -x $mvN",
+                                 "ssh -p 22 -- $mvI $mvN",
+                                 "ssh -o \"ProxyCommand=nc $mvN 22\" $mvI",
+                                 "su -c \"ping $mvN\" nobody",
+                                 "xterm -e ping $mvN",
+                                 "python3.11 -c \"print('$mvN')\"",
+                                 "tool --run=perl $mvN",
+                                 "tool \"$mvN at $mvI\"",
+                                 "tool \"ping;$mvN\"",
+                                 "tool \\\\$mvN\\c"};
+    const char* safe[] = {"ping $mvN",        "ping \"$mvN\"",     "xfreerdp /v:$mvN /u:x",
+                          "tool sh.txt $mvN", "tool $mvN -c $mvI", "https://wiki/?q=$mvN"};
     for (const char* odd : {"x;reboot", "$(reboot)", "a b", "a\nb", "`x`", "'", "*"}) {
-        for (const char* line : handedOver)
-            EXPECT_THAT(CApplicationCommand(line).fill(device(odd), "").refusal, HasSubstr("shell"))
+        for (const char* line : mayReachOne)
+            EXPECT_THAT(CApplicationCommand(line).fill(device(odd), "").refusal,
+                        HasSubstr("the field \"Name\" holds a blank or a character that a shell obeys, and "))
                 << line << " with " << odd;
-        for (const char* line : passedOn)
+        for (const char* line : safe)
             EXPECT_EQ(CApplicationCommand(line).fill(device(odd), "").refusal, "") << line << " with " << odd;
     }
-    EXPECT_THAT(CApplicationCommand("watch ping $mvN x").fill(device(""), "").refusal, HasSubstr("empty"));
-    for (const char* line : handedOver)
+    for (const char* line : mayReachOne) {
+        EXPECT_EQ(CApplicationCommand(line).problem(), "") << "plain fields may be there";
         EXPECT_EQ(CApplicationCommand(line).fill(device("pc-1.b\xC3\xBCro"), "").refusal, "") << line;
+    }
+    EXPECT_THAT(CApplicationCommand("watch ping $mvN x").fill(device(""), "").refusal,
+                HasSubstr("the field \"Name\" is empty, and \"watch\" in the command"));
+    EXPECT_THAT(CApplicationCommand("$mvW $mvN").fill(device("a b"), "sh -c").refusal, HasSubstr("\"sh\""));
+    EXPECT_EQ(filled("tool $mvN -c $mvI", device("sh")), (Words{"tool", "sh", "-c", "10.0.0.5"}));
 }
 
 TEST(ApplicationCommandTest, ThePlaceFollowsFromPrefixAndProgram) {
