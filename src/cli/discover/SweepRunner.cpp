@@ -1,5 +1,7 @@
 #include "cli/discover/SweepRunner.h"
 
+#include "discover/sweep/SweepWindow.h"
+
 #include <QCoreApplication>
 #include <QTimer>
 
@@ -48,7 +50,8 @@ std::string describeProgress(const SweepProgress& progress) {
     switch (progress.phase) {
     case SweepPhase::Sending:
         return groupedNumber(progress.sent) + "/" + groupedNumber(progress.total) + ", " + found + ", " +
-               describeDuration(progress.left) + " left";
+               groupedNumber(progress.unanswered) + " of at most " + groupedNumber(CSweepWindow::most) +
+               " unanswered, " + describeDuration(progress.left) + " left";
     case SweepPhase::Waiting:
         return found + ", last replies, " + describeDuration(progress.left) + " left";
     case SweepPhase::Naming:

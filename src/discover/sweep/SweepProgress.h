@@ -25,9 +25,10 @@ enum class SweepPhase {
 /// How far a sweep has come. A plain value.
 struct SweepProgress {
     SweepPhase phase = SweepPhase::Sending;
-    std::uint64_t total = 0; ///< probes of the whole sweep
-    std::uint64_t sent = 0;  ///< asked so far
-    std::uint64_t ended = 0; ///< answered, timed out or failed
+    std::uint64_t total = 0;      ///< probes of the whole sweep
+    std::uint64_t sent = 0;       ///< asked so far
+    std::uint64_t ended = 0;      ///< answered, timed out or failed
+    std::uint64_t unanswered = 0; ///< of those sent within the last seconds; see CSweepWindow
     std::size_t found = 0;
     std::size_t lookedUp = 0;          ///< found hosts whose name is known, or known to be none
     std::uint64_t failed = 0;          ///< could not be sent

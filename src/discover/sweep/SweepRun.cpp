@@ -40,6 +40,7 @@ CSweepRun::CSweepRun(CSweepPlan plan, const SweepOptions& options, SweepProbes& 
       inbox_(std::make_shared<CInbox<EchoResult>>()),
       queue_(plan_),
       pace_(options.perSecond, clock.monotonic()),
+      begun_(clock.monotonic()),
       names_(probes),
       lastSent_(clock.monotonic()) {
     progress_.total = plan_.toProbe();
@@ -58,6 +59,7 @@ std::optional<CSweepRun::Time> CSweepRun::goOn() {
     names_.goOn(now, progress_.phase != SweepPhase::Naming);
     updatePhase(now);
     progress_.left = expectedLeft(now);
+    progress_.unanswered = window_.unanswered();
     if (progress_.phase == SweepPhase::Over)
         return std::nullopt;
     const Time soonest = now + shortestPause;
@@ -82,6 +84,7 @@ void CSweepRun::collect(Time now) {
 void CSweepRun::takeEcho(const EchoResult& echo) {
     --inFlight_;
     const std::uint32_t address = ntohl(echo.target);
+    window_.ended(address);
     if (temporary(echo)) {
         if (queue_.tryAgain(address)) {
             --progress_.sent;
@@ -109,7 +112,7 @@ void CSweepRun::countFailure(int error) {
 
 void CSweepRun::send(Time now) {
     std::uint64_t due = progress_.full ? 0 : pace_.due(now);
-    due = std::min(due, mostInFlight - std::min(mostInFlight, inFlight_));
+    due = std::min({due, window_.room(now), mostInFlight - std::min(mostInFlight, inFlight_)});
     std::vector<std::uint32_t> batch;
     while (due > 0 && !queue_.empty()) {
         batch.clear();
@@ -118,6 +121,7 @@ void CSweepRun::send(Time now) {
             if (!address)
                 break;
             batch.push_back(htonl(*address));
+            window_.left(*address, now);
         }
         pace_.left(batch.size());
         due -= batch.size();
@@ -133,12 +137,22 @@ std::chrono::milliseconds CSweepRun::expectedLeft(Time now) const {
     const std::chrono::milliseconds timeout(options_.echo.timeoutMs);
     if (!queue_.empty() && !progress_.full) {
         const std::uint64_t unsent = progress_.total - progress_.sent;
-        const auto rate =
-            static_cast<std::uint64_t>(std::clamp(options_.perSecond, leastSweepRate, mostSweepRate));
-        return std::chrono::milliseconds(unsent * 1000 / rate) + timeout;
+        return std::chrono::milliseconds(
+                   static_cast<std::int64_t>(static_cast<double>(unsent) * 1000 / expectedPace(now))) +
+               timeout;
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(lastSent_ + timeout - now);
     return inFlight_ > 0 ? std::max(left, std::chrono::milliseconds(0)) : std::chrono::milliseconds(0);
+}
+
+/// What it was so far. In the first second nothing has timed out yet.
+double CSweepRun::expectedPace(Time now) const {
+    const double wanted = std::clamp(options_.perSecond, leastSweepRate, mostSweepRate);
+    const double seconds = std::chrono::duration<double>(now - begun_).count();
+    if (seconds < 1)
+        return wanted;
+    const double reached = static_cast<double>(progress_.sent) / seconds;
+    return std::clamp(reached, std::min(wanted, CSweepWindow::slowestPerSecond), wanted);
 }
 
 void CSweepRun::updatePhase(Time now) {

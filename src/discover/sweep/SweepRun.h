@@ -6,6 +6,7 @@
 #include "discover/sweep/SweepPlan.h"
 #include "discover/sweep/SweepProgress.h"
 #include "discover/sweep/SweepQueue.h"
+#include "discover/sweep/SweepWindow.h"
 #include "model/records/Datafile.h"
 #include "platform/Clock.h"
 #include "probes/SweepProbes.h"
@@ -65,6 +66,7 @@ private:
     void countFailure(int error);
     void send(Time now);
     std::chrono::milliseconds expectedLeft(Time now) const;
+    double expectedPace(Time now) const;
     void updatePhase(Time now);
 
     const CSweepPlan plan_;
@@ -74,6 +76,8 @@ private:
     const std::shared_ptr<CInbox<EchoResult>> inbox_;
     CSweepQueue queue_;
     CSweepPace pace_;
+    CSweepWindow window_;
+    const Time begun_;
     CSweepNames names_;
     std::uint64_t inFlight_ = 0;
     Time lastSent_{};

@@ -3,6 +3,7 @@
 #include "discover/DiscoveredDevice.h"
 #include "discover/sweep/SweepPace.h"
 #include "discover/sweep/SweepProgress.h"
+#include "discover/sweep/SweepWindow.h"
 #include "model/records/SpecialRecords.h"
 
 #include <algorithm>
@@ -54,8 +55,10 @@ Result<CSweepPlan, StartRefusal> planSweep(const CMirovaneDoc& document) {
 }
 
 std::chrono::milliseconds sweepDuration(std::uint64_t probes, int perSecond, const EchoOptions& echo) {
-    const auto rate = static_cast<std::uint64_t>(std::clamp(perSecond, leastSweepRate, mostSweepRate));
-    return std::chrono::milliseconds(probes * 1000 / rate + echo.timeoutMs);
+    const double pace = std::min<double>(std::clamp(perSecond, leastSweepRate, mostSweepRate),
+                                         CSweepWindow::slowestPerSecond);
+    return std::chrono::milliseconds(static_cast<std::int64_t>(static_cast<double>(probes) * 1000 / pace) +
+                                     echo.timeoutMs);
 }
 
 std::optional<std::string> sweepWarning(const CSweepPlan& plan, int perSecond) {
@@ -63,8 +66,8 @@ std::optional<std::string> sweepWarning(const CSweepPlan& plan, int perSecond) {
     if (takes < longSweep)
         return std::nullopt;
     return "The ranges hold " + groupedNumber(plan.addresses()) + " addresses. At " +
-           groupedNumber(static_cast<std::uint64_t>(perSecond)) + " probes a second that takes about " +
-           describeDuration(takes) + ".";
+           groupedNumber(static_cast<std::uint64_t>(perSecond)) +
+           " probes a second, fewer where nobody answers, that takes up to " + describeDuration(takes) + ".";
 }
 
 } // namespace mirovane

@@ -1,5 +1,6 @@
 #include "ui/discover/DiscoverNowWindow.h"
 
+#include "discover/sweep/SweepWindow.h"
 #include "ui/widgets/DialogText.h"
 
 #include <QApplication>
@@ -30,8 +31,9 @@ QString statusText(const SweepProgress& progress) {
     const QString left = qText(describeDuration(progress.left)) + QObject::tr(" left");
     switch (progress.phase) {
     case SweepPhase::Sending:
-        return QObject::tr("%1 of %2 addresses asked, %3, about %4")
-            .arg(number(progress.sent), number(progress.total), found, left);
+        return QObject::tr("%1 of %2 addresses asked (%5 of at most %6 not answered yet), %3, about %4")
+            .arg(number(progress.sent), number(progress.total), found, left, number(progress.unanswered),
+                 number(CSweepWindow::most));
     case SweepPhase::Waiting:
         return QObject::tr("All asked, %1. Waiting for late replies, %2").arg(found, left);
     case SweepPhase::Naming:

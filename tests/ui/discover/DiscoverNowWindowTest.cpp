@@ -162,8 +162,8 @@ TEST_F(DiscoverNowWindowTest, AsksBeforeAMistypedRangeAndTellsWhatIsMissing) {
     open();
     button("discoverNowStart")->click();
     ASSERT_EQ(dialogs.questions.size(), 1U);
-    EXPECT_THAT(dialogs.questions[0],
-                HasSubstr("16,777,214 addresses. At 500 probes a second that takes about 9:19 h."));
+    EXPECT_THAT(dialogs.questions[0], HasSubstr("16,777,214 addresses. At 500 probes a second, fewer where "
+                                                "nobody answers, that takes up to 34:57 h."));
     EXPECT_TRUE(over());
     EXPECT_THAT(network.asked(), IsEmpty());
     dialogs.answer = true;
