@@ -3,6 +3,7 @@
 #include "app/EndSignals.h"
 #include "app/Print.h"
 #include "app/Render.h"
+#include "platform/process/DescriptorLimit.h"
 #include "platform/process/StandardDescriptors.h"
 #include "platform/process/Terminal.h"
 #include "ui/frame/Desktop.h"
@@ -73,6 +74,7 @@ int runWindow(const CommandLine& line) {
 
 int main(int argc, char** argv) {
     fillStandardDescriptors();
+    raiseDescriptorLimit();
     std::signal(SIGCHLD, SIG_DFL);                 // a parent's "ignore" would hide how our own children end
     if (argc > 1 && argv[1] == terminalRunnerFlag) // in a terminal that External Applications opened
         return runInTerminal({argv + 2, argv + argc});

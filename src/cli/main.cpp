@@ -1,4 +1,5 @@
 #include "cli/Cli.h"
+#include "platform/process/DescriptorLimit.h"
 #include "platform/process/StandardDescriptors.h"
 
 #include <clocale>
@@ -26,6 +27,7 @@ void takeLocale() {
 
 int main(int argc, char** argv) {
     mirovane::fillStandardDescriptors();
+    mirovane::raiseDescriptorLimit();
     takeLocale();
     std::signal(SIGPIPE, SIG_IGN); // a reader that goes away is a failed write, not a death with work in hand
     std::signal(SIGCHLD, SIG_DFL); // a parent's "ignore" would hide how our own children end

@@ -1,5 +1,6 @@
 #include "probes/SNMPProbe.h"
 
+#include "platform/Descriptor.h"
 #include "probes/names/HostAddress.h"
 #include "probes/names/Resolver.h"
 #include "probes/snmp/SNMPException.h"
@@ -8,7 +9,10 @@
 #include "probes/snmp/SNMPRequest.h"
 
 #include <array>
+#include <cerrno>
 #include <memory>
+#include <sys/socket.h>
+#include <system_error>
 
 namespace mirovane {
 
@@ -27,6 +31,12 @@ SNMPAnswer answerOf(const SNMPRequest& request) {
     default:
         return {SNMPAnswer::Kind::TimedOut, "", 0};
     }
+}
+
+/// The layer tells that there is none, not why: too many open files, most likely.
+std::string whyNoSocket() {
+    const CDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    return socket ? std::string("try again") : std::generic_category().message(errno);
 }
 
 /// The first letter in lower case: the text goes on after a colon.
@@ -51,8 +61,7 @@ SNMPAnswer CSystemSNMPProbe::SnmpGet(const SNMPQuery& query, std::stop_token sto
         manager_.Startup();
     } catch (SNMPException* raised) {
         const std::unique_ptr<SNMPException> owned(raised);
-        return {SNMPAnswer::Kind::NotAsked,
-                "no socket can be opened (code " + std::to_string(owned->code()) + ")"};
+        return {SNMPAnswer::Kind::NotAsked, "no socket can be opened: " + whyNoSocket()};
     }
     if (SNMPEntity::parse(query.host))
         return ask(query, query.host, stop);

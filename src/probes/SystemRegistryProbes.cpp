@@ -46,6 +46,10 @@ ProbeAnswer CSystemRegistryProbes::withRegistryOf(const std::string& host, std::
         lookUp(registry);
         return ProbeAnswer::yes();
     }
+    // Its deadline begins when its turn comes.
+    const CPlaces::Hold place = places_.take(stop);
+    if (!place)
+        return ProbeAnswer::stopped();
     CRegistryRemote registry(options_, std::move(stop));
     lookUp(registry);
     const RegistryTrouble& trouble = registry.trouble();

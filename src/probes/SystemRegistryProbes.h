@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Host.h"
+#include "platform/Places.h"
 #include "probes/RegistryProbes.h"
 #include "probes/registry/RegistryRemote.h"
 
@@ -19,6 +20,9 @@ public:
     ProbeAnswer LookUpLoggedOnUser(const std::string& host, LoggedOnUser& user,
                                    std::stop_token stop) override;
 
+    /// Each look-up has a child process of Samba's, some 20 MB and five descriptors.
+    static constexpr int mostAtOnce = 32;
+
 private:
     /// What became of a look-up for which the computer answered to the end is a yes.
     ProbeAnswer withRegistryOf(const std::string& host, std::stop_token stop,
@@ -26,6 +30,7 @@ private:
 
     const RegistryRemoteOptions options_;
     const StationIdentity station_;
+    mutable CPlaces places_{mostAtOnce};
 };
 
 } // namespace mirovane

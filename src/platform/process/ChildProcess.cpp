@@ -49,13 +49,29 @@ void closeOnExec(int highest) {
         fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
-void setStreams(const std::array<int, 3>& streams) {
+/// False with errno set, such as for too many open files: a program without its streams would fail in ways
+/// that nobody understands.
+bool setStreams(const std::array<int, 3>& streams) {
     const int null = open("/dev/null", O_RDWR);
+    if (null < 0)
+        return false;
     int standard = STDIN_FILENO;
     for (const int stream : streams)
-        dup2(stream < 0 ? null : stream, standard++);
+        if (dup2(stream < 0 ? null : stream, standard++) < 0)
+            return false;
     if (null > STDERR_FILENO)
         close(null);
+    return true;
+}
+
+/// We raise our own limit; a program that waits with select() writes past its arrays beyond the usual one.
+void lowerDescriptorLimit() {
+    constexpr rlim_t usual = 1024;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur <= usual)
+        return;
+    limit.rlim_cur = usual;
+    setrlimit(RLIMIT_NOFILE, &limit);
 }
 
 [[noreturn]] void failChild(const ChildSetup& setup) {
@@ -75,8 +91,10 @@ void setStreams(const std::array<int, 3>& streams) {
         if (program > 0)
             _exit(0);
     }
-    setStreams(setup.streams);
+    if (!setStreams(setup.streams))
+        failChild(setup);
     closeOnExec(setup.highestDescriptor);
+    lowerDescriptorLimit();
     resetSignals();
     execvpe(setup.words[0], setup.words, setup.environment);
     failChild(setup);

@@ -13,6 +13,10 @@ namespace mirovane {
 namespace {
 
 ProbeAnswer whyNothing(int hostError, int systemError) {
+    // The resolver takes files and sockets that it cannot open for servers that do not answer.
+    if (hostError != HOST_NOT_FOUND && hostError != NO_DATA &&
+        (systemError == EMFILE || systemError == ENFILE))
+        hostError = NETDB_INTERNAL;
     switch (hostError) {
     case HOST_NOT_FOUND:
         return ProbeAnswer::no("no such name");
@@ -37,11 +41,13 @@ ProbeAnswer askSystem(Call call, std::vector<char>& buffer, hostent& entry) {
     for (buffer.resize(2048);; buffer.resize(buffer.size() * 2)) {
         hostent* found = nullptr;
         int hostError = 0;
+        errno = 0;
         const int status = call(&entry, buffer.data(), buffer.size(), &found, &hostError);
         if (found != nullptr)
             return ProbeAnswer::yes();
+        const int error = errno;
         if (status != ERANGE || buffer.size() >= longestAnswer)
-            return whyNothing(hostError, status != 0 ? status : errno);
+            return whyNothing(hostError, error != 0 ? error : status);
     }
 }
 

@@ -1,5 +1,9 @@
 #include "platform/process/ProcessRun.h"
 
+#include "platform/Places.h"
+#include "platform/process/DescriptorLimit.h"
+
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -7,6 +11,8 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -129,6 +135,54 @@ TEST_F(ProcessRunTest, IsEndedByTheStopToken) {
     elsewhere.stop = other.get_token();
     const std::jthread stopper([&other] { other.request_stop(); });
     EXPECT_EQ(runProcess(elsewhere).end, ProcessEnd::Stopped);
+}
+
+/// A program without its streams would fail in ways that look like its own.
+TEST_F(ProcessRunTest, TooManyOpenFilesAreNothingElse) {
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const int next = open("/dev/null", O_RDONLY);
+    close(next);
+    int refusals = 0;
+    for (int room = 0; room <= 12; ++room) {
+        rlimit scarce = before;
+        scarce.rlim_cur = static_cast<rlim_t>(next + room);
+        setrlimit(RLIMIT_NOFILE, &scarce);
+        const ProcessResult result = runProcess(request({"sh", "-c", "echo out"}));
+        setrlimit(RLIMIT_NOFILE, &before);
+        if (result.end == ProcessEnd::NotStarted) {
+            EXPECT_EQ(result.error, EMFILE) << room;
+            ++refusals;
+        } else {
+            EXPECT_EQ(result.output, "out\n") << room;
+        }
+    }
+    EXPECT_GT(refusals, 4);
+    EXPECT_LT(refusals, 12);
+}
+
+TEST_F(ProcessRunTest, WeMayOpenMoreFilesThanWhatWeStart) {
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    raiseDescriptorLimit();
+    rlimit raised{};
+    getrlimit(RLIMIT_NOFILE, &raised);
+    EXPECT_EQ(raised.rlim_cur, std::max(before.rlim_cur, std::min<rlim_t>(before.rlim_max, 65536)));
+    const std::string ofChild = runProcess(request({"sh", "-c", "ulimit -n"})).output;
+    EXPECT_LE(std::stoul(ofChild), 1024U) << "it may wait with select()";
+    setrlimit(RLIMIT_NOFILE, &before);
+}
+
+TEST(PlacesTest, WhoFindsNoPlaceWaitsUntilOneIsFreeOrTheWaitIsStopped) {
+    CPlaces places(1);
+    std::stop_source stop;
+    auto held = std::make_unique<CPlaces::Hold>(places.take(stop.get_token()));
+    std::jthread waiting([&] { EXPECT_TRUE(places.take({})); });
+    held.reset();
+    waiting.join();
+    const CPlaces::Hold again = places.take({});
+    stop.request_stop();
+    EXPECT_FALSE(places.take(stop.get_token()));
 }
 
 TEST_F(ProcessRunTest, SaysWhyItDidNotStart) {

@@ -41,11 +41,11 @@ TEST(SNMPMessageTest, ValuesOfOddTypes) {
 }
 
 TEST(SNMPMessageTest, ANumberThatIsTooLargeIsNotCutDownToAnother) {
-    for (const unsigned char syntax : {0x02, 0x41, 0x42, 0x43, 0x47}) {
+    for (const int syntax : {0x02, 0x41, 0x42, 0x43, 0x47}) {
         const auto message =
             decoded(Reply{1, binding(thing(syntax, std::string("\x01\0\0\0\x07", 5)))}.bytes());
         ASSERT_TRUE(message);
-        EXPECT_TRUE(message->pdu.damaged) << int{syntax};
+        EXPECT_TRUE(message->pdu.damaged) << syntax;
     }
 }
 
