@@ -2,7 +2,9 @@
 
 #include "feature/FeatureHost.h"
 #include "feature/FeatureOwner.h"
+#include "feature/StartRefusal.h"
 
+#include <optional>
 #include <set>
 
 namespace mirovane {
@@ -26,7 +28,7 @@ public:
 private:
     friend class CFeatureClaim;
 
-    bool takeOver();
+    std::optional<StartRefusal> takeOver();
     bool mayRelease() const { return holders_.empty() && claimedHere_ && !isElsewhere(); }
 
     const Feature feature_;
@@ -47,16 +49,17 @@ public:
     bool held() const { return ownership_.holders_.contains(this); }
     const CFeatureOwnership& ownership() const { return ownership_; }
 
-    /// Makes this station the owner and saves, asking where another one is. False when the user says No. A
-    /// save that failed was reported: the feature then works on what is in memory.
-    bool take();
+    /// Makes this station the owner and saves, asking where another one is. Refused when the user says No,
+    /// and when the datafile cannot be saved: the record is then as it was, because no other station would
+    /// learn of the claim.
+    std::optional<StartRefusal> take();
 
     /// As take(), but a record that names this station already stays as it is. Where no other part of this
     /// station holds it, another program of this user does, and it stays when this claim ends, too.
-    bool join();
+    std::optional<StartRefusal> join();
 
     /// The records were read again. Takes the record back when it does not name this station any more, asking
-    /// where it names another one. False when the user says No: then no part of this station holds it.
+    /// where it names another one. False when that is refused: then no part of this station holds it.
     bool keep();
 
     /// Releases the record and saves if this was the last hold on it. A record that names another station by

@@ -86,6 +86,12 @@ void claim(CMirovaneDoc& document, Feature feature) {
     });
 }
 
+void restore(CMirovaneDoc& document, Feature feature, const OwnerValues& before) {
+    if (const CHardware* owner = record(document, feature))
+        edit(
+            document, *owner, [&before](OwnerValues& held) { held = before; });
+}
+
 void release(CMirovaneDoc& document, Feature feature) {
     const CHardware* owner = record(document, feature);
     if (!owner)
@@ -115,5 +121,19 @@ std::int64_t silentHours(const CMirovaneDoc& document) {
 }
 
 } // namespace LiveStatHeartbeat
+
+std::int64_t COwnerSilence::hours(const CMirovaneDoc& document) {
+    constexpr std::int64_t secondsPerHour = 3600;
+    const CHardware* owner = FeatureOwner::record(document, Feature::LiveStat);
+    if (!owner || owner->Modified <= document.now()) {
+        sign_.reset();
+        return LiveStatHeartbeat::silentHours(document);
+    }
+    if (sign_ != owner->Modified) {
+        sign_ = owner->Modified;
+        firstSeen_ = document.now();
+    }
+    return (std::int64_t{document.now()} - firstSeen_) / secondsPerHour;
+}
 
 } // namespace mirovane

@@ -38,6 +38,9 @@ Question takeOverQuestion(const CMirovaneDoc& document, Feature feature);
 /// Names this station. A datafile that lost its owner record gets one.
 void claim(CMirovaneDoc& document, Feature feature);
 
+/// As it was before a claim that nobody heard of.
+void restore(CMirovaneDoc& document, Feature feature, const OwnerValues& before);
+
 /// Nobody runs it any more.
 void release(CMirovaneDoc& document, Feature feature);
 
@@ -54,9 +57,24 @@ constexpr std::int64_t takeOverHours = 4;
 /// Modified = now.
 void signOfLife(CMirovaneDoc& document);
 
-/// Whole hours since the last sign of life; 0 without an owner record.
+/// Whole hours since the last sign of life, below 0 for one from the future; 0 without an owner record.
 std::int64_t silentHours(const CMirovaneDoc& document);
 
 } // namespace LiveStatHeartbeat
+
+/// How long the owner of Live Stat has been silent, as one station sees it. A sign of life from the future
+/// was given by a clock that went wrong. It would look fresh for as long as that clock was fast, so its owner
+/// has been silent since this station first saw the sign.
+class COwnerSilence {
+public:
+    std::int64_t hours(const CMirovaneDoc& document);
+
+    /// Another document.
+    void reset() { sign_.reset(); }
+
+private:
+    std::optional<TimeStamp> sign_; ///< from the future
+    TimeStamp firstSeen_ = 0;
+};
 
 } // namespace mirovane

@@ -25,10 +25,12 @@ std::optional<StartRefusal> CFeatureSwitch::turnOn(std::chrono::milliseconds per
         host_.failUser(std::string(outOfTimersText));
         return StartRefusal{StartRefusal::Kind::NoTimer, std::string(outOfTimersText)};
     }
-    if (!claim_.take()) {
+    if (auto refusal = claim_.take()) {
         if (!wasActive)
             timer_.stop();
-        return StartRefusal{StartRefusal::Kind::OwnerElsewhere, {}};
+        if (!refusal->text.empty())
+            log_.LogMessage(refusal->text, true);
+        return refusal;
     }
     state_ = State::On;
     arm(period); // anew: the question may have taken its time

@@ -15,6 +15,7 @@ struct StartRefusal {
         InvalidRange,   ///< a range that cannot be read could mean anybody's network
         NothingToAsk,   ///< every address of the ranges belongs to a device
         OwnerElsewhere, ///< another station runs it, and the user left it there
+        NotWritable,    ///< the datafile cannot be saved, so nobody would learn that it runs here
         NoTimer,
         NoEcho, ///< the system does not let this program send echoes
         RunsAlready,

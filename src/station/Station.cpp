@@ -283,8 +283,8 @@ void CStation::reminderTick() {
 /// hours. A sign from the future was given by a clock that went wrong: it would look fresh for too long.
 void CStation::keepOwnerAlive() {
     const std::int64_t silent = LiveStatHeartbeat::silentHours(document_);
-    const bool takesOver = silent >= LiveStatHeartbeat::takeOverHours && !features_.liveStat().enabled() &&
-                           document_.deviceCount() > 0 && wantsLiveStat();
+    const bool takesOver = features_.liveStat().ownerSilentHours() >= LiveStatHeartbeat::takeOverHours &&
+                           !features_.liveStat().enabled() && document_.deviceCount() > 0 && wantsLiveStat();
     if (takesOver)
         features_.liveStat()
             .toggle(); // first: who answers its question may look how long the owner has been silent

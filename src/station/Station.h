@@ -171,6 +171,7 @@ public:
 
     /// On or off. Says why one was not switched on.
     std::optional<StartRefusal> toggleLiveStat() { return features_.liveStat().toggle(); }
+    std::int64_t ownerSilentHours() { return features_.liveStat().ownerSilentHours(); }
     std::optional<StartRefusal> toggleLiveDiscover() { return features_.liveDiscover().toggle(); }
     void toggleTracking() { features_.liveStat().toggleTracking(); }
     void endTracking() { features_.liveStat().endTracking(); }

@@ -122,6 +122,27 @@ TEST_F(StationTest, ASilentOwnerIsReplacedAfterFourHours) {
     EXPECT_EQ(standby.owner().Name, "S-HOST");
 }
 
+TEST_F(StationTest, AnOwnerWhoseClockWasFastIsReplacedFourHoursAfterItsSignWasSeen) {
+    Site standby(clock, timers, {"S-HOST", "s-user"}, true);
+    standby.settings.write("LSAutoStart", 1);
+    open(a);
+    a.doc().edit(a.owner(), [this](CHardware& owner) {
+        owner.State = 1;
+        owner.Name = "DEAD-HOST";
+        owner.Modified = a.doc().now() + 3'000'000; // 34 days
+    });
+    a.station->saveDatafile();
+    a.station->newDatafile();
+    ASSERT_FALSE(standby.station->openDatafile(path));
+    standby.dialogs.answer = true;
+    clock.advance(std::chrono::minutes(230));
+    pass(10'000);
+    EXPECT_FALSE(standby.liveStat().enabled());
+    clock.advance(std::chrono::minutes(11));
+    pass(10'000);
+    EXPECT_TRUE(standby.liveStat().enabled());
+}
+
 TEST_F(StationTest, AStationThatMayNotAutoStartNeverDoes) {
     open(b);
     EXPECT_FALSE(b.liveStat().enabled());

@@ -34,8 +34,7 @@ bool CHeadlessDialogs::runsHere(bool discover) const {
 }
 
 bool CHeadlessDialogs::ownerIsSilent() const {
-    return station_ &&
-           LiveStatHeartbeat::silentHours(station_->document()) >= LiveStatHeartbeat::takeOverHours;
+    return station_ && station_->ownerSilentHours() >= LiveStatHeartbeat::takeOverHours;
 }
 
 CStationRun::CStationRun(COutput& out, CStation& station, CMessageLog& log, CHeadlessDialogs& dialogs,

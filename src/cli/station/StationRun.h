@@ -34,7 +34,7 @@ public:
     CHeadlessDialogs(COutput& out, bool takeOver) : out_(out), takeOver_(takeOver) {}
 
     /// Whose questions these are. It outlives this object's last answer.
-    void answerFor(const CStation& station) { station_ = &station; }
+    void answerFor(CStation& station) { station_ = &station; }
 
     bool ask(const Question& question) override;
     void fail(const std::string& text) override { out_.diagnose(text); }
@@ -50,7 +50,7 @@ private:
 
     COutput& out_;
     bool takeOver_;
-    const CStation* station_ = nullptr;
+    CStation* station_ = nullptr;
     bool refusedLiveStat_ = false;
     bool refusedDiscover_ = false;
 };

@@ -33,8 +33,8 @@ std::optional<StartRefusal> CDiscoverNow::start(int perSecond) {
         return plan.error();
     if (const auto reason = probes_.echoUnusable())
         return StartRefusal{Kind::NoEcho, *reason};
-    if (!claim_.join())
-        return StartRefusal{Kind::OwnerElsewhere, {}};
+    if (auto refusal = claim_.join())
+        return refusal;
     auto plan = planSweep(document_); // anew: while the question was open the file may have been read again
     if (!plan) {
         claim_.letGo();

@@ -47,6 +47,9 @@ public:
     /// Once a run: rows that went with their device or their rule hold up the end of no outage.
     void forgetGoneOutages();
 
+    /// Live Stat goes on: whoever switched it on learns what cannot be asked.
+    void forgetOutages() { outages_.reset(); }
+
     /// Another document.
     void reset();
 
@@ -61,7 +64,6 @@ private:
     CMessageLog& log_;
     CJackIndex jacks_;
     CFoundValues found_;
-
     COutages outages_;
     int confirmOff_ = 0;
     std::uint64_t steps_ = 0;              ///< begun so far

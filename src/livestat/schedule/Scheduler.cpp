@@ -67,6 +67,7 @@ std::optional<StartRefusal> CLiveStatScheduler::enable() {
     run_ = {};
     shownCount_.reset();
     picker_.startLoops();
+    steps_.forgetOutages();
     host_.indicatorsChanged();
     return std::nullopt;
 }
@@ -112,6 +113,7 @@ void CLiveStatScheduler::finishDisabling() {
 }
 
 void CLiveStatScheduler::reset() {
+    ownerSilence_.reset();
     switch_.cut();
     slots_.stopJobs();
     slots_.freeAll();

@@ -90,6 +90,9 @@ public:
     /// Another document: off, every slot free, nothing released, nothing logged.
     void reset();
 
+    /// Whole hours in which the owner of Live Stat gave no sign of life.
+    std::int64_t ownerSilentHours() { return ownerSilence_.hours(document_); }
+
     /// Tells the jobs to stop. A stopped step changes nothing; its row is run again.
     void stopJobs() { slots_.stopJobs(); }
 
@@ -126,6 +129,7 @@ private:
     LiveStatSettings settings_;
     std::unique_ptr<Timer> timer_;
     CFeatureOwnership ownership_;
+    COwnerSilence ownerSilence_;
     CFeatureSwitch switch_;
     CDevicePicker picker_;
     CDeviceSteps steps_;

@@ -114,6 +114,24 @@ TEST_F(OutageTest, LiveStatNowAloneSignsNoOwnersRecord) {
     EXPECT_EQ(owner.Modified, 77) << "the owner elsewhere may have died";
 }
 
+TEST_F(OutageTest, AStationThatCannotSaveTheDatafileTakesNothingOver) {
+    addPrinters(1);
+    const CHardware& owner = *doc.findSpecial(SpecialType::LiveStatOwnerRecord);
+    doc.edit(owner, [](CHardware& record) {
+        record.State = 1;
+        record.Name = "other";
+    });
+    host.answer = true;
+    host.saved = SaveResult::Failed;
+    EXPECT_EQ(scheduler->toggle()->kind, StartRefusal::Kind::NotWritable);
+    EXPECT_FALSE(scheduler->enabled());
+    EXPECT_EQ(owner.Name, "other") << "it goes on there, and nobody else would learn of a claim here";
+    EXPECT_EQ(logged().size(), 1U);
+    host.saved = SaveResult::Saved;
+    EXPECT_FALSE(scheduler->toggle());
+    EXPECT_EQ(owner.Name, "host");
+}
+
 TEST_F(OutageTest, ABrokenPatternIsReportedAgainInTheNextDatafile) {
     add(DeviceType::Printer, "127.0.0.1");
     rule(DeviceType::Printer, 6, Action::SnmpGet, "$mvI public 1.3");

@@ -26,7 +26,7 @@ public:
     bool holdsStill() const override { return still; }
     SaveResult saveNow(SaveNote note) override {
         saves.push_back(note);
-        return SaveResult::Saved;
+        return saved;
     }
     void changesPending() override { pending = true; }
     void redraw() override { ++redraws; }
@@ -34,6 +34,7 @@ public:
     void track(std::int32_t recID) override { tracked.push_back(recID); }
     void waiting() override {}
 
+    SaveResult saved = SaveResult::Saved;
     bool answer = false;
     bool still = false;
     bool pending = false; ///< changes wait for the periodic save
