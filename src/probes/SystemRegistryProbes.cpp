@@ -16,7 +16,10 @@ ProbeAnswer CSystemRegistryProbes::ReadRegistryValue(const std::string& path,
     const auto read = [&](Registry& registry) {
         found = mirovane::ReadRegistryValue(registry, path, localComputerName);
     };
-    const std::string host = splitRegistryPath(path, localComputerName).host;
+    const RegistryPath parts = splitRegistryPath(path, localComputerName);
+    if (!registryRoot(parts.hive)) // a slip of the pen needs no other computer
+        return ProbeAnswer::no(whyNotFound(path, {}));
+    const std::string& host = parts.host;
     ProbeAnswer answer = withRegistryOf(host, std::move(stop), read);
     if (found) {
         value = std::move(*found);

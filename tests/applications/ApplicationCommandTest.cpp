@@ -46,7 +46,7 @@ TEST(ApplicationCommandTest, AFieldStaysOneArgumentWhateverItHolds) {
                                    "x | y > /etc/z", "line\nbreak\r\n", "$mvI", "*", "~", "", "'"}) {
         EXPECT_EQ(filled("tool -n $mvN --to=$mvN: end", device(name)),
                   (Words{"tool", "-n", name, "--to=" + name + ":", "end"}));
-        EXPECT_EQ(filled("tool \"$mvN at $mvI\"", device(name)), (Words{"tool", name + " at 10.0.0.5"}));
+        EXPECT_EQ(filled("tool \"$mvN\"@$mvI", device(name)), (Words{"tool", name + "@10.0.0.5"}));
     }
 }
 

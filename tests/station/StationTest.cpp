@@ -134,6 +134,7 @@ TEST_F(StationTest, AnOwnerWhoseClockWasFastIsReplacedFourHoursAfterItsSignWasSe
     a.station->saveDatafile();
     a.station->newDatafile();
     ASSERT_FALSE(standby.station->openDatafile(path));
+    pass(10'000); // it sees the sign
     standby.dialogs.answer = true;
     clock.advance(std::chrono::minutes(230));
     pass(10'000);

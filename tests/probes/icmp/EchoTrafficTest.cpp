@@ -174,6 +174,7 @@ TEST_F(EchoTrafficTest, LateDoubledAndForeignRepliesEndNothing) {
     answer(late);
     EchoRequest foreign = socket_.sent.back();
     foreign.address = 2;
+    ++foreign.token;
     answer(foreign);
     turnAfter(milliseconds(1));
     EXPECT_EQ(ended(), Kinds{});
