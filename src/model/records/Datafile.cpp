@@ -3,9 +3,11 @@
 #include "model/records/ByteReader.h"
 #include "model/records/ByteWriter.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
 #include <span>
+#include <string>
 #include <utility>
 
 namespace mirovane::Datafile {
@@ -13,6 +15,7 @@ namespace mirovane::Datafile {
 namespace {
 
 constexpr std::size_t versionOffset = 17;
+constexpr std::size_t countSize = 2;
 constexpr std::uint16_t newClassTag = 0xFFFF;
 constexpr std::uint16_t knownClassTag = 0x8001;
 constexpr std::uint16_t classSchema = 1;
@@ -59,6 +62,29 @@ Error unknownVersion(std::string_view bytes, std::int32_t version) {
     return {Error::Kind::UnknownVersion, versionOffset, 0,
             "The datafile's version is unknown (byte " + std::to_string(versionOffset) +
                 ", record 0): " + why + "."};
+}
+
+/// What every datafile has behind its count of records.
+std::string firstTag() {
+    CByteWriter writer;
+    writer.writeUint16(newClassTag);
+    writer.writeUint16(classSchema);
+    writer.writeUint16(static_cast<std::uint16_t>(className.size()));
+    writer.writeBytes(className);
+    return writer.take();
+}
+
+/// Nothing of it looks like a datafile, not even like the first bytes of one that was cut off.
+bool isForeign(std::string_view bytes) {
+    const std::string tag = firstTag();
+    const std::string_view start = bytes.substr(std::min(countSize, bytes.size()), tag.size());
+    return start.empty() || !(std::string_view(tag).starts_with(start) || beginsLikeDatafile(bytes));
+}
+
+Error notADatafile(std::string_view bytes) {
+    return {Error::Kind::NotADatafile, 0, 0,
+            bytes.empty() ? "Not a Mirovane datafile: the file is empty."
+                          : "Not a Mirovane datafile: the file does not begin like one."};
 }
 
 void readFirstTag(CByteReader& reader) {
@@ -216,12 +242,14 @@ Result<Content, Error> decode(std::string_view bytes) {
     CByteReader probe(bytes);
     probe.readBytes(versionOffset);
     const std::int32_t version = probe.readInt32();
+    const Layout* layout = probe.failed() ? nullptr : layoutOf(version);
+    if (!layout && isForeign(bytes))
+        return notADatafile(bytes);
     if (probe.failed()) {
         probe = CByteReader(bytes);
         probe.fail(bytes.size(), "the file ends before the version of its first record");
         return damaged(probe, 0);
     }
-    const Layout* layout = layoutOf(version);
     if (!layout)
         return unknownVersion(bytes, version);
     try {

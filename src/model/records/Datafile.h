@@ -25,7 +25,7 @@ constexpr std::size_t maxRecords = 65534;
 using RecordList = std::vector<std::unique_ptr<CHardware>>;
 
 struct Error {
-    enum class Kind { CannotRead, Damaged, UnknownVersion };
+    enum class Kind { CannotRead, NotADatafile, Damaged, UnknownVersion };
 
     Kind kind = Kind::Damaged;
     std::size_t offset = 0; ///< byte at which reading stopped making sense

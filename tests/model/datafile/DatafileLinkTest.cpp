@@ -221,7 +221,7 @@ TEST_F(DatafileLinkTest, ReloadThatSucceedsAfterAFailureAllowsSavingAgain) {
 TEST_F(DatafileLinkTest, FailuresLeaveTheDocumentAsItWas) {
     makeFloor(1);
     test::writeBytes(folder.file("text.mv"), "this is no datafile but a text of some length");
-    EXPECT_EQ(link.open(folder.file("text.mv"))->kind, Datafile::Error::Kind::UnknownVersion);
+    EXPECT_EQ(link.open(folder.file("text.mv"))->kind, Datafile::Error::Kind::NotADatafile);
     EXPECT_EQ(link.open(folder.file("none.mv"))->kind, Datafile::Error::Kind::CannotRead);
     EXPECT_EQ(link.open(folder.path())->kind, Datafile::Error::Kind::CannotRead);
     EXPECT_EQ(link.path(), path);

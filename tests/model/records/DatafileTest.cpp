@@ -165,8 +165,18 @@ TEST(DatafileTest, DamageIsFoundWhereItIs) {
     expectError(with(firstText, "\xFF\xFE\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"), Kind::Damaged, firstText + 3, 0,
                 "8589934590 bytes");
     expectError(with(firstText, "\xFF\xFE\xFF\xFF\xFE\xFF"), Kind::Damaged, firstText + 3, 0, "wide twice");
-    expectError("", Kind::Damaged, 0, 0, "ends before");
-    expectError(std::string(20, '\0'), Kind::Damaged, 20, 0, "ends before");
+    for (const std::size_t length : {std::size_t{3}, std::size_t{10}, std::size_t{20}})
+        expectError(good.substr(0, length), Kind::Damaged, length, 0, "ends before");
+}
+
+TEST(DatafileTest, AForeignFileIsNotCalledDamaged) {
+    for (const std::string& bytes : {std::string(), std::string(1, '\x01'), std::string(20, '\0'),
+                                     std::string("a text of some length")}) {
+        const auto content = Datafile::decode(bytes);
+        ASSERT_FALSE(content) << bytes;
+        EXPECT_EQ(content.error().kind, Kind::NotADatafile) << bytes;
+        EXPECT_TRUE(content.error().sentence.starts_with("Not a Mirovane datafile: ")) << bytes;
+    }
 }
 
 TEST(DatafileTest, UnknownVersionsAreNamed) {
