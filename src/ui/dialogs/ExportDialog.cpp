@@ -2,9 +2,12 @@
 
 #include "model/records/Text.h"
 #include "ui/widgets/DialogText.h"
+#include "ui/widgets/ScrollBody.h"
+#include "ui/widgets/WindowPlacement.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QFontDatabase>
@@ -71,17 +74,22 @@ CExportDialog::CExportDialog(ExportRequest request, Browse browse, QWidget* pare
     : QDialog(parent), request_(std::move(request)), browse_(std::move(browse)) {
     setObjectName(QStringLiteral("exportDialog"));
     setWindowTitle(QObject::tr("Export"));
-    auto* layout = new QVBoxLayout(this);
+    auto* body = new QWidget;
+    auto* layout = new QVBoxLayout(body);
+    layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(makeFileRow());
     layout->addWidget(makeDelimiterGroup());
     layout->addWidget(makeOptions());
     layout->addWidget(makePreview(), 1);
     layout->addWidget(makeFailure());
-    layout->addWidget(makeButtons());
+    auto* whole = new QVBoxLayout(this);
+    whole->addWidget(new CScrollBody(body), 1);
+    whole->addWidget(makeButtons());
     fill();
     connectControls();
     showTarget();
     showPreview();
+    fitToScreen(*this, {});
 }
 
 QWidget* CExportDialog::makeFileRow() {
@@ -190,6 +198,7 @@ void CExportDialog::fill() {
     shownFilename_ = fileText(settings.ExportFilename);
     shownCustomText_ = shownText(settings.ExportCustomText);
     filename_->setText(shownFilename_);
+    filename_->setPlaceholderText(suggestion());
     customText_->setText(shownCustomText_);
     (settings.ExportTab ? tab_ : custom_)->setChecked(true);
     customText_->setEnabled(!settings.ExportTab);
@@ -228,17 +237,29 @@ ExportSettings CExportDialog::settings() const {
 
 void CExportDialog::browse() {
     const std::string start = exportTarget(settings().ExportFilename, request_.datafile);
-    if (const auto chosen = browse_(*this, fileText(start.empty() ? request_.datafile : start)))
+    if (const auto chosen = browse_(*this, start.empty() ? suggestion() : fileText(start)))
         filename_->setText(*chosen);
     filename_->setFocus();
+}
+
+/// A path that this computer has, for the user who is asked for one for the first time.
+QString CExportDialog::suggestion() const {
+    if (request_.datafile.empty())
+        return QDir::home().filePath(QStringLiteral("mirovane.txt"));
+    const QFileInfo datafile(fileText(request_.datafile));
+    return datafile.dir().filePath(datafile.completeBaseName() + QStringLiteral(".txt"));
 }
 
 /// Where a relative name leads is not to be seen from the name.
 void CExportDialog::showTarget() {
     const std::string target = exportTarget(settings().ExportFilename, request_.datafile);
     if (target.empty())
-        return target_->setText(tr("A name alone is a file beside the datafile."));
+        return target_->setText(
+            tr("For example %1. A name alone is a file beside the datafile.").arg(suggestion()));
     const QString path = fileText(target);
+    const QFileInfo folder(QFileInfo(path).absolutePath());
+    if (!folder.isDir())
+        return target_->setText(tr("There is no folder %1").arg(folder.filePath()));
     target_->setText((QFileInfo::exists(path) ? tr("Replaces %1") : tr("Creates %1")).arg(path));
 }
 

@@ -40,6 +40,7 @@ private:
     void fill();
     void connectControls();
     void browse();
+    QString suggestion() const;
     void showTarget();
     void showPreview();
 

@@ -14,14 +14,16 @@ namespace {
 
 constexpr std::chrono::milliseconds settleTime{200};
 
-/// So much of the title bar must lie on a screen for the mouse to take hold of it.
-constexpr int graspWidth = 80;
-constexpr int graspHeight = 24;
+int areaOf(const QRect& rect) {
+    return rect.isEmpty() ? 0 : rect.width() * rect.height();
+}
 
-bool graspable(const QRect& window, const QRect& screen) {
-    const QRect titleBar(window.left(), window.top(), window.width(), graspHeight);
-    const QRect visible = titleBar.intersected(screen);
-    return visible.width() >= std::min(graspWidth, window.width()) && visible.height() >= graspHeight / 2;
+/// Screens do not overlap, so the parts that are seen add up to a window that is seen whole.
+bool seenWhole(const QRect& window, const QList<QRect>& screens) {
+    int seen = 0;
+    for (const QRect& screen : screens)
+        seen += areaOf(window.intersected(screen));
+    return seen == areaOf(window);
 }
 
 QList<QRect> availableAreas() {
@@ -42,12 +44,12 @@ StoredPlacement readPlacement(const CSettings& settings, const PlacementKeys& ke
 }
 
 QRect reachable(const QRect& wanted, const QList<QRect>& screens) {
-    const bool fine = screens.isEmpty() || std::ranges::any_of(screens, [&wanted](const QRect& screen) {
-                          return graspable(wanted, screen) && wanted.width() <= screen.width() * 2;
-                      });
-    if (fine)
+    if (screens.isEmpty() || seenWhole(wanted, screens))
         return wanted;
-    const QRect& screen = screens.first();
+    const QRect& screen = *std::ranges::max_element(screens, {}, [&wanted](const QRect& candidate) {
+        return areaOf(
+            candidate.intersected(wanted)); // the first, which is the primary one, when none has any of it
+    });
     QRect place(wanted.topLeft(), wanted.size().boundedTo(screen.size()));
     place.moveLeft(std::clamp(place.left(), screen.left(), screen.right() + 1 - place.width()));
     place.moveTop(std::clamp(place.top(), screen.top(), screen.bottom() + 1 - place.height()));

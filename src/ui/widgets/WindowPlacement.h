@@ -41,8 +41,8 @@ struct StoredPlacement {
 
 StoredPlacement readPlacement(const CSettings& settings, const PlacementKeys& keys);
 
-/// The stored place moved and shrunk so that the user can reach the window on one of `screens` (available
-/// areas, the primary one first): a monitor that was unplugged must not take the window with it.
+/// The stored place moved and shrunk so that all of the window is on `screens` (available areas, the primary
+/// one first): a monitor that was unplugged must not take the window, or half of it, with it.
 QRect reachable(const QRect& wanted, const QList<QRect>& screens);
 
 /// Puts a window that is not yet shown at its stored place. Each value that is set replaces the default on
