@@ -29,6 +29,20 @@ void changeApplication(CMirovaneDoc& document, const CHardware& record, const Ap
         record, [&values](CHardware& held) { toRecord(values, held); });
 }
 
+/// The records stay where they are in the list and trade what they hold.
+void moveApplication(CMirovaneDoc& document, std::size_t from, std::size_t to) {
+    const auto records = applicationRecords(document);
+    if (from >= records.size() || to >= records.size() || from == to)
+        return;
+    const ApplicationValues moved = applicationFromRecord(*records[from]);
+    const auto step = [from, to](std::size_t place) {
+        return from < to ? place + 1 : place - 1;
+    };
+    for (std::size_t place = from; place != to; place = step(place))
+        changeApplication(document, *records[place], applicationFromRecord(*records[step(place)]));
+    changeApplication(document, *records[to], moved);
+}
+
 std::vector<const CHardware*> applicationTargets(const CSelection& selection) {
     return selection.members(CSelection::Scope::Floor);
 }

@@ -21,6 +21,9 @@ const CHardware* addApplication(CMirovaneDoc& document);
 
 void changeApplication(CMirovaneDoc& document, const CHardware& record, const ApplicationValues& values);
 
+/// Gives the entry at one place (from 0) another one; those between move up or down.
+void moveApplication(CMirovaneDoc& document, std::size_t from, std::size_t to);
+
 /// The devices that an application runs for: the selected ones on the floor map, in list order.
 std::vector<const CHardware*> applicationTargets(const CSelection& selection);
 

@@ -14,11 +14,11 @@ namespace mirovane {
 namespace {
 
 constexpr std::array table{
-    &newCommand,      &recordsCommand, &listCommand,     &findDevicesCommand, &checkCommand,
-    &upgradeCommand,  &addCommand,     &setCommand,      &deleteCommand,      &copyCommand,
-    &importCommand,   &exportCommand,  &criteriaCommand, &rangesCommand,      &stationCommand,
-    &sweepCommand,    &pingCommand,    &lookupCommand,   &snmpGetCommand,     &registryCommand,
-    &loggedOnCommand, &matchCommand,   &testCommand,
+    &newCommand,      &recordsCommand,  &listCommand,     &findDevicesCommand,  &checkCommand,
+    &upgradeCommand,  &addCommand,      &setCommand,      &deleteCommand,       &copyCommand,
+    &importCommand,   &exportCommand,   &criteriaCommand, &applicationsCommand, &rangesCommand,
+    &stationCommand,  &sweepCommand,    &pingCommand,     &lookupCommand,       &snmpGetCommand,
+    &registryCommand, &loggedOnCommand, &matchCommand,    &testCommand,
 };
 
 } // namespace

@@ -10,7 +10,7 @@ struct Question {
         TakeOverLiveStat,     ///< another station runs it
         TakeOverLiveDiscover, ///< another station runs it
         ReplaceFile,          ///< a file of this name exists
-        LeaveUnsaved,         ///< the datafile could not be saved; changes are lost
+        DeleteApplication,    ///< an entry of External Applications goes
         StartManyPrograms,    ///< one for each of many selected devices
         LongSweep,            ///< the ranges hold so many addresses that it takes many minutes
         ForgetFoundHosts,     ///< a sweep is cancelled

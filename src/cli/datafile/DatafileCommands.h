@@ -4,6 +4,7 @@
 
 namespace mirovane {
 
+extern const Command applicationsCommand;
 extern const Command newCommand;
 extern const Command recordsCommand;
 extern const Command listCommand;

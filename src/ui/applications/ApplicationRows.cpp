@@ -56,8 +56,12 @@ ApplicationValues CApplicationRows::Row::values() const {
 
 // ---- set-up
 
-CApplicationRows::CApplicationRows(CStation& station, QWidget* parent)
-    : QWidget(parent), station_(station), bar_(new QScrollBar(Qt::Vertical)) {
+CApplicationRows::CApplicationRows(CStation& station, std::function<bool(const std::string& name)> mayDelete,
+                                   QWidget* parent)
+    : QWidget(parent),
+      station_(station),
+      mayDelete_(std::move(mayDelete)),
+      bar_(new QScrollBar(Qt::Vertical)) {
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
     makeHeader(*grid);
@@ -93,7 +97,7 @@ void CApplicationRows::makeRow(QGridLayout& grid, int number) {
     row.onMenu = new QCheckBox;
     row.onMenu->setObjectName(QStringLiteral("applicationOnMenu%1").arg(number));
     row.onMenu->setAccessibleName(tr("On Menu"));
-    row.name = makeBox(QStringLiteral("applicationName%1").arg(number), QStringLiteral("Name"), nameWidth);
+    row.name = makeBox(QStringLiteral("applicationName%1").arg(number), tr("Name"), nameWidth);
     row.command = makeBox(QStringLiteral("applicationCommand%1").arg(number),
                           tr("Program/Command to execute"), commandWidth);
     row.remove = new QPushButton(tr("Delete"));
@@ -160,14 +164,45 @@ void CApplicationRows::removeEntry(int number) {
             return;
     }
     store();
-    const auto records = applicationRecords(station_.document());
     const std::size_t place = placeOf(number);
-    if (place >= records.size())
+    if (place >= entries_.size())
+        return;
+    const ApplicationValues meant = entries_[place];
+    if (!mayDelete_(meant.name.empty() ? meant.command : meant.name))
+        return focus(number, nameColumn);
+    const auto records = applicationRecords(station_.document()); // as they are after the question
+    if (place >= records.size() || applicationFromRecord(*records[place]) != meant)
         return;
     edit("Delete an application", [&](CMirovaneDoc& document) { document.remove(*records[place]); });
     refresh();
+    if (entries_.empty())
+        Q_EMIT emptied();
     focus(std::min(number, static_cast<int>(entries_.size()) - first_ - 1), nameColumn);
     Q_EMIT stored();
+}
+
+void CApplicationRows::moveEntry(int step) {
+    for (int number = 0; number < rowCount; ++number) {
+        const auto controls = rows_[static_cast<std::size_t>(number)].controls();
+        const auto* const focused = std::ranges::find_if(controls, &QWidget::hasFocus);
+        if (focused == controls.end())
+            continue;
+        store();
+        const int from = first_ + number;
+        const int to = from + step;
+        if (to < 0 || to >= static_cast<int>(entries_.size()))
+            return;
+        const int column = static_cast<int>(focused - controls.begin());
+        edit("Move an application", [from, to](CMirovaneDoc& document) {
+            moveApplication(document, static_cast<std::size_t>(from), static_cast<std::size_t>(to));
+        });
+        refresh();
+        if (to < first_ || to >= first_ + rowCount)
+            bar_->setValue(first_ + step);
+        focus(to - first_, column);
+        Q_EMIT stored();
+        return;
+    }
 }
 
 void CApplicationRows::scrollTo(int first) {
@@ -186,6 +221,11 @@ void CApplicationRows::scrollTo(int first) {
 bool CApplicationRows::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
+        const bool alt = static_cast<QKeyEvent*>(event)->modifiers().testFlag(Qt::AltModifier);
+        if (alt && (key == Qt::Key_Up || key == Qt::Key_Down)) {
+            moveEntry(key == Qt::Key_Up ? -1 : 1);
+            return true;
+        }
         if (key == Qt::Key_Up || key == Qt::Key_Down) {
             moveFocus(qobject_cast<QWidget*>(watched), key == Qt::Key_Up ? -1 : 1);
             return true;

@@ -8,7 +8,9 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 class QCheckBox;
@@ -29,11 +31,16 @@ class CApplicationRows : public QWidget, private DocumentObserver {
     Q_OBJECT
 
 public:
-    explicit CApplicationRows(CStation& station, QWidget* parent = nullptr);
+    /// `mayDelete` asks the user, with the name of the entry.
+    CApplicationRows(CStation& station, std::function<bool(const std::string& name)> mayDelete,
+                     QWidget* parent = nullptr);
     ~CApplicationRows() override;
 
     /// Appends an empty entry, scrolls to it and puts the cursor into it.
     void addEntry();
+
+    /// Moves the entry with the cursor up (-1) or down (1), and the cursor with it.
+    void moveEntry(int step);
 
     /// What is typed but not yet stored, as if the box had been left.
     void store();
@@ -41,6 +48,9 @@ public:
 Q_SIGNALS:
     /// The user changed the document's entries.
     void stored();
+
+    /// The last entry was deleted.
+    void emptied();
 
     /// The command that the user is working on, as it stands in its box.
     void commandShown(const QString& command);
@@ -105,6 +115,7 @@ private:
     void focus(int row, int column);
 
     CStation& station_;
+    std::function<bool(const std::string&)> mayDelete_;
     std::array<Row, rowCount> rows_;
     std::vector<ApplicationValues> entries_; ///< as of the last refresh
     QScrollBar* bar_;

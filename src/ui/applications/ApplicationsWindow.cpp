@@ -5,6 +5,7 @@
 #include "platform/process/Terminal.h"
 #include "ui/applications/ApplicationRows.h"
 #include "ui/widgets/DialogText.h"
+#include "ui/widgets/ScrollBody.h"
 #include "ui/widgets/WindowPlacement.h"
 
 #include <QApplication>
@@ -39,12 +40,8 @@ constexpr const char* variables =
     "$mv/ = / Text;  $mv\\ = \\ Text;       $mv- = - Text;          $mv| = | Text;  $mvT = Todo;\n"
     "$mvW = a window will pop-up to allow more text to be inserted before the command is executed;";
 
-constexpr const char* terminalHint =
-    "Ping, ssh, traceroute and the like open in a terminal; write term: before any other command that "
-    "should, noterm: before one that should not.";
-
-QLabel* makeLabel(const char* text) {
-    auto* label = new QLabel(qText(text));
+QLabel* makeLabel(const QString& text) {
+    auto* label = new QLabel(text);
     label->setTextFormat(Qt::PlainText);
     return label;
 }
@@ -94,38 +91,44 @@ QString commandExplained(const std::string& command, const CHardware* device) {
     return placeText(application.place()) + QStringLiteral(": ") + readable(filled.words);
 }
 
-CApplicationsWindow::CApplicationsWindow(CStation& station, CSettings& settings,
-                                         std::function<void(const FileError&)> saveFailed, QWidget* parent)
+CApplicationsWindow::CApplicationsWindow(CStation& station, CSettings& settings, Asking asking,
+                                         QWidget* parent)
     : QDialog(parent),
       station_(station),
       settings_(settings),
-      saveFailed_(std::move(saveFailed)),
-      rows_(new CApplicationRows(station)),
+      asking_(std::move(asking)),
+      rows_(new CApplicationRows(station, asking_.mayDelete)),
       terminal_(new QLineEdit),
       add_(new QPushButton(QObject::tr("Add"))),
-      explanation_(makeLabel("")) {
+      explanation_(makeLabel({})) {
     setObjectName(QStringLiteral("applicationsWindow"));
     setWindowTitle(QObject::tr("External Applications"));
     explanation_->setObjectName(QStringLiteral("applicationExplained"));
     explanation_->setForegroundRole(QPalette::PlaceholderText);
     explanation_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // cut off, never wider
 
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(makeLabel(instructions));
+    auto* body = new QWidget;
+    auto* layout = new QVBoxLayout(body);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(makeLabel(qText(instructions)));
     layout->addSpacing(6);
     layout->addWidget(rows_);
     layout->addWidget(explanation_);
     layout->addSpacing(6);
-    layout->addWidget(makeLabel(variables));
+    layout->addWidget(makeLabel(qText(variables)));
     layout->addSpacing(6);
-    auto* hint = makeLabel(terminalHint);
+    auto* hint = makeLabel(tr("Ping, ssh, traceroute and the like open in a terminal; write term: before any "
+                              "other command that should, noterm: before one that should not."));
     hint->setWordWrap(true);
     layout->addWidget(hint);
     layout->addWidget(makeTerminal());
     layout->addStretch();
-    layout->addWidget(makeButtons());
+    auto* whole = new QVBoxLayout(this);
+    whole->addWidget(new CScrollBody(body), 1);
+    whole->addWidget(makeButtons());
 
     connect(rows_, &CApplicationRows::stored, this, &CApplicationsWindow::saveSoon);
+    connect(rows_, &CApplicationRows::emptied, this, [this] { add_->setFocus(); });
     connect(rows_, &CApplicationRows::commandShown, this, &CApplicationsWindow::explain);
     saveTimer_.setSingleShot(true);
     connect(&saveTimer_, &QTimer::timeout, this, &CApplicationsWindow::saveLater);
@@ -181,9 +184,23 @@ QWidget* CApplicationsWindow::makeButtons() {
     connect(add_, &QPushButton::clicked, rows_, &CApplicationRows::addEntry);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
     layout->addWidget(add_);
+    layout->addWidget(makeMove(tr("Move &Up"), "applicationUp", -1));
+    layout->addWidget(makeMove(tr("Move D&own"), "applicationDown", 1));
     layout->addStretch();
     layout->addWidget(close);
     return line;
+}
+
+/// The cursor stays in its row: it says which entry is meant.
+QPushButton* CApplicationsWindow::makeMove(const QString& text, const char* name, int step) {
+    auto* button = new QPushButton(text);
+    button->setObjectName(QLatin1String(name));
+    button->setAutoDefault(false);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setToolTip(step < 0 ? tr("Move the entry with the cursor up (Alt+Up)")
+                                : tr("Move the entry with the cursor down (Alt+Down)"));
+    connect(button, &QPushButton::clicked, this, [this, step] { rows_->moveEntry(step); });
+    return button;
 }
 
 void CApplicationsWindow::explain(const QString& command) {
@@ -204,8 +221,8 @@ void CApplicationsWindow::hideEvent(QHideEvent* event) {
     if (event->spontaneous()) // only minimised
         return;
     store();
-    if (const auto error = save(); error && saveFailed_)
-        saveFailed_(*error);
+    if (const auto error = save(); error && asking_.saveFailed)
+        asking_.saveFailed(*error);
 }
 
 void CApplicationsWindow::saveSoon() {

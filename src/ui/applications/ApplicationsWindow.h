@@ -6,6 +6,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <string>
 
 class QLabel;
 class QLineEdit;
@@ -23,9 +24,13 @@ class CApplicationsWindow : public QDialog {
     Q_OBJECT
 
 public:
-    /// `saveFailed` is called when the save at the window's end failed; the log has been told.
-    CApplicationsWindow(CStation& station, CSettings& settings,
-                        std::function<void(const FileError&)> saveFailed, QWidget* parent = nullptr);
+    /// What the window needs of the user.
+    struct Asking {
+        std::function<void(const FileError&)> saveFailed; ///< the save at the window's end; the log was told
+        std::function<bool(const std::string& name)> mayDelete;
+    };
+
+    CApplicationsWindow(CStation& station, CSettings& settings, Asking asking, QWidget* parent = nullptr);
     ~CApplicationsWindow() override;
 
     /// Shows the window, or brings it to the top.
@@ -40,6 +45,7 @@ protected:
 private:
     QWidget* makeTerminal();
     QWidget* makeButtons();
+    QPushButton* makeMove(const QString& text, const char* name, int step);
     void explain(const QString& command);
     void storeTerminal();
     void saveSoon();
@@ -48,7 +54,7 @@ private:
 
     CStation& station_;
     CSettings& settings_;
-    std::function<void(const FileError&)> saveFailed_;
+    Asking asking_;
     CApplicationRows* rows_;
     QLineEdit* terminal_;
     QPushButton* add_;

@@ -25,6 +25,8 @@ protected:
     test::Site site{clock, timers, {"host", "user"}, false};
     std::unique_ptr<CApplicationsWindow> window;
     int failedSaves = 0;
+    std::vector<std::string> asked;
+    bool mayDelete = true;
 
     CMirovaneDoc& document() { return site.doc(); }
 
@@ -41,8 +43,13 @@ protected:
     }
 
     void open() {
-        window = std::make_unique<CApplicationsWindow>(*site.station, site.settings,
-                                                       [this](const FileError&) { ++failedSaves; });
+        window = std::make_unique<CApplicationsWindow>(
+            *site.station, site.settings,
+            CApplicationsWindow::Asking{[this](const FileError&) { ++failedSaves; },
+                                        [this](const std::string& name) {
+                                            asked.push_back(name);
+                                            return mayDelete;
+                                        }});
         window->present();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
@@ -131,6 +138,29 @@ TEST_F(ApplicationsWindowTest, AddScrollsToTheNewEntryAndDeleteTakesTheRightOne)
     EXPECT_FALSE(name(0)->isVisible());
     part<QPushButton>("applicationAdd")->click();
     EXPECT_TRUE(name(0)->hasFocus());
+}
+
+TEST_F(ApplicationsWindowTest, DeleteAsksAndTheCursorStaysInTheRows) {
+    mayDelete = false;
+    part<QPushButton>("applicationDelete", 1)->click();
+    EXPECT_EQ(asked, std::vector<std::string>{"n1"});
+    EXPECT_EQ(count(), 7U);
+    EXPECT_TRUE(name(1)->hasFocus());
+}
+
+TEST_F(ApplicationsWindowTest, AnEntryMovesWithTheCursorAlsoOutOfView) {
+    command(4)->setFocus();
+    part<QPushButton>("applicationDown")->click();
+    EXPECT_EQ(entry(4).name, "n5");
+    EXPECT_EQ(entry(5).name, "n4");
+    EXPECT_EQ(bar()->value(), 1);
+    EXPECT_TRUE(command(4)->hasFocus());
+    EXPECT_EQ(name(4)->text(), QStringLiteral("n4"));
+    for (int i = 0; i < 7; ++i) // the first place is the end of it
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up, Qt::AltModifier);
+    EXPECT_EQ(entry(0).name, "n4");
+    EXPECT_EQ(entry(6).name, "n6");
+    EXPECT_TRUE(command(0)->hasFocus());
 }
 
 TEST_F(ApplicationsWindowTest, DeleteSparesAnEntryThatMovesUnderThePointer) {

@@ -3,6 +3,7 @@
 #include "applications/Applications.h"
 #include "platform/process/Terminal.h"
 #include "ui/applications/ApplicationsWindow.h"
+#include "ui/widgets/DialogText.h"
 #include "ui/widgets/SaveFailure.h"
 
 namespace mirovane {
@@ -13,8 +14,16 @@ namespace {
 constexpr std::size_t startsWithoutAsking = 20;
 
 std::string manyQuestion(const std::string& name, std::size_t devices) {
-    return std::to_string(devices) + " devices are selected.\n\nStart \"" + name + "\" " +
-           std::to_string(devices) + " times?";
+    return QObject::tr("%1 devices are selected.\n\nStart \"%2\" %1 times?")
+        .arg(devices)
+        .arg(shownText(name))
+        .toStdString();
+}
+
+std::string deleteQuestion(const std::string& name) {
+    return QObject::tr("Do you want to delete \"%1\" from the External Applications?")
+        .arg(shownText(name))
+        .toStdString();
 }
 
 } // namespace
@@ -31,7 +40,11 @@ void CApplicationCommands::showWindow() {
     if (!window_) {
         window_ = new CApplicationsWindow(
             parts_.station, parts_.settings,
-            [&dialogs = parts_.dialogs](const FileError& error) { dialogs.fail(saveFailureText(error)); },
+            CApplicationsWindow::Asking{
+                [&dialogs = parts_.dialogs](const FileError& error) { dialogs.fail(saveFailureText(error)); },
+                [&dialogs = parts_.dialogs](const std::string& name) {
+                    return dialogs.ask({Question::Kind::DeleteApplication, deleteQuestion(name)});
+                }},
             &parts_.window);
     }
     window_->present();
