@@ -79,9 +79,30 @@ double reminderKey(const DateTime& date) {
     return isCalendarDate(date) ? date.value : -std::numeric_limits<double>::infinity();
 }
 
+/// Every number in the text with so many zeros before it that texts in order are numbers in order.
+std::string paddedNumbers(std::string_view text) {
+    constexpr std::size_t digits = 5; // of an address none has more
+    std::string padded;
+    const auto isDigit = [](char c) {
+        return c >= '0' && c <= '9';
+    };
+    for (std::size_t i = 0; i < text.size();) {
+        std::size_t end = i;
+        while (end < text.size() && isDigit(text[end]))
+            ++end;
+        if (end == i) {
+            padded += text[i++];
+            continue;
+        }
+        padded.append(digits - std::min(digits, end - i), '0').append(text.substr(i, end - i));
+        i = end;
+    }
+    return padded;
+}
+
 /// Calls `use` with the function that makes a column's key of a record.
 template <typename Use>
-auto withSortKey(ListColumn column, Use use) {
+auto withSortKey(ListColumn column, AddressOrder addresses, Use use) {
     switch (column) {
     case ListColumn::ID:
         return use([](const CHardware& row) { return row.RecID; });
@@ -93,9 +114,14 @@ auto withSortKey(ListColumn column, Use use) {
         return use([](const CHardware& row) { return row.Priority; });
     case ListColumn::Reminder:
         return use([](const CHardware& row) { return reminderKey(row.ReminderDate); });
+    case ListColumn::IPAddress:
+        if (addresses == AddressOrder::Number)
+            return use([](const CHardware& row) { return paddedNumbers(upperCase(row.IPAddress)); });
+        break;
     default:
-        return use([column](const CHardware& row) { return upperCase(listCellText(row, column)); });
+        break;
     }
+    return use([column](const CHardware& row) { return upperCase(listCellText(row, column)); });
 }
 
 /// Equal keys stay in their order in both directions.
@@ -229,9 +255,10 @@ bool ListFilter::shows(const CHardware& record) const {
     return (hiddenTypes & (std::uint32_t{1} << (code - 1))) == 0;
 }
 
-void sortListRows(std::vector<const CHardware*>& rows, ListColumn column, bool greatestFirst) {
+void sortListRows(std::vector<const CHardware*>& rows, ListColumn column, bool greatestFirst,
+                  AddressOrder addresses) {
     withSortKey(
-        column,
+        column, addresses,
         [&rows, greatestFirst](auto makeKey) {
             if constexpr (std::is_same_v<decltype(makeKey(*rows.front())), std::string>)
                 sortByText(rows, greatestFirst, makeKey);
@@ -240,15 +267,16 @@ void sortListRows(std::vector<const CHardware*>& rows, ListColumn column, bool g
         });
 }
 
-bool sameSortKey(const CHardware& a, const CHardware& b, ListColumn column) {
+bool sameSortKey(const CHardware& a, const CHardware& b, const ListViewState& state) {
     return withSortKey(
-        column, [&a, &b](auto makeKey) { return !(makeKey(a) < makeKey(b)) && !(makeKey(b) < makeKey(a)); });
+        state.column, state.addresses,
+        [&a, &b](auto makeKey) { return !(makeKey(a) < makeKey(b)) && !(makeKey(b) < makeKey(a)); });
 }
 
 std::size_t sortedPlace(std::span<const CHardware* const> rows, const CHardware& record,
                         const ListViewState& state, const CMirovaneDoc& document) {
     const auto place = document.indexOfDevice(record.RecID);
-    return withSortKey(state.column, [&](auto makeKey) {
+    return withSortKey(state.column, state.addresses, [&](auto makeKey) {
         const auto key = makeKey(record);
         const auto standsBefore = [&](const CHardware* row) {
             const auto other = makeKey(*row);
@@ -266,7 +294,7 @@ std::vector<const CHardware*> listViewRows(const CMirovaneDoc& document, const L
     for (std::size_t i = 0; i < document.size(); ++i)
         if (state.filter.shows(document.at(i)))
             rows.push_back(&document.at(i));
-    sortListRows(rows, state.column, state.greatestFirst);
+    sortListRows(rows, state.column, state.greatestFirst, state.addresses);
     return rows;
 }
 

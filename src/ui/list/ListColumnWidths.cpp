@@ -1,7 +1,5 @@
 #include "ui/list/ListColumnWidths.h"
 
-#include "model/rows/ListRows.h"
-
 #include <algorithm>
 #include <chrono>
 #include <string>
@@ -13,6 +11,7 @@ namespace {
 constexpr std::chrono::milliseconds settleTime{200};
 constexpr std::int32_t notSet = 0;
 constexpr std::int32_t widest = 5000;
+constexpr int widestAtFirst = 260;
 
 std::string settingName(int column) {
     return "ListViewWidth" + std::to_string(column);
@@ -29,10 +28,23 @@ CListColumnWidths::CListColumnWidths(QHeaderView& titles, CSettings& settings)
     delay_.setSingleShot(true);
     connect(&delay_, &QTimer::timeout, this, &CListColumnWidths::write);
     for (int column = 0; column < listColumnCount; ++column) {
+        began_[static_cast<std::size_t>(column)] = firstWidth(column);
         const std::int32_t kept = settings_.read(settingName(column), notSet);
         titles_.resizeSection(column, kept > 0 ? std::min(kept, widest) : firstWidth(column));
     }
     connect(&titles_, &QHeaderView::sectionResized, this, [this] { delay_.start(settleTime); });
+}
+
+void CListColumnWidths::fit(QTableView& table) {
+    for (int column = 0; column < listColumnCount; ++column) {
+        int& began = began_[static_cast<std::size_t>(column)];
+        if (titles_.sectionSize(column) != began)
+            continue;
+        table.resizeColumnToContents(column);
+        began = std::clamp(titles_.sectionSize(column), firstWidth(column),
+                           std::max(firstWidth(column), widestAtFirst));
+        titles_.resizeSection(column, began);
+    }
 }
 
 void CListColumnWidths::makeRoomFor(int column, const QString& text) {
@@ -42,9 +54,10 @@ void CListColumnWidths::makeRoomFor(int column, const QString& text) {
         titles_.resizeSection(column, wanted);
 }
 
-void CListColumnWidths::reset() {
+void CListColumnWidths::reset(QTableView& table) {
     for (int column = 0; column < listColumnCount; ++column)
-        titles_.resizeSection(column, firstWidth(column));
+        titles_.resizeSection(column, began_[static_cast<std::size_t>(column)]);
+    fit(table);
 }
 
 void CListColumnWidths::flush() {
@@ -58,7 +71,7 @@ void CListColumnWidths::flush() {
 void CListColumnWidths::write() {
     for (int column = 0; column < listColumnCount; ++column) {
         const int width = titles_.sectionSize(column);
-        const std::int32_t value = width == firstWidth(column) ? notSet : width;
+        const std::int32_t value = width == began_[static_cast<std::size_t>(column)] ? notSet : width;
         if (settings_.read(settingName(column), notSet) != value)
             settings_.write(settingName(column), value);
     }

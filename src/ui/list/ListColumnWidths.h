@@ -1,9 +1,13 @@
 #pragma once
 
 #include "model/Settings.h"
+#include "model/rows/ListRows.h"
 
 #include <QHeaderView>
+#include <QTableView>
 #include <QTimer>
+
+#include <array>
 
 namespace mirovane {
 
@@ -19,8 +23,12 @@ public:
     /// that is cut off nothing useful is left, and widths fitted to one datafile serve the next, too.
     void makeRoomFor(int column, const QString& text);
 
+    /// Columns that the user has left alone become as wide as their titles and the texts in the table, within
+    /// limits: no narrower than they began, and none so wide that it hides the others.
+    void fit(QTableView& table);
+
     /// The widths that they begin with; remembered as such.
-    void reset();
+    void reset(QTableView& table);
 
     /// Writes now what is still waiting to be written.
     void flush();
@@ -30,6 +38,7 @@ private:
 
     QHeaderView& titles_;
     CSettings& settings_;
+    std::array<int, listColumnCount> began_{}; ///< the widths that nobody chose
     QTimer delay_;
 };
 

@@ -20,6 +20,9 @@ using Flags = QItemSelectionModel::SelectionFlags;
 /// After so long a letter begins another word.
 constexpr int typingPauseMs = 1500;
 
+/// So long people take a text for the one that they are typing: the window shows it for that time.
+constexpr int typedShownMs = 4000;
+
 constexpr int smallestColumn = 14;
 
 /// A column is fitted to the texts of so many rows; all 65,000 would take seconds.
@@ -109,6 +112,15 @@ void CListTable::sortBy(ListColumn column) {
         scrollTo(currentIndex(), PositionAtCenter);
     else
         scrollToTop();
+}
+
+void CListTable::goToDevice(std::int32_t recID) {
+    const int row = rows_.rowOfDevice(recID);
+    if (row < 0)
+        return;
+    const QModelIndex place = rows_.index(row, std::max(0, currentIndex().column()));
+    setCurrentIndex(place);
+    scrollTo(place);
 }
 
 void CListTable::goToStart() {
@@ -214,6 +226,8 @@ QModelIndex CListTable::moveCursor(CursorAction action, Qt::KeyboardModifiers mo
 void CListTable::keyPressEvent(QKeyEvent* event) {
     const bool typing = lastLetter_.isValid() && !lastLetter_.hasExpired(typingPauseMs);
     const bool plain = !(event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier));
+    if (event->key() == Qt::Key_Escape && endTyping())
+        return;
     if (event->matches(QKeySequence::Copy))
         return; // the menu's command copies rows; the base class would copy the current cell
     if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
@@ -227,6 +241,16 @@ void CListTable::keyPressEvent(QKeyEvent* event) {
     } else {
         QTableView::keyPressEvent(event);
     }
+}
+
+/// False when nothing is being typed: then the key is for the window.
+bool CListTable::endTyping() {
+    if (!lastLetter_.isValid() || lastLetter_.hasExpired(typedShownMs))
+        return false;
+    lastLetter_.invalidate();
+    typed_.clear();
+    Q_EMIT searched({}, true);
+    return true;
 }
 
 /// Letters typed without a pause make one text, and the search begins at the current row, so that a row that

@@ -33,6 +33,9 @@ public:
     /// Sorts by a column, as a click on its title does.
     void sortBy(ListColumn column);
 
+    /// Makes the device's row the current one, and brings it into view. Nothing when it has none.
+    void goToDevice(std::int32_t recID);
+
     /// Back to the first row, with no current one: another datafile.
     void goToStart();
 
@@ -71,6 +74,7 @@ private:
                                                      const QMouseEvent& event) const;
     QString emptyText() const;
     bool goTo(std::optional<int> row);
+    bool endTyping();
 
     CListViewModel& rows_;
     Place place_;

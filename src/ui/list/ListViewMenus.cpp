@@ -21,19 +21,19 @@ struct HideEntry {
 
 /// In the menu's order, which is not that of the codes.
 constexpr std::array hideEntries{
-    HideEntry{DeviceType::LocationMarker, "Location Mar&ker"},
-    HideEntry{DeviceType::Jack, "&Jacks"},
-    HideEntry{DeviceType::Computer, "&Computers"},
-    HideEntry{DeviceType::Printer, "&Printers"},
-    HideEntry{DeviceType::Laptop, "Lap&tops"},
-    HideEntry{DeviceType::Router, "&Routers"},
-    HideEntry{DeviceType::Switch, "&Switches"},
-    HideEntry{DeviceType::Phone, "P&hones"},
-    HideEntry{DeviceType::Camera, "Ca&mera"},
-    HideEntry{DeviceType::CardModule, "Car&d Module"},
-    HideEntry{DeviceType::Ups, "&UPS"},
-    HideEntry{DeviceType::Wireless, "Wir&eless"},
-    HideEntry{DeviceType::Unknown, "Unknown"},
+    HideEntry{DeviceType::LocationMarker, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "Location Mar&ker")},
+    HideEntry{DeviceType::Jack, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "&Jacks")},
+    HideEntry{DeviceType::Computer, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "&Computers")},
+    HideEntry{DeviceType::Printer, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "&Printers")},
+    HideEntry{DeviceType::Laptop, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "Lap&tops")},
+    HideEntry{DeviceType::Router, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "&Routers")},
+    HideEntry{DeviceType::Switch, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "&Switches")},
+    HideEntry{DeviceType::Phone, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "P&hones")},
+    HideEntry{DeviceType::Camera, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "Ca&mera")},
+    HideEntry{DeviceType::CardModule, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "Car&d Module")},
+    HideEntry{DeviceType::Ups, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "&UPS")},
+    HideEntry{DeviceType::Wireless, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "Wir&eless")},
+    HideEntry{DeviceType::Unknown, QT_TRANSLATE_NOOP("mirovane::CListViewMenus", "Unknown")},
 };
 
 constexpr std::uint32_t bitOf(std::int32_t type) {
@@ -41,6 +41,8 @@ constexpr std::uint32_t bitOf(std::int32_t type) {
 }
 
 constexpr std::uint32_t everyType = bitOf(DeviceType::last + 1) - 1;
+
+constexpr std::string_view addressesSetting = "ListViewAddressesAsNumbers";
 
 /// The first ten columns; the others are reached by their letters in the menu.
 QKeySequence sortKey(int column) {
@@ -80,11 +82,11 @@ void CListViewMenus::makeViewMenu(QMenu& menu) {
     addPlaceToggle(menu, tr("&Discovered/Misc Device"), &ListFilter::discovered);
     addPlaceToggle(menu, tr("Main Floor Devices"), &ListFilter::floor);
     menu.addSeparator();
-    addCommand(menu, QStringLiteral("&Refresh"), QKeySequence(Qt::Key_F5), parts_.refresh);
+    addCommand(menu, tr("&Refresh"), QKeySequence(Qt::Key_F5), parts_.refresh);
     menu.addSeparator();
     addCommand(
         menu, tr("&Fit Columns to Their Texts"), {}, [this] { parts_.table.resizeColumnsToContents(); });
-    addCommand(menu, tr("Reset Column &Widths"), {}, [this] { parts_.widths.reset(); });
+    addCommand(menu, tr("Reset Column &Widths"), {}, [this] { parts_.widths.reset(parts_.table); });
     menu.addSeparator();
     addCommand(menu, tr("&Close"), QKeySequence(QStringLiteral("Ctrl+W")), parts_.close);
 }
@@ -92,7 +94,7 @@ void CListViewMenus::makeViewMenu(QMenu& menu) {
 void CListViewMenus::makeHideMenu(QMenu& menu) {
     menu.setObjectName(QStringLiteral("listMenuHide"));
     for (const HideEntry& entry : hideEntries)
-        addHideToggle(menu, QString::fromLatin1(entry.text), entry.type);
+        addHideToggle(menu, tr(entry.text), entry.type);
     menu.addSeparator();
     addCommand(
         menu, tr("&None"), {}, [this] { setHiddenTypes(0); });
@@ -174,6 +176,19 @@ void CListViewMenus::makeSortMenu(QMenu& menu) {
         action->setCheckable(true);
         checks_.push_back([this, action, which] { action->setChecked(parts_.rows.state().column == which); });
     }
+    menu.addSeparator();
+    QAction* numbers = addCommand(menu, tr("Addresses as &Numbers"), {}, [this] {
+        const bool on = parts_.rows.state().addresses == AddressOrder::Text;
+        parts_.rows.setAddressOrder(on ? AddressOrder::Number : AddressOrder::Text);
+        parts_.settings.write(addressesSetting, on ? 1 : 0);
+        refreshChecks();
+    });
+    numbers->setCheckable(true);
+    numbers->setObjectName(QStringLiteral("listAddressesAsNumbers"));
+    checks_.push_back(
+        [this, numbers] { numbers->setChecked(parts_.rows.state().addresses == AddressOrder::Number); });
+    if (parts_.settings.read(addressesSetting, 0) != 0)
+        parts_.rows.setAddressOrder(AddressOrder::Number);
 }
 
 // ---- under the right mouse button
@@ -199,7 +214,7 @@ void CListViewMenus::popUpForTitle(QPoint where) {
             [this, column] { parts_.table.resizeColumnToContents(column); });
     menu.addAction(
         tr("Fit &All Columns"), titles, [this] { parts_.table.resizeColumnsToContents(); });
-    menu.addAction(tr("&Reset Column Widths"), titles, [this] { parts_.widths.reset(); });
+    menu.addAction(tr("&Reset Column Widths"), titles, [this] { parts_.widths.reset(parts_.table); });
     menu.exec(titles->mapToGlobal(where));
 }
 

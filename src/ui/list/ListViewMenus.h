@@ -20,6 +20,7 @@ public:
         CListViewModel& rows;
         CListTable& table;
         CListColumnWidths& widths;
+        CSettings& settings;
         std::function<void()> refresh; ///< "&Refresh"
         std::function<void()> close;
     };

@@ -136,6 +136,11 @@ void CListViewModel::sortBy(ListColumn column) {
     refill();
 }
 
+void CListViewModel::setAddressOrder(AddressOrder order) {
+    state_.addresses = order;
+    refill();
+}
+
 void CListViewModel::setFilter(const ListFilter& filter) {
     state_.filter = filter;
     refill();
@@ -249,7 +254,7 @@ void CListViewModel::recordChanged(const CHardware& before, const CHardware& aft
     }
     noteSelection(row);
     dirty_.push_back(after.RecID);
-    if (!sameSortKey(before, after, state_.column))
+    if (!sameSortKey(before, after, state_))
         stale_.insert(after.RecID);
     schedule(cellDelay);
 }

@@ -56,6 +56,8 @@ public:
     /// A click on a title: sorts by that column and turns the direction round.
     void sortBy(ListColumn column);
 
+    void setAddressOrder(AddressOrder order);
+
     /// Takes another filter and fills the rows anew.
     void setFilter(const ListFilter& filter);
 

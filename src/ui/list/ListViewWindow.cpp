@@ -15,6 +15,7 @@
 
 #include <chrono>
 #include <functional>
+#include <utility>
 
 namespace mirovane {
 
@@ -39,7 +40,7 @@ CListViewWindow::CListViewWindow(CStation& station, CSettings& settings)
       status_(new QLabel(this)),
       datafile_(station.datafile().path()) {
     setObjectName(QStringLiteral("listViewWindow"));
-    setWindowTitle(QObject::tr("List View - Mirovane"));
+    setWindowTitle(tr("List View - Mirovane"));
     setAttribute(Qt::WA_QuitOnClose, false);
     layOut();
     setMinimumSize(smallestSize);
@@ -50,6 +51,7 @@ CListViewWindow::CListViewWindow(CStation& station, CSettings& settings)
     connect(table_, &CListTable::rowActivated, this, &CListViewWindow::activateRow);
     connect(table_, &CListTable::searched, this, &CListViewWindow::noteSearch);
     connect(&rows_, &CListViewModel::updated, this, &CListViewWindow::showStatus);
+    connect(&rows_, &CListViewModel::updated, this, &CListViewWindow::followFloor);
     connect(&rows_, &CListViewModel::rearranged, this, &CListViewWindow::startOverInAnotherDatafile);
     station_.addObserver(*this);
 }
@@ -63,7 +65,7 @@ CListViewWindow::~CListViewWindow() {
 void CListViewWindow::layOut() {
     auto* bar = new QMenuBar(this);
     bar->setNativeMenuBar(false); // a window of its own has menus of its own
-    new CListViewMenus(*bar, {rows_, *table_, *widths_, [this] { rows_.refill(); },
+    new CListViewMenus(*bar, {rows_, *table_, *widths_, settings_, [this] { rows_.refill(); },
                               [this] {
                                   close();
                               }});
@@ -101,6 +103,8 @@ void CListViewWindow::showEvent(QShowEvent* event) {
     if (event->spontaneous())
         return;
     rows_.setLive(true);
+    widths_->fit(*table_);
+    followFloor();
     widths_->makeRoomFor(static_cast<int>(ListColumn::ID),
                          QString::number(station_.document().nextRecordID()));
 }
@@ -125,6 +129,16 @@ void CListViewWindow::startOverInAnotherDatafile() {
         return;
     datafile_ = station_.datafile().path();
     table_->goToStart();
+    widths_->fit(*table_);
+}
+
+/// The device that was selected on the floor is where the next key acts from.
+void CListViewWindow::followFloor() {
+    const CSelection& selection = station_.selection();
+    const std::int32_t chosen = selection.count() == 1 ? selection.members().front()->RecID : 0;
+    if (chosen == std::exchange(followed_, chosen) || chosen == 0 || chosen == table_->currentDevice())
+        return;
+    table_->goToDevice(chosen);
 }
 
 void CListViewWindow::activateRow(std::int32_t recID) {

@@ -50,6 +50,7 @@ private:
     void say(const QString& note);
     void showStatus();
     void startOverInAnotherDatafile();
+    void followFloor();
 
     CStation& station_;
     CSettings& settings_;
@@ -61,6 +62,7 @@ private:
     QString note_;
     QTimer noteEnds_;
     std::string datafile_;
+    std::int32_t followed_ = 0; ///< the device that was selected alone when the list looked last
 };
 
 } // namespace mirovane

@@ -272,6 +272,54 @@ TEST_F(ListViewWindowTest, TypingFindsRowsInTheSortedColumn) {
     EXPECT_NE(status().find("Discovered/Misc"), std::string::npos) << status();
 }
 
+TEST_F(ListViewWindowTest, EscapeEndsTheTypingBeforeItClosesTheWindow) {
+    open(20);
+    QTest::keyClicks(&table(), QStringLiteral("pc-1012"));
+    EXPECT_EQ(table().currentIndex().row(), 12);
+    QTest::keyClick(&table(), Qt::Key_Escape);
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_FALSE(window->findChild<QLabel*>(QStringLiteral("listStatus"))->text().contains(u'\u201c'));
+    QTest::keyClick(&table(), Qt::Key_Escape);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(ListViewWindowTest, TheRowOfTheDeviceSelectedOnTheFloorIsTheCurrentOne) {
+    open(200);
+    const std::int32_t chosen = window->rows().recIDAt(150);
+    site.station->selection().only(*site.doc().findDevice(chosen));
+    settle();
+    EXPECT_EQ(table().currentDevice(), chosen);
+    EXPECT_TRUE(table().viewport()->rect().contains(middleOf(150)));
+    QSignalSpy shown(&table(), &CListTable::rowActivated);
+    QTest::keyClick(&table(), Qt::Key_Return);
+    EXPECT_EQ(shown.value(0).value(0).toInt(), chosen);
+    QTest::keyClick(&table(), Qt::Key_Down);
+    EXPECT_EQ(table().currentIndex().row(), 151);
+    EXPECT_EQ(window->rows().selectedCount(), 1);
+    QTest::keyClick(&table(), Qt::Key_Down, Qt::ControlModifier); // walks on, selects nothing
+    settle();
+    EXPECT_EQ(table().currentIndex().row(), 152);
+}
+
+TEST_F(ListViewWindowTest, AddressesSortAsNumbersOnRequestAndTheNextTime) {
+    open(3);
+    for (int row = 0; row < 3; ++row)
+        site.doc().edit(*window->rows().recordAt(row), [row](CHardware& device) {
+            device.IPAddress = row == 0 ? "10.0.0.10" : row == 1 ? "10.0.0.9" : "printer";
+        });
+    table().sortBy(ListColumn::IPAddress);
+    table().sortBy(ListColumn::IPAddress);
+    const bool down = window->rows().state().greatestFirst;
+    if (down)
+        table().sortBy(ListColumn::IPAddress);
+    EXPECT_EQ(names(), (std::vector<std::string>{"pc-1000", "pc-1001", "pc-1002"}));
+    window->findChild<QAction*>(QStringLiteral("listAddressesAsNumbers"))->trigger();
+    EXPECT_EQ(names(), (std::vector<std::string>{"pc-1001", "pc-1000", "pc-1002"}));
+    site.station->listExport().listView().addresses = AddressOrder::Text;
+    window.emplace(*site.station, site.settings);
+    EXPECT_EQ(window->rows().state().addresses, AddressOrder::Number);
+}
+
 TEST_F(ListViewWindowTest, CopiesTheSelectedRowsAsTheyStand) {
     open(3);
     QApplication::clipboard()->setText(QStringLiteral("before"));
@@ -316,10 +364,9 @@ TEST_F(ListViewWindowTest, PlaceAndWidthsAreRemembered) {
     open(1);
     EXPECT_NE(window->width(), 620) << "the height is missing";
     const QHeaderView* titles = table().horizontalHeader();
-    EXPECT_EQ(titles->sectionSize(0), 30);
-    EXPECT_EQ(titles->sectionSize(3), 17);
-    EXPECT_EQ(titles->sectionSize(16), 110);
-    table().horizontalHeader()->resizeSection(3, 60);
+    EXPECT_EQ(titles->sectionSize(16), 110) << "nothing in it needs more";
+    EXPECT_GE(titles->sectionSize(3), titles->fontMetrics().horizontalAdvance(QStringLiteral("Priority")));
+    table().horizontalHeader()->resizeSection(3, 90);
     window->resize(700, 400);
     EXPECT_EQ(table().geometry().bottomRight(), window->rect().bottomRight() - QPoint(10, 10));
     window->close();
@@ -329,7 +376,7 @@ TEST_F(ListViewWindowTest, PlaceAndWidthsAreRemembered) {
     window.emplace(*site.station, site.settings);
     window->present();
     EXPECT_EQ(window->size(), QSize(700, 400));
-    EXPECT_EQ(table().horizontalHeader()->sectionSize(3), 60);
+    EXPECT_EQ(table().horizontalHeader()->sectionSize(3), 90);
     action("listMenuView", "Reset Column &Widths")->trigger();
     window->close();
     EXPECT_EQ(site.settings.read("ListViewWidth3", 0), 0) << "what was never changed is not kept";
