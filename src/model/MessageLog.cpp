@@ -64,6 +64,12 @@ void CMessageLog::settle() {
             listener->linesSettle();
 }
 
+void CMessageLog::LogStatistics(std::string_view text) {
+    LogLine line{clock_.wall(), oneLine(text)};
+    line.statistics = true;
+    append(line);
+}
+
 void CMessageLog::begin(std::string_view line) {
     if (lines_.empty())
         append({std::nullopt, oneLine(line), false, false});

@@ -17,6 +17,7 @@ struct LogLine {
     std::string text;
     bool toStatusBar = false; ///< also for the status bar's message pane
     bool lasting = false;     ///< names a value that gave way: it must be found again weeks later
+    bool statistics = false;  ///< the counts of a run: many, and rarely what somebody looks for
 
     /// With the local date and time in the locale's form before it.
     std::string shown() const;
@@ -50,6 +51,8 @@ public:
 
     /// Before the datafile is replaced.
     void settle();
+
+    void LogStatistics(std::string_view text);
 
     /// The first line of the log, undated; only into an empty log.
     void begin(std::string_view line);

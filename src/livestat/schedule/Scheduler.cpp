@@ -254,7 +254,7 @@ void CLiveStatScheduler::reportRun() {
         line += devices + " Looped " + std::to_string(picker_.loops()) + " times. Last loop took " +
                 std::to_string(picker_.lastLoopSeconds()) + " sec";
     }
-    log_.LogMessage(line);
+    log_.LogStatistics(line);
     shownCount_ = run_.devices();
 }
 

@@ -10,6 +10,7 @@ CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts
       parts_(parts),
       files_(services.station, services.dialogs, services.recent, parts.refresh),
       export_(services.station, services.settings, services.dialogs),
+      mail_(services.station, services.dialogs, services.launcher, files_),
       view_(services.station.display(), services.settings,
             {parts.toolbar, parts.statusBar, [this] { parts_.windows.showMessageLog(); },
              [this] { parts_.windows.showListView(); },
@@ -18,29 +19,34 @@ CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts
              }}),
       zoom_(*new CFloorZooming(parts.floor, services.station.display(), services.settings), services.dialogs),
       print_(parts.floor, services.station, services.dialogs),
-      tools_(services.station, services.dialogs, {&parts.frame, services.settings, services.clock}),
+      tools_(services.station, services.dialogs,
+             {&parts.frame, services.settings, services.clock,
+              [this] {
+                  parts_.floor.viewport()->update();
+              }}),
       editing_({services.station, parts.floor, services.dialogs, services.settings, services.log}),
       applications_({services.station, services.dialogs, services.settings, services.log, services.launcher,
-                     parts.frame}) {}
+                     parts.frame}),
+      help_(services.dialogs) {}
 
 void CFrameCommands::connectTo(CCommandActions& actions) {
     files_.connectTo(actions);
     export_.connectTo(actions);
+    mail_.connectTo(actions);
     view_.connectTo(actions);
     zoom_.connectTo(actions);
     print_.connectTo(actions);
     tools_.connectTo(actions);
     editing_.connectTo(actions);
     applications_.connectTo(actions);
+    help_.connectTo(actions);
     const auto on = [&actions](CommandId id, std::function<void()> run) {
         actions.setHandler(id, {[run = std::move(run)](const CommandDefinition&, bool) { run(); }, {}});
     };
     if (services_.station.discoverNow())
         on(
             CommandId::ToolsDiscoverNow, [this] { parts_.windows.showDiscoverNow(); });
-    on(
-        CommandId::FileExit, [this] { parts_.frame.close(); });
-    on(CommandId::HelpAbout, [this] { services_.dialogs.about(); });
+    on(CommandId::FileExit, [this] { parts_.frame.close(); });
 }
 
 std::string CFrameCommands::targets() const {

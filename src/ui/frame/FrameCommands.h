@@ -4,6 +4,8 @@
 #include "ui/frame/commands/ExportCommand.h"
 #include "ui/frame/commands/FileCommands.h"
 #include "ui/frame/commands/FrameServices.h"
+#include "ui/frame/commands/HelpCommands.h"
+#include "ui/frame/commands/MailCommand.h"
 #include "ui/frame/commands/PrintCommands.h"
 #include "ui/frame/commands/ToolsCommands.h"
 #include "ui/frame/commands/ViewCommands.h"
@@ -53,12 +55,14 @@ private:
     Parts parts_;
     CFileCommands files_;
     CExportCommand export_;
+    CMailCommand mail_;
     CViewCommands view_;
     CZoomCommands zoom_;
     CPrintCommands print_;
     CToolsCommands tools_;
     CEditingCommands editing_;
     CApplicationCommands applications_;
+    CHelpCommands help_;
 };
 
 } // namespace mirovane

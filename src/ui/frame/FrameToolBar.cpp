@@ -1,10 +1,9 @@
 #include "ui/frame/FrameToolBar.h"
 
+#include "ui/frame/MarkerSelector.h"
 #include "ui/frame/ToolIcons.h"
 
 #include <QMainWindow>
-#include <QToolBar>
-#include <QToolButton>
 
 #include <array>
 #include <string_view>
@@ -18,31 +17,69 @@ struct Button {
     ToolPicture picture = ToolPicture::New;
 };
 
-constexpr std::array buttons = {Button{"fileNew", ToolPicture::New}, Button{"fileOpen", ToolPicture::Open},
-                                Button{"fileSave", ToolPicture::Save}, Button{""},
-                                Button{"helpAbout", ToolPicture::About}};
+constexpr std::array buttons = {Button{"fileNew", ToolPicture::New},
+                                Button{"fileOpen", ToolPicture::Open},
+                                Button{"fileSave", ToolPicture::Save},
+                                Button{""},
+                                Button{"editCut", ToolPicture::Cut},
+                                Button{"editCopy", ToolPicture::Copy},
+                                Button{"editPaste", ToolPicture::Paste},
+                                Button{""},
+                                Button{"filePrint", ToolPicture::Print},
+                                Button{""},
+                                Button{"helpAbout", ToolPicture::About},
+                                Button{"helpContext", ToolPicture::Help},
+                                Button{""}};
 
 constexpr QSize buttonSize(16, 15);
 
+constexpr std::string_view areaSetting = "ToolbarArea";
+
+constexpr Qt::ToolBarArea areaOf(std::int32_t stored) {
+    for (const auto area : {Qt::LeftToolBarArea, Qt::RightToolBarArea, Qt::BottomToolBarArea})
+        if (stored == area)
+            return area;
+    return Qt::TopToolBarArea;
+}
+
 } // namespace
 
-QToolBar* makeToolBar(QMainWindow& window, const CCommandActions& actions) {
-    auto* toolbar = new QToolBar(QObject::tr("Toolbar"), &window);
-    toolbar->setObjectName(QStringLiteral("toolbar"));
-    toolbar->setIconSize(buttonSize);
-    toolbar->setAllowedAreas(Qt::AllToolBarAreas);
+CFrameToolBar::CFrameToolBar(QMainWindow& window, const CCommandActions& actions,
+                             const CMirovaneDoc& document, CSettings& settings)
+    : QToolBar(tr("Toolbar"), &window),
+      window_(window),
+      settings_(settings),
+      markers_(new CMarkerSelector(document)) {
+    setObjectName(QStringLiteral("toolbar"));
+    setIconSize(buttonSize);
+    setAllowedAreas(Qt::AllToolBarAreas);
+    addButtons(actions);
+    addWidget(markers_);
+    window.addToolBar(areaOf(settings_.read(areaSetting, Qt::TopToolBarArea)), this);
+    connect(this, &QToolBar::topLevelChanged, this, &CFrameToolBar::keepPlace);
+    connect(this, &QToolBar::orientationChanged, this, &CFrameToolBar::keepPlace);
+    connect(this, &QToolBar::visibilityChanged, this, &CFrameToolBar::keepPlace);
+}
+
+void CFrameToolBar::addButtons(const CCommandActions& actions) {
     for (const Button& button : buttons) {
         if (button.command.empty()) {
-            toolbar->addSeparator();
+            addSeparator();
             continue;
         }
         QAction* action = actions.action(button.command);
+        if (!action)
+            continue;
         action->setIcon(toolIcon(button.picture));
         action->setIconVisibleInMenu(false);
-        toolbar->addAction(action);
+        addAction(action);
     }
-    window.addToolBar(Qt::TopToolBarArea, toolbar);
-    return toolbar;
+}
+
+void CFrameToolBar::keepPlace() {
+    const Qt::ToolBarArea area = window_.toolBarArea(this);
+    if (!isFloating() && area != Qt::NoToolBarArea && area != settings_.read(areaSetting, Qt::TopToolBarArea))
+        settings_.write(areaSetting, area);
 }
 
 } // namespace mirovane

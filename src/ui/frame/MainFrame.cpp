@@ -2,8 +2,11 @@
 
 #include "model/records/Text.h"
 #include "ui/floor/MirovaneView.h"
+#include "ui/frame/FileDrop.h"
 #include "ui/frame/FrameMenus.h"
+#include "ui/frame/FrameTitle.h"
 #include "ui/frame/FrameToolBar.h"
+#include "ui/frame/MarkerSelector.h"
 #include "ui/frame/MessageLogWindow.h"
 #include "ui/frame/StationState.h"
 #include "ui/frame/ToolIcons.h"
@@ -16,6 +19,7 @@
 #include <QMenuBar>
 #include <QPointer>
 #include <QScreen>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -32,7 +36,7 @@ CMainFrame::CMainFrame(const Services& services, CMirovaneView* floor)
     : services_(services),
       floor_(floor),
       actions_(new CCommandActions(*this)),
-      toolbar_(makeToolBar(*this, *actions_)),
+      toolbar_(new CFrameToolBar(*this, *actions_, services.station.document(), services.settings)),
       panes_(*statusBar()),
       windows_(services, *this),
       commands_(services, {*this, *floor, *toolbar_, *statusBar(), windows_, [this] {
@@ -45,7 +49,11 @@ CMainFrame::CMainFrame(const Services& services, CMirovaneView* floor)
     commands_.connectTo(*actions_);
     makeMenus();
     connectWindows();
+    connectPaneKeys();
     connectStation();
+    connect(
+        new CFileDrop(*this), &CFileDrop::dropped, this,
+        [this](const std::string& path) { files().openPath(path); }, Qt::QueuedConnection);
     placeWindow();
     refresh();
     floor_->setFocus();
@@ -95,6 +103,50 @@ void CMainFrame::connectWindows() {
     connect(&windows_, &CFrameWindows::deviceWanted, this, &CMainFrame::showOnFloor);
     connect(&windows_, &CFrameWindows::rangesWanted, this,
             [this](QWidget* asking) { commands_.tools().openLiveStatOptions(asking); });
+    connect(floor_, &CMirovaneView::selectedMarkerChanged, this, [this](std::int32_t recID) {
+        const CHardware* marker = services_.station.document().findDevice(recID);
+        if (marker)
+            toolbar_->markers().SelectMarkerItem(marker->Comment);
+        else
+            toolbar_->markers().ClearMarkerSelection();
+    });
+    connect(&toolbar_->markers(), &CMarkerSelector::markerChosen, this, &CMainFrame::showMarker);
+    connect(&panes_, &CStatusPanes::remindersClicked, this, [this] {
+        if (QAction* next = actions_->action("editFindReminderDue"))
+            next->trigger();
+    });
+}
+
+/// The floor and the toolbar's list: of two panes the next one is also the one before.
+void CMainFrame::connectPaneKeys() {
+    for (const char* key : {"F6", "Shift+F6"})
+        connect(
+            new QShortcut(QKeySequence(QLatin1String(key)), this), &QShortcut::activated, this,
+            [this] {
+                QWidget& markers = toolbar_->markers();
+                if (!markers.isVisible() || markers.hasFocus())
+                    floor_->setFocus(Qt::ShortcutFocusReason);
+                else
+                    markers.setFocus(Qt::ShortcutFocusReason);
+            });
+}
+
+/// In front of a window manager's own choice: both bars are switched where their marks are.
+QMenu* CMainFrame::createPopupMenu() {
+    auto* menu = new QMenu(this);
+    menu->addActions({actions_->action("viewToolbar"), actions_->action("viewStatusBar")});
+    return menu;
+}
+
+/// As a search for its number would.
+void CMainFrame::showMarker(std::int32_t recID) {
+    const CHardware* marker = services_.station.document().findDevice(recID);
+    if (!marker)
+        return;
+    services_.station.selection().none();
+    services_.station.selection().only(*marker);
+    floor_->setSelectedMarker(recID);
+    showOnFloor(recID);
 }
 
 void CMainFrame::showOnFloor(std::int32_t recID) {
@@ -173,13 +225,15 @@ void CMainFrame::placeWindow() {
 }
 
 void CMainFrame::showTitle() {
-    const QString title =
-        showsReminder() ? tr("Reminder Due:%1").arg(services_.station.reminders().DueCount())
-                        : QString::fromStdString(mirovane::windowTitle(services_.station.datafile().path()));
-    // Doubled, or a file named so would lose it: alone it is where a window title marks changes.
-    const QString literal = QString(title).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
-    if (literal != QMainWindow::windowTitle())
-        setWindowTitle(literal);
+    const CStation& station = services_.station;
+    const std::string& datafile = station.datafile().path();
+    const QString title = showsReminder() ? tr("Reminder Due:%1").arg(station.reminders().DueCount())
+                                          : frameTitle(datafile, files().readOnly());
+    if (title != windowTitle())
+        setWindowTitle(title);
+    const bool modified = datafile.empty() && station.document().modified() && !showsReminder();
+    if (modified != isWindowModified()) // or each idle moment would make the next one
+        setWindowModified(modified);
 }
 
 bool CMainFrame::showsReminder() const {

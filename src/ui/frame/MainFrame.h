@@ -15,6 +15,7 @@
 namespace mirovane {
 
 class CApplicationsMenu;
+class CFrameToolBar;
 class CMirovaneView;
 
 /// The one main window: menus, toolbar, the floor and the status bar.
@@ -50,13 +51,16 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    QMenu* createPopupMenu() override;
 
 private:
     void makeMenus();
     void menuOpens();
     void connectWindows();
+    void connectPaneKeys();
     void connectStation();
     void showOnFloor(std::int32_t recID);
+    void showMarker(std::int32_t recID);
     void placeWindow();
     void showTitle();
     bool showsReminder() const;
@@ -69,7 +73,7 @@ private:
     Services services_;
     CMirovaneView* floor_;
     CCommandActions* actions_;
-    QToolBar* toolbar_;
+    CFrameToolBar* toolbar_;
     CStatusPanes panes_;
     CFrameWindows windows_;
     CFrameCommands commands_;

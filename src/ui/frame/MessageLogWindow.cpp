@@ -1,17 +1,22 @@
 #include "ui/frame/MessageLogWindow.h"
 
-#include "model/records/Text.h"
+#include "ui/widgets/DialogText.h"
 #include "ui/widgets/WindowPlacement.h"
 
 #include <QFont>
 #include <QFontMetrics>
 #include <QGuiApplication>
+#include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPointer>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTextCursor>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <string_view>
 
 namespace mirovane {
 
@@ -19,6 +24,8 @@ namespace {
 
 /// The log's own limit; the empty line after the last line end counts as one.
 constexpr int lineLimit = 400;
+
+constexpr std::string_view noStatisticsSetting = "MessageLogNoStatistics";
 
 QFont logFont() {
     QFont font;
@@ -50,13 +57,20 @@ QPlainTextEdit* makeText(QWidget* parent) {
 } // namespace
 
 CMessageLogWindow::CMessageLogWindow(CMessageLog& log, CSettings& settings)
-    : log_(log), text_(makeText(this)) {
+    : log_(log),
+      settings_(settings),
+      filter_(new QLineEdit),
+      noStatistics_(new QCheckBox(tr("&Without statistics"))),
+      text_(makeText(this)) {
     setObjectName(QStringLiteral("messageLogWindow"));
-    setWindowTitle(QObject::tr("Message logs - Mirovane"));
+    setWindowTitle(tr("Message logs - Mirovane"));
     setAttribute(Qt::WA_QuitOnClose, false);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(makeFilter());
     layout->addWidget(text_);
+    text_->setFocus();
 
     resize(defaultSize().boundedTo(QGuiApplication::primaryScreen()->availableSize() * 9 / 10));
     restorePlacement(*this, settings, messageLogPlacement);
@@ -64,11 +78,33 @@ CMessageLogWindow::CMessageLogWindow(CMessageLog& log, CSettings& settings)
 
     if (log.lines().empty())
         log.begin("Start Mirovane");
-    for (const LogLine& line : log.lines())
-        lineLogged(line);
+    refill();
     log.addListener(*this);
     connect(text_->verticalScrollBar(), &QScrollBar::valueChanged, this,
             [this] { following_ = followsEnd(); });
+}
+
+QLayout* CMessageLogWindow::makeFilter() {
+    filter_->setObjectName(QStringLiteral("messageLogFilter"));
+    filter_->setPlaceholderText(tr("words that a line must have"));
+    filter_->setClearButtonEnabled(true);
+    noStatistics_->setObjectName(QStringLiteral("messageLogNoStatistics"));
+    noStatistics_->setToolTip(tr("Leaves out the counts of Live Stat's runs"));
+    noStatistics_->setChecked(settings_.read(noStatisticsSetting, 0) != 0);
+    auto* label = new QLabel(tr("&Filter:"));
+    label->setBuddy(filter_);
+    auto* row = new QHBoxLayout;
+    constexpr int edge = 6;
+    row->setContentsMargins(edge, edge, edge, edge);
+    row->addWidget(label);
+    row->addWidget(filter_, 1);
+    row->addWidget(noStatistics_);
+    connect(filter_, &QLineEdit::textChanged, this, &CMessageLogWindow::refill);
+    connect(noStatistics_, &QCheckBox::toggled, this, [this](bool on) {
+        settings_.write(noStatisticsSetting, on ? 1 : 0);
+        refill();
+    });
+    return row;
 }
 
 CMessageLogWindow::~CMessageLogWindow() {
@@ -76,7 +112,26 @@ CMessageLogWindow::~CMessageLogWindow() {
 }
 
 void CMessageLogWindow::lineLogged(const LogLine& line) {
-    append(QString::fromStdString(displayText(line.shown())));
+    if (passes(line))
+        append(shownText(line.shown()));
+}
+
+bool CMessageLogWindow::passes(const LogLine& line) const {
+    if (line.statistics && noStatistics_->isChecked())
+        return false;
+    const QStringList words = filter_->text().split(u' ', Qt::SkipEmptyParts);
+    if (words.isEmpty())
+        return true;
+    const QString shown = shownText(line.shown());
+    return std::ranges::all_of(
+        words, [&shown](const QString& word) { return shown.contains(word, Qt::CaseInsensitive); });
+}
+
+void CMessageLogWindow::refill() {
+    text_->clear();
+    for (const LogLine& line : log_.lines())
+        lineLogged(line);
+    scrollToEnd();
 }
 
 void CMessageLogWindow::present() {
@@ -88,8 +143,12 @@ void CMessageLogWindow::present() {
 }
 
 void CMessageLogWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
+    if (event->key() == Qt::Key_Escape && !filter_->text().isEmpty())
+        filter_->clear();
+    else if (event->key() == Qt::Key_Escape)
         close();
+    else if (event->matches(QKeySequence::Find))
+        filter_->setFocus();
     else
         QWidget::keyPressEvent(event);
 }

@@ -3,6 +3,8 @@
 #include "model/MessageLog.h"
 #include "model/Settings.h"
 
+#include <QCheckBox>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QWidget>
 
@@ -13,7 +15,8 @@ namespace mirovane {
 /// or 400.
 ///
 /// The last line stays in view, except while somebody has scrolled up to read: then his place stays until he
-/// scrolls back to the end or calls the window up again.
+/// scrolls back to the end or calls the window up again. A filter above the text leaves the lines that have
+/// all of its words.
 class CMessageLogWindow : public QWidget, private LogListener {
     Q_OBJECT
 
@@ -31,11 +34,17 @@ protected:
 
 private:
     void lineLogged(const LogLine& line) override;
+    QLayout* makeFilter();
+    bool passes(const LogLine& line) const;
+    void refill();
     void append(const QString& line);
     bool followsEnd() const;
     void scrollToEnd();
 
     CMessageLog& log_;
+    CSettings& settings_;
+    QLineEdit* filter_;
+    QCheckBox* noStatistics_;
     QPlainTextEdit* text_;
     bool following_ = true;
 };

@@ -1,6 +1,29 @@
 #include "ui/frame/StationState.h"
 
+#include "feature/FeatureOwner.h"
+#include "ui/widgets/DialogText.h"
+
+#include <QDateTime>
+#include <QLocale>
+
 namespace mirovane {
+
+namespace {
+
+/// When it was switched on there the datafile does not tell; the owner's latest sign is what there is.
+QString elsewhere(const CMirovaneDoc& document, Feature feature) {
+    if (!FeatureOwner::isElsewhere(document, feature))
+        return {};
+    const OwnerValues owner = FeatureOwner::values(document, feature);
+    const QString who = shownText(owner.station.computerName + "\\" + owner.station.userName);
+    const QString when =
+        QLocale().toString(QDateTime::fromSecsSinceEpoch(owner.modified), QLocale::ShortFormat);
+    return feature == Feature::LiveStat
+               ? QObject::tr("Another station runs it: %1, last sign of life %2").arg(who, when)
+               : QObject::tr("Another station runs it: %1, last discovery %2").arg(who, when);
+}
+
+} // namespace
 
 CommandState commandState(const CStation& station) {
     const CMirovaneDoc& document = station.document();
@@ -21,6 +44,8 @@ IndicatorState indicatorState(const CStation& station) {
     state.liveDiscoverEnabled = station.liveDiscover().enabled();
     state.discovered = station.discovered();
     state.liveStatText = QString::fromStdString(station.liveStat().statusText());
+    state.liveStatElsewhere = elsewhere(station.document(), Feature::LiveStat);
+    state.liveDiscoverElsewhere = elsewhere(station.document(), Feature::LiveDiscover);
     state.anyTypeHidden = station.display().VisibleTypes != -1;
     state.floorMapHidden = station.display().FloorMapHidden;
     return state;

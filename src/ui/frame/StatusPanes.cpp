@@ -1,7 +1,9 @@
 #include "ui/frame/StatusPanes.h"
 
 #include <QFontMetrics>
+#include <QMouseEvent>
 #include <QStatusBar>
+#include <QStringList>
 #include <QTextDocument>
 
 namespace mirovane {
@@ -16,11 +18,16 @@ struct PaneDefinition {
 };
 
 constexpr std::array<PaneDefinition, indicatorCount> panes = {{
-    {Indicator::Reminders, "paneReminders", "DUE(F4):9999", "Reminders that are due"},
-    {Indicator::LiveDiscover, "paneLiveDiscover", "LD!", "Lit while Live Discover runs on this station"},
-    {Indicator::LiveStat, "paneLiveStat", "LIVE!:99", "Devices in the last run of Live Stat"},
-    {Indicator::Hidden, "paneHidden", "HIDE", "Lit while devices or the floor map are hidden"},
-    {Indicator::Keyboard, "paneKeyboard", "CAP NUM SCRL", "Caps Lock, Num Lock, Scroll Lock"},
+    {Indicator::Reminders, "paneReminders", "DUE(F4):9999",
+     QT_TRANSLATE_NOOP("QObject", "Reminders that are due; a click shows the next one")},
+    {Indicator::LiveDiscover, "paneLiveDiscover", "LD!",
+     QT_TRANSLATE_NOOP("QObject", "Lit while Live Discover runs on this station")},
+    {Indicator::LiveStat, "paneLiveStat", "LIVE!:99",
+     QT_TRANSLATE_NOOP("QObject", "Devices in the last run of Live Stat")},
+    {Indicator::Hidden, "paneHidden", "HIDE",
+     QT_TRANSLATE_NOOP("QObject", "Lit while devices or the floor map are hidden")},
+    {Indicator::Keyboard, "paneKeyboard", "CAP NUM SCRL",
+     QT_TRANSLATE_NOOP("QObject", "Caps Lock, Num Lock, Scroll Lock")},
 }};
 
 /// Blank space left and right of a pane's text.
@@ -29,19 +36,24 @@ constexpr int padding = 6;
 constexpr qsizetype longestToolTip = 1000;
 
 QString toolTip(const PaneDefinition& definition, const IndicatorState& state) {
-    const QString help = QLatin1String(definition.help);
-    if (definition.indicator != Indicator::LiveDiscover || state.discovered == 0)
-        return help;
-    return QObject::tr("%1\nDevices discovered since the datafile was opened: %2")
-        .arg(help)
-        .arg(state.discovered);
+    QStringList lines{QObject::tr(definition.help)};
+    if (definition.indicator == Indicator::LiveStat)
+        lines << state.liveStatElsewhere;
+    if (definition.indicator == Indicator::LiveDiscover) {
+        lines << state.liveDiscoverElsewhere;
+        if (state.discovered > 0)
+            lines
+                << QObject::tr("Devices discovered since the datafile was opened: %1").arg(state.discovered);
+    }
+    lines.removeAll(QString());
+    // A tool tip takes what looks like markup for markup.
+    return lines.size() == 1 ? lines.first() : Qt::convertFromPlainText(lines.join(u'\n'));
 }
 
 QLabel* makePane(const PaneDefinition& definition) {
     auto* pane = new QLabel;
     pane->setObjectName(QLatin1String(definition.name));
-    pane->setToolTip(QLatin1String(definition.help));
-    pane->setAccessibleName(QLatin1String(definition.help));
+    pane->setAccessibleName(QObject::tr(definition.help));
     pane->setAlignment(Qt::AlignCenter);
     pane->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
     const int textWidth = pane->fontMetrics().horizontalAdvance(QLatin1String(definition.sizingText));
@@ -113,6 +125,16 @@ CStatusPanes::CStatusPanes(QStatusBar& bar) : message_(new CMessagePane), pointe
         bar.addPermanentWidget(pane);
         indicators_[static_cast<std::size_t>(definition.indicator)] = pane;
     }
+    indicators_[static_cast<std::size_t>(Indicator::Reminders)]->installEventFilter(this);
+}
+
+bool CStatusPanes::eventFilter(QObject* watched, QEvent* event) {
+    const auto* pane = static_cast<QLabel*>(watched);
+    const bool click = event->type() == QEvent::MouseButtonRelease &&
+                       static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton;
+    if (click && !pane->text().isEmpty())
+        Q_EMIT remindersClicked();
+    return QObject::eventFilter(watched, event);
 }
 
 void CStatusPanes::showPointer(std::optional<MapPoint> at) {

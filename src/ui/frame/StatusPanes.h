@@ -20,8 +20,10 @@ constexpr std::size_t indicatorCount = 5;
 struct IndicatorState {
     int remindersDue = 0;
     bool liveDiscoverEnabled = false;
-    std::size_t discovered = 0; ///< devices since the datafile was opened; in the pane's tool tip
-    QString liveStatText;       ///< empty while Live Stat is off
+    QString liveDiscoverElsewhere; ///< which other station runs it, in words; empty when none does
+    std::size_t discovered = 0;    ///< devices since the datafile was opened; in the pane's tool tip
+    QString liveStatText;          ///< empty while Live Stat is off
+    QString liveStatElsewhere;     ///< as with Live Discover
     bool anyTypeHidden = false;
     bool floorMapHidden = false;
     QString keyboardText;
@@ -51,7 +53,9 @@ private:
 
 /// The panes in a window's status bar: the last status line, then the indicators, each as wide as its sizing
 /// text.
-class CStatusPanes {
+class CStatusPanes : public QObject {
+    Q_OBJECT
+
 public:
     explicit CStatusPanes(QStatusBar& bar);
 
@@ -60,6 +64,13 @@ public:
 
     /// Where the pointer is on the map; nothing while it is elsewhere.
     void showPointer(std::optional<MapPoint> at);
+
+Q_SIGNALS:
+    /// On the pane of due reminders, while any is due.
+    void remindersClicked();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     CMessagePane* message_;

@@ -14,6 +14,7 @@ const QColor paper(255, 255, 255);
 const QColor folder(236, 184, 84);
 const QColor disk(92, 122, 168);
 const QColor accent(52, 101, 164);
+const QColor steel(140, 148, 160);
 
 // Every picture is drawn on a field of 16 x 16 units.
 
@@ -44,6 +45,59 @@ void paintSave(QPainter& painter) {
     painter.drawRect(QRectF(4.5, 1.5, 6, 4));
     painter.drawRect(QRectF(3.5, 8.5, 9, 6));
     painter.fillRect(QRectF(8, 2.5, 1.5, 2), outline);
+}
+
+void paintCut(QPainter& painter) {
+    painter.setPen(QPen(steel, 1.4, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(QPointF(5, 10.5), QPointF(11, 1.5));
+    painter.drawLine(QPointF(11, 10.5), QPointF(5, 1.5));
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(accent, 1.5));
+    painter.drawEllipse(QPointF(4.2, 12.2), 2.1, 2.1);
+    painter.drawEllipse(QPointF(11.8, 12.2), 2.1, 2.1);
+}
+
+void paintCopy(QPainter& painter) {
+    painter.setBrush(paper);
+    painter.drawRect(QRectF(2.5, 1.5, 8, 10));
+    painter.drawRect(QRectF(5.5, 4.5, 8, 10));
+    for (const double y : {7.5, 9.5, 11.5})
+        painter.drawLine(QPointF(7.5, y), QPointF(11.5, y));
+}
+
+void paintPaste(QPainter& painter) {
+    painter.setBrush(folder.darker(115));
+    painter.drawRect(QRectF(2.5, 2.5, 10, 12));
+    painter.setBrush(steel);
+    painter.drawRect(QRectF(5.5, 1.5, 4, 2));
+    painter.setBrush(paper);
+    painter.drawRect(QRectF(6.5, 6.5, 7.5, 8));
+}
+
+void paintPrint(QPainter& painter) {
+    painter.setBrush(paper);
+    painter.drawRect(QRectF(4.5, 1.5, 7, 5));
+    painter.setBrush(steel);
+    painter.drawRect(QRectF(1.5, 6.5, 13, 5));
+    painter.setBrush(paper);
+    painter.drawRect(QRectF(4.5, 9.5, 7, 5));
+}
+
+/// A pointer with a question mark: point at what you want to know more about.
+void paintHelp(QPainter& painter) {
+    painter.setBrush(paper);
+    painter.drawPolygon(
+        QPolygonF{{1.5, 1.5}, {1.5, 11}, {4, 8.8}, {5.6, 12.6}, {7.2, 11.9}, {5.6, 8.2}, {8.8, 8}});
+    QPainterPath mark;
+    mark.moveTo(9.2, 5);
+    mark.cubicTo(9.2, 1, 14.8, 1, 14.8, 4.8);
+    mark.cubicTo(14.8, 7.2, 12, 7, 12, 9.8);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(accent, 1.7));
+    painter.drawPath(mark);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(accent);
+    painter.drawEllipse(QPointF(12, 12.6), 1.1, 1.1);
 }
 
 void paintAbout(QPainter& painter) {
@@ -118,6 +172,16 @@ QIcon toolIcon(ToolPicture picture) {
         return QIcon(new CPictureEngine(paintOpen));
     case ToolPicture::Save:
         return QIcon(new CPictureEngine(paintSave));
+    case ToolPicture::Cut:
+        return QIcon(new CPictureEngine(paintCut));
+    case ToolPicture::Copy:
+        return QIcon(new CPictureEngine(paintCopy));
+    case ToolPicture::Paste:
+        return QIcon(new CPictureEngine(paintPaste));
+    case ToolPicture::Print:
+        return QIcon(new CPictureEngine(paintPrint));
+    case ToolPicture::Help:
+        return QIcon(new CPictureEngine(paintHelp));
     case ToolPicture::About:
         return QIcon(new CPictureEngine(paintAbout));
     }

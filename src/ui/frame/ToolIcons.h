@@ -4,7 +4,7 @@
 
 namespace mirovane {
 
-enum class ToolPicture { New, Open, Save, About };
+enum class ToolPicture { New, Open, Save, Cut, Copy, Paste, Print, About, Help };
 
 /// Drawn for every size and screen scale that is asked for, so they are sharp on all of them.
 QIcon toolIcon(ToolPicture picture);

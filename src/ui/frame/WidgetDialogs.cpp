@@ -3,11 +3,14 @@
 #include "model/records/Text.h"
 #include "ui/applications/InsertTextDialog.h"
 #include "ui/dialogs/ExportDialog.h"
+#include "ui/dialogs/PhotoSettingsDialog.h"
 #include "ui/floor/geometry/FloorGeometry.h"
 #include "ui/floor/geometry/FontBands.h"
 #include "ui/floor/geometry/ZoomSteps.h"
 
+#include <QApplication>
 #include <QCursor>
+#include <QDesktopServices>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -17,7 +20,9 @@
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
+#include <QPushButton>
 #include <QStringList>
+#include <QUrl>
 
 #include <cstdio>
 
@@ -93,6 +98,14 @@ private:
 CWidgetDialogs::CWidgetDialogs(QString version, std::function<void(bool)> aroundBox)
     : version_(std::move(version)), aroundBox_(std::move(aroundBox)) {}
 
+/// A box in front of a window that nobody works in is not seen, or takes the wrong one along to the top.
+QWidget* CWidgetDialogs::asking() const {
+    if (QWidget* modal = QApplication::activeModalWidget())
+        return modal;
+    QWidget* active = QApplication::activeWindow();
+    return active ? active : parent_.data();
+}
+
 bool CWidgetDialogs::ask(const Question& question) {
     return askYesNo(QMessageBox::Question, question.text);
 }
@@ -105,7 +118,7 @@ bool CWidgetDialogs::askYesNo(QMessageBox::Icon icon, const std::string& questio
     if (silent_)
         return false;
     const BoxOpen open(*this);
-    QMessageBox box(parent_);
+    QMessageBox box(asking());
     prepare(box, icon, question);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     // Yes replaces a file, loses changes or takes Live Stat from a colleague: not for a stray Enter.
@@ -119,19 +132,21 @@ void CWidgetDialogs::fail(const std::string& text) {
         return;
     }
     const BoxOpen open(*this);
-    QMessageBox box(parent_);
+    QMessageBox box(asking());
     prepare(box, QMessageBox::Critical, text);
     box.exec();
 }
 
-SaveAnswer CWidgetDialogs::askToSave(const std::string& question) {
+SaveAnswer CWidgetDialogs::askToSave(const std::string& question, SaveOffer offer) {
     if (silent_)
         return SaveAnswer::Discard;
     const BoxOpen open(*this);
-    QMessageBox box(parent_);
+    QMessageBox box(asking());
     prepare(box, QMessageBox::Question, question);
     box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
     box.setDefaultButton(QMessageBox::Save);
+    if (offer == SaveOffer::SaveAs)
+        box.button(QMessageBox::Save)->setText(QObject::tr("Save &As..."));
     const int answer = box.exec();
     if (answer == QMessageBox::Save)
         return SaveAnswer::Save;
@@ -139,14 +154,14 @@ SaveAnswer CWidgetDialogs::askToSave(const std::string& question) {
 }
 
 std::optional<std::string> CWidgetDialogs::chooseFileToOpen(const FileChoice& choice) {
-    QFileDialog dialog(parent_, QString::fromStdString(choice.title));
+    QFileDialog dialog(asking(), QString::fromStdString(choice.title));
     dialog.setFileMode(QFileDialog::ExistingFile);
     prepare(dialog, choice);
     return chosenFile(dialog);
 }
 
 std::optional<std::string> CWidgetDialogs::chooseFileToSave(const FileChoice& choice) {
-    QFileDialog dialog(parent_, QString::fromStdString(choice.title));
+    QFileDialog dialog(asking(), QString::fromStdString(choice.title));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setLabelText(QFileDialog::LookIn, QObject::tr("Save in:"));
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
@@ -159,19 +174,20 @@ std::optional<ExportSettings> CWidgetDialogs::askExport(const ExportRequest& req
         QFileDialog files(&parent, QObject::tr("Export"));
         files.setAcceptMode(QFileDialog::AcceptSave);
         files.setOption(QFileDialog::DontConfirmOverwrite); // asked when it is about to be written
-        prepare(files, {"Export",
+        prepare(files, {QObject::tr("Export").toStdString(),
                         QFile::encodeName(start).toStdString(),
-                        {"Text Files (*.txt *.csv)", "All Files (*)"}});
+                        {QObject::tr("Text Files (*.txt *.csv)").toStdString(),
+                         QObject::tr("All Files (*)").toStdString()}});
         const auto chosen = chosenFile(files);
         return chosen ? std::optional(QFile::decodeName(chosen->c_str())) : std::nullopt;
     };
-    CExportDialog dialog(request, browse, parent_);
+    CExportDialog dialog(request, browse, asking());
     return dialog.exec() == QDialog::Accepted ? std::optional(dialog.settings()) : std::nullopt;
 }
 
 std::optional<std::string> CWidgetDialogs::insertText(const std::string& command) {
     const BoxOpen open(*this);
-    CInsertTextDialog dialog(command, parent_);
+    CInsertTextDialog dialog(command, asking());
     if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
     return dialog.text();
@@ -179,8 +195,18 @@ std::optional<std::string> CWidgetDialogs::insertText(const std::string& command
 
 std::optional<CustomZoom> CWidgetDialogs::askCustomZoom(const CustomZoom& start) {
     const BoxOpen open(*this);
-    CCustomZoomDialog dialog(start, {smallestCommandZoom, largestZoom, largestLabelFont}, parent_);
+    CCustomZoomDialog dialog(start, {smallestCommandZoom, largestZoom, largestLabelFont}, asking());
     return dialog.exec() == QDialog::Accepted ? std::optional(dialog.zoom()) : std::nullopt;
+}
+
+std::optional<PhotoSettings> CWidgetDialogs::askPhotoSettings(const PhotoSettings& settings) {
+    const BoxOpen open(*this);
+    CPhotoSettingsDialog dialog(settings, asking());
+    return dialog.exec() == QDialog::Accepted ? std::optional(dialog.settings()) : std::nullopt;
+}
+
+bool CWidgetDialogs::openPage(const QString& path) {
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 bool CWidgetDialogs::choosePrinter(QPrinter& printer) {
@@ -208,16 +234,19 @@ void CWidgetDialogs::previewPages(QPrinter& printer, const std::function<void(QP
 }
 
 void CWidgetDialogs::about() {
-    QMessageBox box(parent_);
+    QMessageBox box(asking());
     box.setObjectName(QStringLiteral("aboutBox"));
     box.setWindowTitle(QObject::tr("About Mirovane"));
     box.setIconPixmap(parent_ ? parent_->windowIcon().pixmap(48, 48) : QPixmap());
     box.setTextFormat(Qt::PlainText);
-    box.setText(QObject::tr("Mirovane ") + version_);
-    box.setInformativeText(
-        QStringLiteral("A floor plan of your site with every device on it, watched live.\n\n"
-                       "Written with Qt %1.")
-            .arg(QLatin1String(qVersion())));
+    box.setText(QObject::tr("Mirovane %1").arg(version_));
+    box.setInformativeText(QObject::tr("A floor plan of your site with every device on it, watched live.\n\n"
+                                       "It works with these libraries:\n"
+                                       "Qt %1 (GNU Lesser General Public License, version 3)\n"
+                                       "PCRE2 (BSD licence)\n"
+                                       "Net-SNMP (BSD-like licences)\n\n"
+                                       "Their licences are in /usr/share/doc, in the folder of each package.")
+                               .arg(QLatin1String(qVersion())));
     box.exec();
 }
 

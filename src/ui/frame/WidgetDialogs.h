@@ -19,7 +19,7 @@ public:
     /// `aroundBox(true)` is called before a box opens, `aroundBox(false)` after it was closed.
     CWidgetDialogs(QString version, std::function<void(bool open)> aroundBox);
 
-    /// Boxes stand in front of this window from now on.
+    /// Boxes are in front of this window when none of the program's has the keyboard, else of that one.
     void setParent(QWidget* parent) { parent_ = parent; }
 
     /// The session is ending: nobody is there to answer. From now on questions are answered No (and
@@ -29,12 +29,14 @@ public:
     bool ask(const Question& question) override;
     bool askStop(const std::string& question) override;
     void fail(const std::string& text) override;
-    SaveAnswer askToSave(const std::string& question) override;
+    SaveAnswer askToSave(const std::string& question, SaveOffer offer) override;
     std::optional<std::string> chooseFileToOpen(const FileChoice& choice) override;
     std::optional<std::string> chooseFileToSave(const FileChoice& choice) override;
     std::optional<ExportSettings> askExport(const ExportRequest& request) override;
     std::optional<std::string> insertText(const std::string& command) override;
     std::optional<CustomZoom> askCustomZoom(const CustomZoom& start) override;
+    std::optional<PhotoSettings> askPhotoSettings(const PhotoSettings& settings) override;
+    bool openPage(const QString& path) override;
     bool choosePrinter(QPrinter& printer) override;
     void setUpPage(QPrinter& printer) override;
     void previewPages(QPrinter& printer, const std::function<void(QPrinter&)>& print) override;
@@ -43,6 +45,7 @@ public:
 private:
     class BoxOpen;
 
+    QWidget* asking() const;
     bool askYesNo(QMessageBox::Icon icon, const std::string& question);
 
     QString version_;

@@ -2,21 +2,26 @@
 #include "tests/ui/frame/FrameFixture.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/FrameMenus.h"
+#include "ui/frame/MarkerSelector.h"
 #include "ui/frame/MessageLogWindow.h"
 #include "ui/list/ListViewWindow.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QDropEvent>
 #include <QEventLoop>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QTest>
 #include <QTimer>
 #include <QToolBar>
+#include <QTranslator>
 #include <QWindow>
 
 namespace mirovane {
@@ -110,6 +115,41 @@ TEST_F(MainFrameTest, DisplayTogglesAreStoredAtOnceAndChangeThePicture) {
     }
 }
 
+/// Marks what went through it.
+class CMarkingTranslator final : public QTranslator {
+public:
+    QString translate(const char*, const char* text, const char*, int) const override {
+        return u'\u00AB' + QString::fromUtf8(text);
+    }
+    bool isEmpty() const override { return false; }
+};
+
+TEST_F(MainFrameTest, EveryTextOfMenusBarsAndLogCanBeTranslated) {
+    CMarkingTranslator marking;
+    QCoreApplication::installTranslator(&marking);
+    auto* view = new CMirovaneView(*station, log);
+    CMainFrame translated({*station, dialogs, recent, launcher, settings, log, clock}, view);
+    QCoreApplication::removeTranslator(&marking);
+    const auto expectMarked = [](const QString& text, const QString& where) {
+        EXPECT_TRUE(text.isEmpty() || text.startsWith(u'\u00AB'))
+            << where.toStdString() << ": " << text.toStdString();
+    };
+    for (const QAction* action : translated.findChildren<QAction*>()) {
+        if (action->objectName().startsWith(u'_') ||
+            action->objectName().startsWith(u'q')) // the toolkit's own
+            continue;
+        expectMarked(action->text(), action->objectName());
+        expectMarked(action->statusTip(), action->objectName());
+        expectMarked(action->toolTip(), action->objectName());
+    }
+    for (const QLabel* pane : translated.statusBar()->findChildren<QLabel*>())
+        expectMarked(pane->toolTip(), pane->objectName());
+    for (const QAbstractButton* button : translated.messageLog().findChildren<QAbstractButton*>())
+        if (!button->text().isEmpty())
+            expectMarked(button->text(), button->objectName());
+    expectMarked(translated.messageLog().windowTitle(), QStringLiteral("message log"));
+}
+
 TEST_F(MainFrameTest, LabelKeysWorkFromTheFloor) {
     frame->activateWindow();
     floor->setFocus();
@@ -175,6 +215,9 @@ TEST_F(MainFrameTest, BarsCanBeHiddenAndShown) {
         action(name)->trigger();
         EXPECT_FALSE(bar->isVisible());
         EXPECT_FALSE(action(name)->isChecked());
+        auto* view = new CMirovaneView(*station, log);
+        CMainFrame again({*station, dialogs, recent, launcher, settings, log, clock}, view);
+        EXPECT_FALSE(again.actions().action(name)->isChecked()) << "the next start forgot it";
         action(name)->trigger();
         EXPECT_TRUE(bar->isVisible());
     }
@@ -263,6 +306,53 @@ TEST_F(MainFrameTest, LiveDiscoverNeedsARangeAndItsPaneCountsWhatItFound) {
     EXPECT_EQ(pane("paneLiveDiscover"), QString());
 }
 
+TEST_F(MainFrameTest, ThePanesSayWhichOtherStationRunsLiveStat) {
+    addComputer();
+    document().edit(*document().findSpecial(SpecialType::LiveStatOwnerRecord), [](CHardware& owner) {
+        owner.State = 1;
+        owner.Name = "office-pc";
+        owner.Username = "anna";
+    });
+    frame->refresh();
+    const QString tip = frame->findChild<QLabel*>(QStringLiteral("paneLiveStat"))->toolTip();
+    EXPECT_TRUE(tip.contains(QStringLiteral("office-pc\\anna"))) << tip.toStdString();
+}
+
+TEST_F(MainFrameTest, TheMarkerSelectorFollowsTheFloorAndLeadsToAMarker) {
+    auto* markers = frame->findChild<CMarkerSelector*>();
+    const auto addMarker = [this](const char* comment, int x) {
+        return document().addDevice(DeviceType::LocationMarker, [=](CHardware& marker) {
+            marker.Comment = comment;
+            marker.Position = {x, x};
+        });
+    };
+    const CHardware* server = addMarker("Server room", 4000);
+    addMarker("attic", 50);
+    addComputer();
+    QApplication::processEvents();
+    ASSERT_EQ(markers->count(), 2);
+    EXPECT_EQ(markers->itemText(1), QStringLiteral("Server room") + QString(75, u' ') + u'1');
+    EXPECT_EQ(markerOfItem(markers->itemText(0)), 2);
+
+    frame->activateWindow();
+    floor->setFocus();
+    QTest::keyClick(floor, Qt::Key_F6);
+    ASSERT_TRUE(markers->hasFocus());
+    QTest::keyClick(markers, Qt::Key_S);
+    EXPECT_EQ(server->Selected, 1);
+    EXPECT_GT(floor->scaledPoint({0, 0}).x(), 3000);
+    document().edit(*server, [](CHardware& marker) { marker.Comment = "A server room"; });
+    EXPECT_EQ(markers->currentText(), markerItemText(*server)) << "still the current one";
+    EXPECT_EQ(markers->currentIndex(), 0);
+    markers->SelectMarkerItem("att");
+    EXPECT_EQ(markers->currentIndex(), 1);
+    markers->SelectMarkerItem("gone");
+    EXPECT_EQ(markers->currentIndex(), -1);
+    document().remove(*server);
+    QApplication::processEvents();
+    EXPECT_EQ(markers->count(), 1);
+}
+
 TEST_F(MainFrameTest, TrackingNeedsLiveStatFollowsItAndEndsWithAClick) {
     document().addDevice(DeviceType::Computer, [](CHardware& device) { device.Position = {4000, 3000}; });
     QAction* track = action("toolsTrackLiveStat");
@@ -310,8 +400,45 @@ TEST_F(MainFrameTest, LiveStatNowIsOfferedWhileSomethingIsSelected) {
     EXPECT_TRUE(logged("Processing Live Stat Now on 1 selected object(s)..."));
 }
 
+TEST_F(MainFrameTest, ThePhotoFolderGoesIntoTheDatafileAndTheScaleToTheUser) {
+    ASSERT_TRUE(setFloorMap(document(), {"/maps/office.bmp", "/photos"}));
+    dialogs.photoAnswers = {std::nullopt, PhotoSettings{"/srv/photos", 150}};
+    action("toolsPhotoPath")->trigger();
+    action("toolsPhotoPath")->trigger();
+    EXPECT_EQ(dialogs.photoRequests[1], (PhotoSettings{"/photos", 100}));
+    EXPECT_EQ(floorMapOf(document()).photoFolder, "/srv/photos");
+    EXPECT_EQ(floorMapOf(document()).mapPath, "/maps/office.bmp");
+    EXPECT_EQ(settings.read("PhotoScale", -1), 150);
+    EXPECT_EQ(station->display().PhotoScale, 150);
+}
+
+TEST_F(MainFrameTest, SendAttachesTheDatafileAsItIsOnDisk) {
+    addComputer();
+    dialogs.files = {std::nullopt, inFolder("plan.mv")};
+    action("fileSend")->trigger(); // who does not save does not send
+    EXPECT_TRUE(launcher.started.empty());
+    action("fileSend")->trigger();
+    EXPECT_EQ(launcher.started, (std::vector<std::vector<std::string>>{
+                                    {"xdg-email", "--subject", "plan.mv", "--attach", inFolder("plan.mv")}}));
+    EXPECT_FALSE(document().modified());
+    launcher.answer = std::make_error_code(std::errc::no_such_file_or_directory);
+    action("fileSend")->trigger();
+    ASSERT_EQ(dialogs.failures.size(), 1u);
+    EXPECT_NE(dialogs.failures[0].find("xdg-utils"), std::string::npos);
+}
+
+TEST_F(MainFrameTest, HelpSaysWhereTheManualIsMissing) {
+    action("helpTopics")->trigger();
+    QTest::keyClick(frame->statusBar(), Qt::Key_F1);
+    ASSERT_EQ(dialogs.failures.size(), 2u);
+    EXPECT_NE(dialogs.failures[0].find("There is no index.html in /"), std::string::npos);
+}
+
 TEST_F(MainFrameTest, TitleAndRecentFilesFollowTheDocument) {
-    EXPECT_EQ(frame->windowTitle(), QStringLiteral("Untitled - Mirovane"));
+    EXPECT_EQ(frame->windowHandle()->title(), QStringLiteral("Untitled - Mirovane"));
+    addComputer();
+    frame->refresh();
+    EXPECT_EQ(frame->windowHandle()->title(), QStringLiteral("Untitled* - Mirovane"));
     dialogs.files = {inFolder("R&D plan.mv")};
     ASSERT_TRUE(frame->files().saveAs());
     EXPECT_EQ(frame->windowTitle(), QStringLiteral("R&D plan.mv - Mirovane"));
@@ -320,11 +447,31 @@ TEST_F(MainFrameTest, TitleAndRecentFilesFollowTheDocument) {
     ASSERT_NE(entry, nullptr);
     EXPECT_TRUE(entry->text().startsWith(QStringLiteral("&1 R&&D plan.mv ["))) << entry->text().toStdString();
     ASSERT_TRUE(frame->files().newFile());
-    EXPECT_EQ(frame->windowTitle(), QStringLiteral("Untitled - Mirovane"));
+    EXPECT_EQ(frame->windowHandle()->title(), QStringLiteral("Untitled - Mirovane"));
     dialogs.files = {inFolder("plan[*].mv")};
     ASSERT_TRUE(frame->files().saveAs());
     frame->show();
     EXPECT_EQ(frame->windowHandle()->title(), QStringLiteral("plan[*].mv - Mirovane"));
+    QFile::setPermissions(folder.filePath(QStringLiteral("plan[*].mv")), QFile::ReadOwner);
+    ASSERT_TRUE(frame->files().openPath(inFolder("plan[*].mv")));
+    EXPECT_EQ(frame->windowHandle()->title(), QStringLiteral("plan[*].mv [read-only] - Mirovane"));
+}
+
+TEST_F(MainFrameTest, ADatafileThatIsDroppedIsOpenedAndNothingElseIsTaken) {
+    dialogs.files = {inFolder("dropped.mv")};
+    ASSERT_TRUE(frame->files().saveAs());
+    ASSERT_TRUE(frame->files().newFile());
+    const auto drop = [this](const QString& name) {
+        QMimeData dragged;
+        dragged.setUrls({QUrl::fromLocalFile(folder.filePath(name))});
+        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, {});
+        event.ignore();
+        QApplication::sendEvent(frame.get(), &event);
+        return event.isAccepted();
+    };
+    EXPECT_FALSE(drop(QStringLiteral("dropped.txt")));
+    EXPECT_TRUE(drop(QStringLiteral("dropped.mv")));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return station->datafile().path() == inFolder("dropped.mv"); }));
 }
 
 TEST_F(MainFrameTest, RangesAskedForByDiscoverNowTakeTheKeyboardFromIt) {

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QScrollBar>
+#include <QTest>
 #include <QTextBlock>
 
 #include <gtest/gtest.h>
@@ -73,6 +74,32 @@ TEST_F(MessageLogWindowTest, FollowsTheEndUnlessSomebodyReadsFurtherUp) {
     EXPECT_EQ(bar->value(), bar->maximum());
     fill(20);
     EXPECT_EQ(bar->value(), bar->maximum());
+}
+
+TEST_F(MessageLogWindowTest, AFilterLeavesTheLinesWithAllItsWords) {
+    CMessageLogWindow window(log, settings);
+    log.LogMessage("Saved 3 changes to data file");
+    log.LogStatistics("Live Stat Now: Processing 3 device(s).");
+    auto* filter = window.findChild<QLineEdit*>(QStringLiteral("messageLogFilter"));
+    const auto lines = [&window] {
+        return textOf(window)->blockCount() - 1;
+    };
+    EXPECT_EQ(lines(), 3);
+    filter->setText(QStringLiteral("FILE saved"));
+    EXPECT_EQ(lines(), 1);
+    log.LogMessage("Saved nothing");
+    log.LogMessage("saved another file");
+    EXPECT_EQ(lines(), 2);
+    window.present();
+    QTest::keyClick(filter, Qt::Key_Escape);
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(lines(), 5);
+    window.findChild<QCheckBox*>(QStringLiteral("messageLogNoStatistics"))->click();
+    EXPECT_EQ(lines(), 4);
+    log.LogStatistics("Live Stat Now: Processing 4 device(s).");
+    EXPECT_EQ(lines(), 4);
+    EXPECT_EQ(textOf(*std::make_unique<CMessageLogWindow>(log, settings))->blockCount() - 1, 4)
+        << "remembered";
 }
 
 TEST_F(MessageLogWindowTest, TakesItsPlaceOnlyWhenCornerAndSizeAreStored) {

@@ -22,19 +22,24 @@ public:
     std::deque<std::optional<std::string>> insertedTexts;
 
     std::vector<std::string> questions;
+    std::vector<SaveOffer> offers;
     std::vector<std::string> failures;
     std::vector<FileChoice> choices;
     std::vector<ExportRequest> exportRequests;
     std::deque<std::optional<ExportSettings>> exportAnswers;
     std::vector<CustomZoom> zoomStarts;
     std::deque<std::optional<CustomZoom>> zoomAnswers;
+    std::vector<PhotoSettings> photoRequests;
+    std::deque<std::optional<PhotoSettings>> photoAnswers;
+    QStringList pages;
     std::function<void(QPrinter&)> choosesPrinter; ///< none: he cancels
     std::function<void(QPrinter&)> setsUpPage;
     int abouts = 0;
 
     bool ask(const Question& question) override { return askStop(question.text); }
     void fail(const std::string& text) override { failures.push_back(text); }
-    SaveAnswer askToSave(const std::string& question) override {
+    SaveAnswer askToSave(const std::string& question, SaveOffer offer) override {
+        offers.push_back(offer);
         questions.push_back(question);
         return take(saveAnswers, SaveAnswer::Cancel, question);
     }
@@ -54,6 +59,14 @@ public:
     std::optional<CustomZoom> askCustomZoom(const CustomZoom& start) override {
         zoomStarts.push_back(start);
         return take(zoomAnswers, std::optional<CustomZoom>(), "Custom Zoom");
+    }
+    std::optional<PhotoSettings> askPhotoSettings(const PhotoSettings& settings) override {
+        photoRequests.push_back(settings);
+        return take(photoAnswers, std::optional<PhotoSettings>(), "User Photo Settings");
+    }
+    bool openPage(const QString& path) override {
+        pages << path;
+        return true;
     }
     bool choosePrinter(QPrinter& printer) override {
         if (!choosesPrinter)

@@ -2,6 +2,7 @@
 
 #include "model/rows/TextExport.h"
 #include "platform/files/FilePaths.h"
+#include "ui/widgets/SaveFailure.h"
 #include "ui/widgets/WaitCursor.h"
 
 #include <algorithm>
@@ -31,22 +32,26 @@ ExportRequest CExportCommand::request() const {
     return request;
 }
 
+/// Who does not want to overwrite a file is asked for another one.
 void CExportCommand::run() {
-    const auto settings = dialogs_.askExport(request());
-    if (!settings)
-        return;
-    const std::string datafile = station_.datafile().path();
-    settings->write(settings_, datafile);
-    const std::string target = exportTarget(settings->ExportFilename, datafile);
-    if (existsOnDisk(target) && !dialogs_.askStop("File already exist! Do you want to overwrite the file?"))
-        return;
+    while (const auto settings = dialogs_.askExport(request())) {
+        const std::string datafile = station_.datafile().path();
+        settings->write(settings_, datafile);
+        const std::string target = exportTarget(settings->ExportFilename, datafile);
+        if (!existsOnDisk(target) ||
+            dialogs_.askStop("File already exist! Do you want to overwrite the file?"))
+            return write(*settings);
+    }
+}
+
+void CExportCommand::write(const ExportSettings& settings) {
     std::optional<FileError> error;
     {
         const CWaitCursor wait;
-        error = station_.exportNow(*settings);
+        error = station_.exportNow(settings);
     }
     if (error)
-        dialogs_.fail("Error creating export file!\n\n" + error->sentence);
+        dialogs_.fail("Error creating export file!\n\n" + asSentence(error->sentence));
 }
 
 } // namespace mirovane

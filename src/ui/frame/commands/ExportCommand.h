@@ -18,6 +18,7 @@ public:
 
 private:
     ExportRequest request() const;
+    void write(const ExportSettings& settings);
 
     CStation& station_;
     CSettings& settings_;

@@ -5,36 +5,48 @@
 #include "ui/widgets/SaveFailure.h"
 #include "ui/widgets/WaitCursor.h"
 
+#include <QFile>
+#include <QFileInfo>
+#include <QObject>
+
 #include <algorithm>
-#include <filesystem>
 
 namespace mirovane {
 
 namespace {
 
-namespace fs = std::filesystem;
+/// UTF-8, as the dialogs take it.
+std::string words(const QString& text) {
+    return text.toStdString();
+}
 
-constexpr const char* datafileFilter = "Mirovane Files (*.mv)";
-constexpr const char* allFilesFilter = "All Files (*)";
+std::vector<std::string> datafileFilters() {
+    return {words(QObject::tr("Mirovane Files (*.mv)")), words(QObject::tr("All Files (*)"))};
+}
 
-std::string openRemedy(const Datafile::Error& error) {
-    switch (error.kind) {
+QString openRemedy(Datafile::Error::Kind kind) {
+    switch (kind) {
     case Datafile::Error::Kind::CannotRead:
-        return "Check the name of the file, and that you may read it.";
+        return QObject::tr("Check the name of the file, and that you may read it.");
+    case Datafile::Error::Kind::NotADatafile:
+        return QObject::tr(
+            "Choose another file: datafiles usually end in .mv. Nothing was changed in this one.");
     case Datafile::Error::Kind::UnknownVersion:
-        return "It may be no datafile at all, or one of a newer version of this program.";
+        return QObject::tr("It may come from a newer version of this program. Open it with that one.");
     case Datafile::Error::Kind::Damaged:
         break;
     }
-    return "Nothing was changed in it. Take the file from a backup, or ask \"mirovanectl check\" for more.";
+    return QObject::tr(
+        "Nothing was changed in it. Take the file from a backup, or ask \"mirovanectl check\" for more.");
+}
+
+bool canBeWritten(const std::string& path) {
+    const QFileInfo file(QFile::decodeName(path.c_str()));
+    constexpr auto anybodyMay = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
+    return file.isWritable() && (file.permissions() & anybodyMay); // root may write what nobody may
 }
 
 } // namespace
-
-std::string windowTitle(const std::string& documentPath) {
-    const std::string name = documentPath.empty() ? "Untitled" : fs::path(documentPath).filename().string();
-    return displayText(name) + " - Mirovane";
-}
 
 std::string withDatafileExtension(const std::string& path) {
     constexpr std::string_view extension = ".mv";
@@ -71,8 +83,8 @@ bool CFileCommands::newFile() {
 }
 
 bool CFileCommands::open() {
-    const auto path =
-        dialogs_.chooseFileToOpen({"Open", station_.datafile().path(), {datafileFilter, allFilesFilter}});
+    const auto path = dialogs_.chooseFileToOpen(
+        {words(QObject::tr("Open")), station_.datafile().path(), datafileFilters()});
     return path && openPath(*path);
 }
 
@@ -89,10 +101,12 @@ bool CFileCommands::openPath(const std::string& givenPath) {
         if (isMissing(path)) // a share that is away comes back
             recent_.remove(path);
         onDocument_();
-        dialogs_.fail("The datafile " + path + " could not be opened.\n\n" + error->sentence + "\n\n" +
-                      openRemedy(*error));
+        dialogs_.fail(
+            words(QObject::tr("%1 could not be opened.").arg(QString::fromStdString(displayText(path)))) +
+            "\n\n" + asSentence(error->sentence) + "\n\n" + words(openRemedy(error->kind)));
         return false;
     }
+    writable_ = canBeWritten(path);
     recent_.add(path);
     onDocument_();
     return true;
@@ -107,18 +121,24 @@ bool CFileCommands::save() {
     return !report.failed();
 }
 
+/// Who does not want to replace a file wants another name.
 bool CFileCommands::saveAs() {
     const std::string& current = station_.datafile().path();
-    const auto chosen = dialogs_.chooseFileToSave(
-        {"Save As", current.empty() ? "Untitled.mv" : current, {datafileFilter, allFilesFilter}});
-    if (!chosen)
-        return false;
-    const std::string path = absolutePath(withDatafileExtension(*chosen));
-    if (path != current && existsOnDisk(path) &&
-        !dialogs_.ask({Question::Kind::ReplaceFile,
-                       displayText(path) + " already exists.\n\nDo you want to replace it?"}))
-        return false;
-    return saveUnderNewName(path);
+    std::string start = current.empty() ? "Untitled.mv" : current;
+    while (const auto chosen =
+               dialogs_.chooseFileToSave({words(QObject::tr("Save As")), start, datafileFilters()})) {
+        const std::string path = absolutePath(withDatafileExtension(*chosen));
+        if (path == current || !existsOnDisk(path) || mayReplace(path))
+            return saveUnderNewName(path);
+        start = path;
+    }
+    return false;
+}
+
+bool CFileCommands::mayReplace(const std::string& path) {
+    return dialogs_.ask(
+        {Question::Kind::ReplaceFile, words(QObject::tr("%1 already exists.\n\nDo you want to replace it?")
+                                                .arg(QString::fromStdString(displayText(path))))});
 }
 
 bool CFileCommands::saveUnderNewName(const std::string& path) {
@@ -131,11 +151,20 @@ bool CFileCommands::saveUnderNewName(const std::string& path) {
         showSaveError(*report.error);
         return false;
     }
+    writable_ = true;
     recent_.add(path);
     onDocument_();
     return true;
 }
 
+bool CFileCommands::readOnly() const {
+    if (station_.datafile().path().empty())
+        return false;
+    const auto& error = station_.lastSaveError();
+    return error ? error->kind == FileError::Kind::Denied : !writable_;
+}
+
+/// What background work found is found again; only what the user changed is worth a question.
 bool CFileCommands::close() {
     const Leaving leaving = leaveDocument();
     if (leaving == Leaving::Stay)
@@ -145,21 +174,41 @@ bool CFileCommands::close() {
         const CWaitCursor wait;
         error = station_.shutDown();
     }
-    return !error || leaving == Leaving::Unsaved || mayLose(*error); // the user is asked once
+    return !error || leaving == Leaving::Unsaved || !station_.document().unsavedEdits() ||
+           mayLeaveUnsaved(*error) != Leaving::Stay;
 }
 
 CFileCommands::Leaving CFileCommands::leaveDocument() {
-    if (!station_.document().modified())
-        return Leaving::Saved;
-    if (!station_.datafile().path().empty()) { // an earlier save failed
-        const SaveReport report = saveWaiting();
-        if (!report.failed())
+    const CMirovaneDoc& document = station_.document();
+    if (!station_.datafile().path().empty()) {
+        if (!document.unsavedEdits())
             return Leaving::Saved;
-        return mayLose(*report.error) ? Leaving::Unsaved : Leaving::Stay;
+        const SaveReport report = saveWaiting(); // an earlier save failed
+        return report.failed() ? mayLeaveUnsaved(*report.error) : Leaving::Saved;
     }
-    switch (dialogs_.askToSave(
-        "Do you want to save the new datafile?\n\nIt has no file yet. What is on its floor is "
-        "lost if you don't save it.")) {
+    if (!document.modified())
+        return Leaving::Saved;
+    return answered(dialogs_.askToSave(
+        words(QObject::tr("Do you want to save the new datafile?\n\nIt has no file yet. What is on its "
+                          "floor is lost if you don't save it.")),
+        SaveOffer::Save));
+}
+
+CFileCommands::Leaving CFileCommands::mayLeaveUnsaved(const FileError& error) {
+    const QString fate =
+        station_.unsavedEditsKept()
+            ? QObject::tr(
+                  "If you don't, your changes are kept on this computer: they are put into the datafile "
+                  "when it is next opened here.")
+            : QObject::tr("What you changed since the last save is lost if you don't.");
+    return answered(dialogs_.askToSave(
+        words(QObject::tr("The datafile could not be saved.")) + "\n\n" + asSentence(error.sentence) +
+            "\n\n" + words(QObject::tr("Do you want to save it elsewhere?") + u' ' + fate),
+        SaveOffer::SaveAs));
+}
+
+CFileCommands::Leaving CFileCommands::answered(SaveAnswer answer) {
+    switch (answer) {
     case SaveAnswer::Save:
         return saveAs() ? Leaving::Saved : Leaving::Stay;
     case SaveAnswer::Discard:
@@ -173,17 +222,6 @@ CFileCommands::Leaving CFileCommands::leaveDocument() {
 SaveReport CFileCommands::saveWaiting() {
     const CWaitCursor wait;
     return station_.saveDatafile();
-}
-
-bool CFileCommands::mayLose(const FileError& error) {
-    const char* fate =
-        station_.unsavedEditsKept()
-            ? "Your changes are kept on this computer for later: they are put into the datafile "
-              "when it is next opened here."
-            : "What was changed since the last save is lost then.";
-    return dialogs_.ask(
-        {Question::Kind::LeaveUnsaved, "The datafile could not be saved.\n\n" + error.sentence +
-                                           "\n\nDo you want to leave it all the same? " + fate});
 }
 
 void CFileCommands::showSaveError(const FileError& error) {

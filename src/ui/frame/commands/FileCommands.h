@@ -33,6 +33,9 @@ public:
     /// Asks what must be asked, switches Live Stat off and saves. False: the user wants to stay.
     bool close();
 
+    /// The datafile cannot be written: as found when it was opened, or by the last save.
+    bool readOnly() const;
+
 private:
     enum class Leaving { Stay, Saved, Unsaved };
 
@@ -40,17 +43,17 @@ private:
     bool mayLeaveDocument() { return leaveDocument() != Leaving::Stay; }
     bool saveUnderNewName(const std::string& path);
     SaveReport saveWaiting();
-    bool mayLose(const FileError& error);
+    bool mayReplace(const std::string& path);
+    Leaving mayLeaveUnsaved(const FileError& error);
+    Leaving answered(SaveAnswer answer);
     void showSaveError(const FileError& error);
 
     CStation& station_;
     FrameDialogs& dialogs_;
     CRecentFiles& recent_;
     std::function<void()> onDocument_;
+    bool writable_ = true; ///< the datafile, when it was opened
 };
-
-/// "plan.mv - Mirovane"; "Untitled - Mirovane" for a document without a file.
-std::string windowTitle(const std::string& documentPath);
 
 /// The path with ".mv" at its end.
 std::string withDatafileExtension(const std::string& path);

@@ -3,6 +3,9 @@
 #include "station/Station.h"
 #include "ui/dialogs/CustomZoomDialog.h"
 #include "ui/dialogs/ExportRequest.h"
+#include "ui/dialogs/PhotoSettings.h"
+
+#include <QString>
 
 #include <functional>
 #include <optional>
@@ -15,6 +18,9 @@ namespace mirovane {
 
 enum class SaveAnswer { Save, Discard, Cancel };
 
+/// What the first button of the question says: Save, or Save As where the datafile itself cannot be written.
+enum class SaveOffer { Save, SaveAs };
+
 /// What a file dialog starts with.
 struct FileChoice {
     std::string title;
@@ -26,7 +32,7 @@ struct FileChoice {
 /// the user has decided. Texts are UTF-8, paths the system's bytes.
 class FrameDialogs : public StationDialogs {
 public:
-    virtual SaveAnswer askToSave(const std::string& question) = 0;
+    virtual SaveAnswer askToSave(const std::string& question, SaveOffer offer) = 0;
 
     /// Nothing when the user cancels.
     virtual std::optional<std::string> chooseFileToOpen(const FileChoice& choice) = 0;
@@ -45,6 +51,12 @@ public:
 
     /// The numbers of the Custom Zoom dialog; nothing when the user cancels.
     virtual std::optional<CustomZoom> askCustomZoom(const CustomZoom& start) = 0;
+
+    /// What the user chose in the User Photo Settings; nothing when he cancelled them.
+    virtual std::optional<PhotoSettings> askPhotoSettings(const PhotoSettings& settings) = 0;
+
+    /// Shows a page of the manual in the user's browser. False: there is none.
+    virtual bool openPage(const QString& path) = 0;
 
     /// Which printer, pages and copies; false when the user cancels.
     virtual bool choosePrinter(QPrinter& printer) = 0;

@@ -1,7 +1,9 @@
 #include "ui/frame/commands/ToolsCommands.h"
 
+#include "model/FloorMap.h"
 #include "ui/livestat/CriteriaWindow.h"
 #include "ui/livestat/LiveStatOptionsWindow.h"
+#include "ui/widgets/SaveFailure.h"
 
 namespace mirovane {
 
@@ -9,6 +11,8 @@ CToolsCommands::CToolsCommands(CStation& station, FrameDialogs& dialogs, Parts p
     : station_(station), dialogs_(dialogs), parts_(std::move(parts)) {}
 
 void CToolsCommands::connectTo(CCommandActions& actions) {
+    actions.setHandler(CommandId::ToolsPhotoPath,
+                       {[this](const CommandDefinition&, bool) { choosePhotos(); }, {}});
     actions.setHandler(CommandId::ToolsLiveStat,
                        {[this](const CommandDefinition&, bool) { station_.toggleLiveStat(); },
                         [this](const CommandDefinition&) {
@@ -42,6 +46,31 @@ void CToolsCommands::storeTyping() {
         return;
     for (CCriteriaWindow* criteria : options_->findChildren<CCriteriaWindow*>())
         criteria->storeTyping();
+}
+
+/// The folder belongs to the floor, the size to the user.
+void CToolsCommands::choosePhotos() {
+    DisplaySettings& display = station_.display();
+    const PhotoSettings before{floorMapOf(station_.document()).photoFolder, display.PhotoScale};
+    const auto chosen = dialogs_.askPhotoSettings(before);
+    if (!chosen)
+        return;
+    parts_.settings.write("PhotoScale", chosen->PhotoScale);
+    display.PhotoScale = chosen->PhotoScale;
+    parts_.repaintFloor();
+    if (chosen->folder != before.folder)
+        storePhotoFolder(chosen->folder);
+}
+
+void CToolsCommands::storePhotoFolder(const std::string& folder) {
+    const SaveReport report = station_.edit({EditRequest::Kind::Settings, "Choose the photo folder", {}},
+                                            [&folder](CMirovaneDoc& document) {
+                                                FloorMapValues map = floorMapOf(document);
+                                                map.photoFolder = folder;
+                                                setFloorMap(document, map);
+                                            });
+    if (report.failed())
+        dialogs_.fail(saveFailureText(*report.error));
 }
 
 } // namespace mirovane

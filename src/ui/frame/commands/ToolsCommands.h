@@ -12,19 +12,22 @@ namespace mirovane {
 
 class CLiveStatOptionsWindow;
 
-/// The Tools menu: Live Stat and Live Discover.
+/// The Tools menu: Live Stat, Live Discover and the users' photos.
 class CToolsCommands {
 public:
     struct Parts {
         QWidget* window; ///< in front of which windows open
         CSettings& settings;
         const Clock& clock;
+        std::function<void()> repaintFloor;
     };
 
     /// All references outlive the object.
     CToolsCommands(CStation& station, FrameDialogs& dialogs, Parts parts);
 
     void connectTo(CCommandActions& actions);
+
+    void choosePhotos();
 
     /// Shows the options window, which goes on by itself, in front of the window that asks for it: that one
     /// hands the keyboard to it and has it back afterwards.
@@ -34,6 +37,8 @@ public:
     void storeTyping();
 
 private:
+    void storePhotoFolder(const std::string& folder);
+
     CStation& station_;
     FrameDialogs& dialogs_;
     Parts parts_;

@@ -6,8 +6,14 @@ CViewCommands::CViewCommands(DisplaySettings& display, CSettings& settings, Part
     : display_(display), settings_(settings), parts_(std::move(parts)) {}
 
 void CViewCommands::connectTo(CCommandActions& actions) {
-    const auto bar = [&actions](CommandId id, QWidget& widget) {
-        actions.setHandler(id, {[&widget](const CommandDefinition&, bool on) { widget.setVisible(on); },
+    const auto bar = [this, &actions](CommandId id, QWidget& widget) {
+        for (const CommandDefinition& command : commandTable())
+            if (command.id == id)
+                widget.setVisible(settings_.read(command.setting, 1) != 0);
+        actions.setHandler(id, {[this, &widget](const CommandDefinition& command, bool on) {
+                                    widget.setVisible(on);
+                                    settings_.write(command.setting, on ? 1 : 0);
+                                },
                                 [&widget](const CommandDefinition&) {
                                     return !widget.isHidden();
                                 }});

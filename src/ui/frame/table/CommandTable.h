@@ -20,6 +20,7 @@ enum class CommandId {
     FilePrint,
     FilePrintPreview,
     FilePrintSetup,
+    FileSend,
     FileRecent, ///< stands for the recently used datafiles, an entry each
     FileExit,
     EditUndo,
@@ -49,6 +50,7 @@ enum class CommandId {
     ViewHideAll,
     ViewHideNone,
     ToolsFloorMap,
+    ToolsPhotoPath,
     ToolsLiveStatOptions,
     ToolsLiveStat,
     ToolsLiveDiscover,
@@ -58,6 +60,8 @@ enum class CommandId {
     ToolsApplications,
     ToolsAdd, ///< `value` is the device type
     ToolsDiscoverNow,
+    HelpTopics,
+    HelpContext,
     HelpAbout,
 };
 

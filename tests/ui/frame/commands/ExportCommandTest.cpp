@@ -52,10 +52,11 @@ TEST_F(ExportCommandTest, WritesTheListViewsRowsAndRemembersHow) {
 
 TEST_F(ExportCommandTest, AsksBeforeItOverwritesButStoresFirst) {
     writeBytes(inFolder("list.txt"), "mine");
-    dialogs.exportAnswers = {wanted("list.txt"), wanted("list.txt")};
+    dialogs.exportAnswers = {wanted("list.txt"), std::nullopt, wanted("list.txt")};
     dialogs.answers = {false, true};
     run();
     EXPECT_EQ(dialogs.questions, std::vector{overwriteQuestion});
+    EXPECT_EQ(dialogs.exportRequests.size(), 2U) << "\"No\" leads back to the dialog";
     EXPECT_EQ(readBytes(inFolder("list.txt")), "mine");
     EXPECT_EQ(stored(), wanted("list.txt"));
     run();

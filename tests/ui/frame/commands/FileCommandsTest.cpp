@@ -63,9 +63,10 @@ TEST_F(FileCommandsTest, ANewFloorWithDevicesIsNeverLostSilently) {
 TEST_F(FileCommandsTest, SaveAsAddsTheExtensionAndAsksBeforeItReplaces) {
     std::ofstream(inFolder("other.mv")) << "precious";
     addComputer();
-    dialogs.files = {inFolder("other")};
+    dialogs.files = {inFolder("other"), std::nullopt}; // "No" leads back to the file dialog
     dialogs.answers = {false};
     EXPECT_FALSE(files->saveAs());
+    EXPECT_EQ(dialogs.choices.back().start, inFolder("other.mv"));
     EXPECT_EQ(fs::file_size(inFolder("other.mv")), 8u);
     EXPECT_TRUE(station->datafile().path().empty());
 
@@ -78,7 +79,6 @@ TEST_F(FileCommandsTest, SaveAsAddsTheExtensionAndAsksBeforeItReplaces) {
     dialogs.files = {inFolder("OTHER.MV")};
     EXPECT_TRUE(files->saveAs());
     EXPECT_EQ(station->datafile().path(), inFolder("OTHER.MV"));
-    EXPECT_EQ(windowTitle(station->datafile().path()), "OTHER.MV - Mirovane");
     EXPECT_TRUE(dialogs.failures.empty());
 }
 
@@ -108,6 +108,8 @@ TEST_F(FileCommandsTest, AnOpenThatFailsLeavesTheOpenDatafileAlone) {
         EXPECT_NE(dialogs.failures.back().find(path + " could not be opened"), std::string::npos);
     }
     EXPECT_EQ(dialogs.failures.size(), 3u);
+    EXPECT_NE(dialogs.failures[0].find("\n\nNot a Mirovane datafile: "), std::string::npos)
+        << dialogs.failures[0];
     EXPECT_TRUE(files->save());
     EXPECT_EQ(recent.paths(), std::vector<std::string>{good});
 }
@@ -142,10 +144,10 @@ TEST_F(FileCommandsTest, ClosingAsksWhenTheLastSaveFails) {
     ASSERT_TRUE(files->openPath(path));
     station->toggleLiveStat();
     fs::remove_all(inFolder("share"));
-    dialogs.answers = {false};
+    addComputer();
+    dialogs.saveAnswers = {SaveAnswer::Cancel};
     EXPECT_FALSE(files->close());
-    ASSERT_FALSE(dialogs.questions.empty());
-    EXPECT_NE(dialogs.questions.back().find("leave it all the same"), std::string::npos);
+    EXPECT_EQ(dialogs.offers, std::vector{SaveOffer::SaveAs});
 
     EXPECT_FALSE(logged("Error reading/loading from datafile!"));
     timers.advance(std::chrono::seconds(4)); // the user stays: the datafile is still watched
@@ -165,9 +167,27 @@ TEST_F(FileCommandsTest, WhoLeavesWithoutSavingIsAskedOnce) {
     ASSERT_TRUE(
         station->saveDatafile().failed()); // the device is not on disk, and Live Stat's release won't be
     dialogs.questions.clear();
-    dialogs.answers = {true};
+    dialogs.saveAnswers = {SaveAnswer::Discard};
     EXPECT_TRUE(files->close());
     EXPECT_EQ(dialogs.questions.size(), 1u);
+}
+
+TEST_F(FileCommandsTest, ADatafileThatNobodyMayWriteIsLeftWithoutAQuestionUnlessItWasEdited) {
+    const std::string path = makeDatafile("archive.mv");
+    fs::permissions(path, fs::perms::owner_read);
+    ASSERT_TRUE(files->openPath(path));
+    EXPECT_TRUE(files->readOnly());
+    document().editInBackground(*document().findDevice(1), [](CHardware& device) { device.State = 1; });
+    EXPECT_TRUE(files->close());
+    ASSERT_TRUE(files->openPath(path));
+    addComputer();
+    dialogs.saveAnswers = {SaveAnswer::Save};
+    dialogs.files = {inFolder("mine.mv")};
+    EXPECT_TRUE(files->close());
+    EXPECT_EQ(dialogs.offers, std::vector{SaveOffer::SaveAs});
+    ASSERT_TRUE(files->openPath(inFolder("mine.mv")));
+    EXPECT_EQ(document().deviceCount(), 2u);
+    EXPECT_FALSE(files->readOnly());
 }
 
 } // namespace

@@ -97,7 +97,6 @@ constexpr auto promised = std::to_array<PromisedRow>({
 
 /// Promised and not yet there. A command that has come is taken off.
 const std::vector<AwaitedRow> awaited = {
-    {MenuId::File, "Sen&d..."},
 
     {MenuId::Edit, "&Find..."}, {MenuId::Edit, "Find &Next"}, {MenuId::Edit, "Find Reminder Due"},
 
@@ -105,11 +104,7 @@ const std::vector<AwaitedRow> awaited = {
 
     {MenuId::View, "&Discover/Misc"},
 
-    {MenuId::Tools, "Users Photo Path.."},
-
     {MenuId::Tools, "&Group by proximity"},
-
-    {MenuId::Help, "&Help Topics"},
 
     {MenuId::RightClick, "P&roperties"},
 };
