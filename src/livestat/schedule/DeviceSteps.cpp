@@ -59,6 +59,8 @@ void CDeviceSteps::takeBack(JobSlot& slot, const StepJob& job) {
     if (!job.outcome.brokenPattern.empty())
         reportBrokenPattern(job);
     noteSearch(slot, job);
+    if (slot.row > 0 && job.outcome.acted)
+        finds_.note(*slot.recID, slot.row, {document_.now(), !job.outcome.failed, job.outcome.result});
     CHardware after = *device;
     const Applied applied = applyOutcome(after, job.input, job.outcome, document_.now());
     if (applied == Applied::Nothing)
@@ -104,6 +106,7 @@ void CDeviceSteps::reset() {
     found_.clear();
     brokenPatterns_.clear();
     outages_.reset();
+    finds_.clear();
     changed_ = false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "livestat/schedule/FoundValues.h"
 #include "livestat/schedule/JobSlots.h"
+#include "livestat/schedule/LatestFinds.h"
 #include "livestat/schedule/Outages.h"
 #include "livestat/steps/JackIndex.h"
 #include "livestat/steps/Step.h"
@@ -40,6 +41,8 @@ public:
     /// more: the step was stopped, or what it was asked about has changed meanwhile.
     void takeBack(JobSlot& slot, const StepJob& job);
 
+    const CLatestFinds& finds() const { return finds_; }
+
     /// A device changed that nobody was told of yet; taking it tells.
     bool changed() const { return changed_; }
     bool takeChanged() { return std::exchange(changed_, false); }
@@ -64,6 +67,7 @@ private:
     CMessageLog& log_;
     CJackIndex jacks_;
     CFoundValues found_;
+    CLatestFinds finds_;
     COutages outages_;
     int confirmOff_ = 0;
     std::uint64_t steps_ = 0;              ///< begun so far

@@ -70,6 +70,9 @@ public:
     /// The criteria of this type are being changed: none of its devices is checked until the next call.
     void holdType(std::optional<std::int32_t> type);
 
+    /// What each field rule found last at this station.
+    const CLatestFinds& finds() const { return steps_.finds(); }
+
     /// Goes off with Live Stat.
     bool tracking() const { return tracking_.on(); }
     void toggleTracking();

@@ -29,9 +29,12 @@ const std::string* PropertiesEdit::valueOf(std::string_view field) const {
 
 std::string withKept(std::string text, bool kept) {
     if (kept && !text.ends_with(keptByUser))
-        text += keptByUser;
-    while (!kept && text.ends_with(keptByUser))
+        text.append(text.empty() ? "" : " ").append(keptByUser);
+    if (!kept && text.ends_with(keptByUser)) {
         text.resize(text.size() - keptByUser.size());
+        if (text.ends_with(' '))
+            text.pop_back();
+    }
     return text;
 }
 

@@ -40,7 +40,8 @@ struct PropertiesEdit {
     const std::string* valueOf(std::string_view field) const;
 };
 
-/// The text with or without its end ">>"; blanks in front of it are the user's own.
+/// The text with or without " >>" at its end. The blank keeps the mark from being part of an address that is
+/// looked up.
 std::string withKept(std::string text, bool kept);
 
 /// The device as it would be, or one sentence that says which value does not fit and what to give instead.

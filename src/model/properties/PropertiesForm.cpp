@@ -110,7 +110,8 @@ CPropertiesForm::Shown CPropertiesForm::text(std::string_view name) const {
     if (!several())
         return {all.value_or(std::string()), Source::Device};
     // A list of pictures is no text to be typed over: it has its word also where all markers have the same.
-    const bool hint = all && leaveWord(field) == leaveText;
+    // And an empty field would look as if its texts were to be emptied.
+    const bool hint = all && !all->empty() && leaveWord(field) == leaveText;
     return hint ? Shown{*all, Source::Shared} : Shown{leaveWord(field), Source::Various};
 }
 

@@ -52,6 +52,9 @@ public:
     /// The value that all devices have; nothing where they differ. For fields that are not texts.
     std::optional<std::string> shared(std::string_view field) const;
 
+    /// The user made something of the field.
+    bool entered(std::string_view field) const { return at(field).input.has_value(); }
+
     /// What the user chose, or else shared().
     std::optional<std::string> chosen(std::string_view field) const;
 

@@ -2,6 +2,7 @@
 
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/FrameWindows.h"
+#include "ui/list/ListViewWindow.h"
 
 namespace mirovane {
 
@@ -27,7 +28,13 @@ CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts
       editing_({services.station, parts.floor, services.dialogs, services.settings, services.log}),
       applications_({services.station, services.dialogs, services.settings, services.log, services.launcher,
                      parts.frame}),
-      help_(services.dialogs) {}
+      help_(services.dialogs),
+      properties_({services.station, services.clock, parts.frame,
+                   [this] { return parts_.floor.drawing().mapSize(); },
+                   [this](std::int32_t recID) { showDevice(recID); },
+                   [this](std::int32_t recID) {
+                       parts_.floor.input().startMarking(recID);
+                   }}) {}
 
 void CFrameCommands::connectTo(CCommandActions& actions) {
     files_.connectTo(actions);
@@ -40,6 +47,7 @@ void CFrameCommands::connectTo(CCommandActions& actions) {
     editing_.connectTo(actions);
     applications_.connectTo(actions);
     help_.connectTo(actions);
+    properties_.connectTo(actions);
     const auto on = [&actions](CommandId id, std::function<void()> run) {
         actions.setHandler(id, {[run = std::move(run)](const CommandDefinition&, bool) { run(); }, {}});
     };
@@ -51,6 +59,30 @@ void CFrameCommands::connectTo(CCommandActions& actions) {
 
 std::string CFrameCommands::targets() const {
     return targetsText(services_.station.selection().members(CSelection::Scope::Floor));
+}
+
+void CFrameCommands::editListRows() {
+    CListViewWindow& list = *parts_.windows.listView();
+    const CListViewModel& rows = list.rows();
+    std::vector<const CHardware*> selected;
+    CPropertiesEditor::Neighbours order;
+    for (int row = 0; row < rows.rowCount(); ++row) {
+        order.push_back(services_.station.document().keyOf(*rows.recordAt(row)));
+        if (rows.isSelected(row))
+            selected.push_back(rows.recordAt(row));
+    }
+    properties_.run(selected, list, std::move(order));
+}
+
+/// What is not on the floor is a row of the List View.
+void CFrameCommands::showDevice(std::int32_t recID) {
+    const CHardware* device = services_.station.document().findDevice(recID);
+    if (!device)
+        return;
+    if (device->onFloor())
+        return parts_.floor.showDevice(*device);
+    parts_.windows.showListView();
+    services_.station.selection().add(*device);
 }
 
 void CFrameCommands::storeTyping() {

@@ -7,6 +7,7 @@
 #include "ui/frame/commands/HelpCommands.h"
 #include "ui/frame/commands/MailCommand.h"
 #include "ui/frame/commands/PrintCommands.h"
+#include "ui/frame/commands/PropertiesCommand.h"
 #include "ui/frame/commands/ToolsCommands.h"
 #include "ui/frame/commands/ViewCommands.h"
 #include "ui/frame/commands/ZoomCommands.h"
@@ -43,6 +44,10 @@ public:
     CToolsCommands& tools() { return tools_; }
     CEditingCommands& editing() { return editing_; }
     CApplicationCommands& applications() { return applications_; }
+    CPropertiesCommand& properties() { return properties_; }
+
+    /// Properties of the rows that are selected in the List View; "Next" and "Previous" go by its rows.
+    void editListRows();
 
     /// In words: the devices that commands and applications work on.
     std::string targets() const;
@@ -51,6 +56,8 @@ public:
     void storeTyping();
 
 private:
+    void showDevice(std::int32_t recID);
+
     FrameServices services_;
     Parts parts_;
     CFileCommands files_;
@@ -63,6 +70,7 @@ private:
     CEditingCommands editing_;
     CApplicationCommands applications_;
     CHelpCommands help_;
+    CPropertiesCommand properties_;
 };
 
 } // namespace mirovane

@@ -24,6 +24,8 @@ void CFrameWindows::showListView() {
         listView_ = std::make_unique<CListViewWindow>(services_.station, services_.settings);
         listView_->setWindowIcon(frame_.windowIcon());
         connect(listView_.get(), &CListViewWindow::showOnFloor, this, &CFrameWindows::deviceWanted);
+        connect(listView_.get(), &CListViewWindow::propertiesWanted, this,
+                &CFrameWindows::rowPropertiesWanted);
     }
     listView_->present();
 }

@@ -42,6 +42,9 @@ Q_SIGNALS:
     /// The user wants to see this device on the floor.
     void deviceWanted(std::int32_t recID);
 
+    /// Properties of the rows that are selected in the List View.
+    void rowPropertiesWanted();
+
     /// `asking` has no address ranges to work with: the options window is where they are set.
     void rangesWanted(QWidget* asking);
 

@@ -101,6 +101,8 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
 
 void CMainFrame::connectWindows() {
     connect(&windows_, &CFrameWindows::deviceWanted, this, &CMainFrame::showOnFloor);
+    connect(
+        &windows_, &CFrameWindows::rowPropertiesWanted, this, [this] { commands_.editListRows(); });
     connect(&windows_, &CFrameWindows::rangesWanted, this,
             [this](QWidget* asking) { commands_.tools().openLiveStatOptions(asking); });
     connect(floor_, &CMirovaneView::selectedMarkerChanged, this, [this](std::int32_t recID) {

@@ -146,6 +146,9 @@ void CListViewMenus::makeEditMenu(QMenu& menu) {
     addCommand(menu, tr("Find Typed Text &Before"), QKeySequence(QStringLiteral("Shift+F3")),
                [this] { parts_.table.findAgain(SearchDirection::Up); });
     menu.addSeparator();
+    properties_ = addCommand(menu, tr("&Properties"), {}, parts_.properties);
+    properties_->setShortcuts(
+        {QKeySequence(QStringLiteral("Alt+Return")), QKeySequence(QStringLiteral("Alt+Enter"))});
     show_ = menu.addAction(tr("Show on &Floor\tEnter"));
     connect(show_, &QAction::triggered, this, [this] {
         if (const std::int32_t device = parts_.table.currentDevice())
@@ -196,7 +199,7 @@ void CListViewMenus::makeSortMenu(QMenu& menu) {
 void CListViewMenus::makePopups() {
     connect(&parts_.table, &QWidget::customContextMenuRequested, this, [this](QPoint where) {
         QMenu menu(&parts_.table);
-        menu.addActions({show_, copy_, selectAll_});
+        menu.addActions({show_, properties_, copy_, selectAll_});
         menu.exec(parts_.table.viewport()->mapToGlobal(where));
     });
     QHeaderView* titles = parts_.table.horizontalHeader();
@@ -222,6 +225,7 @@ void CListViewMenus::refreshChecks() {
     for (const auto& check : checks_)
         check();
     copy_->setEnabled(parts_.rows.selectedCount() > 0);
+    properties_->setEnabled(parts_.rows.selectedCount() > 0);
     show_->setEnabled(parts_.table.currentDevice() != 0);
 }
 

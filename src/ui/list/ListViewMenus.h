@@ -23,6 +23,7 @@ public:
         CSettings& settings;
         std::function<void()> refresh; ///< "&Refresh"
         std::function<void()> close;
+        std::function<void()> properties; ///< of the selected rows
     };
 
     CListViewMenus(QMenuBar& bar, Parts parts);
@@ -46,6 +47,7 @@ private:
     QAction* copy_ = nullptr;
     QAction* selectAll_ = nullptr;
     QAction* show_ = nullptr;
+    QAction* properties_ = nullptr;
     std::vector<std::function<void()>> checks_; ///< each brings the mark of one entry up to date
 };
 

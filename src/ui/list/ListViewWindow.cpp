@@ -65,10 +65,13 @@ CListViewWindow::~CListViewWindow() {
 void CListViewWindow::layOut() {
     auto* bar = new QMenuBar(this);
     bar->setNativeMenuBar(false); // a window of its own has menus of its own
-    new CListViewMenus(*bar, {rows_, *table_, *widths_, settings_, [this] { rows_.refill(); },
-                              [this] {
-                                  close();
-                              }});
+    new CListViewMenus(*bar,
+                       {rows_, *table_, *widths_, settings_, [this] { rows_.refill(); }, [this] { close(); },
+                        [this] {
+                            rows_.flush();
+                            if (rows_.selectedCount() > 0)
+                                Q_EMIT propertiesWanted();
+                        }});
     status_->setObjectName(QStringLiteral("listStatus"));
     status_->setTextFormat(Qt::PlainText);
     status_->setContentsMargins(edge, 0, edge, 0);

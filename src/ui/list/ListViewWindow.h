@@ -34,6 +34,9 @@ Q_SIGNALS:
     /// The user wants to see this device, which is on the floor, there.
     void showOnFloor(std::int32_t recID);
 
+    /// The selected rows are to be edited.
+    void propertiesWanted();
+
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;

@@ -58,8 +58,12 @@ void CDevicePickList::offer(const CMirovaneDoc& document, std::int32_t type) {
             selected = record.RecID;
     }
     narrow();
+    pick(selected);
+}
+
+void CDevicePickList::pick(std::int32_t recID) {
     for (std::size_t i = 0; i < shown_.size(); ++i) {
-        if (shown_[i] == selected) {
+        if (shown_[i] == recID) {
             list_->setCurrentIndex(model_.index(static_cast<int>(i)));
             list_->scrollTo(list_->currentIndex(), QAbstractItemView::PositionAtCenter);
         }

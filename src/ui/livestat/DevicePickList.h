@@ -23,6 +23,8 @@ public:
     /// picked stays; at first the first selected one is, or else the first.
     void offer(const CMirovaneDoc& document, std::int32_t type);
 
+    void pick(std::int32_t recID);
+
     /// 0 when no device is left in the list.
     std::int32_t pickedRecID() const;
 

@@ -24,6 +24,9 @@ public:
                     QWidget* parent = nullptr);
     ~CRowTrialWindow() override;
 
+    /// This device instead of the first selected one.
+    void pick(std::int32_t recID) { devices_->pick(recID); }
+
 private:
     // DocumentObserver
     void recordAdded(const CHardware& record) override;

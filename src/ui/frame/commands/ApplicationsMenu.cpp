@@ -12,8 +12,6 @@ namespace {
 /// Counted from 0: between Tools and Help.
 constexpr int placeInMenuBar = 4;
 
-constexpr const char* propertiesCommand = "editProperties";
-
 /// A name is a name: its "&" marks no letter, and a tab in it starts no column of keys. An entry without a
 /// name can at least be told from the others by its command.
 QString itemText(const ApplicationValues& application) {
@@ -36,9 +34,6 @@ CApplicationsMenu::CApplicationsMenu(QMenuBar& bar, Parts parts)
         connect(menu, &QMenu::aboutToShow, this, [this] {
             parts_.aboutToShow();
             showTargets();
-            const QAction* command = parts_.actions.action(propertiesCommand);
-            for (QAction* properties : properties_)
-                properties->setEnabled(command && command->isEnabled());
         });
     // Whatever was chosen runs first.
     connect(
@@ -90,7 +85,6 @@ void CApplicationsMenu::rebuild() {
 
 void CApplicationsMenu::fill() {
     qDeleteAll(std::exchange(targets_, {}));
-    properties_.clear();
     menu_->clear();
     plain_->clear();
     int id = firstApplicationCommand;
@@ -102,8 +96,8 @@ void CApplicationsMenu::fill() {
         ++id;
     }
     menu_->addSeparator();
-    addProperties(*menu_);
-    addProperties(*plain_);
+    addCommands(*menu_);
+    addCommands(*plain_);
 }
 
 void CApplicationsMenu::placeInBar() {
@@ -132,14 +126,7 @@ void CApplicationsMenu::showTargets() {
     }
 }
 
-void CApplicationsMenu::addProperties(QMenu& menu) {
-    QAction* properties = menu.addAction(tr("P&roperties"));
-    properties->setObjectName(QStringLiteral("applicationsProperties"));
-    properties_ << properties;
-    connect(properties, &QAction::triggered, this, [this] {
-        if (QAction* command = parts_.actions.action(propertiesCommand))
-            command->trigger();
-    });
+void CApplicationsMenu::addCommands(QMenu& menu) {
     for (const CommandDefinition& command : commandTable())
         if (command.menu == MenuId::RightClick) {
             if (command.groupStart)

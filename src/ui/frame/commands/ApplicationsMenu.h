@@ -55,7 +55,7 @@ private:
     void fill();
     void placeInBar();
     void showTargets();
-    void addProperties(QMenu& menu);
+    void addCommands(QMenu& menu);
 
     QMenuBar& bar_;
     Parts parts_;
@@ -63,7 +63,6 @@ private:
     QMenu* menu_;
     QMenu* plain_;            ///< "P&roperties" alone
     QList<QAction*> targets_; ///< the first line of each menu and what parts it from the others
-    QList<QAction*> properties_;
     QTimer rebuildSoon_;
 };
 

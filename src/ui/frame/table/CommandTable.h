@@ -25,6 +25,7 @@ enum class CommandId {
     FileExit,
     EditUndo,
     EditRedo,
+    EditProperties,
     EditCut,
     EditCopy,
     EditPaste,

@@ -133,6 +133,11 @@ constexpr auto rows = std::to_array<CommandDefinition>({
     inactive(DeviceType::Ups, "selectInactiveUps", QT_TRANSLATE_NOOP("Commands", "Inactive UPS")),
     inactive(DeviceType::Wireless, "selectInactiveWireless", QT_TRANSLATE_NOOP("Commands", "Inactive Wireless")),
     inactive(DeviceType::Unknown, "selectInactiveUnknown", QT_TRANSLATE_NOOP("Commands", "Inactive Unknown")),
+    edit(CommandId::EditProperties, "editProperties", QT_TRANSLATE_NOOP("Commands", "&Properties"), "Alt+Return Alt+Enter",
+         QT_TRANSLATE_NOOP("Commands", "Edit the selected devices; without any, look at the floor as a whole"), CommandNeeds::Nothing, true),
+    {.id = CommandId::EditProperties, .name = "floorProperties", .menu = MenuId::RightClick,
+     .text = QT_TRANSLATE_NOOP("Commands", "P&roperties"),
+     .help = QT_TRANSLATE_NOOP("Commands", "Edit the selected devices; without any, look at the floor as a whole")},
 });
 // clang-format on
 

@@ -92,21 +92,15 @@ constexpr auto promised = std::to_array<PromisedRow>({
     {MenuId::Tools, "Add P&hone"}, {MenuId::Tools, "Add Ca&mera"}, {MenuId::Tools, "Add Car&d Module"},
     {MenuId::Tools, "Add &UPS"}, {MenuId::Tools, "Add Wir&eless"}, {MenuId::Tools, "Add Unknown"},
     {MenuId::Help, "&Help Topics", "F1"}, {MenuId::Help, "&About Mirovane..."},
-    {MenuId::RightClick, "P&roperties"},
 });
 
 /// Promised and not yet there. A command that has come is taken off.
 const std::vector<AwaitedRow> awaited = {
-
     {MenuId::Edit, "&Find..."}, {MenuId::Edit, "Find &Next"}, {MenuId::Edit, "Find Reminder Due"},
-
-    {MenuId::Edit, "&Properties"},
 
     {MenuId::View, "&Discover/Misc"},
 
     {MenuId::Tools, "&Group by proximity"},
-
-    {MenuId::RightClick, "P&roperties"},
 };
 // clang-format on
 
