@@ -76,7 +76,7 @@ constexpr auto rows = std::to_array<CommandDefinition>({
          QT_TRANSLATE_NOOP("Commands", "Add the devices of a text that was copied here or in a spreadsheet")),
     edit(CommandId::EditDelete, "editDelete", QT_TRANSLATE_NOOP("Commands", "&Delete"), "Del",
          QT_TRANSLATE_NOOP("Commands", "Delete the selected devices"), CommandNeeds::FloorSelection),
-    edit(CommandId::EditDuplicate, "editDuplicate", QT_TRANSLATE_NOOP("Commands", "Du&pplicate"), "Ctrl+Shift+D",
+    edit(CommandId::EditDuplicate, "editDuplicate", QT_TRANSLATE_NOOP("Commands", "Dup&licate"), "Ctrl+Shift+D",
          QT_TRANSLATE_NOOP("Commands", "Add a copy of each selected device, its name counted up"), CommandNeeds::FloorSelection),
     edit(CommandId::EditMoveTo, "editMoveTo", QT_TRANSLATE_NOOP("Commands", "&Move to"), "",
          QT_TRANSLATE_NOOP("Commands", "Move the selected devices to the Discovered/Misc window"), CommandNeeds::FloorSelection, true),
