@@ -56,7 +56,7 @@ constexpr auto promised = std::to_array<PromisedRow>({
     {MenuId::Select, "Inactive Phones"}, {MenuId::Select, "Inactive Camera"},
     {MenuId::Select, "Inactive Card Modules"}, {MenuId::Select, "Inactive UPS"},
     {MenuId::Select, "Inactive Wireless"}, {MenuId::Select, "Inactive Unknown"},
-    {MenuId::Edit, "&Properties"},
+    {MenuId::Edit, "&Properties", "Alt+Return Alt+Enter"}, {MenuId::RightClick, "P&roperties"},
     {MenuId::View, "&Toolbar", "", true}, {MenuId::View, "&Status Bar", "", true},
     {MenuId::View, "LS Status on Devices", "", true}, {MenuId::View, "Reminder on Title Bar", "", true},
     {MenuId::View, "Reminder on Devices", "", true}, {MenuId::View, "&Discover/Misc", "Ctrl+D"},
