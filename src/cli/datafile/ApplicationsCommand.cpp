@@ -140,7 +140,7 @@ ExitStatus runApplications(CommandContext& context) {
     if (!changes)
         return usageError(context, changes.error().sentence);
     if (changes.value().any())
-        return editDatafile(context.out, file,
+        return editDatafile(context.out, file, "Change applications",
                             [&](CMirovaneDoc& doc) { return apply(doc, changes.value()); });
     return viewDatafile(context.out, file, [&](const CMirovaneDoc& doc) {
         const auto records = applicationRecords(doc);
