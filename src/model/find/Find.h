@@ -31,9 +31,6 @@ public:
     const CHardware* next(FindMode mode, FindState& state, From from = From::Floor);
     const CHardware* next(FindState& state) { return next(settings_.mode(), state); }
 
-    /// Another datafile: the next search starts at the beginning of the list.
-    void startOver() { FindNextIndex_ = 0; }
-
 private:
     void deselectAll();
 

@@ -30,6 +30,7 @@ public:
     ~CFloorDrawing() override;
 
     CIconSet& icons() { return icons_; }
+    const CIconSet& icons() const { return icons_; }
     FloorSources sources() { return {document_, display_, index_, icons_, map_.tiles(), photos_}; }
     const CFloorIndex& index() const { return index_; }
 

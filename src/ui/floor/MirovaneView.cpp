@@ -236,6 +236,25 @@ void CMirovaneView::showDevice(const CHardware& device) {
     input_.showLabels(device);
 }
 
+void CMirovaneView::centreOn(const CHardware& device) {
+    showDevice(device);
+    const QPoint middle = iconRect(device).center() - viewport()->rect().center();
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + middle.x());
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + middle.y());
+}
+
+QRect CMirovaneView::iconRect(const CHardware& device) const {
+    const FloorZoom zoom = floorZoom(display());
+    const QSize icon = drawing_.icons().sizes().of(device.Type);
+    return {ToWindow(device.Position, scaledPoint({0, 0}), zoom.ZoomPercent),
+            scaled(icon, zoom.ZoomDevicesPercent)};
+}
+
+void CMirovaneView::setFind(const FindState& find) {
+    state_.find = find;
+    drawing_.invalidateAll();
+}
+
 void CMirovaneView::resizeEvent(QResizeEvent* event) {
     QAbstractScrollArea::resizeEvent(event);
     scheduleFlush();

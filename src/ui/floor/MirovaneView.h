@@ -47,6 +47,15 @@ public:
     /// Brings a floor device into view, with all its labels until the pointer moves. Does not select it.
     void showDevice(const CHardware& device);
 
+    /// The same, always in the middle of the window.
+    void centreOn(const CHardware& device);
+
+    /// The icon of a floor device, in window coordinates.
+    QRect iconRect(const CHardware& device) const;
+
+    /// What the last search left for the floor to show.
+    void setFind(const FindState& find);
+
     /// The next frame equals this one: nothing waits to be drawn or loaded.
     bool settled() const;
 

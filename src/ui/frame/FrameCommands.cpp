@@ -26,6 +26,12 @@ CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts
                   parts_.floor.viewport()->update();
               }}),
       editing_({services.station, parts.floor, services.dialogs, services.settings, services.log}),
+      find_({services.station, services.dialogs, parts.floor, services.log, parts.frame,
+             [this](const CHardware& device, bool flash) { discovered_.discovered().show(device, flash); },
+             askFind}),
+      reminders_(services.station, services.dialogs),
+      discovered_({services.station, services.dialogs, services.settings, services.log, parts.floor, find_,
+                   parts.frame}),
       applications_({services.station, services.dialogs, services.settings, services.log, services.launcher,
                      parts.frame}),
       help_(services.dialogs),
@@ -45,6 +51,9 @@ void CFrameCommands::connectTo(CCommandActions& actions) {
     print_.connectTo(actions);
     tools_.connectTo(actions);
     editing_.connectTo(actions);
+    find_.connectTo(actions);
+    reminders_.connectTo(actions);
+    discovered_.connectTo(actions);
     applications_.connectTo(actions);
     help_.connectTo(actions);
     properties_.connectTo(actions);

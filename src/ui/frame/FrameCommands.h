@@ -1,13 +1,16 @@
 #pragma once
 
 #include "ui/frame/commands/ApplicationCommands.h"
+#include "ui/frame/commands/DiscoveredCommands.h"
 #include "ui/frame/commands/ExportCommand.h"
 #include "ui/frame/commands/FileCommands.h"
+#include "ui/frame/commands/FindCommands.h"
 #include "ui/frame/commands/FrameServices.h"
 #include "ui/frame/commands/HelpCommands.h"
 #include "ui/frame/commands/MailCommand.h"
 #include "ui/frame/commands/PrintCommands.h"
 #include "ui/frame/commands/PropertiesCommand.h"
+#include "ui/frame/commands/ReminderCommands.h"
 #include "ui/frame/commands/ToolsCommands.h"
 #include "ui/frame/commands/ViewCommands.h"
 #include "ui/frame/commands/ZoomCommands.h"
@@ -43,6 +46,8 @@ public:
     const CFileCommands& files() const { return files_; }
     CToolsCommands& tools() { return tools_; }
     CEditingCommands& editing() { return editing_; }
+    CFindCommands& finding() { return find_; }
+    CDiscoveredCommands& discovered() { return discovered_; }
     CApplicationCommands& applications() { return applications_; }
     CPropertiesCommand& properties() { return properties_; }
 
@@ -68,6 +73,9 @@ private:
     CPrintCommands print_;
     CToolsCommands tools_;
     CEditingCommands editing_;
+    CFindCommands find_;
+    CReminderCommands reminders_;
+    CDiscoveredCommands discovered_;
     CApplicationCommands applications_;
     CHelpCommands help_;
     CPropertiesCommand properties_;

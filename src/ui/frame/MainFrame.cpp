@@ -96,6 +96,7 @@ void CMainFrame::closeEvent(QCloseEvent* event) {
         return;
     }
     windows_.close();
+    commands_.discovered().close();
     QMainWindow::closeEvent(event);
 }
 

@@ -32,6 +32,8 @@ public:
 
     CFileCommands& files() { return commands_.files(); }
     CCommandActions& actions() { return *actions_; }
+    CFindCommands& finding() { return commands_.finding(); }
+    CDiscoveredCommands& discovered() { return commands_.discovered(); }
     CApplicationsMenu& applicationsMenu() { return *applicationsMenu_; }
     CMessageLogWindow& messageLog() { return windows_.messageLog(); }
 

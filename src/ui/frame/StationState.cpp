@@ -1,6 +1,7 @@
 #include "ui/frame/StationState.h"
 
 #include "feature/FeatureOwner.h"
+#include "station/ReminderEdits.h"
 #include "ui/widgets/DialogText.h"
 
 #include <QDateTime>
@@ -35,6 +36,7 @@ CommandState commandState(const CStation& station) {
     state.hasUndo = station.history().next(CEditHistory::Way::Undo) != nullptr;
     state.hasRedo = station.history().next(CEditHistory::Way::Redo) != nullptr;
     state.hasAddressRanges = hasRanges || station.liveDiscover().enabled(); // it can be switched off
+    state.hasDueReminder = !selectedDueDevices(station).empty();
     return state;
 }
 

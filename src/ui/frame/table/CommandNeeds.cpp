@@ -24,6 +24,8 @@ constexpr std::array needs = {
     NeedDefinition{CommandNeeds::AddressRanges, &CommandState::hasAddressRanges,
                    QT_TRANSLATE_NOOP("Commands", "Live Discover needs an address range: Tools, Live "
                                                  "Stat/Discover Option...")},
+    NeedDefinition{CommandNeeds::DueReminder, &CommandState::hasDueReminder,
+                   QT_TRANSLATE_NOOP("Commands", "No selected device has a due reminder: F4 finds one")},
 };
 
 } // namespace

@@ -6,7 +6,16 @@
 namespace mirovane {
 
 /// What must be there before a command can do anything.
-enum class CommandNeeds { Nothing, Devices, Selection, FloorSelection, Undo, Redo, AddressRanges };
+enum class CommandNeeds {
+    Nothing,
+    Devices,
+    Selection,
+    FloorSelection,
+    Undo,
+    Redo,
+    AddressRanges,
+    DueReminder
+};
 
 /// What the window's commands depend on at this moment, a flag for each of their needs.
 struct CommandState {
@@ -16,6 +25,7 @@ struct CommandState {
     bool hasUndo = false;
     bool hasRedo = false;
     bool hasAddressRanges = false;
+    bool hasDueReminder = false; ///< of a selected device
 };
 
 /// A need, the flag that meets it, and what the status bar says about a command that waits for it: what is

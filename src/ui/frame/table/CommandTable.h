@@ -39,11 +39,16 @@ enum class CommandId {
     EditSelectType,     ///< `value` is the device type, also in the next two
     EditSelectActive,   ///< found to be on
     EditSelectInactive, ///< off, or not checked yet
+    EditFind,
+    EditFindNext,
+    EditFindReminderDue,
+    EditQuickFind,
     ViewToolbar,
     ViewStatusBar,
     ViewDisplayToggle, ///< every command that switches one display setting; `setting` says which
     ViewZoom,          ///< the zoom commands without a dialog; `value` is their ZoomCommand
     ViewZoomCustom,
+    ViewDiscoverMisc,
     ViewMessageLogs,
     ViewListView,
     ViewHideType, ///< `value` is the device type
@@ -58,12 +63,15 @@ enum class CommandId {
     ToolsLiveStatNow,
     ToolsResetLiveStatus,
     ToolsTrackLiveStat,
+    ToolsGroupByProximity,
     ToolsApplications,
     ToolsAdd, ///< `value` is the device type
     ToolsDiscoverNow,
     HelpTopics,
     HelpContext,
     HelpAbout,
+    ReminderPutOff, ///< `value`: a ReminderDelay
+    ReminderDone,
 };
 
 /// One command of the main window. The table is the only place where a command's words and keys are written;
