@@ -15,6 +15,12 @@ Result<CommandLine, QString> parseCommandLine(const QStringList& arguments) {
             line.configFolder = arguments[i];
         } else if (!optionsEnded && argument.startsWith(QStringLiteral("--config="))) {
             line.configFolder = argument.section(u'=', 1);
+        } else if (!optionsEnded && argument == QStringLiteral("--find")) {
+            if (++i == arguments.size() || arguments[i].trimmed().isEmpty())
+                return QStringLiteral("--find needs a text");
+            line.find = arguments[i];
+        } else if (!optionsEnded && argument.startsWith(QStringLiteral("--find="))) {
+            line.find = argument.section(u'=', 1);
         } else if (!optionsEnded && argument.startsWith(u'-') && argument.size() > 1) {
             return QStringLiteral("unknown option ") + argument;
         } else if (!line.datafile.isEmpty()) {
@@ -29,14 +35,16 @@ Result<CommandLine, QString> parseCommandLine(const QStringList& arguments) {
 
 QString usageText() {
     return QStringLiteral(
-        "Usage: mirovane [--config DIR] [DATAFILE]\n"
+        "Usage: mirovane [--config DIR] [--find TEXT] [DATAFILE]\n"
         "       mirovane --render OUT.png DATAFILE [OPTIONS]\n"
         "       mirovane --print OUT.pdf DATAFILE [OPTIONS]\n"
         "\n"
         "Keeps the floor plan of a site with every device on it, and watches the devices live.\n"
-        "Without DATAFILE it starts with a new, empty floor.\n"
+        "Without DATAFILE it starts with a new, empty floor. Where a window has DATAFILE open already, that\n"
+        "window comes up.\n"
         "\n"
         "  --config DIR   keep the user's settings in DIR\n"
+        "  --find TEXT    show the device that TEXT fits best, by any of its fields\n"
         "  --render OUT   draw one frame of the floor to a PNG file, without a display\n"
         "                 (\"mirovane --render --help\" lists the options)\n"
         "  --print OUT    write the floor as pages of a PDF file, without a display\n"

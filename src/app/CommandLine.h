@@ -11,6 +11,7 @@ namespace mirovane {
 struct CommandLine {
     QString datafile;     ///< empty: start with a new document
     QString configFolder; ///< empty: the user's own
+    QString find;         ///< a device to show at once; empty: none
 };
 
 /// `arguments` without the program's name and without those that the window system took. The error is a

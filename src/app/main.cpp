@@ -7,9 +7,11 @@
 #include "platform/process/StandardDescriptors.h"
 #include "platform/process/Terminal.h"
 #include "ui/frame/Desktop.h"
+#include "ui/handover/Handover.h"
 
 #include <QApplication>
 #include <QFile>
+#include <QFileInfo>
 
 #include <csignal>
 #include <cstdio>
@@ -54,7 +56,21 @@ std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
     return application;
 }
 
+/// The exit status where a window that is open already has taken the request.
+std::optional<int> runInOpenWindow(const CommandLine& line) {
+    const QString datafile =
+        line.datafile.isEmpty() ? QString() : QFileInfo(line.datafile).canonicalFilePath();
+    if (line.datafile.isEmpty() ? line.find.isEmpty() : datafile.isEmpty())
+        return std::nullopt; // a new floor, or a file that is not there
+    const auto answer = handOver(handoverFolder(), {datafile, line.find});
+    if (answer == HandoverAnswer::NotFound)
+        std::fprintf(stderr, "mirovane: no device fits \"%s\"\n", line.find.toLocal8Bit().constData());
+    return answer ? std::optional(answer == HandoverAnswer::NotFound ? 1 : 0) : std::nullopt;
+}
+
 int runWindow(const CommandLine& line) {
+    if (const auto status = runInOpenWindow(line))
+        return *status;
     CDesktop desktop({QFile::encodeName(line.configFolder).toStdString(), QStringLiteral(MIROVANE_VERSION)});
     std::optional<int> ended;
     const CEndSignals signals([&desktop, &ended] {
@@ -67,6 +83,10 @@ int runWindow(const CommandLine& line) {
         qApp, &QGuiApplication::commitDataRequest, &desktop.frame(), [&desktop] { desktop.saveForSession(); },
         Qt::DirectConnection);
     desktop.start(QFile::encodeName(line.datafile).toStdString());
+    const CHandoverServer server(
+        handoverFolder(), [&desktop](const HandoverRequest& request) { return desktop.comeUp(request); });
+    if (!line.find.isEmpty())
+        desktop.comeUp({{}, line.find});
     return ended ? *ended : QApplication::exec();
 }
 

@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace mirovane {
@@ -55,6 +56,17 @@ void CDesktop::start(const std::string& datafile) {
     frame_->show();
     if (datafile.empty() || !frame_->files().openPath(datafile))
         frame_->files().newFile();
+}
+
+HandoverAnswer CDesktop::comeUp(const HandoverRequest& request) {
+    const QString datafile = QFile::decodeName(station_->datafile().path().c_str());
+    if (!request.datafile.isEmpty() && QFileInfo(datafile).canonicalFilePath() != request.datafile)
+        return HandoverAnswer::Elsewhere;
+    frame_->setWindowState(frame_->windowState() & ~Qt::WindowMinimized);
+    frame_->raise();
+    frame_->activateWindow();
+    const bool shown = request.find.isEmpty() || frame_->finding().showBest(request.find.toStdString());
+    return shown ? HandoverAnswer::Shown : HandoverAnswer::NotFound;
 }
 
 void CDesktop::saveForSession() {

@@ -13,6 +13,7 @@
 #include "ui/frame/MainFrame.h"
 #include "ui/frame/WidgetDialogs.h"
 #include "ui/frame/commands/RecentFiles.h"
+#include "ui/handover/Handover.h"
 
 #include <QString>
 
@@ -39,6 +40,9 @@ public:
 
     /// Shows the window and opens the datafile; with none, or when it cannot be opened, a new one.
     void start(const std::string& datafile);
+
+    /// Another start of the program wants this window, and perhaps a device in it.
+    HandoverAnswer comeUp(const HandoverRequest& request);
 
     /// The session is about to end: what is not yet on disk goes there, a floor without a file to a file of
     /// its own.
