@@ -23,7 +23,7 @@ constexpr double step = 1.25;
 constexpr double smallest = 0.02;
 constexpr double largest = 8.0;
 constexpr double mostPixels = 60e6; ///< of a picture that is magnified: four bytes each
-constexpr QSize wantedSize(760, 560);
+constexpr QSize viewerSize(760, 560);
 
 } // namespace
 
@@ -44,7 +44,7 @@ CPictureViewer::CPictureViewer(std::vector<PictureFile> files, int first, QWidge
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(area_, 1);
     layout->addWidget(makeButtons());
-    fitToScreen(*this, wantedSize);
+    fitToScreen(*this, viewerSize);
     load();
 }
 

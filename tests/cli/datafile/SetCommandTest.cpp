@@ -26,8 +26,6 @@ protected:
     std::string records() const { return cli({"records", file, "--json"}).out; }
 };
 
-} // namespace
-
 TEST_F(SetCommandTest, ChangesTheDevicesThatAreNamedOrFit) {
     EXPECT_EQ(set({"1", "3", "Priority=2", "Comment=both"}).out, "1\n3\n");
     EXPECT_EQ(set({"--where", "type=printer", "--where", "Name~^PRN-\\d$", "ToDo=toner"}).out, "1\n2\n");
@@ -69,5 +67,7 @@ TEST_F(SetCommandTest, RefusesWhatNobodyWants) {
     EXPECT_EQ(records(), before);
     EXPECT_EQ(set({"1", "Name=PC-1", "--no-duplicate-check"}).out, "1\n");
 }
+
+} // namespace
 
 } // namespace mirovane::test

@@ -76,8 +76,6 @@ struct Case {
     std::set<std::int32_t> stamped;
 };
 
-} // namespace
-
 TEST_F(PropertiesFormTest, ChangesExactlyWhatWasMeant) {
     const std::vector<Case> cases{
         {"nothing touched", {1}, {}, {}, {}, {}},
@@ -235,5 +233,7 @@ TEST_F(PropertiesFormTest, AsksAboutValuesThatAnotherDeviceHas) {
     EXPECT_EQ(question(2, {{"Name", ""}, {"IPAddress", ""}, {"ToJack", ""}}), "");
     EXPECT_EQ(question(6, {{"Comment", "a\r\nb"}}), "");
 }
+
+} // namespace
 
 } // namespace mirovane::test

@@ -63,7 +63,7 @@ constexpr CommandDefinition inactive(std::int32_t type, std::string_view name, s
 
 // Rows that are alike line up; the formatter would give each a shape of its own.
 // clang-format off
-constexpr auto rows = std::to_array<CommandDefinition>({
+constexpr auto editTable = std::to_array<CommandDefinition>({
     edit(CommandId::EditUndo, "editUndo", QT_TRANSLATE_NOOP("Commands", "&Undo"), "Ctrl+Z Alt+Backspace",
          QT_TRANSLATE_NOOP("Commands", "Take the latest edit back"), CommandNeeds::Undo),
     edit(CommandId::EditRedo, "editRedo", QT_TRANSLATE_NOOP("Commands", "&Redo"), "Ctrl+Y Ctrl+Shift+Z",
@@ -160,7 +160,7 @@ constexpr auto rows = std::to_array<CommandDefinition>({
 } // namespace
 
 std::span<const CommandDefinition> editCommands() {
-    return rows;
+    return editTable;
 }
 
 } // namespace mirovane

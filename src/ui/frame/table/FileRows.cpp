@@ -10,7 +10,7 @@ namespace {
 
 // Rows that are alike line up; the formatter would give each a shape of its own.
 // clang-format off
-constexpr auto rows = std::to_array<CommandDefinition>({
+constexpr auto fileTable = std::to_array<CommandDefinition>({
     {.id = CommandId::FileNew, .name = "fileNew", .menu = MenuId::File,
      .text = QT_TRANSLATE_NOOP("Commands", "&New"), .keys = "Ctrl+N",
      .help = QT_TRANSLATE_NOOP("Commands", "Start a new, empty datafile")},
@@ -52,7 +52,7 @@ constexpr auto rows = std::to_array<CommandDefinition>({
 } // namespace
 
 std::span<const CommandDefinition> fileCommands() {
-    return rows;
+    return fileTable;
 }
 
 } // namespace mirovane

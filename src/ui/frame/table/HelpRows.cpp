@@ -24,7 +24,7 @@ constexpr CommandDefinition putOff(std::string_view name, ReminderDelay delay, s
 
 // Rows that are alike line up; the formatter would give each a shape of its own.
 // clang-format off
-constexpr auto rows = std::to_array<CommandDefinition>({
+constexpr auto helpTable = std::to_array<CommandDefinition>({
     {.id = CommandId::HelpTopics, .name = "helpTopics", .menu = MenuId::Help,
      .text = QT_TRANSLATE_NOOP("Commands", "&Help Topics"), .keys = "F1",
      .help = QT_TRANSLATE_NOOP("Commands", "Show the manual")},
@@ -49,7 +49,7 @@ constexpr auto rows = std::to_array<CommandDefinition>({
 } // namespace
 
 std::span<const CommandDefinition> helpCommands() {
-    return rows;
+    return helpTable;
 }
 
 } // namespace mirovane

@@ -22,7 +22,7 @@ constexpr CommandDefinition add(std::int32_t type, std::string_view name, std::s
 
 // Rows that are alike line up; the formatter would give each a shape of its own.
 // clang-format off
-constexpr auto rows = std::to_array<CommandDefinition>({
+constexpr auto toolsTable = std::to_array<CommandDefinition>({
     {.id = CommandId::ToolsFloorMap, .name = "toolsFloorMap", .menu = MenuId::Tools,
      .text = QT_TRANSLATE_NOOP("Commands", "&Floor Map..."),
      .help = QT_TRANSLATE_NOOP("Commands", "Choose the picture of the floor")},
@@ -84,7 +84,7 @@ constexpr auto rows = std::to_array<CommandDefinition>({
 } // namespace
 
 std::span<const CommandDefinition> toolsCommands() {
-    return rows;
+    return toolsTable;
 }
 
 } // namespace mirovane

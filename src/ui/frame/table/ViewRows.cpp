@@ -53,7 +53,7 @@ constexpr CommandDefinition hide(std::int32_t type, std::string_view name, std::
 
 // Rows that are alike line up; the formatter would give each a shape of its own.
 // clang-format off
-constexpr auto rows = std::to_array<CommandDefinition>({
+constexpr auto viewTable = std::to_array<CommandDefinition>({
     {.id = CommandId::ViewToolbar, .name = "viewToolbar", .menu = MenuId::View,
      .text = QT_TRANSLATE_NOOP("Commands", "&Toolbar"),
      .help = QT_TRANSLATE_NOOP("Commands", "Show or hide the toolbar"),
@@ -168,7 +168,7 @@ constexpr auto rows = std::to_array<CommandDefinition>({
 } // namespace
 
 std::span<const CommandDefinition> viewCommands() {
-    return rows;
+    return viewTable;
 }
 
 } // namespace mirovane
