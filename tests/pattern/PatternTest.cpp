@@ -186,7 +186,7 @@ TEST(PatternTest, ValuesMatchWhateverTheirCase) {
 TEST(PatternTest, LowerCasingLeavesEscapesAndOtherBytesAlone) {
     EXPECT_EQ(lowerCasedPattern("AB\\DC\\\\DE[\\W\\S]\\"), "ab\\Dc\\\\de[\\W\\S]\\");
     EXPECT_EQ(lowerCased("AZ@[`az{\xc3\x84 09"), "az@[`az{\xc3\x84 09");
-    EXPECT_EQ(MatchPattern("((()))", lowerCasedPattern("^(?:\\((?R)?\\))|X$")), PatternOutcome::Match);
+    EXPECT_EQ(MatchPattern("((X))", lowerCasedPattern("\\((?:(?R)|X)\\)")), PatternOutcome::Match);
     EXPECT_EQ(lowerCasedPattern("A(?R)B\\(?R"), "a(?R)b\\(?r") << "(?R) recurses, (?r) is nothing";
     EXPECT_EQ(MatchPattern("M\xc3\x84NNER", lowerCasedPattern("m\xc3\x84NN")), PatternOutcome::Match);
 }

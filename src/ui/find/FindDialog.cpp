@@ -55,7 +55,8 @@ CFindDialog::CFindDialog(const FindSettings& settings, QWidget* parent)
     auto* textRow = new QHBoxLayout;
     textRow->addWidget(label);
     textRow->addWidget(text_);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
+    // A button knows that it is the default only when it is in the dialog by then; else Enter means Cancel.
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
     auto* find = buttons->addButton(tr("&Find"), QDialogButtonBox::AcceptRole);
     find->setObjectName(QStringLiteral("findButton"));
     find->setDefault(true);

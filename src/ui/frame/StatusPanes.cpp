@@ -46,8 +46,9 @@ QString toolTip(const PaneDefinition& definition, const IndicatorState& state) {
                 << QObject::tr("Devices discovered since the datafile was opened: %1").arg(state.discovered);
     }
     lines.removeAll(QString());
-    // A tool tip takes what looks like markup for markup.
-    return lines.size() == 1 ? lines.first() : Qt::convertFromPlainText(lines.join(u'\n'));
+    // A tool tip takes what looks like markup for markup. Lines may wrap: names of stations can be long.
+    return lines.size() == 1 ? lines.first()
+                             : Qt::convertFromPlainText(lines.join(u'\n'), Qt::WhiteSpaceNormal);
 }
 
 QLabel* makePane(const PaneDefinition& definition) {
@@ -107,7 +108,7 @@ void CMessagePane::resizeEvent(QResizeEvent* event) {
 void CMessagePane::elide() {
     const QString shown = fontMetrics().elidedText(message_, Qt::ElideRight, width() - 2 * padding);
     setText(shown);
-    // A tool tip takes what looks like markup for markup.
+    // A tool tip takes what looks like markup for markup. Lines may wrap: names of stations can be long.
     setToolTip(shown == message_ ? QString() : Qt::convertFromPlainText(message_.left(longestToolTip)));
 }
 

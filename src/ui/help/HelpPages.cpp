@@ -51,6 +51,7 @@ constexpr std::array topics = {
     Topic{"markerSelector", "finding.html"},
     Topic{"paneReminders", "finding.html"},
     Topic{"Reminder", "finding.html"},
+    Topic{"reminder", "finding.html"},
     Topic{"Properties", "first-floor.html"},
     Topic{"Zoom", "first-floor.html"},
     Topic{"hide", "first-floor.html"},

@@ -6,11 +6,13 @@
 #include "ui/list/ListViewWindow.h"
 #include "ui/properties/PictureViewer.h"
 
+#include <QAbstractButton>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QProcess>
 
+#include <algorithm>
 #include <deque>
 
 namespace mirovane::test {
@@ -102,6 +104,14 @@ protected:
     void key(Qt::Key pressed, Qt::KeyboardModifiers held = Qt::NoModifier) {
         QTest::keyClick(focus(), pressed, held);
         QCoreApplication::processEvents();
+        if (held == Qt::AltModifier)
+            waitForButtons();
+    }
+    /// A button that is pressed by its letter is down for a moment before it clicks.
+    void waitForButtons() const {
+        EXPECT_TRUE(QTest::qWaitFor([this] {
+            return std::ranges::none_of(window.findChildren<QAbstractButton*>(), &QAbstractButton::isDown);
+        }));
     }
     void type(const char* text) {
         QTest::keyClicks(focus(), QLatin1String(text));
@@ -328,6 +338,7 @@ TEST_F(PropertiesCommandTest, OpensFromTheListViewInItsOrder) {
     CListViewWindow& list = *frame->listView();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
     list.table().sortBy(ListColumn::Name);
+    list.table().sortBy(ListColumn::Name); // smallest first
     station->selection().only(*document().findDevice(2));
     QCoreApplication::processEvents();
     QTest::keyClick(&list.table(), Qt::Key_Return, Qt::AltModifier);

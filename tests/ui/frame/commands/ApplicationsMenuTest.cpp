@@ -39,7 +39,10 @@ protected:
     static QStringList items(const QMenu* menu) {
         QStringList texts;
         for (const QAction* action : menu->actions())
-            texts << action->text();
+            if (action->isVisible())
+                texts << action->text();
+        if (!texts.isEmpty() && texts.last().isEmpty())
+            texts.removeLast(); // a menu shows no separator at its end
         return texts;
     }
     void rightClick() {

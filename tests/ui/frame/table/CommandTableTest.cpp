@@ -99,7 +99,9 @@ std::string mnemonic(std::string_view text) {
 
 std::string place(MenuId id) {
     const MenuDefinition* menu = findMenu(id);
-    return menu ? std::string(menu->name) : "no menu";
+    if (menu)
+        return std::string(menu->name);
+    return id == MenuId::RightClick ? "the menu of the right button" : "the menu bar";
 }
 
 TEST(CommandTableTest, EveryPromisedCommandIsInItsPlace) {
