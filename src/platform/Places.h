@@ -15,13 +15,13 @@ public:
     CPlaces& operator=(const CPlaces&) = delete;
 
     /// A place until the end of its life; nothing where the wait for it was stopped.
-    class Hold {
+    class CHold {
     public:
-        Hold() = default;
-        explicit Hold(CPlaces& places) : places_(&places) {}
-        Hold(Hold&& other) noexcept : places_(std::exchange(other.places_, nullptr)) {}
-        Hold& operator=(Hold&&) = delete;
-        ~Hold() {
+        CHold() = default;
+        explicit CHold(CPlaces& places) : places_(&places) {}
+        CHold(CHold&& other) noexcept : places_(std::exchange(other.places_, nullptr)) {}
+        CHold& operator=(CHold&&) = delete;
+        ~CHold() {
             if (places_)
                 places_->giveBack();
         }
@@ -32,12 +32,12 @@ public:
     };
 
     /// Waits for a free place.
-    Hold take(const std::stop_token& stop) {
+    CHold take(const std::stop_token& stop) {
         std::unique_lock lock(mutex_);
         if (!changed_.wait(lock, stop, [this] { return free_ > 0; }))
-            return Hold();
+            return CHold();
         --free_;
-        return Hold(*this);
+        return CHold(*this);
     }
 
 private:

@@ -50,7 +50,7 @@ ProbeAnswer CSystemRegistryProbes::withRegistryOf(const std::string& host, std::
         return ProbeAnswer::yes();
     }
     // Its deadline begins when its turn comes.
-    const CPlaces::Hold place = places_.take(stop);
+    const CPlaces::CHold place = places_.take(stop);
     if (!place)
         return ProbeAnswer::stopped();
     CRegistryRemote registry(options_, std::move(stop));

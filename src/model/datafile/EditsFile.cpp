@@ -18,7 +18,7 @@ constexpr int mostSlots = 9; ///< programs of one user with edits for one datafi
 constexpr std::size_t longestStem = 100;
 
 /// A file that has grown to several times what it must hold is written anew, but not for a few kilobytes.
-constexpr std::size_t roomToGrow = 64 * 1024;
+constexpr std::size_t roomToGrow = std::size_t{64} * 1024;
 constexpr std::size_t mostGrowth = 4;
 
 } // namespace

@@ -68,9 +68,7 @@ private:
     double doubled(std::size_t i, std::size_t j) const {
         return std::abs(x_[i] - x_[j]) + std::abs(y_[i] - y_[j]);
     }
-    static double halved(double doubled) {
-        return static_cast<double>(static_cast<std::int64_t>(doubled) / 2);
-    }
+    static double halved(double doubled) { return std::trunc(doubled / 2); }
 
     void bringNearest(std::size_t i) {
         const std::size_t target = i + 1;

@@ -25,25 +25,26 @@ struct CAbandonableFiles::Shared {
 
     /// Where a thread puts what it found out, perhaps when nobody waits for it any more.
     template <typename Value>
-    struct Answer {
+    class CAnswer {
+    public:
         void put(Value its) {
-            const std::lock_guard lock(mutex);
-            value.emplace(std::move(its));
+            const std::lock_guard lock(mutex_);
+            value_.emplace(std::move(its));
         }
         std::optional<Value> take() {
-            const std::lock_guard lock(mutex);
-            return std::exchange(value, std::nullopt);
+            const std::lock_guard lock(mutex_);
+            return std::exchange(value_, std::nullopt);
         }
 
     private:
-        std::mutex mutex;
-        std::optional<Value> value;
+        std::mutex mutex_;
+        std::optional<Value> value_;
     };
 
     /// A question that was not answered in time.
     struct Late {
         std::string path;
-        std::shared_ptr<Answer<Status>> answer;
+        std::shared_ptr<CAnswer<Status>> answer;
     };
     Late late;
 
@@ -56,7 +57,7 @@ struct CAbandonableFiles::Shared {
     auto run(const std::string& path, std::chrono::milliseconds span, Work work)
         -> std::invoke_result_t<Work> {
         using Value = std::invoke_result_t<Work>;
-        const auto answer = std::make_shared<Answer<Value>>();
+        const auto answer = std::make_shared<CAnswer<Value>>();
         std::stop_source gone;
         const std::jthread watcher = span > patience.signOfLife ? watch(path, gone) : std::jthread();
         if (ask(path, span, answer, std::move(work), gone.get_token()))
@@ -96,7 +97,7 @@ struct CAbandonableFiles::Shared {
 
     template <typename Value, typename Work>
     bool ask(const std::string& path, std::chrono::milliseconds span,
-             const std::shared_ptr<Answer<Value>>& answer, Work work, const std::stop_token& stop = {}) {
+             const std::shared_ptr<CAnswer<Value>>& answer, Work work, const std::stop_token& stop = {}) {
         const auto call = [answer, work = std::move(work)]() mutable {
             answer->put(work());
         };
@@ -169,7 +170,7 @@ Result<FileIdentity, FileError> CAbandonableFiles::status(const std::string& pat
             late = {};
             return *answer;
         }
-    const auto answer = std::make_shared<Shared::Answer<Shared::Status>>();
+    const auto answer = std::make_shared<Shared::CAnswer<Shared::Status>>();
     const auto work = [files = shared_->files, path] {
         return files->status(path);
     };

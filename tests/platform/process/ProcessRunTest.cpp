@@ -176,11 +176,11 @@ TEST_F(ProcessRunTest, WeMayOpenMoreFilesThanWhatWeStart) {
 TEST(PlacesTest, WhoFindsNoPlaceWaitsUntilOneIsFreeOrTheWaitIsStopped) {
     CPlaces places(1);
     std::stop_source stop;
-    auto held = std::make_unique<CPlaces::Hold>(places.take(stop.get_token()));
+    auto held = std::make_unique<CPlaces::CHold>(places.take(stop.get_token()));
     std::jthread waiting([&] { EXPECT_TRUE(places.take({})); });
     held.reset();
     waiting.join();
-    const CPlaces::Hold again = places.take({});
+    const CPlaces::CHold again = places.take({});
     stop.request_stop();
     EXPECT_FALSE(places.take(stop.get_token()));
 }
