@@ -40,9 +40,10 @@ QImage readIcon(const QString& path) {
 } // namespace
 
 std::optional<std::int32_t> shownState(const CHardware& device) {
-    if (device.Type < DeviceType::first || device.Type > DeviceType::last)
+    const std::int32_t type = floorCode(device.Type);
+    if (type < DeviceType::first || type > DeviceType::last)
         return std::nullopt;
-    if (device.Type == DeviceType::LocationMarker)
+    if (type == DeviceType::LocationMarker)
         return DeviceState::Def;
     switch (device.State) {
     case DeviceState::Def:

@@ -67,6 +67,14 @@ TEST_F(DiscoveredCommandsTest, TheMouseSelects) {
     QTest::mouseRelease(view().viewport(), Qt::LeftButton, {}, QPoint(150, 150));
 }
 
+TEST_F(DiscoveredCommandsTest, AnIconIsWhereItIsClicked) {
+    const QSize icon = floor->drawing().icons().sizes().of(DeviceType::Unknown);
+    ASSERT_FALSE(icon.isEmpty());
+    const QImage frame = view().viewport()->grab(QRect(QPoint(5, 5), icon)).toImage();
+    const QImage drawn = floor->drawing().icons().bitmap(DeviceType::Unknown, DeviceState::Def);
+    EXPECT_EQ(frame.convertToFormat(QImage::Format_RGB32), drawn.convertToFormat(QImage::Format_RGB32));
+}
+
 TEST_F(DiscoveredCommandsTest, KeysSelectAndScroll) {
     click(0);
     key(Qt::Key_Down);
