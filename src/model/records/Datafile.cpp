@@ -210,7 +210,10 @@ std::size_t estimatedSize(const RecordList& records) {
 std::size_t readPlausibleCount(CByteReader& reader, const Layout& layout) {
     const std::uint64_t count = reader.readCount();
     const std::uint64_t least = count * (knownTagSize + layout.emptyRecordSize);
-    if (count > 0 && least + (descriptorSize - knownTagSize) > reader.remaining())
+    // Else all of them would count as bytes after the last record, and go with the next save.
+    if (count == 0)
+        reader.fail(0, "the file claims to have no records, and every datafile has some");
+    else if (least + (descriptorSize - knownTagSize) > reader.remaining())
         reader.fail(0, "the file claims " + std::to_string(count) + " records, which do not fit in its " +
                            std::to_string(reader.remaining()) + " bytes");
     return static_cast<std::size_t>(count);

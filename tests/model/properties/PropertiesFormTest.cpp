@@ -48,7 +48,7 @@ protected:
             });
     }
 
-    PropertiesSet setOf(std::initializer_list<std::int32_t> recIDs) const {
+    PropertiesSet setOf(const std::vector<std::int32_t>& recIDs) const {
         std::vector<const CHardware*> devices;
         for (const std::int32_t recID : recIDs)
             devices.push_back(doc.findDevice(recID));
@@ -69,7 +69,7 @@ protected:
 
 struct Case {
     const char* what;
-    std::initializer_list<std::int32_t> selection;
+    std::vector<std::int32_t> selection;
     Pairs entered;
     std::vector<std::pair<std::string, bool>> locks;
     std::map<std::int32_t, Pairs> expected; ///< what differs afterwards

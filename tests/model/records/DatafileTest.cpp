@@ -159,6 +159,7 @@ TEST(DatafileTest, DamageIsFoundWhereItIs) {
     expectError(with(secondTag, "\x02\x80"), Kind::Damaged, secondTag, 1, "no record begins here");
     expectError(with(secondTag, "\xFF\xFF"), Kind::Damaged, secondTag, 1, "no record begins here");
     expectError(with(0, "\xFE\xFF"), Kind::Damaged, 0, 0, "65534 records");
+    expectError(with(0, std::string(2, '\0')), Kind::Damaged, 0, 0, "no records");
     expectError(with(0, std::string("\x0B\0", 2)), Kind::Damaged, good.size(), 10, "ends too early");
     expectError(with(firstText, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF"), Kind::Damaged, firstText, 0,
                 "4294967295 bytes");

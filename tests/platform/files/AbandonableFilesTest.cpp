@@ -66,7 +66,11 @@ protected:
     }
 
     std::shared_ptr<HangingCalls> hanging = std::make_shared<HangingCalls>();
-    std::shared_ptr<CPosixFiles> posix = std::make_shared<CPosixFiles>(*hanging, backup.path());
+    /// A call that was given up may use them when the test is over.
+    std::shared_ptr<CPosixFiles> posix{new CPosixFiles(*hanging, backup.path()),
+                                       [calls = hanging](CPosixFiles* files) {
+                                           delete files;
+                                       }};
     static constexpr std::chrono::milliseconds span{300};
     CAbandonableFiles share{posix, {span, span, span}};
 };
