@@ -68,8 +68,8 @@ protected:
     std::shared_ptr<HangingCalls> hanging = std::make_shared<HangingCalls>();
     /// A call that was given up may use them when the test is over.
     std::shared_ptr<CPosixFiles> posix{new CPosixFiles(*hanging, backup.path()),
-                                       [calls = hanging](CPosixFiles* files) {
-                                           delete files;
+                                       [calls = hanging](CPosixFiles* done) {
+                                           delete done;
                                        }};
     static constexpr std::chrono::milliseconds span{300};
     CAbandonableFiles share{posix, {span, span, span}};
