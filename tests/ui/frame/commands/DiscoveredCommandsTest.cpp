@@ -70,9 +70,9 @@ TEST_F(DiscoveredCommandsTest, TheMouseSelects) {
 TEST_F(DiscoveredCommandsTest, AnIconIsWhereItIsClicked) {
     const QSize icon = floor->drawing().icons().sizes().of(DeviceType::Unknown);
     ASSERT_FALSE(icon.isEmpty());
-    const QImage frame = view().viewport()->grab(QRect(QPoint(5, 5), icon)).toImage();
+    const QImage shown = view().viewport()->grab(QRect(QPoint(5, 5), icon)).toImage();
     const QImage drawn = floor->drawing().icons().bitmap(DeviceType::Unknown, DeviceState::Def);
-    EXPECT_EQ(frame.convertToFormat(QImage::Format_RGB32), drawn.convertToFormat(QImage::Format_RGB32));
+    EXPECT_EQ(shown.convertToFormat(QImage::Format_RGB32), drawn.convertToFormat(QImage::Format_RGB32));
 }
 
 TEST_F(DiscoveredCommandsTest, KeysSelectAndScroll) {
