@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
 
 #include <algorithm>
 #include <cstdio>
@@ -30,22 +31,24 @@ bool sameFile(const QString& output, const QString& datafile) {
     return !canonical.isEmpty() && canonical == QFileInfo(datafile).canonicalFilePath();
 }
 
-} // namespace
-
-void complain(const QString& sentence) {
-    std::fprintf(stderr, "mirovane: %s\n", sentence.toLocal8Bit().constData());
-}
-
+/// Remarks of the window system mean nothing to who asked for a picture.
 void dropRemarks(QtMsgType type, const QMessageLogContext&, const QString& text) {
     if (type == QtCriticalMsg || type == QtFatalMsg)
         complain(text);
 }
 
+/// True when the output would be written over the datafile; said on standard error.
 bool wouldOverwrite(const DrawOptions& options) {
     if (!sameFile(options.output, options.datafile))
         return false;
     complain(QStringLiteral("%1 is the datafile itself: give the picture another name").arg(options.output));
     return true;
+}
+
+} // namespace
+
+void complain(const QString& sentence) {
+    std::fprintf(stderr, "mirovane: %s\n", sentence.toLocal8Bit().constData());
 }
 
 COfflineFloor::COfflineFloor(const DrawOptions& options) : options_(options) {
@@ -134,6 +137,30 @@ bool COfflineFloor::applySelection() {
         state_.SelectedMarker =
             hover.at(toScaled(device->Position, options_.ZoomPercent), true).SelectedMarker;
     return true;
+}
+
+int runOffline(const QString& name, const Result<DrawOptions, QString>& options, const QString& usage,
+               const std::function<int(const DrawOptions&, COfflineFloor&)>& draw) {
+    if (!options) {
+        complain(options.error() + QStringLiteral("\nTry \"mirovane %1 --help\".").arg(name));
+        return UsageError;
+    }
+    if (options.value().help) {
+        std::fputs(usage.toLocal8Bit().constData(), stdout);
+        return Written;
+    }
+    if (wouldOverwrite(options.value()))
+        return UsageError;
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler(dropRemarks);
+    char program[] = "mirovane";
+    char* argv[] = {program, nullptr};
+    int argc = 1;
+    const QGuiApplication application(argc, argv);
+    COfflineFloor floor(options.value());
+    if (const int status = floor.open())
+        return status;
+    return draw(options.value(), floor);
 }
 
 } // namespace mirovane

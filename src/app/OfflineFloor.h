@@ -14,18 +14,14 @@
 #include "ui/floor/paint/IconSet.h"
 #include "ui/floor/paint/PhotoStore.h"
 
+#include <functional>
+
 namespace mirovane {
 
 /// The programs that draw a floor without a window end with these.
 enum ExitStatus { Written = 0, UsageError = 2, FileProblem = 3 };
 
 void complain(const QString& sentence);
-
-/// Remarks of the window system mean nothing to who asked for a picture.
-void dropRemarks(QtMsgType type, const QMessageLogContext&, const QString& text);
-
-/// True when the output would be written over the datafile; said on standard error.
-bool wouldOverwrite(const DrawOptions& options);
 
 /// A document of its own, which forgets its settings and writes nothing, and what a frame of it is drawn
 /// from.
@@ -66,5 +62,10 @@ private:
     CPhotoStore photos_{CPhotoStore::Reading::Now};
     FloorViewState state_;
 };
+
+/// What a program that draws without a window does between its words and its picture: complains of bad words,
+/// helps, spares the datafile, opens it, and draws. Returns the exit status. `name` is "--print".
+int runOffline(const QString& name, const Result<DrawOptions, QString>& options, const QString& usage,
+               const std::function<int(const DrawOptions&, COfflineFloor&)>& draw);
 
 } // namespace mirovane

@@ -3,12 +3,9 @@
 #include "app/OfflineFloor.h"
 #include "ui/floor/FloorPrint.h"
 
-#include <QGuiApplication>
 #include <QPageLayout>
 #include <QPdfWriter>
 #include <QSaveFile>
-
-#include <cstdio>
 
 namespace mirovane {
 
@@ -52,27 +49,7 @@ int writePages(const DrawOptions& options, COfflineFloor& floor) {
 } // namespace
 
 int runPrint(const QStringList& arguments) {
-    const auto options = parsePrintOptions(arguments);
-    if (!options) {
-        complain(options.error() + QStringLiteral("\nTry \"mirovane --print --help\"."));
-        return UsageError;
-    }
-    if (options.value().help) {
-        std::fputs(printUsage().toLocal8Bit().constData(), stdout);
-        return Written;
-    }
-    if (wouldOverwrite(options.value()))
-        return UsageError;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qInstallMessageHandler(dropRemarks);
-    char name[] = "mirovane";
-    char* argv[] = {name, nullptr};
-    int argc = 1;
-    const QGuiApplication application(argc, argv);
-    COfflineFloor floor(options.value());
-    if (const int status = floor.open())
-        return status;
-    return writePages(options.value(), floor);
+    return runOffline(QStringLiteral("--print"), parsePrintOptions(arguments), printUsage(), writePages);
 }
 
 } // namespace mirovane

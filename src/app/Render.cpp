@@ -3,12 +3,10 @@
 #include "app/OfflineFloor.h"
 #include "ui/floor/paint/FloorFrame.h"
 
-#include <QGuiApplication>
 #include <QSaveFile>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace mirovane {
 
@@ -45,10 +43,7 @@ bool writePicture(const QImage& picture, const QString& path) {
     return false;
 }
 
-int render(const DrawOptions& options) {
-    COfflineFloor floor(options);
-    if (const int status = floor.open())
-        return status;
+int render(const DrawOptions& options, COfflineFloor& floor) {
     if (!chooseView(options, floor))
         return UsageError;
     CFloorFrame frame(floor.sources());
@@ -59,24 +54,7 @@ int render(const DrawOptions& options) {
 } // namespace
 
 int runRender(const QStringList& arguments) {
-    const auto options = parseRenderOptions(arguments);
-    if (!options) {
-        complain(options.error() + QStringLiteral("\nTry \"mirovane --render --help\"."));
-        return UsageError;
-    }
-    if (options.value().help) {
-        std::fputs(renderUsage().toLocal8Bit().constData(), stdout);
-        return Written;
-    }
-    if (wouldOverwrite(options.value()))
-        return UsageError;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qInstallMessageHandler(dropRemarks);
-    char name[] = "mirovane";
-    char* argv[] = {name, nullptr};
-    int argc = 1;
-    const QGuiApplication application(argc, argv);
-    return render(options.value());
+    return runOffline(QStringLiteral("--render"), parseRenderOptions(arguments), renderUsage(), render);
 }
 
 } // namespace mirovane
