@@ -261,7 +261,7 @@ void CLiveStatScheduler::reportRun() {
 void CLiveStatScheduler::publishChanges() {
     steps_.takeChanged();
     host_.changesPending();
-    if (switch_.on()) // Live Stat Now alone is no sign of the owner
+    if (switch_.on()) // Live Stat Now alone does not show that the owner is alive
         LiveStatHeartbeat::signOfLife(document_);
     if (now_.active())
         host_.saveNow(SaveNote::LiveStat);
