@@ -77,7 +77,7 @@ private:
     std::unique_ptr<CPatternEngine> engine_;
 };
 
-/// Throws bad_regexpr when the pattern is not one of the language described in docs/patterns.md,
+/// Throws bad_regexpr when the pattern is not one of the language described in docs/manual/patterns.md,
 /// std::bad_alloc when memory runs out.
 CompiledPattern CompilePattern(std::string_view pattern, PatternUse use = PatternUse::ManyTexts);
 

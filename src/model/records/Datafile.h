@@ -12,7 +12,7 @@
 
 namespace mirovane {
 
-/// The byte format of a datafile; docs/datafile-format.md is its one-page description.
+/// The byte format of a datafile; docs/manual/datafile.md is its one-page description.
 namespace Datafile {
 
 constexpr std::int32_t currentVersion = 2008;
