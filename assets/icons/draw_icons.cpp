@@ -1,5 +1,6 @@
-// Draws the icons of all device types and states. `draw_icons FOLDER` writes the .bmp files there,
-// `draw_icons --check FOLDER` compares them with what is there and writes nothing.
+// Draws the icons of all device types and states, at their own size and twice and three times as large for
+// sharp screens ("PCOn@2x.bmp"). `draw_icons FOLDER` writes the .bmp files there, `draw_icons --check FOLDER`
+// compares them with what is there and writes nothing.
 
 #include "Glyphs.h"
 
@@ -23,6 +24,8 @@ constexpr int size = 32;
 /// Icons are painted this much larger without smoothing and averaged down with whole numbers: smooth edges
 /// whose bytes do not depend on the painter's blending, which differs between processors.
 constexpr int oversampling = 16;
+
+constexpr int scales[] = {1, 2, 3};
 
 struct Style {
     QColor dark;
@@ -82,11 +85,12 @@ QRgb average(const QImage& large, int left, int top) {
     return qRgb(rounded(red), rounded(green), rounded(blue));
 }
 
-QImage draw(const Glyph& glyph, const Style& style) {
-    QImage large(size * oversampling, size * oversampling, QImage::Format_RGB32);
+QImage draw(const Glyph& glyph, const Style& style, int scale) {
+    const int side = size * scale;
+    QImage large(side * oversampling, side * oversampling, QImage::Format_RGB32);
     large.fill(Qt::white);
     QPainter painter(&large);
-    painter.scale(oversampling, oversampling);
+    painter.scale(scale * oversampling, scale * oversampling);
     for (const Part& part : glyph.parts)
         paintPart(painter, part, style);
     if (style.sign) {
@@ -96,21 +100,43 @@ QImage draw(const Glyph& glyph, const Style& style) {
     }
     painter.end();
 
-    QImage icon(size, size, QImage::Format_RGB32);
-    for (int y = 0; y < size; ++y)
-        for (int x = 0; x < size; ++x)
+    QImage icon(side, side, QImage::Format_RGB32);
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x)
             icon.setPixel(x, y, average(large, x * oversampling, y * oversampling));
     return icon;
 }
 
+/// A byte a pixel, with the colours in the order in which they are met: an icon has few.
+QImage withTable(const QImage& icon) {
+    QImage result(icon.size(), QImage::Format_Indexed8);
+    QList<QRgb> colours;
+    for (int y = 0; y < icon.height(); ++y) {
+        for (int x = 0; x < icon.width(); ++x) {
+            if (!colours.contains(icon.pixel(x, y)))
+                colours << icon.pixel(x, y);
+            result.scanLine(y)[x] = static_cast<uchar>(colours.indexOf(icon.pixel(x, y)));
+        }
+    }
+    if (colours.size() > 256)
+        std::fprintf(stderr, "draw_icons: an icon has %d colours, more than its file can name\n",
+                     static_cast<int>(colours.size()));
+    result.setColorTable(colours.mid(0, 256));
+    return result;
+}
+
 QByteArray asBitmapFile(QImage icon) {
-    // 96 dots per inch, written down because the default is asked from the screen.
-    icon.setDotsPerMeterX(3780);
-    icon.setDotsPerMeterY(3780);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
-    icon.convertToFormat(QImage::Format_RGB888).save(&buffer, "BMP");
+    if (icon.width() > size)
+        icon = withTable(icon);
+    else
+        icon = icon.convertToFormat(QImage::Format_RGB888);
+    // 96 dots per inch, written down because the default is asked from the screen.
+    icon.setDotsPerMeterX(3780);
+    icon.setDotsPerMeterY(3780);
+    icon.save(&buffer, "BMP");
     return bytes;
 }
 
@@ -119,15 +145,21 @@ std::map<QString, QByteArray> allFiles() {
     const Style on{QColor(0x0B, 0x66, 0x38), true, tick()};
     const Style off{QColor(0xA8, 0x1A, 0x1A), false, cross()};
 
-    std::map<QString, QByteArray> files;
-    for (const Glyph& glyph : deviceGlyphs()) {
-        const QString stem = QString::fromStdString(glyph.stem);
-        files[stem + QStringLiteral("Def.bmp")] = asBitmapFile(draw(glyph, def));
-        files[stem + QStringLiteral("On.bmp")] = asBitmapFile(draw(glyph, on));
-        files[stem + QStringLiteral("Off.bmp")] = asBitmapFile(draw(glyph, off));
-    }
     const Style marker{QColor(0x4A, 0x1F, 0x7A), true, std::nullopt};
-    files[QStringLiteral("LocationMarker.bmp")] = asBitmapFile(draw(locationMarkerGlyph(), marker));
+
+    std::map<QString, QByteArray> files;
+    for (const int scale : scales) {
+        const QString end =
+            (scale == 1 ? QString() : QStringLiteral("@%1x").arg(scale)) + QStringLiteral(".bmp");
+        for (const Glyph& glyph : deviceGlyphs()) {
+            const QString stem = QString::fromStdString(glyph.stem);
+            files[stem + QStringLiteral("Def") + end] = asBitmapFile(draw(glyph, def, scale));
+            files[stem + QStringLiteral("On") + end] = asBitmapFile(draw(glyph, on, scale));
+            files[stem + QStringLiteral("Off") + end] = asBitmapFile(draw(glyph, off, scale));
+        }
+        files[QStringLiteral("LocationMarker") + end] =
+            asBitmapFile(draw(locationMarkerGlyph(), marker, scale));
+    }
     return files;
 }
 

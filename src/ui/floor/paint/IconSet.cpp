@@ -8,6 +8,8 @@
 #include <QImageReader>
 #include <QLatin1StringView>
 
+#include <algorithm>
+
 namespace mirovane {
 
 namespace {
@@ -35,6 +37,20 @@ QImage readIcon(const QString& path) {
         return {};
     image.setDevicePixelRatio(1);
     return image.convertToFormat(QImage::Format_RGB32);
+}
+
+/// Those that are there: none for a site's own picture, which would otherwise turn into ours on a sharp
+/// screen.
+std::vector<QImage> readLarger(const QString& name, QSize size) {
+    std::vector<QImage> larger;
+    for (const int times : {2, 3}) {
+        QString path = name;
+        path.insert(path.size() - 4, QStringLiteral("@%1x").arg(times));
+        QImage image = QFileInfo::exists(path) ? readIcon(path) : QImage();
+        if (image.size() == size * times)
+            larger.push_back(std::move(image));
+    }
+    return larger;
 }
 
 } // namespace
@@ -81,10 +97,12 @@ QString CIconSet::fileName(std::size_t slot) {
 int CIconSet::LoadIcons(const QString& folder) {
     int loaded = 0;
     for (std::size_t slot = 0; slot < slotCount; ++slot) {
-        QImage image = readIcon(QDir(folder).filePath(fileName(slot)));
+        const QString name = QDir(folder).filePath(fileName(slot));
+        QImage image = readIcon(name);
         if (image.isNull())
             continue;
         ++loaded;
+        larger_[slot] = readLarger(name, image.size());
         bitmaps_[slot] = std::move(image);
         if (slot % 3 == 0)
             sizes_.set(static_cast<std::int32_t>(slot / 3) + 1, bitmaps_[slot].size());
@@ -117,6 +135,22 @@ QImage CIconSet::bitmap(std::int32_t type, std::int32_t state) const {
     return slot ? bitmaps_[*slot] : QImage();
 }
 
+const QImage& CIconSet::sourceOf(std::size_t slot, QSize size) const {
+    const auto enough = [size](const QImage& image) {
+        return image.width() >= size.width() && image.height() >= size.height();
+    };
+    if (enough(bitmaps_[slot]) || larger_[slot].empty())
+        return bitmaps_[slot];
+    const auto found = std::ranges::find_if(larger_[slot], enough);
+    return found == larger_[slot].end() ? larger_[slot].back() : *found;
+}
+
+const QImage& CIconSet::source(std::int32_t type, std::int32_t state, QSize size) const {
+    static const QImage none;
+    const auto slot = slotOf(type, state);
+    return slot ? sourceOf(*slot, size) : none;
+}
+
 QImage CIconSet::stretched(std::int32_t type, std::int32_t state, QSize size) {
     const auto slot = slotOf(type, state);
     return slot ? kept({*slot, size.width(), size.height(), false}) : QImage();
@@ -130,7 +164,8 @@ QImage CIconSet::highlighted(std::int32_t type, std::int32_t state, QSize size) 
 QImage CIconSet::kept(const Key& key) {
     if (const auto found = copies_.find(key); found != copies_.end())
         return found->second;
-    QImage copy = stretch(bitmaps_[key.slot], {key.width, key.height});
+    const QSize size(key.width, key.height);
+    QImage copy = stretch(sourceOf(key.slot, size), size);
     if (key.highlighted)
         copy = highlight(std::move(copy));
     if (copiedBytes_ + copy.sizeInBytes() > keptBytes) {

@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdint>
 #include <unordered_map>
+#include <vector>
 
 namespace mirovane {
 
@@ -22,7 +23,8 @@ std::optional<std::int32_t> shownState(const CHardware& device);
 /// stop the work.
 class CIconSet {
 public:
-    /// Reads all 37 files from `folder`; returns how many could be loaded.
+    /// Reads all 37 files from `folder`, and for each the larger drawings of the same picture beside it
+    /// ("PCOn@2x.bmp", "PCOn@3x.bmp"), if there are any; returns how many of the 37 could be loaded.
     int LoadIcons(const QString& folder);
 
     /// What the program starts with: the project's own set, and over it the files of `bitmapFolder` (the
@@ -38,7 +40,10 @@ public:
     /// The loaded bitmap; null when there is none for this type and state.
     QImage bitmap(std::int32_t type, std::int32_t state) const;
 
-    /// The bitmap stretched to `size` pixels. Kept until the next load; small copies only, the rest is made
+    /// What is stretched to this size: the smallest drawing that is not smaller, else the largest.
+    const QImage& source(std::int32_t type, std::int32_t state, QSize size) const;
+
+    /// The picture at `size` pixels. Kept until the next load; small copies only, the rest is made
     /// anew.
     QImage stretched(std::int32_t type, std::int32_t state, QSize size);
 
@@ -66,7 +71,10 @@ private:
     static QString fileName(std::size_t slot);
     QImage kept(const Key& key);
 
+    const QImage& sourceOf(std::size_t slot, QSize size) const;
+
     std::array<QImage, slotCount> bitmaps_;
+    std::array<std::vector<QImage>, slotCount> larger_; ///< rising
     CIconSizes sizes_;
     std::unordered_map<Key, QImage, KeyHash> copies_;
     qsizetype copiedBytes_ = 0;
