@@ -52,6 +52,7 @@ public:
     void release(std::int32_t recID);
     bool holds(std::int32_t recID) const { return held_.contains(recID); }
     std::size_t heldCount() const { return held_.size(); }
+    std::vector<std::int32_t> heldDevices() const { return {held_.begin(), held_.end()}; }
 
     int threshold() const { return threshold_; }
     int loops() const { return loops_; }

@@ -44,6 +44,9 @@ public:
     /// True while a job slot holds this device: the floor draws the Live Stat ring around it.
     bool holdsDevice(std::int32_t recID) const { return picker_.holds(recID); }
 
+    /// Record IDs of all of them, in no particular order.
+    std::vector<std::int32_t> heldDevices() const { return picker_.heldDevices(); }
+
     /// "LIVE!:%d"; empty while Live Stat is off.
     std::string statusText() const;
 

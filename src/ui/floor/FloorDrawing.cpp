@@ -14,10 +14,11 @@ CFloorDrawing::CFloorDrawing(const CMirovaneDoc& document, const CDatafileLink& 
       document_(document),
       display_(display),
       painted_(display),
+      iconFolder_(QDir::currentPath()),
       photos_(CPhotoStore::Reading::Later),
       index_(document),
       frame_({document, display, index_, icons_, map_.tiles(), photos_}) {
-    icons_.loadWithFallback(QDir::currentPath());
+    icons_.loadWithFallback(iconFolder_);
     connect(&map_, &CFloorMap::changed, this, [this] {
         extentZoom_ = 0;
         invalidateAll();
@@ -68,6 +69,17 @@ void CFloorDrawing::invalidate(const CHardware& device) {
 void CFloorDrawing::invalidateAll() {
     frame_.invalidateAll();
     Q_EMIT outdated();
+}
+
+void CFloorDrawing::invalidateTop() {
+    frame_.invalidateTop();
+    Q_EMIT outdated();
+}
+
+void CFloorDrawing::reloadIcons() {
+    icons_.LoadIcons(iconFolder_);
+    extentZoom_ = 0;
+    invalidateAll();
 }
 
 // ---- what the document tells

@@ -12,8 +12,6 @@
 #include <QRect>
 #include <QSize>
 
-#include <chrono>
-
 namespace mirovane {
 
 /// The picture of a document's floor, and everything it is drawn from: icons, map, photos, the index of what
@@ -55,11 +53,14 @@ public:
     /// The next picture equals this one: nothing waits to be drawn or loaded.
     bool settled() const { return !frame_.stale() && !map_.loading(); }
 
-    /// Work that makes later pictures quicker; false when nothing is left to do.
-    bool prepare(std::chrono::microseconds budget) { return frame_.prepare(budget); }
-
     void invalidate(const CHardware& device);
     void invalidateAll();
+
+    /// What is selected or hovered, and the box.
+    void invalidateTop();
+
+    /// Reads the icons again, which a site may have replaced.
+    void reloadIcons();
 
     /// Reads the floor map again if its file changed.
     void reloadMap() { loadMap(true); }
@@ -87,6 +88,7 @@ private:
     const CMirovaneDoc& document_;
     const DisplaySettings& display_;
     DisplaySettings painted_; ///< the toggles of the last picture
+    QString iconFolder_;      ///< where a site's own icons are: the current directory of the start
     CIconSet icons_;
     CFloorMap map_;
     CPhotoStore photos_;

@@ -180,7 +180,7 @@ void CFloorInput::pressRight(const QMouseEvent& event) {
     if (const std::int32_t marker = gesture().endMarking()) {
         markingEnded_ = true;
         setSelectedMarker(marker);
-        repaintFloor();
+        view_.drawing().invalidateAll();
         return;
     }
     if (!gesture().buttonDown())
@@ -212,7 +212,7 @@ bool CFloorInput::doubleClick(const QMouseEvent& event) {
 
 void CFloorInput::startMarking(std::int32_t recID) {
     gesture().startMarking(recID, true);
-    repaintFloor();
+    view_.drawing().invalidateAll();
 }
 
 /// Their labels come and go with the button.
@@ -278,8 +278,16 @@ void CFloorInput::setSelectedMarker(std::int32_t recID) {
     view_.setSelectedMarker(recID);
 }
 
+/// The box is on top of everything, and so is the line to the pointer unless its marker is not.
 void CFloorInput::repaintFloor() {
-    view_.drawing().invalidateAll();
+    view_.drawing().invalidateTop();
+    if (const CHardware* marker = station_.document().findDevice(gesture().shown().MarkingMarker))
+        view_.drawing().invalidate(*marker);
+}
+
+const CHardware* CFloorInput::deviceUnder(QPoint windowPoint) const {
+    const auto hits = hover_.hitsAt(view_.scaledPoint(windowPoint));
+    return hits.empty() ? nullptr : hits.front();
 }
 
 void CFloorInput::linesChanged() {

@@ -38,6 +38,9 @@ public:
     /// What an arrow key that is still held has moved becomes an edit now, before another command.
     void endNudge() { hand_.nudgeEnds(); }
 
+    /// The topmost visible device at a point of the window; null when there is none.
+    const CHardware* deviceUnder(QPoint windowPoint) const;
+
     /// This device shows all its labels until the pointer moves.
     void showLabels(const CHardware& device) { hover_.showOnly(&device); }
 

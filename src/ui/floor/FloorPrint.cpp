@@ -88,7 +88,7 @@ void CFloorPrint::drawPage(QPainter& painter, const PrintPlan& plan, int number,
     CFloorPainter floor(sources_);
     painter.save();
     painter.translate(printable.topLeft());
-    floor.Draw(painter, QRect(QPoint(0, 0), state.view.client), state);
+    floor.Draw({painter}, QRect(QPoint(0, 0), state.view.client), state);
     painter.restore();
 }
 

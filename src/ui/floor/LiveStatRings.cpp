@@ -1,16 +1,19 @@
 #include "ui/floor/LiveStatRings.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace mirovane {
 
-std::function<bool(std::int32_t)> CLiveStatRings::holds() {
-    if (!liveStat_.enabled() && !liveStat_.nowActive())
-        return nullptr;
-    return [this](std::int32_t recID) {
-        const auto [entry, added] = looked_.try_emplace(recID, false);
-        if (added)
-            entry->second = liveStat_.holdsDevice(recID);
-        return entry->second;
-    };
+std::vector<std::int32_t> CLiveStatRings::refresh() {
+    std::vector<std::int32_t> now;
+    if (liveStat_.enabled() || liveStat_.nowActive())
+        now = liveStat_.heldDevices();
+    std::ranges::sort(now);
+    std::vector<std::int32_t> changed;
+    std::ranges::set_symmetric_difference(held_, now, std::back_inserter(changed));
+    held_ = std::move(now);
+    return changed;
 }
 
 } // namespace mirovane

@@ -1,6 +1,7 @@
 #include "ui/floor/MirovaneView.h"
 
 #include "model/records/Text.h"
+#include "ui/floor/FloorToolTip.h"
 #include "ui/floor/geometry/FontBands.h"
 
 #include <QKeyEvent>
@@ -13,10 +14,6 @@
 namespace mirovane {
 
 namespace {
-
-/// Between two slices of preparing label images events are served: keys and clicks never wait longer than
-/// this.
-constexpr std::chrono::milliseconds prepareSliceTime{4};
 
 constexpr int lineStep = 20;
 
@@ -68,6 +65,7 @@ CMirovaneView::CMirovaneView(CStation& station, CMessageLog& log, QWidget* paren
       input_(*this, station),
       rings_(station.liveStat()) {
     setUp(*this);
+    new CFloorToolTip(*this);
     state_.view.zoom = floorZoom(display());
     state_.view.LabelFontHeight = startLabelFontHeight(display());
     connect(&drawing_, &CFloorDrawing::outdated, this, &CMirovaneView::scheduleFlush);
@@ -75,11 +73,6 @@ CMirovaneView::CMirovaneView(CStation& station, CMessageLog& log, QWidget* paren
         if (!missing)
             log_.LogMessage(sentence.toStdString(), true);
         Q_EMIT floorMapFailed(sentence, missing);
-    });
-    idle_.setSingleShot(true);
-    connect(&idle_, &QTimer::timeout, this, [this] {
-        if (drawing_.prepare(prepareSliceTime))
-            idle_.start(0);
     });
     station_.addObserver(*this);
     station_.document().addObserver(*this);
@@ -94,8 +87,9 @@ CMirovaneView::~CMirovaneView() {
 // ---- what the station tells
 
 void CMirovaneView::refreshRings() {
-    rings_.refresh();
-    drawing_.invalidateAll();
+    for (const std::int32_t recID : rings_.refresh())
+        if (const CHardware* device = station_.document().findDevice(recID))
+            drawing_.invalidate(*device);
 }
 
 void CMirovaneView::remindersChanged() {
@@ -169,7 +163,7 @@ QRect CMirovaneView::redraw() {
     state_.view.client = viewport()->size();
     state_.view.ratio = devicePixelRatioF();
     state_.gesture = input_.gesture().shown();
-    state_.liveStatHolds = rings_.holds();
+    state_.liveStatHolds = rings_.held();
     return drawing_.draw(state_);
 }
 
@@ -184,8 +178,6 @@ void CMirovaneView::paintEvent(QPaintEvent* event) {
     paintLines(painter);
     if (!redrawn.isEmpty() && !event->rect().contains(redrawn & viewport()->rect()))
         viewport()->update(redrawn);
-    if (!idle_.isActive())
-        idle_.start(0);
 }
 
 /// Over the picture, so that a drag does not draw the floor again for them.
@@ -196,7 +188,7 @@ void CMirovaneView::paintLines(QPainter& painter) const {
 }
 
 bool CMirovaneView::settled() const {
-    return !flushPending_ && !idle_.isActive() && drawing_.settled();
+    return !flushPending_ && drawing_.settled();
 }
 
 // ---- scrolling

@@ -6,7 +6,6 @@
 #include "ui/floor/LiveStatRings.h"
 
 #include <QAbstractScrollArea>
-#include <QTimer>
 
 #include <cstdint>
 
@@ -108,7 +107,6 @@ private:
     CLiveStatRings rings_;
     QString datafile_;
     bool flushPending_ = false;
-    QTimer idle_;
 };
 
 } // namespace mirovane

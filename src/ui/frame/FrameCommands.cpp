@@ -21,9 +21,9 @@ CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts
       zoom_(*new CFloorZooming(parts.floor, services.station.display(), services.settings), services.dialogs),
       print_(parts.floor, services.station, services.dialogs),
       tools_(services.station, services.dialogs,
-             {&parts.frame, services.settings, services.clock,
+             {&parts.frame, services.settings, services.clock, [this] { parts_.floor.viewport()->update(); },
               [this] {
-                  parts_.floor.viewport()->update();
+                  parts_.floor.drawing().reloadIcons();
               }}),
       editing_({services.station, parts.floor, services.dialogs, services.settings, services.log}),
       find_({services.station, services.dialogs, parts.floor, services.log, parts.frame,

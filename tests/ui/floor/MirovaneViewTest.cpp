@@ -3,6 +3,7 @@
 #include "model/FloorMap.h"
 #include "tests/station/StationFixture.h"
 #include "tests/ui/floor/FloorFixture.h"
+#include "ui/floor/FloorToolTip.h"
 #include "ui/floor/FloorZooming.h"
 
 #include <QMouseEvent>
@@ -11,6 +12,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 #include <QWheelEvent>
 
 namespace mirovane {
@@ -195,6 +197,23 @@ TEST_F(MirovaneViewTest, PointerShowsAllOfADeviceAndLeavingHidesIt) {
     QCoreApplication::sendEvent(view.viewport(), &leave);
     EXPECT_EQ(device.ShowAll, 0);
     EXPECT_EQ(difference(), "");
+}
+
+TEST_F(MirovaneViewTest, ToolTipTellsTheFieldsAsPlainText) {
+    CHardware device;
+    device.Type = DeviceType::Computer;
+    device.Name = "<b>pc</b>";
+    device.Comment = "one\r\ntwo";
+    device.ToDo = "not set";
+    EXPECT_EQ(toolTipText(device),
+              QStringLiteral("Type: Computer\nComputer name: <b>pc</b>\nComment: one two"));
+    add(DeviceType::Computer, {40, 50}, "<b>pc</b>");
+    moveTo({50, 60});
+    ASSERT_TRUE(QTest::qWaitFor([] { return QToolTip::isVisible(); }, 5000));
+    EXPECT_TRUE(QToolTip::text().contains(QStringLiteral("&lt;b&gt;pc"))) << QToolTip::text().toStdString();
+    QTest::mousePress(view.viewport(), Qt::LeftButton, {}, {300, 300});
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }, 5000));
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, {300, 300});
 }
 
 TEST_F(MirovaneViewTest, ScrollingShowsWhatComesUnderAPointerThatRests) {

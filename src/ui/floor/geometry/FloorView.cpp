@@ -13,7 +13,9 @@ bool FloorView::shows(MapPoint position) const {
 
 int FloorView::px(std::int64_t logical) const {
     const double limit = coordinateLimit;
-    return static_cast<int>(std::clamp(std::round(static_cast<double>(logical) * ratio), -limit, limit));
+    // Halves go up on both sides of 0, or what is scrolled past the corner would change its shape.
+    return static_cast<int>(
+        std::clamp(std::floor(static_cast<double>(logical) * ratio + 0.5), -limit, limit));
 }
 
 QRect FloorView::pxRect(QPoint corner, QSize size) const {

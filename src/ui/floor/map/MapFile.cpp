@@ -135,13 +135,4 @@ LoadedMap readMapFile(const QString& path) {
     return isVector(path) ? readVector(path) : readRaster(path);
 }
 
-QStringList mapFileFilters() {
-    return {CFloorMap::tr("Floor maps (*.bmp *.png *.jpg *.svg)"),
-            CFloorMap::tr("Bitmaps (*.bmp)"),
-            CFloorMap::tr("PNG pictures (*.png)"),
-            CFloorMap::tr("JPEG pictures (*.jpg *.jpeg)"),
-            CFloorMap::tr("SVG drawings (*.svg)"),
-            CFloorMap::tr("All files (*)")};
-}
-
 } // namespace mirovane

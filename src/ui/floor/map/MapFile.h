@@ -3,7 +3,6 @@
 #include "ui/floor/map/MapTiles.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <memory>
 
@@ -21,8 +20,5 @@ struct LoadedMap {
 /// Reads a picture of any kind that a floor map may have. Any thread; may wait for a slow share. Takes no
 /// more memory than `largestImageInMemory` for it, whatever its size.
 LoadedMap readMapFile(const QString& path);
-
-/// What a file dialog offers for a floor map, the usual choice first.
-QStringList mapFileFilters();
 
 } // namespace mirovane

@@ -67,15 +67,16 @@ CDevicePainter::Figure CDevicePainter::figureOf(const CHardware& device) {
     return figure;
 }
 
-void CDevicePainter::DrawDevice(QPainter& painter, const CHardware& device, const Figure& figure, QRect clip,
-                                bool withoutDecorations) {
+void CDevicePainter::DrawDevice(const FloorCanvas& canvas, const CHardware& device, const Figure& figure,
+                                QRect clip, bool withoutDecorations) {
+    QPainter& painter = canvas.painter;
     drawIcon(painter, device, figure);
-    labels_.draw(painter, *figure.labels, figure.textTop, figure.textBottom, clip);
+    labels_.draw(canvas, *figure.labels, figure.textTop, figure.textBottom, clip);
     if (withoutDecorations)
         return;
     if (device.Selected) {
         drawHighlight(painter, device, figure);
-        drawFoundReminder(painter, device, figure, clip);
+        drawFoundReminder(canvas, device, figure, clip);
     }
     drawPhoto(painter, device, figure);
     drawLines(painter, device, figure);
@@ -83,6 +84,14 @@ void CDevicePainter::DrawDevice(QPainter& painter, const CHardware& device, cons
         drawRing(painter, device, figure);
     if (showsMarkedArea(device))
         drawMarkedArea(painter, device);
+}
+
+std::vector<QRect> CDevicePainter::labelRects(const Figure& figure) const {
+    std::vector<QRect> rects;
+    for (const LaidLine& line : figure.labels->lines)
+        if (line.width > 0)
+            rects.push_back(labels_.placeOf(line, figure.textTop, figure.textBottom));
+    return rects;
 }
 
 void CDevicePainter::drawIcon(QPainter& painter, const CHardware& device, const Figure& figure) {
@@ -109,10 +118,10 @@ void CDevicePainter::drawHighlight(QPainter& painter, const CHardware& device, c
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
 
-void CDevicePainter::drawFoundReminder(QPainter& painter, const CHardware& device, const Figure& figure,
-                                       QRect clip) {
+void CDevicePainter::drawFoundReminder(const FloorCanvas& canvas, const CHardware& device,
+                                       const Figure& figure, QRect clip) {
     if (const auto line = foundReminderLine(device, state_.labels()))
-        drawLabel(painter, figure.textBottom, laidOut(*line, labels_.font()), labels_.font(), clip);
+        labels_.drawLine(canvas, figure.textBottom, labels_.laidOut(*line), clip);
 }
 
 QImage CDevicePainter::photoOf(const CHardware& device) {
@@ -145,8 +154,13 @@ void CDevicePainter::drawLines(QPainter& painter, const CHardware& device, const
         pen->drawLine(state_.view.px(line.from), state_.view.px(line.to));
 }
 
+bool CDevicePainter::drawsSmoothLines(const CHardware& device) const {
+    return device.SlashDraw || device.BackslashDraw || device.HorzDraw || device.VertDraw ||
+           showsRing(device) || showsMarkedArea(device);
+}
+
 bool CDevicePainter::showsRing(const CHardware& device) const {
-    return display_.LSStatusDeviceShow && state_.liveStatHolds && state_.liveStatHolds(device.RecID);
+    return display_.LSStatusDeviceShow && std::ranges::binary_search(state_.liveStatHolds, device.RecID);
 }
 
 void CDevicePainter::drawRing(QPainter& painter, const CHardware&, const Figure& figure) {
@@ -180,9 +194,11 @@ void CDevicePainter::drawMarkedArea(QPainter& painter, const CHardware& device) 
 QRect CDevicePainter::boundsOf(const CHardware& device, const Figure& figure) {
     const int margin = penWidth_ / 2 + 2;
     QRect all = (figure.box | figure.drawn).adjusted(-margin, -margin, margin, margin);
-    all |= labels_.covered(*figure.labels, figure.textTop, figure.textBottom);
+    if (const QRect labels = labels_.covered(*figure.labels, figure.textTop, figure.textBottom);
+        !labels.isEmpty())
+        all |= labels.adjusted(-1, -1, 1, 1); // with its seams
     if (const auto line = foundReminderLine(device, state_.labels())) {
-        const int width = laidOut(*line, labels_.font()).width;
+        const int width = labels_.laidOut(*line).width;
         all |= QRect(figure.textBottom, QSize(width, labels_.font().height));
     }
     if (const QImage photo = photoOf(device); !photo.isNull())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/floor/geometry/FloorGeometry.h"
+#include "ui/floor/paint/FloorCanvas.h"
 #include "ui/floor/paint/FloorViewState.h"
 #include "ui/floor/paint/IconSet.h"
 #include "ui/floor/paint/LabelCache.h"
@@ -39,8 +40,14 @@ public:
 
     /// One device, in its stacking order: icon, labels, highlight, photo, lines, ring, marked area. What lies
     /// outside `clip` (canvas pixels) may be left out. `withoutDecorations`: icon and labels only.
-    void DrawDevice(QPainter& painter, const CHardware& device, const Figure& figure, QRect clip,
+    void DrawDevice(const FloorCanvas& canvas, const CHardware& device, const Figure& figure, QRect clip,
                     bool withoutDecorations);
+
+    /// Where the lines of a figure's labels are; those without any text are left out.
+    std::vector<QRect> labelRects(const Figure& figure) const;
+
+    /// It has lines, whose smoothed edges come out a shade different where the frame cuts them.
+    bool drawsSmoothLines(const CHardware& device) const;
 
     CLabelCache& labels() { return labels_; }
 
@@ -49,7 +56,8 @@ private:
 
     void drawIcon(QPainter& painter, const CHardware& device, const Figure& figure);
     void drawHighlight(QPainter& painter, const CHardware& device, const Figure& figure);
-    void drawFoundReminder(QPainter& painter, const CHardware& device, const Figure& figure, QRect clip);
+    void drawFoundReminder(const FloorCanvas& canvas, const CHardware& device, const Figure& figure,
+                           QRect clip);
     void drawPhoto(QPainter& painter, const CHardware& device, const Figure& figure);
     void drawLines(QPainter& painter, const CHardware& device, const Figure& figure);
     void drawRing(QPainter& painter, const CHardware& device, const Figure& figure);

@@ -11,17 +11,23 @@
 namespace mirovane {
 
 /// The off-screen image of one view, kept between paints: only what became stale is drawn again, so that a
-/// window that is merely uncovered costs one copy, and a device that changed costs its own surroundings. Main
-/// thread.
+/// window that is merely uncovered costs one copy, a device that changed costs its own surroundings, and a
+/// scrolled floor costs what came into view.
+///
+/// It is kept in two layers. The selected and hovered devices, the box and the marks are drawn over a copy of
+/// everything below them, so that a drag or a hover draws nothing but what moves. Main thread.
 class CFloorFrame {
 public:
     explicit CFloorFrame(const FloorSources& sources) : painter_(sources) {}
 
-    /// What the next image shows. Another view (place, size, zoom, font) makes the whole frame stale. For
-    /// every other value of the state the caller names what it changes.
+    /// What the next image shows. Another view makes the whole frame stale, one that is merely scrolled only
+    /// what comes into sight. For every other value of the state the caller names what it changes.
     void setState(const FloorViewState& state);
 
     void invalidateAll();
+
+    /// The devices that are selected or hovered, and the box.
+    void invalidateTop() { topStale_ = true; }
 
     /// The device is to be drawn again where it was and where it is now.
     void invalidate(const CHardware& device);
@@ -32,25 +38,28 @@ public:
     /// All records were replaced.
     void forgetAll();
 
-    bool stale() const { return allStale_ || !stale_.isEmpty() || !changed_.empty(); }
+    bool stale() const { return allStale_ || topStale_ || !stale_.isEmpty() || !changed_.empty(); }
 
     /// The up-to-date image, canvas pixels. `redrawn` gets what differs from the image before, logical
     /// pixels.
     const QImage& image(QRect* redrawn = nullptr);
 
-    /// Work that makes later frames quicker; false when nothing is left to do.
-    bool prepare(std::chrono::microseconds budget) { return painter_.labels().prepare(budget); }
-
 private:
+    bool scrollTo(const FloorView& view);
     void gatherChanged();
-    void drawPart(QRect part);
+    void drawBelow(QRect part);
+    void drawTop(QRect part);
 
     CFloorPainter painter_;
     FloorViewState state_;
+    QImage below_; ///< the map and the devices that are neither selected nor hovered
     QImage image_;
-    QRegion stale_;
+    QRegion stale_; ///< of both layers
+    QRegion topRegion_;
     std::unordered_set<const CHardware*> changed_;
     bool allStale_ = true;
+    bool topStale_ = false; ///< all of the top layer
+    bool moved_ = false;    ///< scrolled since the last image
 };
 
 } // namespace mirovane

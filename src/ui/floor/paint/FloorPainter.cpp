@@ -14,15 +14,31 @@ CFloorPainter::CFloorPainter(const FloorSources& sources)
       scene_(sources.document, sources.display, sources.index),
       devices_(sources.display, sources.icons, sources.photos) {}
 
-void CFloorPainter::Draw(QPainter& painter, QRect clip, const FloorViewState& state) {
+void CFloorPainter::Draw(const FloorCanvas& canvas, QRect clip, const FloorViewState& state) {
     if (clip.isEmpty())
         return;
-    devices_.begin(state);
-    painter.setClipRect(clip);
-    drawMap(painter, clip, state.view);
-    drawDevices(painter, clip, state);
+    begin(state);
+    drawBelow(canvas, clip, state);
+    drawTop(canvas, clip, state);
+}
+
+void CFloorPainter::drawBelow(const FloorCanvas& canvas, QRect clip, const FloorViewState& state) {
+    canvas.painter.setClipRect(clip);
+    drawMap(canvas.painter, clip, state.view);
+    seams_.begin(clip);
+    for (const CHardware* device : scene_.devices(state))
+        if (scene_.inFirstPass(*device, state))
+            drawOne(canvas, clip, *device, false);
+}
+
+void CFloorPainter::drawTop(const FloorCanvas& canvas, QRect clip, const FloorViewState& state) {
+    canvas.painter.setClipRect(clip);
+    noteLabelsBelow(clip, state);
+    for (const CHardware* device : scene_.devices(state))
+        if (scene_.inSecondPass(*device, state))
+            drawOne(canvas, clip, *device, true);
     if (state.gesture.box)
-        drawBox(painter, *state.gesture.box, state.view);
+        drawBox(canvas.painter, *state.gesture.box, state.view);
 }
 
 /// The map is laid on the same scaled pixels as the devices, whatever the scroll position. Cutting the shown
@@ -41,21 +57,38 @@ void CFloorPainter::drawMap(QPainter& painter, QRect clip, const FloorView& view
         sources_.map.draw(painter, clip, place);
 }
 
-void CFloorPainter::drawDevices(QPainter& painter, QRect clip, const FloorViewState& state) {
+/// The labels that those on top may lie on. While devices are dragged, none on top has labels, and there is
+/// nothing to do.
+void CFloorPainter::noteLabelsBelow(QRect clip, const FloorViewState& state) {
+    seams_.begin(clip);
     const CFloorIndex::Devices& devices = scene_.devices(state);
-    for (const CHardware* device : devices)
-        if (scene_.inFirstPass(*device, state))
-            drawOne(painter, clip, *device);
-    for (const CHardware* device : devices)
-        if (scene_.inSecondPass(*device, state))
-            drawOne(painter, clip, *device);
+    const bool labelled = std::ranges::any_of(devices, [&](const CHardware* device) {
+        return scene_.inSecondPass(*device, state) && !devices_.figureOf(*device).labels->lines.empty();
+    });
+    if (!labelled)
+        return;
+    for (const CHardware* device : devices) {
+        const CLabelCache::Block* block = devices_.labels().find(*device);
+        if (block && scene_.inFirstPass(*device, state) && block->painted.translated(moved_).intersects(clip))
+            seams_.add(devices_.labelRects(devices_.figureOf(*device)));
+    }
 }
 
-void CFloorPainter::drawOne(QPainter& painter, QRect clip, const CHardware& device) {
+/// A device that is where it was, away from the part that is drawn, is not even laid out.
+void CFloorPainter::drawOne(const FloorCanvas& canvas, QRect clip, const CHardware& device, bool onTop) {
+    CLabelCache::Block* kept = devices_.labels().find(device);
+    if (kept && kept->placed && kept->onTop == onTop && !kept->painted.translated(moved_).intersects(clip))
+        return;
     const CDevicePainter::Figure figure = devices_.figureOf(device);
-    figure.labels->painted = figure.bounds;
-    if (figure.bounds.intersects(clip))
-        devices_.DrawDevice(painter, device, figure, clip, false);
+    figure.labels->painted = figure.bounds.translated(-moved_);
+    figure.labels->placed = true;
+    figure.labels->onTop = onTop;
+    if (!figure.bounds.intersects(clip))
+        return;
+    const std::vector<QRect> lines = devices_.labelRects(figure);
+    seams_.draw(canvas, lines);
+    devices_.DrawDevice(canvas, device, figure, clip, false);
+    seams_.add(lines);
 }
 
 void CFloorPainter::drawBox(QPainter& painter, const MapBox& box, const FloorView& view) {
@@ -76,14 +109,44 @@ void CFloorPainter::drawBox(QPainter& painter, const MapBox& box, const FloorVie
 
 QRect CFloorPainter::painted(const CHardware& device) {
     const CLabelCache::Block* block = devices_.labels().find(device);
-    return block ? block->painted : QRect();
+    return block && !block->painted.isEmpty() ? block->painted.translated(moved_) : QRect();
+}
+
+bool CFloorPainter::wasOnTop(const CHardware& device) {
+    const CLabelCache::Block* block = devices_.labels().find(device);
+    return block && block->onTop;
 }
 
 QRect CFloorPainter::wouldPaint(const CHardware& device, const FloorViewState& state) {
     if (!device.onFloor() || (!scene_.inFirstPass(device, state) && !scene_.inSecondPass(device, state)))
         return {};
-    devices_.begin(state);
     return devices_.figureOf(device).bounds;
+}
+
+std::vector<QRect> CFloorPainter::scroll(QPoint by, const FloorViewState& state, QRect frame) {
+    moved_ += by;
+    begin(state);
+    CLabelCache& labels = devices_.labels();
+    std::vector<QRect> crossing;
+    for (const CHardware* device : scene_.devices(state)) {
+        if (!scene_.inFirstPass(*device, state) && !scene_.inSecondPass(*device, state))
+            continue;
+        CLabelCache::Block* block = labels.find(*device);
+        if (block) {
+            labels.keep(*block);
+            const QRect now = block->painted.translated(moved_);
+            const bool whole = frame.contains(now) && frame.contains(now.translated(-by));
+            if (!whole && now.intersects(frame) && devices_.drawsSmoothLines(*device))
+                crossing.push_back(now);
+        } else {
+            crossing.push_back(devices_.figureOf(*device).bounds);
+        }
+    }
+    for (const auto& [device, block] : labels.blocks())
+        if (!labels.seen(block) && !block.painted.isEmpty())
+            crossing.push_back(block.painted.translated(moved_));
+    labels.evictUnseen();
+    return crossing;
 }
 
 } // namespace mirovane

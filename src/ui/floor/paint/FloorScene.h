@@ -20,6 +20,8 @@ public:
     /// whose area is shown wherever they are. Valid until the document changes or the next call.
     const CFloorIndex::Devices& devices(const FloorViewState& state);
 
+    static bool onTop(const CHardware& device) { return device.Selected || device.ShowAll; }
+
     /// Drawn with those neither selected nor hovered: below.
     bool inFirstPass(const CHardware& device, const FloorViewState& state) const;
 

@@ -10,8 +10,8 @@
 #include <QSize>
 
 #include <cstdint>
-#include <functional>
 #include <optional>
+#include <vector>
 
 namespace mirovane {
 
@@ -31,9 +31,9 @@ struct FloorViewState {
     FindState find;
     GestureState gesture;
 
-    /// True for a device that a Live Stat job slot holds. Empty while neither Live Stat nor Live Stat Now is
-    /// on.
-    std::function<bool(std::int32_t recID)> liveStatHolds;
+    /// Record IDs of the devices that Live Stat's job slots hold, in order. Empty while neither Live Stat nor
+    /// Live Stat Now is on.
+    std::vector<std::int32_t> liveStatHolds;
 
     LabelState labels() const { return {gesture.LabelsShown, ReminderPhase, find}; }
 };

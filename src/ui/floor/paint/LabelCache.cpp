@@ -6,10 +6,6 @@ namespace mirovane {
 
 namespace {
 
-/// Labels beyond this are rare and cost more to keep than to draw.
-constexpr int widestImage = 1024;
-constexpr std::size_t mostLinesInImage = 24;
-
 /// More lines than any window shows.
 constexpr std::size_t mostLines = 2000;
 
@@ -38,9 +34,11 @@ std::uint64_t stateBits(const CHardware& device, const DisplaySettings& display,
 void CLabelCache::begin(const DisplaySettings& display, const LabelState& state, int linePixels) {
     if (!font_ || font_->height != linePixels || !sameLabels(display, display_)) {
         blocks_.clear();
-        waiting_.clear();
-        if (!font_ || font_->height != linePixels)
+        if (!font_ || font_->height != linePixels) {
+            atlas_.reset();
             font_ = std::make_unique<LabelFont>(linePixels);
+            atlas_ = std::make_unique<CGlyphAtlas>(*font_);
+        }
     }
     display_ = display;
     state_ = state;
@@ -58,99 +56,71 @@ CLabelCache::Block* CLabelCache::find(const CHardware& device) {
 }
 
 CLabelCache::Block& CLabelCache::block(const CHardware& device) {
-    const std::uint64_t signature =
-        labelSignature(device) ^ (stateBits(device, display_, state_) * 0x9E3779B97F4A7C15ULL);
-    const auto [entry, added] = blocks_.try_emplace(&device);
-    Block& block = entry->second;
-    if (added || block.signature != signature) {
-        block.signature = signature;
+    Block& block = blocks_[&device];
+    const std::uint64_t state = stateBits(device, display_, state_);
+    if (!block.fresh || block.state != state) {
+        block.fresh = true;
+        block.state = state;
         layOut(block, device);
-        if (!block.waiting && fitsImage(block)) {
-            block.waiting = true;
-            waiting_.push_back(&device);
-        }
     }
     block.lastFrame = frame_;
     return block;
 }
 
-void CLabelCache::layOut(Block& block, const CHardware& device) const {
-    block.image = QImage();
+void CLabelCache::touch(const CHardware& device) {
+    if (Block* block = find(device))
+        block->fresh = block->placed = false;
+}
+
+void CLabelCache::forgetPlaces() {
+    for (auto& [device, block] : blocks_)
+        block.placed = false;
+}
+
+void CLabelCache::layOut(Block& block, const CHardware& device) {
     block.lines.clear();
     std::vector<LabelLine> lines = labelLines(device, display_, state_);
     if (lines.size() > mostLines)
         lines.resize(mostLines);
     for (const LabelLine& line : lines)
-        block.lines.push_back(laidOut(line, *font_));
+        block.lines.push_back(laidOut(line));
 }
 
-bool CLabelCache::fitsImage(const Block& block) {
-    const auto fits = [](const LaidLine& line) {
-        return line.width <= widestImage;
-    };
-    return !block.lines.empty() && block.lines.size() <= mostLinesInImage &&
-           std::ranges::all_of(block.lines, fits);
+/// Underlined text is rare: it is always drawn as text.
+LaidLine CLabelCache::laidOut(const LabelLine& line) {
+    LaidLine laid{shownText(line.text), 0, line.background, line.underline, line.row, false};
+    laid.glyphs = !line.underline && CGlyphAtlas::covers(laid.text);
+    laid.width = laid.glyphs ? atlas_->width(laid.text) : font_->metrics.horizontalAdvance(laid.text);
+    return laid;
 }
 
-QPoint CLabelCache::cornerOf(const LaidLine& line, QPoint topCorner, QPoint bottomCorner) const {
-    return line.row < 0 ? topCorner - QPoint(0, font_->height)
-                        : bottomCorner + QPoint(0, line.row * font_->height);
+QRect CLabelCache::placeOf(const LaidLine& line, QPoint topCorner, QPoint bottomCorner) const {
+    const QPoint corner = line.row < 0 ? topCorner - QPoint(0, font_->height)
+                                       : bottomCorner + QPoint(0, line.row * font_->height);
+    return {corner, QSize(line.width, font_->height)};
 }
 
-void CLabelCache::draw(QPainter& painter, Block& block, QPoint topCorner, QPoint bottomCorner,
-                       QRect clip) const {
-    int place = 0;
+void CLabelCache::drawLine(const FloorCanvas& canvas, QPoint corner, const LaidLine& line, QRect clip) {
+    if (canvas.image && line.glyphs)
+        atlas_->draw(*canvas.image, clip, corner, line.text, line.background);
+    else
+        drawLabel(canvas.painter, corner, line, *font_, clip);
+}
+
+void CLabelCache::draw(const FloorCanvas& canvas, const Block& block, QPoint topCorner, QPoint bottomCorner,
+                       QRect clip) {
     for (const LaidLine& line : block.lines) {
-        const QPoint corner = cornerOf(line, topCorner, bottomCorner);
-        const int imageTop = place++ * font_->height;
-        if (line.width == 0 || !clip.intersects(QRect(corner, QSize(line.width, font_->height))))
-            continue;
-        if (block.image.isNull())
-            drawLabel(painter, corner, line, *font_, clip);
-        else
-            painter.drawImage(corner, block.image, QRect(0, imageTop, line.width, font_->height));
+        const QRect place = placeOf(line, topCorner, bottomCorner);
+        if (line.width > 0 && clip.intersects(place))
+            drawLine(canvas, place.topLeft(), line, clip);
     }
 }
 
 QRect CLabelCache::covered(const Block& block, QPoint topCorner, QPoint bottomCorner) const {
     QRect all;
     for (const LaidLine& line : block.lines)
-        all |= QRect(cornerOf(line, topCorner, bottomCorner), QSize(line.width, font_->height));
+        all |= placeOf(line, topCorner, bottomCorner);
     return all;
-}
-
-bool CLabelCache::prepare(std::chrono::microseconds budget) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!waiting_.empty()) {
-        if (timer.nsecsElapsed() / 1000 >= budget.count())
-            return true;
-        Block* block = find(*waiting_.back());
-        waiting_.pop_back();
-        if (!block)
-            continue;
-        block->waiting = false;
-        if (block->image.isNull() && fitsImage(*block))
-            makeImage(*block);
-    }
-    return false;
-}
-
-void CLabelCache::makeImage(Block& block) const {
-    int width = 1;
-    for (const LaidLine& line : block.lines)
-        width = std::max(width, line.width);
-    QImage image(width, static_cast<int>(block.lines.size()) * font_->height, QImage::Format_RGB32);
-    QPainter painter(&image);
-    int top = 0;
-    for (LaidLine& line : block.lines) {
-        drawLabel(painter, {0, top}, line, *font_, image.rect());
-        top += font_->height;
-    }
-    painter.end();
-    for (LaidLine& line : block.lines)
-        line.text = QString();
-    block.image = std::move(image);
 }
 
 } // namespace mirovane

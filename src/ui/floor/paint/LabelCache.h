@@ -2,16 +2,14 @@
 
 #include "model/Settings.h"
 #include "model/records/Hardware.h"
+#include "ui/floor/paint/FloorCanvas.h"
+#include "ui/floor/paint/GlyphAtlas.h"
 #include "ui/floor/paint/LabelFont.h"
 #include "ui/floor/paint/LabelLines.h"
 
-#include <QElapsedTimer>
-#include <QImage>
-#include <QPainter>
 #include <QPoint>
 #include <QRect>
 
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
@@ -19,21 +17,20 @@
 
 namespace mirovane {
 
-/// The laid-out labels of the devices that are seen. Laying text out and drawing its glyphs is by far the
-/// most expensive part of a frame; copying an image of it costs a tenth. The images cost one and a half
-/// frames to make, so the first frame after a load or a zoom draws text plainly, and `prepare` makes the
-/// images afterwards, in slices between events. Main thread only.
+/// The laid-out labels of the devices that are seen, and where each device was drawn. A block stays until its
+/// device is touched or something that all labels depend on changes. Main thread only.
 class CLabelCache {
 public:
     struct Block {
-        std::uint64_t signature = 0;
-        std::vector<LaidLine> lines; ///< without their texts once the image replaces them
-        QImage image;                ///< the lines one under the other; null until prepared
-        QRect
-            painted; ///< canvas pixels that the device covered when it was drawn last; empty when it was not
+        std::vector<LaidLine> lines;
+        std::uint64_t state = 0; ///< of the view, as far as these lines depend on it
+        bool fresh = false;
+        bool placed = false; ///< `painted` is where the device would be drawn again
+        QRect painted;       ///< what the device covered when it was drawn last; empty when it was not
+        bool onTop = false;  ///< and was drawn among the selected and hovered ones
         std::uint64_t lastFrame = 0;
-        bool waiting = false;
     };
+    using Blocks = std::unordered_map<const CHardware*, Block>;
 
     /// Start of a frame. Everything kept is dropped when the font or the choice of labels has changed.
     void begin(const DisplaySettings& display, const LabelState& state, int linePixels);
@@ -49,32 +46,45 @@ public:
     /// The kept block; null when there is none.
     Block* find(const CHardware& device);
 
+    Blocks& blocks() { return blocks_; }
+
+    /// It is in sight in this frame, though nobody asks for its lines.
+    void keep(Block& block) const { block.lastFrame = frame_; }
+    bool seen(const Block& block) const { return block.lastFrame == frame_; }
+
+    /// Something of the device has changed.
+    void touch(const CHardware& device);
+
+    /// All devices are to be placed anew, though their labels are the same.
+    void forgetPlaces();
+
     /// The device's record is about to go.
     void forget(const CHardware& device) { blocks_.erase(&device); }
     void clear() { blocks_.clear(); }
 
+    /// A line outside of any block.
+    LaidLine laidOut(const LabelLine& line);
+    void drawLine(const FloorCanvas& canvas, QPoint corner, const LaidLine& line, QRect clip);
+
     /// Draws the lines: rows from 0 on below `bottomCorner`, row -1 above `topCorner`, within `clip` only.
-    void draw(QPainter& painter, Block& block, QPoint topCorner, QPoint bottomCorner, QRect clip) const;
+    void draw(const FloorCanvas& canvas, const Block& block, QPoint topCorner, QPoint bottomCorner,
+              QRect clip);
+
+    /// Where a line goes.
+    QRect placeOf(const LaidLine& line, QPoint topCorner, QPoint bottomCorner) const;
 
     /// What the lines cover; empty when there are none.
     QRect covered(const Block& block, QPoint topCorner, QPoint bottomCorner) const;
 
-    /// Makes images of labels that were drawn plainly, for at most about `budget`. False when none is left to
-    /// make.
-    bool prepare(std::chrono::microseconds budget);
-
 private:
-    void layOut(Block& block, const CHardware& device) const;
-    void makeImage(Block& block) const;
-    static bool fitsImage(const Block& block);
-    QPoint cornerOf(const LaidLine& line, QPoint topCorner, QPoint bottomCorner) const;
+    void layOut(Block& block, const CHardware& device);
 
     DisplaySettings display_;
     LabelState state_;
     std::unique_ptr<LabelFont> font_;
+    std::unique_ptr<CGlyphAtlas> atlas_;
     std::uint64_t frame_ = 0;
-    std::unordered_map<const CHardware*, Block> blocks_;
-    std::vector<const CHardware*> waiting_;
+    Blocks blocks_;
 };
 
 } // namespace mirovane

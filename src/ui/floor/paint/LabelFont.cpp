@@ -18,6 +18,7 @@ QFont fittedFont(int pixels) {
     font.setStyleHint(QFont::SansSerif);
     font.setWeight(QFont::Normal);
     font.setHintingPreference(QFont::PreferFullHinting);
+    font.setKerning(false); // a text is as wide as its glyphs, whichever are next to each other
     int size = std::max(1, pixels);
     for (font.setPixelSize(size); size > 1 && QFontMetrics(font).height() > pixels; font.setPixelSize(size))
         --size;
@@ -61,13 +62,10 @@ QString shownText(const std::string& bytes) {
     return text;
 }
 
-LaidLine laidOut(const LabelLine& line, const LabelFont& font) {
-    const QString text = shownText(line.text);
-    return {text, font.metrics.horizontalAdvance(text), line.background, line.underline, line.row};
-}
-
 void drawLabel(QPainter& painter, QPoint corner, const LaidLine& line, const LabelFont& font, QRect clip) {
     const QRect place(corner, QSize(line.width, font.height));
+    if (!place.intersects(clip))
+        return;
     painter.setClipRect(place & clip);
     painter.fillRect(place, QColor(labelColour(line.background)));
     painter.setPen(Qt::black);

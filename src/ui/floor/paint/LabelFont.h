@@ -38,9 +38,8 @@ struct LaidLine {
     LabelBackground background = LabelBackground::Canvas;
     bool underline = false;
     int row = 0;
+    bool glyphs = false; ///< can be put together from single glyphs
 };
-
-LaidLine laidOut(const LabelLine& line, const LabelFont& font);
 
 /// One line of text on its background. Glyphs that hang over the ends of the line are cut there, so that a
 /// line drawn alone equals a line among others. Changes the painter's font and pen; its clip is `clip` before

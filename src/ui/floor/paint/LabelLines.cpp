@@ -1,7 +1,5 @@
 #include "ui/floor/paint/LabelLines.h"
 
-#include <array>
-#include <functional>
 #include <string_view>
 
 namespace mirovane {
@@ -73,11 +71,6 @@ void writeFields(LabelWriter& writer, const CHardware& device, const DisplaySett
         plain(device.VertText, display.PropertiesVert);
 }
 
-std::uint64_t mixed(std::uint64_t hash, std::uint64_t value) {
-    hash ^= value + 0x9E3779B97F4A7C15ULL + (hash << 6) + (hash >> 2);
-    return hash;
-}
-
 } // namespace
 
 std::vector<LabelLine> labelLines(const CHardware& device, const DisplaySettings& display,
@@ -104,21 +97,6 @@ std::optional<LabelLine> foundReminderLine(const CHardware& device, const LabelS
     const bool due = device.ReminderOn == 1 && device.ReminderDue;
     return LabelLine{(due ? "Due:" : "Reminder:") + device.ToDo,
                      due ? LabelBackground::Due : LabelBackground::ShowAll, true, 0};
-}
-
-std::uint64_t labelSignature(const CHardware& device) {
-    const std::array<const std::string*, 11> texts = {
-        &device.Name,     &device.IPAddress, &device.Username,  &device.MACAddress,
-        &device.ToJack,   &device.Comment,   &device.SlashText, &device.BackslashText,
-        &device.HorzText, &device.VertText,  &device.ToDo};
-    std::uint64_t hash = 0;
-    for (const std::string* text : texts)
-        hash = mixed(hash, text->empty() ? 0 : std::hash<std::string_view>()(*text));
-    const unsigned flags = (device.Selected ? 1U : 0U) | (device.ShowAll ? 2U : 0U) |
-                           (device.ReminderDue ? 4U : 0U) | (device.ReminderOn == 1 ? 8U : 0U);
-    hash = mixed(hash, flags);
-    return mixed(hash,
-                 static_cast<std::uint64_t>(device.Type) << 32 | static_cast<std::uint32_t>(device.State));
 }
 
 } // namespace mirovane

@@ -38,7 +38,4 @@ std::vector<LabelLine> labelLines(const CHardware& device, const DisplaySettings
 /// What a reminder search writes over the first label of a selected device.
 std::optional<LabelLine> foundReminderLine(const CHardware& device, const LabelState& state);
 
-/// Changes whenever something that `labelLines` or `foundReminderLine` reads of the device changes.
-std::uint64_t labelSignature(const CHardware& device);
-
 } // namespace mirovane

@@ -38,6 +38,7 @@ void CToolsCommands::openLiveStatOptions(QWidget* asking) {
     options_ = new CLiveStatOptionsWindow({station_, parts_.settings, parts_.clock, dialogs_},
                                           asking ? asking : parts_.window);
     options_->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(options_, &QDialog::accepted, parts_.window, parts_.reloadIcons);
     options_->open();
 }
 

@@ -20,6 +20,7 @@ public:
         CSettings& settings;
         const Clock& clock;
         std::function<void()> repaintFloor;
+        std::function<void()> reloadIcons; ///< settings were saved: the site may have other icons
     };
 
     /// All references outlive the object.
