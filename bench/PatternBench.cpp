@@ -3,7 +3,7 @@
 #define PCRE2_CODE_UNIT_WIDTH 8
 
 #include "bench/support/PairedRounds.h"
-#include "livestat/steps/TextFileSearch.h"
+#include "livestat/search/TextFileSearch.h"
 
 #include <array>
 #include <cmath>

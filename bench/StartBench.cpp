@@ -5,7 +5,7 @@
 
 #include "bench/support/PairedRounds.h"
 #include "bench/support/PlainFloor.h"
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 #include "model/records/Hardware.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/Desktop.h"

@@ -2,7 +2,7 @@
 // it was.
 
 #include "model/RecordIndex.h"
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 #include "model/records/Text.h"
 
 #include <cstdint>

@@ -5,7 +5,7 @@
 #include "model/EditJournal.h"
 #include "model/MessageLog.h"
 #include "model/RecordIndex.h"
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 #include "model/records/Hardware.h"
 #include "platform/Clock.h"
 #include "platform/Host.h"

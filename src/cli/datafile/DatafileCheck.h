@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 
 #include <cstddef>
 #include <cstdint>

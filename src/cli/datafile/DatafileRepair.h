@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/base/Output.h"
-#include "model/records/TwinRepair.h"
+#include "model/format/TwinRepair.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/base/Arguments.h"
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 #include "model/rows/ListRows.h"
 
 #include <vector>

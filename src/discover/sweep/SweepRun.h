@@ -7,7 +7,7 @@
 #include "discover/sweep/SweepProgress.h"
 #include "discover/sweep/SweepQueue.h"
 #include "discover/sweep/SweepWindow.h"
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 #include "platform/Clock.h"
 #include "probes/SweepProbes.h"
 

@@ -1,8 +1,8 @@
 #include "livestat/steps/FileActions.h"
 
-#include "livestat/steps/FieldText.h"
-#include "livestat/steps/FileNameSearch.h"
-#include "livestat/steps/TextFileSearch.h"
+#include "livestat/search/FieldText.h"
+#include "livestat/search/FileNameSearch.h"
+#include "livestat/search/TextFileSearch.h"
 
 namespace mirovane {
 

@@ -1,7 +1,7 @@
 #include "model/datafile/KeptEdits.h"
 
-#include "model/records/ByteReader.h"
-#include "model/records/ByteWriter.h"
+#include "model/format/ByteReader.h"
+#include "model/format/ByteWriter.h"
 #include "model/records/SpecialRecords.h"
 #include "platform/files/FilePaths.h"
 

@@ -2,7 +2,7 @@
 
 #include "model/DeviceKey.h"
 #include "model/EditJournal.h"
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
 #include "model/rows/TextExport.h"
 
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 #include "model/rows/ListRows.h"
 #include "platform/files/FilePaths.h"
 

@@ -12,7 +12,7 @@
 #include "probes/SystemSweepProbes.h"
 #include "ui/frame/MainFrame.h"
 #include "ui/frame/WidgetDialogs.h"
-#include "ui/frame/commands/RecentFiles.h"
+#include "ui/frame/base/RecentFiles.h"
 #include "ui/handover/Handover.h"
 
 #include <QString>

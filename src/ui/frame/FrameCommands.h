@@ -1,20 +1,20 @@
 #pragma once
 
+#include "ui/frame/base/FrameServices.h"
 #include "ui/frame/commands/ApplicationCommands.h"
 #include "ui/frame/commands/DiscoveredCommands.h"
-#include "ui/frame/commands/ExportCommand.h"
-#include "ui/frame/commands/FileCommands.h"
 #include "ui/frame/commands/FindCommands.h"
-#include "ui/frame/commands/FrameServices.h"
 #include "ui/frame/commands/HelpCommands.h"
-#include "ui/frame/commands/MailCommand.h"
-#include "ui/frame/commands/PrintCommands.h"
 #include "ui/frame/commands/PropertiesCommand.h"
 #include "ui/frame/commands/ReminderCommands.h"
 #include "ui/frame/commands/ToolsCommands.h"
 #include "ui/frame/commands/ViewCommands.h"
 #include "ui/frame/commands/ZoomCommands.h"
 #include "ui/frame/editing/EditingCommands.h"
+#include "ui/frame/file/ExportCommand.h"
+#include "ui/frame/file/FileCommands.h"
+#include "ui/frame/file/MailCommand.h"
+#include "ui/frame/file/PrintCommands.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/frame/commands/FrameServices.h"
+#include "ui/frame/base/FrameServices.h"
 
 #include <QObject>
 #include <QPointer>

@@ -2,9 +2,9 @@
 
 #include "ui/frame/FrameCommands.h"
 #include "ui/frame/FrameWindows.h"
-#include "ui/frame/StatusPanes.h"
-#include "ui/frame/commands/CommandActions.h"
-#include "ui/frame/commands/FrameServices.h"
+#include "ui/frame/bars/StatusPanes.h"
+#include "ui/frame/base/CommandActions.h"
+#include "ui/frame/base/FrameServices.h"
 #include "ui/widgets/KeyboardLocks.h"
 
 #include <QMainWindow>

@@ -36,7 +36,7 @@ QFont logFont() {
 }
 
 /// Live Stat's longest usual line fits.
-QSize defaultSize() {
+QSize sizeAtFirst() {
     return {QFontMetrics(logFont()).horizontalAdvance(u'0') * 130, 420};
 }
 
@@ -72,7 +72,7 @@ CMessageLogWindow::CMessageLogWindow(CMessageLog& log, CSettings& settings)
     layout->addWidget(text_);
     text_->setFocus();
 
-    resize(defaultSize().boundedTo(QGuiApplication::primaryScreen()->availableSize() * 9 / 10));
+    resize(sizeAtFirst().boundedTo(QGuiApplication::primaryScreen()->availableSize() * 9 / 10));
     restorePlacement(*this, settings, messageLogPlacement);
     new CPlacementKeeper(*this, settings, messageLogPlacement);
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/frame/commands/FrameDialogs.h"
+#include "ui/frame/base/FrameDialogs.h"
 
 #include <QMessageBox>
 #include <QPointer>

@@ -1,4 +1,4 @@
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 #include "tests/cli/CliJson.h"
 #include "tests/cli/CliRunner.h"
 #include "tests/support/Paths.h"

@@ -1,5 +1,5 @@
+#include "model/format/Datafile.h"
 #include "model/records/Criteria.h"
-#include "model/records/Datafile.h"
 #include "tests/support/Paths.h"
 
 #include <algorithm>

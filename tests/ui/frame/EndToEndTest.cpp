@@ -1,5 +1,5 @@
 #include "model/FloorMap.h"
-#include "model/records/Datafile.h"
+#include "model/format/Datafile.h"
 #include "probes/SystemHostProbes.h"
 #include "tests/support/Paths.h"
 #include "tests/ui/frame/FrameFixture.h"

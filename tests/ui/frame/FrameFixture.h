@@ -11,7 +11,7 @@
 #include "tests/ui/frame/ScriptedFrameDialogs.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/MainFrame.h"
-#include "ui/frame/commands/RecentFiles.h"
+#include "ui/frame/base/RecentFiles.h"
 
 #include <QTemporaryDir>
 #include <QTest>

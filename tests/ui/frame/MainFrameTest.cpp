@@ -1,9 +1,9 @@
 #include "model/FloorMap.h"
 #include "tests/ui/frame/FrameFixture.h"
 #include "ui/floor/MirovaneView.h"
-#include "ui/frame/FrameMenus.h"
-#include "ui/frame/MarkerSelector.h"
 #include "ui/frame/MessageLogWindow.h"
+#include "ui/frame/bars/FrameMenus.h"
+#include "ui/frame/bars/MarkerSelector.h"
 #include "ui/list/ListViewWindow.h"
 
 #include <QAbstractButton>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "applications/ApplicationStarter.h"
-#include "ui/frame/commands/CommandActions.h"
-#include "ui/frame/commands/FrameDialogs.h"
+#include "ui/frame/base/CommandActions.h"
+#include "ui/frame/base/FrameDialogs.h"
 
 #include <QPointer>
 

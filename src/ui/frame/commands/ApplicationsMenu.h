@@ -1,7 +1,7 @@
 #pragma once
 
 #include "applications/Applications.h"
-#include "ui/frame/commands/CommandActions.h"
+#include "ui/frame/base/CommandActions.h"
 
 #include <QMenu>
 #include <QMenuBar>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ui/discovered/DiscoveredWindow.h"
-#include "ui/frame/commands/CommandActions.h"
+#include "ui/frame/base/CommandActions.h"
 #include "ui/frame/commands/FindCommands.h"
 
 #include <QObject>

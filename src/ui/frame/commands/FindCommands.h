@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/find/Find.h"
-#include "ui/frame/commands/CommandActions.h"
-#include "ui/frame/commands/FrameDialogs.h"
+#include "ui/frame/base/CommandActions.h"
+#include "ui/frame/base/FrameDialogs.h"
 
 #include <QPoint>
 #include <QWidget>

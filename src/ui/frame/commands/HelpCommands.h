@@ -1,7 +1,7 @@
 #pragma once
 
-#include "ui/frame/commands/CommandActions.h"
-#include "ui/frame/commands/FrameDialogs.h"
+#include "ui/frame/base/CommandActions.h"
+#include "ui/frame/base/FrameDialogs.h"
 #include "ui/help/Help.h"
 
 #include <QObject>

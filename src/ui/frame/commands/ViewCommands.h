@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/Settings.h"
-#include "ui/frame/commands/CommandActions.h"
+#include "ui/frame/base/CommandActions.h"
 
 #include <QWidget>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ui/floor/MirovaneView.h"
-#include "ui/frame/commands/CommandActions.h"
+#include "ui/frame/base/CommandActions.h"
 #include "ui/frame/editing/EditRunner.h"
 
 namespace mirovane {

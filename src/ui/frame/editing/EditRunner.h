@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/floor/FloorEdits.h"
-#include "ui/frame/commands/FrameDialogs.h"
+#include "ui/frame/base/FrameDialogs.h"
 
 namespace mirovane {
 

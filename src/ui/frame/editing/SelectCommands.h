@@ -2,7 +2,7 @@
 
 #include "model/floor/SelectionCommands.h"
 #include "ui/floor/MirovaneView.h"
-#include "ui/frame/commands/CommandActions.h"
+#include "ui/frame/base/CommandActions.h"
 #include "ui/frame/editing/EditRunner.h"
 
 namespace mirovane {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/frame/commands/CommandActions.h"
+#include "ui/frame/base/CommandActions.h"
 #include "ui/frame/editing/EditRunner.h"
 
 #include <QAction>
