@@ -101,7 +101,7 @@ void CLiveDiscover::reset() {
 void CLiveDiscover::afterReload() {
     if (switch_.state() == CFeatureSwitch::State::Off)
         return;
-    if (FeatureOwner::isHere(document_, Feature::LiveDiscover)) {
+    if (switch_.isHere()) {
         walk_.restore();
         return;
     }

@@ -2,6 +2,7 @@
 
 #include "feature/FeatureHost.h"
 #include "feature/FeatureOwner.h"
+#include "feature/FeatureServices.h"
 #include "feature/StartRefusal.h"
 
 #include <optional>
@@ -13,26 +14,38 @@ class CFeatureClaim;
 
 /// A feature's owner record as this station holds it: once, for however many of its parts run the feature.
 /// Live Discover and Discover Now both hold Live Discover's record; it is released when the last one lets
-/// go. Main thread; outlives its claims.
+/// go. The record names a computer and a user: two programs of one user, as a window and a service, count as
+/// two stations all the same, because this computer tells them apart. Main thread; outlives its claims.
 class CFeatureOwnership {
 public:
-    CFeatureOwnership(Feature feature, CMirovaneDoc& document, FeatureHost& host)
-        : feature_(feature), document_(document), host_(host) {}
+    CFeatureOwnership(Feature feature, const FeatureServices& services, FeatureHost& host)
+        : feature_(feature),
+          document_(services.document),
+          log_(services.log),
+          programs_(services.programs),
+          host_(host) {}
     CFeatureOwnership(const CFeatureOwnership&) = delete;
     CFeatureOwnership& operator=(const CFeatureOwnership&) = delete;
 
     Feature feature() const { return feature_; }
-    bool isHere() const { return FeatureOwner::isHere(document_, feature_); }
-    bool isElsewhere() const { return FeatureOwner::isElsewhere(document_, feature_); }
+    bool isHere() const { return FeatureOwner::isHere(document_, feature_) && !isOtherProgram(); }
+    bool isElsewhere() const { return FeatureOwner::isElsewhere(document_, feature_) || isOtherProgram(); }
 
 private:
     friend class CFeatureClaim;
 
     std::optional<StartRefusal> takeOver();
+    std::optional<StartRefusal> refuseUnsaved(const OwnerValues& before);
+    Question takeOverQuestion() const;
+    bool isOtherProgram() const;
+    void takeProgram();
+    void letProgramGo();
     bool mayRelease() const { return holders_.empty() && claimedHere_ && !isElsewhere(); }
 
     const Feature feature_;
     CMirovaneDoc& document_;
+    CMessageLog& log_;
+    CProgramClaims* const programs_;
     FeatureHost& host_;
     std::set<const CFeatureClaim*> holders_;
     bool claimedHere_ = false; ///< by a holder; otherwise another program of this user did, and it stays
@@ -71,7 +84,7 @@ public:
     void letGoUnsaved();
 
     /// Lets go and leaves the record as it is.
-    void drop() { ownership_.holders_.erase(this); }
+    void drop();
 
 private:
     CFeatureOwnership& ownership_;

@@ -53,18 +53,17 @@ bool isHere(const CMirovaneDoc& document, Feature feature) {
     return owner.on && owner.station == document.station();
 }
 
+std::string takeOverText(Feature feature, const std::string& owner) {
+    const std::string name = feature == Feature::LiveStat ? "Live stat" : "Live Discover";
+    return name + " is enabled by " + owner + ". Do you want to continue to enable " + name +
+           "? Doing so will prompt the other user to disable " + name + ".";
+}
+
 Question takeOverQuestion(const CMirovaneDoc& document, Feature feature) {
     const StationIdentity owner = values(document, feature).station;
-    const std::string who = owner.computerName + "\\" + owner.userName;
-    if (feature == Feature::LiveStat)
-        return {Question::Kind::TakeOverLiveStat,
-                "Live stat is enabled by " + who +
-                    ". Do you want to continue to enable Live stat? Doing so will prompt the other user to "
-                    "disable Live stat."};
-    return {Question::Kind::TakeOverLiveDiscover,
-            "Live Discover is enabled by " + who +
-                ". Do you want to continue to enable Live Discover? Doing so will prompt the other user to "
-                "disable Live Discover."};
+    return {feature == Feature::LiveStat ? Question::Kind::TakeOverLiveStat
+                                         : Question::Kind::TakeOverLiveDiscover,
+            takeOverText(feature, owner.computerName + "\\" + owner.userName)};
 }
 
 void claim(CMirovaneDoc& document, Feature feature) {

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace mirovane {
 
@@ -32,7 +33,10 @@ bool isElsewhere(const CMirovaneDoc& document, Feature feature);
 /// On, and the record names this station.
 bool isHere(const CMirovaneDoc& document, Feature feature);
 
-/// What the user is asked before this station takes it over.
+/// What the user is asked before this station takes it over from `owner`.
+std::string takeOverText(Feature feature, const std::string& owner);
+
+/// The same where the record names the owner.
 Question takeOverQuestion(const CMirovaneDoc& document, Feature feature);
 
 /// Names this station. A datafile that lost its owner record gets one.

@@ -4,6 +4,7 @@
 #include "model/MessageLog.h"
 #include "platform/Clock.h"
 #include "platform/Timers.h"
+#include "platform/files/ProgramClaims.h"
 
 namespace mirovane {
 
@@ -13,6 +14,9 @@ struct FeatureServices {
     TimerFactory& timers;
     CMessageLog& log;
     const Clock& clock;
+
+    /// Tells this program from others of its user on this computer; null: it is the only one.
+    CProgramClaims* programs = nullptr;
 };
 
 } // namespace mirovane

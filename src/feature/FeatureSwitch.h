@@ -27,6 +27,7 @@ public:
 
     State state() const { return state_; }
     bool on() const { return state_ == State::On; }
+    bool isHere() const { return claim_.ownership().isHere(); }
     bool goingOff() const { return state_ == State::GoingOff; }
 
     /// On, with the first tick after `period`. Nothing: it is on.

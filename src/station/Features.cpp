@@ -6,7 +6,7 @@ namespace mirovane {
 
 CFeatures::CFeatures(const FeatureServices& services, const FeatureTools& tools, const FeatureHosts& hosts,
                      const LiveStatSettings& settings)
-    : discoverOwner_(Feature::LiveDiscover, services.document, hosts.liveDiscover) {
+    : discoverOwner_(Feature::LiveDiscover, services, hosts.liveDiscover) {
     if (!tools.workers) {
         stepWorkers_ = std::make_unique<CWorkerPool>(1); // the scheduler sets the limit
         walkWorkers_ = std::make_unique<CWorkerPool>(1);

@@ -33,7 +33,7 @@ CStation::CStation(StationServices services)
       liveMove_(document_, watch_, door_),
       export_(document_, link_, services_.settings, services_.log, services_.makeExportFiles),
       reminders_(document_, services_.timers, [this] { reminderTick(); }),
-      features_({document_, services_.timers, services_.log, services_.clock},
+      features_({document_, services_.timers, services_.log, services_.clock, services_.programs},
                 {services_.probes, services_.workers, services_.sweepProbes}, {*this, *this, *this},
                 liveStatSettings_) {
     document_.addObserver(*this);
@@ -100,6 +100,7 @@ void CStation::endWork() {
 
 void CStation::begin() {
     features_.reset();
+    tellProgramsThePath();
     discovered_ = 0;
     reminders_.reset();
     door_.forgetHistory();
@@ -111,6 +112,12 @@ void CStation::begin() {
     settleList();
     if (wantsLiveStat())
         features_.liveStat().toggle();
+}
+
+void CStation::tellProgramsThePath() {
+    if (services_.programs)
+        services_.programs->setDatafile(link_.path().empty() ? std::string()
+                                                             : pathWithoutLinks(link_.path()));
 }
 
 SaveReport CStation::saveDatafile() {
@@ -130,8 +137,10 @@ SaveReport CStation::saveDatafileAs(const std::string& path) {
         moving = features_.leaveDatafile();
     const std::string left = link_.path();
     SaveReport report = watch_.saveAs(path);
-    if (report.saved() && link_.path() != left)
+    if (report.saved() && link_.path() != left) {
+        tellProgramsThePath();
         export_.takeDatafile();
+    }
     features_.goOn(moving);
     if (!report.failed())
         settleList();

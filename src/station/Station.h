@@ -65,6 +65,9 @@ struct StationServices {
     /// Where this user's programs keep edits that could not be saved and the log of values that gave way;
     /// empty: nowhere.
     std::string stateFolder = {};
+
+    /// Tells this program from others of its user on this computer; null: it is the only one.
+    CProgramClaims* programs = nullptr;
 };
 
 /// One station on one datafile: a facade over the document, its datafile and the watch over it, the door for
@@ -241,6 +244,7 @@ private:
     void hostsDiscovered(std::size_t count) override;
 
     void begin();
+    void tellProgramsThePath();
     void leaveDatafile();
     void endWork();
     void reminderTick();

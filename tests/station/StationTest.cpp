@@ -47,6 +47,56 @@ TEST_F(StationTest, TakingLiveStatOverAsksBothUsers) {
     EXPECT_GT(b.probes.pinged().size(), 30U);
 }
 
+/// As a window and a service: the datafile cannot tell them apart.
+TEST_F(StationTest, TwoProgramsOfOneUserAreTwoStations) {
+    const std::string askAboutProgram =
+        "Live stat is enabled by another program of yours on this computer. Do you want to continue to "
+        "enable Live stat? Doing so will prompt the other user to disable Live stat.";
+    CFileCalls calls;
+    CProgramClaims windowClaims(calls, folder.file("run")), serviceClaims(calls, folder.file("run"));
+    StationServices services = servicesOfA(a.files);
+    services.programs = &serviceClaims;
+    CStation service(services);
+    CStation window({b.files,
+                     clock,
+                     timers,
+                     b.settings,
+                     b.log,
+                     b.dialogs,
+                     b.probes,
+                     services.identity,
+                     false,
+                     &b.workers,
+                     nullptr,
+                     nullptr,
+                     {},
+                     &windowClaims});
+    ASSERT_FALSE(service.openDatafile(path));
+    ASSERT_FALSE(window.openDatafile(path));
+    service.toggleLiveStat();
+    pass(3000);
+
+    window.toggleLiveStat(); // No
+    EXPECT_EQ(b.dialogs.questions, Lines{askAboutProgram});
+    EXPECT_FALSE(window.liveStat().enabled());
+    pass(9000);
+    EXPECT_TRUE(service.liveStat().enabled());
+    EXPECT_EQ(a.dialogs.questions, Lines());
+
+    b.dialogs.answer = true;
+    window.toggleLiveStat();
+    pass(3000);
+    EXPECT_TRUE(window.liveStat().enabled());
+    EXPECT_EQ(a.dialogs.questions, Lines{askAboutProgram});
+    EXPECT_FALSE(service.liveStat().enabled()); // said No
+    pass(9000);
+    EXPECT_EQ(window.document().findSpecial(SpecialType::LiveStatOwnerRecord)->State, 1);
+    EXPECT_FALSE(window.shutDown());
+    EXPECT_FALSE(service.toggleLiveStat()); // nobody is asked
+    EXPECT_EQ(a.dialogs.questions.size(), 1U);
+    EXPECT_TRUE(service.liveStat().enabled());
+}
+
 TEST_F(StationTest, WhoSaysYesTakesLiveStatBack) {
     open(a);
     open(b);

@@ -37,8 +37,10 @@ class Worker:
 
     def start(self):
         self.generation += 1
+        # Without a run-time folder in common they do not know of each other, as on computers of their own.
+        alone = dict(os.environ, XDG_RUNTIME_DIR=self.trial.config(self.name))
         self.process = subprocess.Popen(self.command(self), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                                        text=True, errors="replace")
+                                        text=True, errors="replace", env=alone)
         self.lines_before = len(self.lines)
         self.reader = threading.Thread(target=self.read, args=(self.process,), daemon=True)
         self.reader.start()

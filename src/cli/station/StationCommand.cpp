@@ -9,6 +9,7 @@
 #include "model/Settings.h"
 #include "platform/files/AbandonableFiles.h"
 #include "platform/files/PosixFiles.h"
+#include "platform/files/ProgramClaims.h"
 #include "platform/files/StateFolder.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
@@ -145,6 +146,9 @@ ExitStatus runStationWith(CommandContext& context, const StationOptions& options
     CHeadlessDialogs dialogs(context.out, options.request.takeOver);
     StationServices services{files, clock, timers, settings, log, dialogs, probes.all(), thisStation()};
     services.stateFolder = stateFolderFor(context.configFolder);
+    CFileCalls calls;
+    CProgramClaims programs(calls, runtimeFolder());
+    services.programs = &programs;
     CStation station(std::move(services));
     CStationRun stationRun(context.out, station, log, dialogs, options.request);
     run = &stationRun;

@@ -30,7 +30,7 @@ CLiveStatScheduler::CLiveStatScheduler(const FeatureServices& services, const St
       host_(host),
       settings_(settings),
       timer_(services.timers.makeTimer([this] { tick(); })),
-      ownership_(Feature::LiveStat, document_, host_),
+      ownership_(Feature::LiveStat, services, host_),
       switch_(ownership_, *timer_, host_, log_),
       picker_(document_, services.clock),
       steps_(document_, log_),

@@ -45,6 +45,15 @@ std::optional<std::string> accessListOf(int fd, const char* name) {
     return std::nullopt;
 }
 
+struct flock lockOfByte(std::uint64_t at) {
+    struct flock lock = {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = static_cast<off_t>(at);
+    lock.l_len = 1;
+    return lock;
+}
+
 } // namespace
 
 int CFileCalls::openFile(const std::string& path, int flags, mode_t mode) {
@@ -150,6 +159,16 @@ int CFileCalls::tryLock(int fd, bool exclusive) {
     lock.l_type = static_cast<short>(exclusive ? F_WRLCK : F_RDLCK);
     lock.l_whence = SEEK_SET;
     return ::fcntl(fd, F_OFD_SETLK, &lock);
+}
+
+int CFileCalls::tryLockByte(int fd, std::uint64_t at) {
+    struct flock lock = lockOfByte(at);
+    return ::fcntl(fd, F_OFD_SETLK, &lock);
+}
+
+bool CFileCalls::isByteLocked(int fd, std::uint64_t at) {
+    struct flock lock = lockOfByte(at);
+    return ::fcntl(fd, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
 }
 
 std::chrono::steady_clock::time_point CFileCalls::now() {

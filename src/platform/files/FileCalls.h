@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -54,6 +55,12 @@ public:
 
     /// An advisory lock of this open file, on network file systems too; EAGAIN while another station has it.
     virtual int tryLock(int fd, bool exclusive);
+
+    /// The same of one byte, which need not be there yet.
+    virtual int tryLockByte(int fd, std::uint64_t at);
+
+    /// Through another open file, of this process or another one.
+    virtual bool isByteLocked(int fd, std::uint64_t at);
 
     virtual std::chrono::steady_clock::time_point now();
     virtual void pause(std::chrono::milliseconds span);

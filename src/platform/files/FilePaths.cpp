@@ -10,6 +10,22 @@
 
 namespace mirovane {
 
+namespace {
+
+/// `otherwise` where the share of `path` does not answer within half a second.
+template <typename Answer, typename Look>
+Answer answerInTime(const std::string& path, const Answer& otherwise, Look look) {
+    constexpr std::chrono::milliseconds patience{500};
+    const auto answer = std::make_shared<Answer>(otherwise);
+    const auto call = [answer, look] {
+        *answer = look();
+    };
+    const auto end = CAbandonableCalls().run(folderOf(path), call, patience);
+    return end == CAbandonableCalls::End::Done ? *answer : otherwise;
+}
+
+} // namespace
+
 std::string folderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     if (slash == std::string::npos)
@@ -31,15 +47,23 @@ bool existsOnDisk(const std::string& path) {
     return std::filesystem::exists(path, failed);
 }
 
+std::string pathWithoutLinks(const std::string& path) {
+    return answerInTime<std::string>(
+        path, path,
+        [path] {
+            std::error_code failed;
+            const std::filesystem::path real = std::filesystem::canonical(path, failed);
+            return failed ? path : real.string();
+        });
+}
+
 bool isMissing(const std::string& path) {
-    const auto missing = std::make_shared<bool>(false);
-    const auto look = [missing, path] {
-        std::error_code failed;
-        *missing = std::filesystem::status(path, failed).type() == std::filesystem::file_type::not_found;
-    };
-    constexpr std::chrono::milliseconds patience{500};
-    return CAbandonableCalls().run(folderOf(path), look, patience) == CAbandonableCalls::End::Done &&
-           *missing;
+    return answerInTime<bool>(
+        path, false,
+        [path] {
+            std::error_code failed;
+            return std::filesystem::status(path, failed).type() == std::filesystem::file_type::not_found;
+        });
 }
 
 /// Behind a symbolic link ".." leads elsewhere than the text says.

@@ -15,6 +15,9 @@ bool isSameFile(const std::string& a, const std::string& b);
 /// There is a folder or a file of any kind. False also where that cannot be found out.
 bool existsOnDisk(const std::string& path);
 
+/// Without symbolic links; the path itself where that cannot be found out within half a second.
+std::string pathWithoutLinks(const std::string& path);
+
 /// There is certainly nothing. False also where that cannot be found out within half a second.
 bool isMissing(const std::string& path);
 

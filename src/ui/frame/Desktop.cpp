@@ -41,9 +41,9 @@ CDesktop::CDesktop(const Options& options)
       dialogs_(options.version, [this](bool open) { pauseStation(open); }),
       probes_(registryOptions(options.configFolder), thisStation()) {
     settings_.initialise();
-    station_ = std::make_unique<CStation>(
-        StationServices{files_, clock_, timers_, settings_, log_, dialogs_, probes_.all(), thisStation(),
-                        true, nullptr, nullptr, &sweepProbes_, stateFolderFor(options.configFolder)});
+    station_ = std::make_unique<CStation>(StationServices{
+        files_, clock_, timers_, settings_, log_, dialogs_, probes_.all(), thisStation(), true, nullptr,
+        nullptr, &sweepProbes_, stateFolderFor(options.configFolder), &programs_});
     frame_ = std::make_unique<CMainFrame>(
         CMainFrame::Services{*station_, dialogs_, recent_, launcher_, settings_, log_, clock_},
         new CMirovaneView(*station_, log_));

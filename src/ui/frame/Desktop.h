@@ -5,6 +5,7 @@
 #include "platform/Clock.h"
 #include "platform/files/AbandonableFiles.h"
 #include "platform/files/PosixFiles.h"
+#include "platform/files/ProgramClaims.h"
 #include "platform/process/ProgramLauncher.h"
 #include "platform/qt/IniSettingsStore.h"
 #include "platform/qt/QtTimers.h"
@@ -57,6 +58,8 @@ private:
 
     CSystemClock clock_;
     CAbandonableFiles files_{std::make_shared<CPosixFiles>()};
+    CFileCalls calls_;
+    CProgramClaims programs_{calls_, runtimeFolder()};
     CQtTimerFactory timers_;
     CIniSettingsStore store_;
     CRecentFiles recent_;
