@@ -190,7 +190,7 @@ void CLiveDiscover::probeNext() {
     if (echoesFail())
         return; // going on would pass over living hosts without a sound
     if (!ping_.start(*address)) {
-        log_.LogMessage("Live Discover cannot start a thread; raise the limit of processes.");
+        log_.LogTrouble("Live Discover cannot start a thread; raise the limit of processes.");
         return;
     }
     beforePing_ = walk_.place();
@@ -217,7 +217,7 @@ bool CLiveDiscover::echoesFail() {
 /// Once, however often the walk meets it.
 void CLiveDiscover::reportTrouble(const std::string& trouble) {
     if (trouble != reportedTrouble_)
-        log_.LogMessage(trouble, true);
+        log_.LogTrouble(trouble, true);
     reportedTrouble_ = trouble;
 }
 

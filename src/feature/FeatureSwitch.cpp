@@ -29,7 +29,7 @@ std::optional<StartRefusal> CFeatureSwitch::turnOn(std::chrono::milliseconds per
         if (!wasActive)
             timer_.stop();
         if (!refusal->text.empty())
-            log_.LogMessage(refusal->text, true);
+            log_.LogTrouble(refusal->text, true);
         return refusal;
     }
     state_ = State::On;
@@ -67,7 +67,7 @@ void CFeatureSwitch::cut() {
 
 void CFeatureSwitch::arm(std::chrono::milliseconds period) {
     if (!timer_.start(period))
-        log_.LogMessage(outOfTimersText, true);
+        log_.LogTrouble(outOfTimersText, true);
 }
 
 } // namespace mirovane

@@ -90,14 +90,14 @@ const CHardware* CMirovaneDoc::bringBack(CHardware record) {
 
 const CHardware* CMirovaneDoc::appended(CHardware record, void (CEditJournal::*note)(const CHardware&)) {
     if (records_.size() >= Datafile::maxRecords) {
-        log_.LogMessage("The datafile is full (65,534 records); nothing was added", true);
+        log_.LogTrouble("The datafile is full (65,534 records); nothing was added", true);
         return nullptr;
     }
     try {
         records_.push_back(std::make_unique<CHardware>(std::move(record)));
         index_.appended(records_);
     } catch (const std::bad_alloc&) {
-        log_.LogMessage("Out of memory", true);
+        log_.LogTrouble("Out of memory", true);
         return nullptr;
     }
     ++orderRevision_;

@@ -33,7 +33,7 @@ CLogFile::~CLogFile() {
 }
 
 void CLogFile::lineLogged(const LogLine& line) {
-    if (!line.lasting || folder_.empty())
+    if (line.kind != LogKind::Lasting || folder_.empty())
         return;
     if (makeStateFolder(calls_, folder_) && write(line.shown() + "\n")) {
         unflushed_ = true;
@@ -91,7 +91,7 @@ void CLogFile::linesSettle() {
 /// Once for each reason, in the log that is lost with the program.
 void CLogFile::tellFailure(int code) {
     if (std::exchange(toldCode_, code) != code)
-        log_.LogMessage(fileError("cannot write", pathIn(folder_), code).sentence, true);
+        log_.LogTrouble(fileError("cannot write", pathIn(folder_), code).sentence, true);
 }
 
 } // namespace mirovane

@@ -50,11 +50,19 @@ std::string LogLine::shown() const {
 }
 
 void CMessageLog::LogMessage(std::string_view text, bool toStatusBar) {
-    append({clock_.wall(), oneLine(text), toStatusBar, false});
+    append({clock_.wall(), oneLine(text), toStatusBar});
 }
 
 void CMessageLog::LogLasting(std::string_view text) {
-    append({clock_.wall(), oneLine(text), false, true});
+    append({clock_.wall(), oneLine(text), false, LogKind::Lasting});
+}
+
+void CMessageLog::LogTrouble(std::string_view text, bool toStatusBar) {
+    append({clock_.wall(), oneLine(text), toStatusBar, LogKind::Trouble});
+}
+
+void CMessageLog::LogState(std::string_view text) {
+    append({clock_.wall(), oneLine(text), false, LogKind::State});
 }
 
 void CMessageLog::settle() {
@@ -65,14 +73,12 @@ void CMessageLog::settle() {
 }
 
 void CMessageLog::LogStatistics(std::string_view text) {
-    LogLine line{clock_.wall(), oneLine(text)};
-    line.statistics = true;
-    append(line);
+    append({clock_.wall(), oneLine(text), false, LogKind::Statistics});
 }
 
 void CMessageLog::begin(std::string_view line) {
     if (lines_.empty())
-        append({std::nullopt, oneLine(line), false, false});
+        append({std::nullopt, oneLine(line)});
 }
 
 void CMessageLog::append(const LogLine& line) {

@@ -11,13 +11,21 @@
 
 namespace mirovane {
 
+/// What a line is about, for whoever shows some lines only or sorts them by weight.
+enum class LogKind {
+    Message,
+    Statistics, ///< the counts of a run: many, and rarely what somebody looks for
+    Lasting,    ///< names a value that gave way: it must be found again weeks later
+    State,      ///< a device went On or Off
+    Trouble,    ///< something did not work that should have
+};
+
 /// One line of the message log.
 struct LogLine {
     std::optional<std::chrono::system_clock::time_point> when; ///< the log's first line is not dated
     std::string text;
     bool toStatusBar = false; ///< also for the status bar's message pane
-    bool lasting = false;     ///< names a value that gave way: it must be found again weeks later
-    bool statistics = false;  ///< the counts of a run: many, and rarely what somebody looks for
+    LogKind kind = LogKind::Message;
 
     /// With the local date and time in the locale's form before it.
     std::string shown() const;
@@ -48,6 +56,12 @@ public:
 
     /// A line that names a value which another one replaces.
     void LogLasting(std::string_view text);
+
+    /// Something did not work that should have.
+    void LogTrouble(std::string_view text, bool toStatusBar = false);
+
+    /// A device went On or Off.
+    void LogState(std::string_view text);
 
     /// Before the datafile is replaced.
     void settle();

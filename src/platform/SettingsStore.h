@@ -38,6 +38,7 @@ public:
     void writeRecentFiles(const std::vector<std::string>& paths) override { recentFiles_ = paths; }
 
     const std::map<std::string, std::int32_t>& integers() const { return integers_; }
+    const std::map<std::string, std::string>& texts() const { return texts_; }
 
 private:
     template <typename T>

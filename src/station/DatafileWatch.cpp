@@ -56,7 +56,7 @@ void CDatafileWatch::startTimers(std::chrono::milliseconds reminderPeriod) {
     if (phase() == Phase::Closed)
         return;
     if (!timer_->start(watchPeriod))
-        log_.LogMessage("System is out of timer resource!", true);
+        log_.LogTrouble("System is out of timer resource!", true);
     host_.startReminders(reminderPeriod);
 }
 
@@ -166,7 +166,7 @@ void CDatafileWatch::tick() {
         return; // perhaps the answer is there with the next tick
     state_.unanswered = late;
     if (!status) {
-        log_.LogMessage("Error reading/loading from datafile!", true);
+        log_.LogTrouble("Error reading/loading from datafile!", true);
         if (state_.owed)
             state_.owed = OwedSave();
     } else if (link_.mustReload() || status.value() != link_.knownIdentity()) {
@@ -190,7 +190,7 @@ void CDatafileWatch::retryOwedSave() {
 void CDatafileWatch::periodicSave(const Result<FileIdentity, FileError>& status) {
     ++state_.ticksSinceSave;
     if (!status) {
-        log_.LogMessage("Error writing to datafile!", true);
+        log_.LogTrouble("Error writing to datafile!", true);
         state_.ticksSinceSave = 0;
         return;
     }
@@ -265,8 +265,8 @@ bool CDatafileWatch::readAgain() {
 }
 
 void CDatafileWatch::reportUnreadable(const Datafile::Error& error) {
-    log_.LogMessage(error.sentence);
-    log_.LogMessage("Error reading/loading from datafile! The records in memory are kept and not saved "
+    log_.LogTrouble(error.sentence);
+    log_.LogTrouble("Error reading/loading from datafile! The records in memory are kept and not saved "
                     "until it can be read again.",
                     true);
 }

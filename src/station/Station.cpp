@@ -73,7 +73,7 @@ std::optional<Datafile::Error> CStation::openDatafile(const std::string& path) {
             watch_.resume();
     }
     if (error) {
-        services_.log.LogMessage(error->sentence, true);
+        services_.log.LogTrouble(error->sentence, true);
         return error;
     }
     kept_.unsaved.takeDatafile(link_.path());
@@ -277,7 +277,7 @@ void CStation::documentReplaced() {
 
 void CStation::startReminders(std::chrono::milliseconds period) {
     if (!reminders_.start(period))
-        services_.log.LogMessage("System is out of timer resource!", true);
+        services_.log.LogTrouble("System is out of timer resource!", true);
 }
 
 void CStation::reminderTick() {

@@ -2,6 +2,7 @@
 
 #include "cli/base/TextTable.h"
 #include "model/records/Text.h"
+#include "platform/process/ServiceManager.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -9,6 +10,20 @@
 #include <unistd.h>
 
 namespace mirovane {
+
+namespace {
+
+std::string journalPrefix(LinePriority priority) {
+    return "<" + std::to_string(static_cast<int>(priority)) + ">";
+}
+
+} // namespace
+
+COutput::COutput(std::FILE* results, std::FILE* diagnostics)
+    : results_(results),
+      diagnostics_(diagnostics),
+      resultsToJournal_(goesToJournal(fileno(results))),
+      diagnosticsToJournal_(goesToJournal(fileno(diagnostics))) {}
 
 void COutput::print(std::string_view text) {
     if (failed())
@@ -20,6 +35,10 @@ void COutput::print(std::string_view text) {
 void COutput::printLine(std::string_view text) {
     print(text);
     print("\n");
+}
+
+void COutput::printLine(LinePriority priority, std::string_view text) {
+    printLine((resultsToJournal_ ? journalPrefix(priority) : std::string()) + std::string(text));
 }
 
 bool COutput::flush() {
@@ -37,9 +56,18 @@ void COutput::diagnose(std::string_view what, std::string_view why) {
 }
 
 void COutput::diagnose(std::string_view sentence) {
+    diagnose(LinePriority::Error, sentence);
+}
+
+void COutput::warn(std::string_view what, std::string_view why) {
+    diagnose(LinePriority::Warning, std::string(what) + ": " + std::string(why));
+}
+
+void COutput::diagnose(LinePriority priority, std::string_view sentence) {
     showProgress({});
     flush(); // on a terminal the diagnostics stand after the results they are about
-    const std::string line = "mirovanectl: " + printable(sentence) + "\n";
+    const std::string line = (diagnosticsToJournal_ ? journalPrefix(priority) : std::string()) +
+                             "mirovanectl: " + printable(sentence) + "\n";
     std::fwrite(line.data(), 1, line.size(), diagnostics_);
     std::fflush(diagnostics_);
 }

@@ -15,14 +15,19 @@ enum class ExitStatus {
     Refused = 4,    ///< another station runs Live Stat and was not to be interrupted
 };
 
+/// What a line weighs for whoever reads it in the journal, in the journal's own numbers.
+enum class LinePriority { Error = 3, Warning = 4, Notice = 5, Info = 6, Debug = 7 };
+
 /// Standard output for results and standard error for diagnostics; nothing else in the program writes to
-/// either. The first failed write sticks, and nothing is written after it.
+/// either. The first failed write sticks, and nothing is written after it. What goes to the journal of a
+/// service manager carries its priority.
 class COutput {
 public:
-    COutput(std::FILE* results, std::FILE* diagnostics) : results_(results), diagnostics_(diagnostics) {}
+    COutput(std::FILE* results, std::FILE* diagnostics);
 
     void print(std::string_view text);
     void printLine(std::string_view text);
+    void printLine(LinePriority priority, std::string_view text);
 
     /// Hands what was printed to whoever reads. False once a write has failed.
     bool flush();
@@ -37,6 +42,9 @@ public:
     /// The same for a sentence that says both.
     void diagnose(std::string_view sentence);
 
+    /// The same for what is worth knowing and no failure.
+    void warn(std::string_view what, std::string_view why);
+
     /// Replaces the line of progress on standard error; empty: takes it away. Does nothing where that is no
     /// terminal.
     void showProgress(std::string_view line);
@@ -45,12 +53,18 @@ public:
     /// Columns of the terminal that shows the results; 0 when they go to a file or a pipe.
     int terminalWidth() const;
 
+    bool resultsGoToJournal() const { return resultsToJournal_; }
+
     /// errno of the failed write.
     int failure() const { return failure_; }
 
 private:
+    void diagnose(LinePriority priority, std::string_view sentence);
+
     std::FILE* results_;
     std::FILE* diagnostics_;
+    bool resultsToJournal_;
+    bool diagnosticsToJournal_;
     int failure_ = 0;
     bool progressShown_ = false;
 };

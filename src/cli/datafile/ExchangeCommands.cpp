@@ -1,4 +1,5 @@
 #include "cli/base/ChosenDevices.h"
+#include "cli/base/ExportOptions.h"
 #include "cli/datafile/DatafileCommands.h"
 #include "cli/datafile/ListRequest.h"
 #include "model/records/FieldNames.h"
@@ -200,14 +201,7 @@ constinit const Command importCommand{
 
 namespace {
 
-constexpr auto exportOptions = joined(
-    std::array{
-        OptionDefinition{"--delimiter", 1, "TEXT", "between two fields, instead of a TAB"},
-        OptionDefinition{"--quote-all", 0, "", "every field in double quotes"},
-        OptionDefinition{"--quote-comment", 0, "", "the comment in double quotes"},
-        OptionDefinition{"--header", 0, "", "begin with a line of column names"},
-    },
-    listRequestOptions);
+constexpr auto exportOptions = joined(exportFormatOptions, listRequestOptions);
 
 constexpr std::string_view exportDetails =
     "OUT is replaced whole where it exists; - is standard output. A line per device: Modified, LS, Pri,\n"

@@ -1,5 +1,6 @@
 #include "cli/station/StateLines.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace mirovane {
@@ -34,11 +35,31 @@ void CStateLines::begin() {
     for (std::size_t index = 0; index < doc_.size(); ++index)
         if (doc_.at(index).isDevice())
             states_[doc_.at(index).RecID] = doc_.at(index).State;
+    off_.reset();
     begun_ = true;
+}
+
+std::size_t CStateLines::off() const {
+    if (!off_)
+        off_ = static_cast<std::size_t>(std::ranges::count_if(
+            states_, [](const auto& known) { return known.second == DeviceState::Off; }));
+    return *off_;
 }
 
 bool CStateLines::takeReplaced() {
     return std::exchange(replaced_, false);
+}
+
+void CStateLines::recordAdded(const CHardware& record) {
+    if (record.isDevice())
+        states_[record.RecID] = record.State;
+    off_.reset();
+}
+
+void CStateLines::recordRemoved(const CHardware& record) {
+    if (record.isDevice())
+        states_.erase(record.RecID);
+    off_.reset();
 }
 
 void CStateLines::recordChanged(const CHardware& before, const CHardware& after) {
@@ -69,8 +90,9 @@ void CStateLines::documentReplaced() {
 
 void CStateLines::write(const CHardware& device) {
     states_[device.RecID] = device.State;
+    off_.reset();
     if (begun_ && device.State != DeviceState::Def)
-        log_.LogMessage(stateLine(device));
+        log_.LogState(stateLine(device));
 }
 
 } // namespace mirovane

@@ -2,7 +2,9 @@
 
 #include "model/Document.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <unordered_map>
 
 namespace mirovane {
@@ -20,11 +22,16 @@ public:
     /// From now on: what is in the document is known already.
     void begin();
 
+    /// How many devices are Off.
+    std::size_t off() const;
+
     /// The record list was replaced since the last call.
     bool takeReplaced();
 
 private:
+    void recordAdded(const CHardware& record) override;
     void recordChanged(const CHardware& before, const CHardware& after) override;
+    void recordRemoved(const CHardware& record) override;
     void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;
     void documentReplaced() override;
     void write(const CHardware& device);
@@ -32,6 +39,7 @@ private:
     const CMirovaneDoc& doc_;
     CMessageLog& log_;
     std::unordered_map<std::int32_t, std::int32_t> states_; ///< by RecID
+    mutable std::optional<std::size_t> off_;                ///< counted when it is asked for
     bool begun_ = false;
     bool replaced_ = false;
 };

@@ -1,30 +1,20 @@
 #pragma once
 
 #include "cli/base/Output.h"
+#include "cli/station/LogPrinter.h"
+#include "cli/station/ServiceReport.h"
 #include "cli/station/StateLines.h"
+#include "cli/station/StationOptions.h"
+#include "cli/station/StationSettings.h"
 #include "station/Station.h"
 
 #include <QObject>
 #include <QTimer>
 
-#include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace mirovane {
-
-/// What `station` was asked for.
-struct StationRequest {
-    std::string path;
-    bool liveStat = false;
-    bool discover = false;
-    bool takeOver = false;
-    std::vector<std::int32_t> now;       ///< devices to check at the start
-    std::optional<std::int32_t> loops;   ///< end after so many
-    std::optional<std::int32_t> seconds; ///< end after so long
-};
 
 /// Answers the station's questions when nobody sits there: No, but for an owner of Live Stat that has fallen
 /// silent, or where it was told to take over. What it runs itself it always leaves to the station that takes
@@ -38,6 +28,9 @@ public:
 
     bool ask(const Question& question) override;
     void fail(const std::string& text) override { out_.diagnose(text); }
+
+    /// New settings: what was refused may be asked again.
+    void begin(bool takeOver);
 
     /// Another station runs Live Stat or Live Discover and was left alone.
     bool refusedLiveStat() const { return refusedLiveStat_; }
@@ -55,20 +48,33 @@ private:
     bool refusedDiscover_ = false;
 };
 
+/// What a run works with; all of it outlives the run.
+struct StationRunParts {
+    COutput& out;
+    CStation& station;
+    CMessageLog& log;
+    CLogPrinter& printer;
+    CHeadlessDialogs& dialogs;
+    const CStationConfiguration& configuration;
+    CStationSettings& settings;
+    CServiceReport& report;
+};
+
 /// A headless station from the opening of its datafile to its end, on the event loop of the QCoreApplication.
 /// Main thread only.
 class CStationRun final : public QObject {
 public:
-    CStationRun(COutput& out, CStation& station, CMessageLog& log, CHeadlessDialogs& dialogs,
-                StationRequest request);
+    CStationRun(const StationRunParts& parts, StationOptions options);
 
     /// Runs until a signal, a limit of the request, or until nobody reads the output any more.
     ExitStatus run();
 
-    /// SIGTERM and SIGINT end the run, SIGHUP opens the datafile again.
+    /// SIGTERM and SIGINT end the run. SIGHUP reads the settings file again; without one it opens the
+    /// datafile again.
     void signalled(int signal);
 
 private:
+    const StationRequest& request() const { return options_.request; }
     std::optional<ExitStatus> start();
     void startNow();
     void poll();
@@ -77,12 +83,17 @@ private:
     void tellExportFailure();
     bool loopsOver() const;
     void finish();
+    void reload();
     void reopen();
+    void takeSettings();
+    void use(const StationOptions& options);
+    bool moveTo(const std::string& path);
+    void switchFeatures();
+    std::string statusLine() const;
 
-    COutput& out_;
+    StationRunParts parts_;
     CStation& station_;
-    CHeadlessDialogs& dialogs_;
-    StationRequest request_;
+    StationOptions options_;
     CStateLines stateLines_;
     QTimer poll_;
     QTimer limit_;

@@ -86,7 +86,7 @@ void CDeviceSteps::reportBrokenPattern(const StepJob& job) {
     const CriteriaRow& criteria = job.input.criteria;
     if (!brokenPatterns_.insert(criteria.SearchFor).second)
         return;
-    log_.LogMessage("Live Stat criteria of " + std::string(typeName(job.input.device.Type)) + ", row " +
+    log_.LogTrouble("Live Stat criteria of " + std::string(typeName(job.input.device.Type)) + ", row " +
                     std::string(criteriaRowLabel(job.input.row)) + ": \"" + criteria.SearchFor +
                     "\" is no pattern (" + job.outcome.brokenPattern + ") and matches nothing.");
 }

@@ -44,7 +44,7 @@ void CJobSlots::start(std::size_t index, StepInput input) {
         return;
     --slot.row;
     if (!threadShortageReported_)
-        log_.LogMessage("Live Stat cannot start a thread; raise the limit of processes or lower the "
+        log_.LogTrouble("Live Stat cannot start a thread; raise the limit of processes or lower the "
                         "number of devices to check per run.");
     threadShortageReported_ = true;
 }

@@ -41,7 +41,7 @@ void COutages::begin(const DeviceRow& row, const NotAsked& notAsked) {
         found->waiting.insert(row);
         return;
     }
-    log_.LogMessage("Live Stat cannot " + std::string(asked(notAsked.through)) + " (" + notAsked.about +
+    log_.LogTrouble("Live Stat cannot " + std::string(asked(notAsked.through)) + " (" + notAsked.about +
                         ": " + notAsked.why + "). What depends on it stays as it is.",
                     true);
     open_.push_back({notAsked.through, notAsked.why, {row}});

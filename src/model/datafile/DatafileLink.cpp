@@ -272,8 +272,8 @@ SaveReport CDatafileLink::reported(SaveReport report, const std::string& path, S
     }
     const std::string& sentence = report.error->sentence;
     if (attempt == Attempt::First || sentence != reportedError_) {
-        log_.LogMessage(sentence, note == SaveNote::None);
-        log_.LogMessage("Error accessing datafile " + path, note == SaveNote::None);
+        log_.LogTrouble(sentence, note == SaveNote::None);
+        log_.LogTrouble("Error accessing datafile " + path, note == SaveNote::None);
     }
     reportedError_ = sentence;
     return report;

@@ -51,7 +51,7 @@ std::vector<KeptEdit> CEditsFile::takeLeftovers() {
         return edits;
     for (int number = 1; number <= mostSlots; ++number)
         if (!takeOne(slot(number), edits))
-            log_.LogMessage(fileError("cannot read", slot(number), errno).sentence, true);
+            log_.LogTrouble(fileError("cannot read", slot(number), errno).sentence, true);
     return edits;
 }
 
@@ -82,7 +82,7 @@ bool CEditsFile::setAside(const std::string& path) {
         aside = path + "-damaged-" + std::to_string(number++);
         made = calls_.link(path, aside);
     }
-    log_.LogMessage("A file of unsaved edits is damaged. What can be read of it is used; it is kept as " +
+    log_.LogTrouble("A file of unsaved edits is damaged. What can be read of it is used; it is kept as " +
                         (made == 0 ? aside : path),
                     true);
     return made == 0;

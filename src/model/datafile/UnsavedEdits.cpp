@@ -93,7 +93,7 @@ void CUnsavedEdits::keep(const std::string& path) {
     const int code = errno;
     stale_ = true;
     if (!std::exchange(failed_, true))
-        log_.LogMessage(fileError("cannot keep unsaved edits in", file_.folder(), code).sentence +
+        log_.LogTrouble(fileError("cannot keep unsaved edits in", file_.folder(), code).sentence +
                             ". They are in memory only",
                         true);
 }

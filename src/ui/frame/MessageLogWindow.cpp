@@ -117,7 +117,7 @@ void CMessageLogWindow::lineLogged(const LogLine& line) {
 }
 
 bool CMessageLogWindow::passes(const LogLine& line) const {
-    if (line.statistics && noStatistics_->isChecked())
+    if (line.kind == LogKind::Statistics && noStatistics_->isChecked())
         return false;
     const QStringList words = filter_->text().split(u' ', Qt::SkipEmptyParts);
     if (words.isEmpty())
