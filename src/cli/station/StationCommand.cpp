@@ -68,8 +68,9 @@ ExitStatus runStationWith(CommandContext& context, const CStationConfiguration& 
     services.programs = &programs;
     CStation station(std::move(services));
     CServiceReport report(manager, timers);
-    CStationRun stationRun({context.out, station, log, printer, dialogs, configuration, settings, report},
-                           options);
+    CStationMetrics metrics(station, log, clock, timers);
+    CStationRun stationRun(
+        {context.out, station, log, printer, dialogs, configuration, settings, metrics, report}, options);
     run = &stationRun;
     return stationRun.run();
 }
@@ -112,7 +113,7 @@ constinit const Command stationCommand{
     .name = "station",
     .help = "run a station without a display",
     .usage = "[FILE] [--live-stat] [--discover] [--take-over] [--now RECID...] [--loops N] [--for SECONDS] "
-             "[--run-sec N] [--per-run N] [--confirm-off N] [--export OUT] "
+             "[--run-sec N] [--per-run N] [--confirm-off N] [--export OUT] [--metrics OUT.prom] "
              "[--settings CONF] [--log WEIGHT] [--json]",
     .least = 0,
     .most = 1,

@@ -24,6 +24,8 @@ inline constexpr auto stationLastingOptions = joined(
         },
         exportFormatOptions),
     std::array{
+        OptionDefinition{"--metrics", 1, "OUT.prom",
+                         "write metrics for a monitoring engine to OUT.prom after every run"},
         OptionDefinition{"--log", 1, "WEIGHT", "print what weighs at least debug (all), info, notice or err"},
         credentialsOption,
         smbPortOption,

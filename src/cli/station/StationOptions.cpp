@@ -41,6 +41,7 @@ public:
         options.perRun = number("--per-run", LiveStatSettings::mostNumPerRun);
         options.confirmOff = number("--confirm-off", LiveStatSettings::mostConfirmOff, 0);
         options.log = logWeight();
+        options.request.metrics = absolutePath(pathOf("--metrics").value_or(""));
         number("--smb-port", highestPort);
         options.registry = {pathOf("--credentials").value_or(""),
                             arguments_.value("--smb-port").value_or("")};

@@ -21,6 +21,7 @@ struct StationRequest {
     std::vector<std::int32_t> now;       ///< devices to check at the start
     std::optional<std::int32_t> loops;   ///< end after so many
     std::optional<std::int32_t> seconds; ///< end after so long
+    std::string metrics;                 ///< file for a monitoring engine; empty: none
 };
 
 /// From which weight on the lines of the message log are printed.

@@ -86,6 +86,7 @@ std::optional<ExitStatus> CStationRun::start() {
         startDiscover();
     if (parts_.dialogs.refused())
         return ExitStatus::Refused;
+    parts_.metrics.writeTo(request().metrics);
     stateLines_.begin();
     stateLines_.takeReplaced();
     if (request().liveStat && !station_.liveStat().enabled())
@@ -105,17 +106,20 @@ void CStationRun::startNow() {
     station_.liveStatNow();
 }
 
-/// The log says nothing of it, and nobody else would.
-void CStationRun::tellExportFailure() {
-    const auto error = station_.listExport().error();
-    const std::string sentence = error ? error->sentence : std::string();
-    if (sentence != exportFailure_ && !sentence.empty())
-        parts_.out.diagnose(sentence);
-    exportFailure_ = sentence;
+/// The log says nothing of them, and nobody else would.
+void CStationRun::tellFileFailures() {
+    const auto tell = [this](const std::optional<FileError>& error, std::string& told) {
+        const std::string sentence = error ? error->sentence : std::string();
+        if (sentence != told && !sentence.empty())
+            parts_.out.diagnose(sentence);
+        told = sentence;
+    };
+    tell(station_.listExport().error(), exportFailure_);
+    tell(parts_.metrics.error(), metricsFailure_);
 }
 
 void CStationRun::poll() {
-    tellExportFailure();
+    tellFileFailures();
     parts_.report.status(statusLine());
     if (parts_.out.failed() || loopsOver())
         finish();
@@ -220,6 +224,7 @@ void CStationRun::takeSettings() {
     }
     if (before.registry != options_.registry)
         parts_.out.warn("the settings are read", "other credentials count from the next start on");
+    parts_.metrics.writeTo(request().metrics);
     switchFeatures();
     parts_.log.LogMessage("Settings read again");
 }

@@ -4,6 +4,7 @@
 #include "cli/station/LogPrinter.h"
 #include "cli/station/ServiceReport.h"
 #include "cli/station/StateLines.h"
+#include "cli/station/StationMetrics.h"
 #include "cli/station/StationOptions.h"
 #include "cli/station/StationSettings.h"
 #include "station/Station.h"
@@ -57,6 +58,7 @@ struct StationRunParts {
     CHeadlessDialogs& dialogs;
     const CStationConfiguration& configuration;
     CStationSettings& settings;
+    CStationMetrics& metrics;
     CServiceReport& report;
 };
 
@@ -80,7 +82,7 @@ private:
     void poll();
     void startLiveStatLater();
     void startDiscover();
-    void tellExportFailure();
+    void tellFileFailures();
     bool loopsOver() const;
     void finish();
     void reload();
@@ -98,6 +100,7 @@ private:
     QTimer poll_;
     QTimer limit_;
     std::string exportFailure_;
+    std::string metricsFailure_;
     bool finished_ = false;
     ExitStatus status_ = ExitStatus::Done;
 };

@@ -55,6 +55,9 @@ public:
     /// Completed loops since Live Stat went on.
     int loops() const { return picker_.loops(); }
 
+    /// How long the last complete loop took.
+    std::int64_t lastLoopSeconds() const { return picker_.lastLoopSeconds(); }
+
     std::size_t slotCount() const { return slots_.count(); }
 
     // ---- commands

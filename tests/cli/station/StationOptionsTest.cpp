@@ -72,6 +72,7 @@ TEST_F(StationOptionsTest, AMistakeIsNamedByFileLineAndKey) {
         {"datafile=/a\nheader=yes", "line 2, key header: there is no export without --export"},
         {"datafile=/a\nlog=loud", "line 2, key log: \"loud\" is none of debug, info, notice, err"},
         {"datafile=floor.mv", "line 1, key datafile: \"floor.mv\" does not begin at the root"},
+        {"datafile=/a\nmetrics=m.prom", "line 2, key metrics: \"m.prom\" does not begin at the root"},
         {"datafile=/a\nnow=3", "there is no key \"now\""},
         {"live-stat", "site.conf line 1: there is no = in it"},
         {"live-stat=yes", "site.conf: no datafile is named: write datafile="},
