@@ -2,6 +2,9 @@
 
 #include "probes/names/HostAddress.h"
 
+#include <arpa/inet.h>
+#include <cerrno>
+
 namespace mirovane {
 
 CSystemHostProbes::CSystemHostProbes()
@@ -10,7 +13,21 @@ CSystemHostProbes::CSystemHostProbes()
 CSystemHostProbes::CSystemHostProbes(std::unique_ptr<CIcmpEngine> engine, std::unique_ptr<CResolver> resolver)
     : engine_(std::move(engine)), resolver_(std::move(resolver)) {}
 
+namespace {
+
+/// The kernel refuses a ping to everybody of a network in the same words as one to a forbidden route, and
+/// only the latter is this computer's trouble: nobody can be found on at the former.
+bool isToEverybody(const EchoResult& echo) {
+    constexpr std::uint32_t lastPart = 0xFF;
+    return echo.kind == EchoKind::SendFailed && echo.systemError == EACCES &&
+           (ntohl(echo.target) & lastPart) == lastPart;
+}
+
+} // namespace
+
 ProbeAnswer answerOf(const EchoResult& echo, const EchoOptions& options) {
+    if (isToEverybody(echo))
+        return ProbeAnswer::no("this is the address of all hosts of a network");
     switch (echo.kind) {
     case EchoKind::Reply:
         return ProbeAnswer::yes();

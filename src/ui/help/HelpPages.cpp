@@ -23,11 +23,11 @@ constexpr std::array topics = {
     Topic{"discoverNow", "live-discover.html"},
     Topic{"toolsLiveDiscover", "live-discover.html"},
     Topic{"paneLiveDiscover", "live-discover.html"},
-    Topic{"viewDiscover", "live-discover.html"},
-    Topic{"discovered", "live-discover.html"},
-    Topic{"criteria", "live-stat.html"},
+    Topic{"viewDiscover", "finding.html"},
+    Topic{"discovered", "finding.html"},
+    Topic{"criteria", "rules.html"},
     Topic{"liveStat", "live-stat.html"},
-    Topic{"rowTrial", "live-stat.html"},
+    Topic{"rowTrial", "rules.html"},
     Topic{"toolsLiveStat", "live-stat.html"},
     Topic{"toolsTrackLiveStat", "live-stat.html"},
     Topic{"toolsReset", "live-stat.html"},
@@ -52,19 +52,21 @@ constexpr std::array topics = {
     Topic{"paneReminders", "finding.html"},
     Topic{"Reminder", "finding.html"},
     Topic{"reminder", "finding.html"},
-    Topic{"Properties", "first-floor.html"},
-    Topic{"Zoom", "first-floor.html"},
-    Topic{"hide", "first-floor.html"},
+    Topic{"editProperties", "properties.html"},
+    Topic{"floorProperties", "properties.html"},
+    Topic{"properties", "properties.html"},
+    Topic{"Properties", "floor.html"},
+    Topic{"Zoom", "floor.html"},
+    Topic{"hide", "floor.html"},
     Topic{"select", "finding.html"},
     Topic{"filePrint", "printing.html"},
     Topic{"file", "sharing.html"},
     Topic{"recentFile", "sharing.html"},
-    Topic{"photoSettings", "first-floor.html"},
-    Topic{"properties", "first-floor.html"},
-    Topic{"edit", "first-floor.html"},
-    Topic{"view", "first-floor.html"},
-    Topic{"tools", "first-floor.html"},
-    Topic{"floor", "first-floor.html"},
+    Topic{"photoSettings", "floor.html"},
+    Topic{"edit", "floor.html"},
+    Topic{"view", "floor.html"},
+    Topic{"tools", "floor.html"},
+    Topic{"floor", "floor.html"},
 };
 
 std::optional<QString> topicOf(const QString& name) {
@@ -91,6 +93,14 @@ QString helpPageOf(const QObject* thing) {
 QString helpPageOfCommand(std::string_view command) {
     return topicOf(QString::fromUtf8(command.data(), static_cast<qsizetype>(command.size())))
         .value_or(firstPageName());
+}
+
+QStringList helpPages() {
+    QStringList pages{firstPageName()};
+    for (const Topic& topic : topics)
+        pages << QString::fromUtf8(topic.page.data(), static_cast<qsizetype>(topic.page.size()));
+    pages.removeDuplicates();
+    return pages;
 }
 
 std::optional<QString> findManualPage(const QString& page, const QStringList& folders) {

@@ -17,6 +17,9 @@ QString helpPageOf(const QObject* thing);
 /// The same for a command of the main window.
 QString helpPageOfCommand(std::string_view command);
 
+/// Every page that one of the two may name.
+QStringList helpPages();
+
 /// Where a page is among these folders; nothing when none has it.
 std::optional<QString> findManualPage(const QString& page, const QStringList& folders);
 

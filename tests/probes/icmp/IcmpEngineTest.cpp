@@ -39,6 +39,8 @@ TEST_P(EchoTest, RequestThatCantLeaveFailsAtOnce) {
     const EchoResult noRoute = echo("10.1.2.3"); // this namespace has loopback alone
     EXPECT_EQ(noRoute.kind, EchoKind::SendFailed);
     EXPECT_EQ(noRoute.systemError, ENETUNREACH);
+    EXPECT_EQ(answerOf(broadcast, {}).kind, ProbeAnswer::Kind::No) << "no host has it";
+    EXPECT_EQ(answerOf(noRoute, {}).kind, ProbeAnswer::Kind::CouldNotAsk);
     EchoOptions noHops;
     noHops.ttl = 0;
     EXPECT_EQ(engine_->echo(addressOf("127.0.0.1"), noHops, {}).kind, EchoKind::SendFailed);

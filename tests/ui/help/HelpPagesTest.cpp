@@ -19,7 +19,7 @@ TEST(HelpPagesTest, AThingWithoutAPageHasThatOfWhatItIsPartOf) {
     auto* nameless = new QWidget(inside);
     EXPECT_EQ(helpPageOf(nameless), QStringLiteral("list-view.html"));
     inside->setObjectName(QStringLiteral("criteriaArgument"));
-    EXPECT_EQ(helpPageOf(nameless), QStringLiteral("live-stat.html"));
+    EXPECT_EQ(helpPageOf(nameless), QStringLiteral("rules.html"));
     EXPECT_EQ(helpPageOf(nullptr), QStringLiteral("index.html"));
 }
 
