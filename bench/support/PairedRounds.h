@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
+#include <ctime>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -31,6 +32,20 @@ double millisecondsOf(Fn&& fn) {
     const auto start = std::chrono::steady_clock::now();
     fn();
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// Of the processor, all threads together: for work that waits for nothing. Other programs on the machine do
+/// not lengthen it.
+template <typename Fn>
+double processorMillisecondsOf(Fn&& fn) {
+    const auto now = [] {
+        std::timespec time{};
+        ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
+    };
+    const double start = now();
+    fn();
+    return now() - start;
 }
 
 /// One unmeasured round, then `rounds` of ours and the other side; who goes first alternates. A side may also

@@ -176,9 +176,11 @@ private:
     void drawSeams(QPainter& painter, const std::vector<QRect>& lines) const {
         const QColor grey(128, 128, 128);
         for (const QRect& line : lines) {
+            const QRect around = line.adjusted(-1, -1, 1, 1);
             for (const QRect& lower : drawn_)
-                for (const QRect& part : QRegion(line.adjusted(-1, -1, 1, 1)) - line)
-                    painter.fillRect(part & lower, grey);
+                if (lower.intersects(around))
+                    for (const QRect& part : QRegion(around) - line)
+                        painter.fillRect(part & lower, grey);
         }
     }
 
