@@ -108,8 +108,8 @@ CMapTiles::CMapTiles() = default;
 CMapTiles::~CMapTiles() = default;
 
 void CMapTiles::setPicture(std::shared_ptr<const CMapPicture> picture) {
+    dropTiles();
     picture_ = std::move(picture);
-    tiles_.clear();
     renderer_.reset();
     tileSide_ = pixelTileSide;
     if (!picture_ || picture_->drawing().isEmpty())
@@ -140,7 +140,7 @@ void CMapTiles::draw(QPainter& painter, QRect target, const MapPlace& place) {
         return;
     }
     if (place.factor != factor_)
-        tiles_.clear();
+        dropTiles();
     factor_ = place.factor;
     ++use_;
     const int lastColumn = shown.right() / tileSide_;
@@ -185,9 +185,24 @@ const QImage& CMapTiles::tile(int column, int row, QSize mapSize) {
     if (tile.image.isNull()) {
         const QRect whole(column * tileSide_, row * tileSide_, tileSide_, tileSide_);
         const QRect area = whole.intersected(QRect(QPoint(0, 0), mapSize));
-        tile.image = renderer_ ? rendered(area, mapSize) : resampled(*picture_, area, factor_);
+        tile.image = renderer_ ? rendered(area, mapSize) : resampled(*picture_, area, factor_, takeSpare());
     }
     return tile.image;
+}
+
+void CMapTiles::dropTiles() {
+    for (auto& [key, tile] : tiles_)
+        if (!renderer_ && spare_.size() < spareTiles && tile.image.width() == tileSide_)
+            spare_.push_back(std::move(tile.image));
+    tiles_.clear();
+}
+
+QImage CMapTiles::takeSpare() {
+    if (spare_.empty())
+        return {};
+    QImage image = std::move(spare_.back());
+    spare_.pop_back();
+    return image;
 }
 
 /// The pieces of a large screen are kept twice over, whatever their number: scrolling back and forth stays

@@ -80,6 +80,7 @@ private:
     static constexpr int pixelTileSide = 256;
     static constexpr int drawingTileSide = 1024; ///< each piece runs through the whole drawing
     static constexpr std::size_t keptTiles = 384;
+    static constexpr std::size_t spareTiles = 64; ///< what a screen takes
 
     struct Tile {
         QImage image;
@@ -88,6 +89,8 @@ private:
 
     const QImage& tile(int column, int row, QSize mapSize);
     QImage rendered(QRect area, QSize mapSize);
+    void dropTiles();
+    QImage takeSpare();
     void makeRoom(std::size_t needed);
 
     std::shared_ptr<const CMapPicture> picture_;
@@ -96,10 +99,12 @@ private:
     double factor_ = 0;
     std::uint64_t use_ = 0;
     std::unordered_map<std::uint64_t, Tile> tiles_;
+    std::vector<QImage> spare_; ///< of the zoom before
 };
 
 /// `area` (canvas pixels) of `picture` shown at `factor`: averaged below 1, interpolated above. Any two areas
-/// agree where they overlap.
-QImage resampled(const CMapPicture& picture, QRect area, double factor);
+/// agree where they overlap. `spare`: an RGB32 image that nobody needs any more; of the same size it is drawn
+/// on, since new memory costs a third of the whole.
+QImage resampled(const CMapPicture& picture, QRect area, double factor, QImage spare = {});
 
 } // namespace mirovane

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace mirovane {
 
@@ -113,8 +114,9 @@ QImage acrossRows(const QImage& source, const Axis& across) {
 }
 
 /// Byte by byte in 16 bits, which the compiler turns into wide instructions: 255 * 256 + 128 just fits.
-QImage downColumns(const QImage& source, const Axis& down) {
-    QImage result(source.width(), static_cast<int>(down.taps.size()), QImage::Format_RGB32);
+QImage downColumns(const QImage& source, const Axis& down, QImage spare) {
+    const QSize size(source.width(), static_cast<int>(down.taps.size()));
+    QImage result = spare.size() == size ? std::move(spare) : QImage(size, QImage::Format_RGB32);
     const std::size_t bytes = static_cast<std::size_t>(source.width()) * 4;
     std::vector<std::uint16_t> sums(bytes);
     int row = 0;
@@ -136,7 +138,7 @@ QImage downColumns(const QImage& source, const Axis& down) {
 
 } // namespace
 
-QImage resampled(const CMapPicture& picture, QRect area, double factor) {
+QImage resampled(const CMapPicture& picture, QRect area, double factor, QImage spare) {
     int reduction = 1;
     const QImage& level = picture.levelFor(factor, reduction);
     const double step = 1 / (factor * reduction);
@@ -144,7 +146,7 @@ QImage resampled(const CMapPicture& picture, QRect area, double factor) {
     const Axis down = makeAxis(area.top(), area.height(), step, level.height());
     const QRect used(QPoint(across.begin, down.begin), QPoint(across.end - 1, down.end - 1));
     const QImage source = level.copy(used).convertToFormat(QImage::Format_RGB32);
-    return downColumns(acrossRows(source, across), down);
+    return downColumns(acrossRows(source, across), down, std::move(spare));
 }
 
 } // namespace mirovane

@@ -70,7 +70,9 @@ CDevicePainter::Figure CDevicePainter::figureOf(const CHardware& device) {
 void CDevicePainter::DrawDevice(const FloorCanvas& canvas, const CHardware& device, const Figure& figure,
                                 QRect clip, bool withoutDecorations) {
     QPainter& painter = canvas.painter;
-    drawIcon(painter, device, figure);
+    const bool hidden = device.Selected && !withoutDecorations && figure.drawn == figure.box;
+    if (!hidden) // under its highlight
+        drawIcon(painter, device, figure);
     labels_.draw(canvas, *figure.labels, figure.textTop, figure.textBottom, clip);
     if (withoutDecorations)
         return;

@@ -14,6 +14,15 @@ namespace {
 constexpr std::size_t mostChangedDevices = 400;
 constexpr int mostStaleParts = 8;
 
+/// A region of many rectangles takes longer to add to than it saves.
+constexpr int mostRegionParts = 32;
+
+void widen(QRegion& region, QRect by) {
+    region |= by;
+    if (region.rectCount() > mostRegionParts)
+        region = region.boundingRect();
+}
+
 /// Few rectangles that cover the region: each costs a walk over all devices in sight.
 QRegion simplified(const QRegion& region, QRect bounds) {
     const QRegion inside = region & bounds;
@@ -107,7 +116,7 @@ bool CFloorFrame::scrollTo(const FloorView& view) {
         if (touched != strips.end())
             *touched |= inside;
         else
-            stale_ |= inside;
+            widen(stale_, inside);
     }
     for (const QRect& strip : strips)
         stale_ |= strip;
@@ -126,14 +135,14 @@ void CFloorFrame::invalidateAll() {
 void CFloorFrame::invalidate(const CHardware& device) {
     if (!allStale_ && changed_.insert(&device).second) {
         const QRect before = painter_.painted(device);
-        (painter_.wasOnTop(device) && CFloorScene::onTop(device) ? topRegion_ : stale_) |= before;
+        widen(painter_.wasOnTop(device) && CFloorScene::onTop(device) ? topRegion_ : stale_, before);
     }
     painter_.labels().touch(device);
 }
 
 void CFloorFrame::forget(const CHardware& device) {
     if (!allStale_)
-        stale_ |= painter_.painted(device);
+        widen(stale_, painter_.painted(device));
     changed_.erase(&device);
     painter_.labels().forget(device);
 }
@@ -153,16 +162,15 @@ void CFloorFrame::gatherChanged() {
         if (top && many)
             topStale_ = true;
         else
-            (top ? topRegion_ : stale_) |= painter_.wouldPaint(*device, state_);
-        if (many && stale_.rectCount() > mostStaleParts)
-            stale_ = stale_.boundingRect();
+            widen(top ? topRegion_ : stale_, painter_.wouldPaint(*device, state_));
     }
     changed_.clear();
 }
 
 void CFloorFrame::drawBelow(QRect part) {
     QPainter painter(&below_);
-    painter.fillRect(part, QColor(labelColour(LabelBackground::Canvas)));
+    for (const QRect& bare : QRegion(part) - painter_.mapRect(state_.view))
+        painter.fillRect(bare, QColor(labelColour(LabelBackground::Canvas)));
     painter_.drawBelow({painter, &below_}, part, state_);
 }
 

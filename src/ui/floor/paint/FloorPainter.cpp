@@ -41,16 +41,22 @@ void CFloorPainter::drawTop(const FloorCanvas& canvas, QRect clip, const FloorVi
         drawBox(canvas.painter, *state.gesture.box, state.view);
 }
 
+QRect CFloorPainter::mapRect(const FloorView& view) const {
+    if (sources_.display.FloorMapHidden || floorMapOf(sources_.document).mapPath.empty() ||
+        !sources_.map.picture())
+        return {};
+    const QSize size = scaled(sources_.map.picture()->size(), view.zoom.ZoomPercent);
+    return {view.px(-view.origin), view.pxRect({0, 0}, size).size()};
+}
+
 /// The map is laid on the same scaled pixels as the devices, whatever the scroll position. Cutting the shown
 /// part out of the bitmap in whole map pixels instead would shift it by up to one of them
 /// against the devices, a different shift at every scroll position.
 void CFloorPainter::drawMap(QPainter& painter, QRect clip, const FloorView& view) {
-    if (sources_.display.FloorMapHidden || floorMapOf(sources_.document).mapPath.empty() ||
-        !sources_.map.picture())
+    const QRect whole = mapRect(view);
+    if (whole.isEmpty())
         return;
-    const QSize size = scaled(sources_.map.picture()->size(), view.zoom.ZoomPercent);
-    const MapPlace place{view.px(-view.origin), view.pxRect({0, 0}, size).size(),
-                         view.zoom.ZoomPercent / 100.0 * view.ratio};
+    const MapPlace place{whole.topLeft(), whole.size(), view.zoom.ZoomPercent / 100.0 * view.ratio};
     if (view.paper)
         sources_.map.drawWhole(painter, clip, place);
     else

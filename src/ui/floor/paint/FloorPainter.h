@@ -39,6 +39,9 @@ public:
     void drawBelow(const FloorCanvas& canvas, QRect clip, const FloorViewState& state);
     void drawTop(const FloorCanvas& canvas, QRect clip, const FloorViewState& state);
 
+    /// Canvas pixels that the map covers, all of them opaque; empty when it is not shown.
+    QRect mapRect(const FloorView& view) const;
+
     /// Canvas pixels that the device covered when it was drawn last; empty when it is not in sight.
     QRect painted(const CHardware& device);
 

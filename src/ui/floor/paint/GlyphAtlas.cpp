@@ -34,9 +34,19 @@ QRgb covered(QRgb under, std::uint8_t coverage) {
     return qRgb(part(qRed(under)), part(qGreen(under)), part(qBlue(under)));
 }
 
-QRgb* pixelRow(QImage& canvas, int y) {
-    return reinterpret_cast<QRgb*>(canvas.scanLine(y));
-}
+/// Asking the image for each row of each glyph would take as long as the copying.
+class CPixelRows {
+public:
+    explicit CPixelRows(QImage& canvas)
+        : first_(reinterpret_cast<QRgb*>(canvas.bits())),
+          stride_(canvas.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb))) {}
+
+    QRgb* operator[](int y) const { return first_ + y * stride_; }
+
+private:
+    QRgb* first_;
+    qsizetype stride_;
+};
 
 } // namespace
 
@@ -104,6 +114,7 @@ void CGlyphAtlas::draw(QImage& canvas, QRect clip, QPoint corner, const QString&
     const QRect place = QRect(corner, QSize(width(text), font_.height)) & clip & canvas.rect();
     if (place.isEmpty())
         return;
+    const CPixelRows rows(canvas);
     bool hangsOver = false;
     QPoint pen = corner;
     for (const QChar c : text) {
@@ -114,8 +125,7 @@ void CGlyphAtlas::draw(QImage& canvas, QRect clip, QPoint corner, const QString&
         if (count > 0) {
             const std::vector<QRgb>& cell = shape.cells[static_cast<std::size_t>(background)];
             for (int y = place.top(); y <= place.bottom(); ++y)
-                std::memcpy(pixelRow(canvas, y) + from,
-                            cell.data() + (y - corner.y()) * shape.advance + (from - pen.x()),
+                std::memcpy(rows[y] + from, cell.data() + (y - corner.y()) * shape.advance + (from - pen.x()),
                             static_cast<std::size_t>(count) * sizeof(QRgb));
         }
         pen.rx() += shape.advance;
@@ -135,9 +145,10 @@ void CGlyphAtlas::draw(QImage& canvas, QRect clip, QPoint corner, const QString&
 /// glyph lies on the earlier one, and the rounding shows the order.
 void CGlyphAtlas::overhang(QImage& canvas, QRect place, QPoint pen, const Glyph& glyph, const Glyph* next,
                            QRgb background) const {
+    const CPixelRows rows(canvas);
     const int columns = glyph.left + glyph.advance + glyph.right;
     for (int y = place.top(); y <= place.bottom(); ++y) {
-        QRgb* row = pixelRow(canvas, y);
+        QRgb* row = rows[y];
         const std::uint8_t* ink = glyph.coverage.data() + (y - pen.y()) * columns;
         for (int x = std::max(place.left(), pen.x() - glyph.left); x < pen.x() && x <= place.right(); ++x)
             row[x] = covered(row[x], ink[x - pen.x() + glyph.left]);

@@ -4,6 +4,7 @@
 
 #include <QRect>
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -11,7 +12,8 @@ namespace mirovane {
 
 /// Hairlines where the labels of one device lie on those of another: white on white, nobody could tell which
 /// word is whose. A seam lies around the upper label and only on lower labels, so that it comes and goes with
-/// both. One part of a frame at a time. Main thread.
+/// both. A bit for each pixel tells where labels are: looking for the labels under each label would take most
+/// of the time of a crowded frame. One part of a frame at a time. Main thread.
 class CLabelSeams {
 public:
     /// Start of a part: canvas pixels.
@@ -24,12 +26,13 @@ public:
     void draw(const FloorCanvas& canvas, std::span<const QRect> lines) const;
 
 private:
-    template <typename Visit>
-    void visitCells(const QRect& area, const Visit& visit) const;
+    void drawAcross(const FloorCanvas& canvas, const QRect& edge) const;
+    void drawDown(const FloorCanvas& canvas, const QRect& edge) const;
+    bool labelAt(int x, int y) const;
 
     QRect clip_;
-    int columns_ = 0;
-    std::vector<std::vector<QRect>> cells_;
+    std::size_t rowWords_ = 0;
+    std::vector<std::uint64_t> labelled_; ///< rows of the clip, each beginning with a word of its own
 };
 
 } // namespace mirovane
