@@ -133,7 +133,7 @@ int measure() {
     desktop.start({});
 
     fill(station, "127.9.");
-    station.toggleLiveStat();
+    station.features().liveStat().toggle();
     // Without EventWaits: each of its events wakes the event loop, which then rounds what is left of the
     // millisecond up to a whole one. That would measure the asking (2.85 s a run instead of 2.12 s).
     const double median = bench::medianOf(runs(station, measuredRuns));
@@ -146,7 +146,7 @@ int measure() {
         printEvents("the same, living hosts", events);
     }
     fill(station, "10.77.");
-    station.toggleLiveStat();
+    station.features().liveStat().toggle();
     wait(std::chrono::seconds(3)); // until every slot has its device
     const EventWaits events;
     wait(std::chrono::seconds(15));

@@ -72,7 +72,6 @@ public:
     void redraw() override {}
     void indicatorsChanged() override {}
     void track(std::int32_t) override {}
-    void waiting() override {}
 };
 
 class Side {

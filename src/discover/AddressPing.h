@@ -26,10 +26,13 @@ public:
     /// must have been taken.
     bool start(std::uint32_t address);
 
-    bool inFlight() const { return ping_ && !answered(std::chrono::milliseconds(0)); }
+    bool inFlight() const { return ping_ && !answered(); }
 
-    /// Waits for the answer; true when it has come in, or no ping is in flight.
-    bool waitFor(std::chrono::milliseconds patience) const { return !ping_ || answered(patience); }
+    /// Until the answer has come in: milliseconds after stop().
+    void wait() const {
+        if (ping_)
+            ping_->answer.wait();
+    }
 
     struct Answer {
         enum class Kind { Silent, Answered, NotAsked, Stopped };
@@ -54,8 +57,8 @@ private:
         std::future<ProbeAnswer> answer;
     };
 
-    bool answered(std::chrono::milliseconds patience) const {
-        return ping_->answer.wait_for(patience) == std::future_status::ready;
+    bool answered() const {
+        return ping_->answer.wait_for(std::chrono::milliseconds(0)) == std::future_status::ready;
     }
 
     HostProbes& probes_;

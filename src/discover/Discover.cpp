@@ -9,7 +9,6 @@ namespace {
 constexpr std::chrono::milliseconds idlePeriod{300};
 constexpr std::chrono::milliseconds knownPeriod{1000};
 constexpr std::chrono::milliseconds probePeriod{5000};
-constexpr std::chrono::milliseconds waitSlice{10};
 constexpr std::chrono::minutes publishPeriod{10};
 
 /// An address that nobody may ping, such as a network's own, must not end the walk.
@@ -66,8 +65,7 @@ void CLiveDiscover::disableNow() {
         disable();
     if (!switch_.goingOff())
         return;
-    while (!ping_.waitFor(waitSlice))
-        host_.waiting();
+    ping_.wait();
     finishDisabling();
 }
 

@@ -37,9 +37,6 @@ public:
 
     /// Something went on or off, or the status text changed.
     virtual void indicatorsChanged() = 0;
-
-    /// Called every few milliseconds while the main thread waits for probes that were told to stop.
-    virtual void waiting() = 0;
 };
 
 // One station is both hosts at once: virtual, so that it answers each of the common questions once.

@@ -24,6 +24,7 @@ public:
     void setLimit(std::size_t limit) override;
     bool waitUntilIdle(std::chrono::milliseconds patience) override;
 
+    /// Only tests ask: a thread too many, or one that never ends, shows nowhere else.
     std::size_t threadCount() const;
 
 private:

@@ -27,9 +27,6 @@ public:
 
     /// Track Live Stat is on and the check of this device begins.
     virtual void deviceTracked(std::int32_t recID) { (void)recID; }
-
-    /// Every few milliseconds while a command waits for Live Stat's jobs: lets the window repaint.
-    virtual void waiting() {}
 };
 
 } // namespace mirovane

@@ -29,10 +29,6 @@ public:
     }
     void changesPending() override { pending = true; }
     void indicatorsChanged() override { ++indications; }
-    void waiting() override {
-        if (whileWaiting)
-            whileWaiting();
-    }
     void deviceDiscovered() override {
         ++discoveries;
         if (whileSaving)
@@ -42,7 +38,7 @@ public:
     bool answer = false;
     bool still = false;
     bool pending = false; ///< changes wait for the periodic save
-    std::function<void()> whileWaiting, whileSaving;
+    std::function<void()> whileSaving;
     std::vector<std::string> questions, failures;
     int saves = 0;
     int discoveries = 0;
@@ -52,7 +48,7 @@ public:
 class DiscoverFixture : public testing::Test {
 protected:
     explicit DiscoverFixture(Workers* other = nullptr)
-        : discover({doc, timers, log, clock}, ownership, probes, other ? *other : inlineWorkers, host) {
+        : discover(services, ownership, probes, other ? *other : inlineWorkers, host) {
         test::newFloor(doc);
     }
 
@@ -83,7 +79,8 @@ protected:
     ScriptedProbes probes;
     NotedDiscoverHost host;
     InlineWorkers inlineWorkers;
-    CFeatureOwnership ownership{Feature::LiveDiscover, doc, host};
+    FeatureServices services{doc, timers, log, clock};
+    CFeatureOwnership ownership{Feature::LiveDiscover, services, host};
     CLiveDiscover discover;
     LogLines logLines{log};
 };

@@ -36,7 +36,7 @@ protected:
         open(sweeper);
     }
 
-    CDiscoverNow& now() { return *sweeper.station->discoverNow(); }
+    CDiscoverNow& now() { return *sweeper.station->features().discoverNow(); }
     std::string refusal(int perSecond) {
         const auto refused = now().start(perSecond);
         return refused ? refused->text : "it began";
@@ -138,10 +138,10 @@ TEST_F(DiscoverNowTest, CancellingKeepsOrDiscardsAsTold) {
 
 TEST_F(DiscoverNowTest, LeavesLiveDiscoverToThoseWhoRunItHere) {
     ASSERT_FALSE(now().start(500));
-    sweeper.station->toggleLiveDiscover();
+    sweeper.station->features().liveDiscover().toggle();
     finishSweep();
     EXPECT_TRUE(FeatureOwner::isHere(doc(), Feature::LiveDiscover)) << "it goes on behind the sweep";
-    sweeper.station->toggleLiveDiscover();
+    sweeper.station->features().liveDiscover().toggle();
     pass(10'000);
     ASSERT_FALSE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
 
@@ -152,24 +152,24 @@ TEST_F(DiscoverNowTest, LeavesLiveDiscoverToThoseWhoRunItHere) {
 }
 
 TEST_F(DiscoverNowTest, HoldsTheRecordUntilItsEndThoughLiveDiscoverGoesOff) {
-    sweeper.station->toggleLiveDiscover();
+    sweeper.station->features().liveDiscover().toggle();
     ASSERT_FALSE(now().start(3));
-    sweeper.station->toggleLiveDiscover();
+    sweeper.station->features().liveDiscover().toggle();
     pass(1000);
-    ASSERT_FALSE(sweeper.station->liveDiscover().disabling());
+    ASSERT_FALSE(sweeper.station->features().liveDiscover().disabling());
     EXPECT_TRUE(FeatureOwner::isHere(doc(), Feature::LiveDiscover)) << "the sweep goes on";
     now().end(CDiscoverNow::Found::Discard);
     EXPECT_FALSE(FeatureOwner::isHere(doc(), Feature::LiveDiscover));
 }
 
 TEST_F(DiscoverNowTest, OneAnswerLeavesBothToTheOtherStation) {
-    sweeper.station->toggleLiveDiscover();
+    sweeper.station->features().liveDiscover().toggle();
     ASSERT_FALSE(now().start(3));
     ASSERT_FALSE(b.station->openDatafile(path));
     claimForOther();
     pass(3000);
     EXPECT_THAT(sweeper.dialogs.questions, SizeIs(1));
-    EXPECT_FALSE(sweeper.station->liveDiscover().enabled());
+    EXPECT_FALSE(sweeper.station->features().liveDiscover().enabled());
     EXPECT_FALSE(now().running());
     EXPECT_TRUE(now().result()->takenOver);
     EXPECT_TRUE(FeatureOwner::isElsewhere(doc(), Feature::LiveDiscover));
@@ -281,7 +281,7 @@ TEST_F(DiscoverNowTest, LeavingTheDatafileKeepsWhatWasFound) {
 TEST_F(DiscoverNowTest, WaitsWithItsResultsWhileAQuestionIsOpen) {
     ASSERT_FALSE(now().start(500));
     {
-        const CStation::CPause pause(*sweeper.station);
+        const CPause pause(sweeper.station->pauses());
         findHosts(2);
         pass(10'000);
         EXPECT_TRUE(now().running());

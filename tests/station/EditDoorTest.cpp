@@ -8,7 +8,7 @@ namespace {
 
 class EditDoorTest : public StationFixture {
 protected:
-    const EditStep& lastStep() const { return a.station->history().steps().back(); }
+    const EditStep& lastStep() const { return a.station->edits().history().steps().back(); }
 };
 
 TEST_F(EditDoorTest, EachEditIsAStepWithWhatWasBefore) {
@@ -36,14 +36,14 @@ TEST_F(EditDoorTest, EachEditIsAStepWithWhatWasBefore) {
     EXPECT_FALSE(lastStep().records.front().before);
     EXPECT_EQ(lastStep().records.front().after->Name, "kept");
 
-    const std::size_t steps = a.station->history().steps().size();
+    const std::size_t steps = a.station->edits().history().steps().size();
     a.station->edit({EditRequest::Kind::Settings, "Nothing", {}}, [](CMirovaneDoc&) {});
-    EXPECT_EQ(a.station->history().steps().size(), steps);
+    EXPECT_EQ(a.station->edits().history().steps().size(), steps);
     rename(a, 1, "by Live Stat"); // past the door: not the user's
-    EXPECT_EQ(a.station->history().steps().size(), steps);
+    EXPECT_EQ(a.station->edits().history().steps().size(), steps);
 
     a.station->newDatafile();
-    EXPECT_TRUE(a.station->history().steps().empty());
+    EXPECT_TRUE(a.station->edits().history().steps().empty());
 }
 
 TEST_F(EditDoorTest, TheOldestStepGoesFirst) {
@@ -53,8 +53,8 @@ TEST_F(EditDoorTest, TheOldestStepGoesFirst) {
                         [](CMirovaneDoc& document) {
                             document.edit(*document.findDevice(1), [](CHardware& held) { ++held.Priority; });
                         });
-    EXPECT_EQ(a.station->history().steps().size(), CEditHistory::mostSteps);
-    EXPECT_EQ(a.station->history().steps().front().name, "1");
+    EXPECT_EQ(a.station->edits().history().steps().size(), CEditHistory::mostSteps);
+    EXPECT_EQ(a.station->edits().history().steps().front().name, "1");
 }
 
 TEST_F(EditDoorTest, AnEditForLaterIsSavedByTheWatch) {

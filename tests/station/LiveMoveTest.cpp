@@ -13,13 +13,13 @@ protected:
     LiveMoveTest() { open(a); }
 
     void move(std::int32_t recID, MapPoint to) {
-        a.station->liveMove().moveTo(std::array{DeviceMove{{recID, 0}, to}});
+        a.station->edits().liveMove().moveTo(std::array{DeviceMove{{recID, 0}, to}});
     }
     MapPoint savedPlace(std::int32_t recID) {
         open(b);
         return b.device(recID).Position;
     }
-    const std::deque<EditStep>& steps() const { return a.station->history().steps(); }
+    const std::deque<EditStep>& steps() const { return a.station->edits().history().steps(); }
 };
 
 TEST_F(LiveMoveTest, AMoveIsOneEditWhenItEnds) {
@@ -33,7 +33,7 @@ TEST_F(LiveMoveTest, AMoveIsOneEditWhenItEnds) {
     pass(60'000);
     EXPECT_EQ(savedPlace(1), MapPoint()) << "but it is nobody's edit yet";
 
-    EXPECT_TRUE(a.station->liveMove().finish("Move").saved());
+    EXPECT_TRUE(a.station->edits().liveMove().finish("Move").saved());
     ASSERT_EQ(steps().size(), 1U);
     EXPECT_EQ(steps().back().name, "Move 2 devices");
     EXPECT_EQ(steps().back().records.front().before->Position, MapPoint());
@@ -44,26 +44,26 @@ TEST_F(LiveMoveTest, AMoveIsOneEditWhenItEnds) {
 
 TEST_F(LiveMoveTest, AMoveThatIsGivenUpLeavesNoTrace) {
     move(1, {10, 10});
-    a.station->liveMove().giveUp();
+    a.station->edits().liveMove().giveUp();
     EXPECT_EQ(a.device(1).Position, MapPoint());
-    EXPECT_FALSE(a.station->liveMove().underWay());
-    a.station->liveMove().hold();
-    EXPECT_EQ(a.station->liveMove().finish("Move").outcome, SaveReport().outcome);
+    EXPECT_FALSE(a.station->edits().liveMove().underWay());
+    a.station->edits().liveMove().hold();
+    EXPECT_EQ(a.station->edits().liveMove().finish("Move").outcome, SaveReport().outcome);
     move(1, {10, 10});
     move(1, {0, 0});
-    a.station->liveMove().finish("Move");
+    a.station->edits().liveMove().finish("Move");
     EXPECT_TRUE(steps().empty()) << "back where it began";
 }
 
 TEST_F(LiveMoveTest, NothingIsReadAgainWhileTheButtonIsDown) {
     open(b);
-    a.station->liveMove().hold();
+    a.station->edits().liveMove().hold();
     rename(b, 2, "by b");
     ASSERT_TRUE(b.station->saveDatafile().saved());
     pass(10'000);
     EXPECT_EQ(a.device(2).Name, "");
     move(1, {10, 10});
-    a.station->liveMove().finish("Move");
+    a.station->edits().liveMove().finish("Move");
     EXPECT_EQ(a.device(2).Name, "by b") << "merged by the save";
     EXPECT_EQ(a.device(1).Position, (MapPoint{10, 10}));
     rename(b, 3, "again");
@@ -76,19 +76,19 @@ TEST_F(LiveMoveTest, ADeviceThatGoesMeanwhileIsLeftOut) {
     move(1, {10, 10});
     move(2, {20, 20});
     deleteDevices(*a.station, std::array{1});
-    a.station->liveMove().finish("Move");
+    a.station->edits().liveMove().finish("Move");
     EXPECT_EQ(steps().back().name, "Move 1 device");
     move(2, {30, 30});
     a.station->newDatafile();
-    EXPECT_FALSE(a.station->liveMove().underWay());
+    EXPECT_FALSE(a.station->edits().liveMove().underWay());
 }
 
 TEST_F(LiveMoveTest, TheClickedDeviceComesToTheFront) {
     const std::size_t end = *a.doc().indexOfDevice(3);
-    a.station->bringToFront(a.device(1));
+    a.station->edits().bringToFront(a.device(1));
     EXPECT_EQ(a.doc().indexOfDevice(1), end);
     EXPECT_EQ(a.doc().indexOfDevice(3), end - 2) << "they traded places";
-    a.station->bringToFront(a.device(1));
+    a.station->edits().bringToFront(a.device(1));
     EXPECT_EQ(a.doc().indexOfDevice(1), end);
 }
 

@@ -42,7 +42,7 @@ protected:
         a.station->openDatafile(path);
         b.station->openDatafile(path);
         resize(8);
-        a.station->toggleLiveStat();
+        a.station->features().liveStat().toggle();
     }
     ~LiveStatUnderLoadTest() override {
         releaseAll();
@@ -67,10 +67,10 @@ protected:
             });
     }
     void resize(std::int32_t slots) {
-        LiveStatSettings settings = a.station->liveStatSettings();
+        LiveStatSettings settings = a.station->features().liveStat().settings();
         settings.LSRunSec = 1;
         settings.LSNumPerRun = slots;
-        a.station->setLiveStatSettings(settings);
+        a.station->features().liveStat().setSettings(settings);
     }
     unsigned dice(std::size_t faces) { return static_cast<unsigned>(random() % faces); }
     void pass(int milliseconds) { timers.advance(std::chrono::milliseconds(milliseconds)); }
@@ -120,14 +120,14 @@ protected:
     void nowOne() {
         if (const CHardware* device = anyDevice(a))
             a.doc().setSelected(*device, true);
-        a.station->liveStatNow();
+        a.station->features().liveStat().performNow();
     }
     void beginAnew() {
         a.station->newDatafile();
         EXPECT_EQ(a.doc().deviceCount(), 0U);
         ASSERT_FALSE(a.station->openDatafile(path));
         if (!a.liveStat().enabled())
-            a.station->toggleLiveStat();
+            a.station->features().liveStat().toggle();
     }
 
     void doSomething() {

@@ -67,8 +67,8 @@ protected:
         }
         if (below(2) == 0)
             return run(moveDevices("Move", moves));
-        a.station->liveMove().moveTo(moves);
-        a.station->liveMove().finish("Move");
+        a.station->edits().liveMove().moveTo(moves);
+        a.station->edits().liveMove().finish("Move");
     }
     void deleteSome() {
         const auto keys = someDevices();
@@ -92,8 +92,8 @@ protected:
         std::vector<DeviceMove> moves;
         for (const DeviceKey& key : someDevices())
             moves.push_back({key, {static_cast<std::int32_t>(below(900)), 5}});
-        a.station->liveMove().moveTo(moves);
-        a.station->liveMove().giveUp();
+        a.station->edits().liveMove().moveTo(moves);
+        a.station->edits().liveMove().giveUp();
     }
 
     void makeSomeEdit() {
@@ -108,9 +108,9 @@ protected:
     /// An edit that changes nothing is no step.
     void edit() {
         const PlainFloor before = plain;
-        const std::size_t steps = a.station->history().steps().size();
+        const std::size_t steps = a.station->edits().history().steps().size();
         makeSomeEdit();
-        if (a.station->history().steps().size() == steps && before == plain)
+        if (a.station->edits().history().steps().size() == steps && before == plain)
             return;
         past.push_back(before);
         future.clear();

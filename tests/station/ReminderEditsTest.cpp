@@ -38,7 +38,7 @@ TEST_F(ReminderEditsTest, OnlySelectedDueRemindersArePutOff) {
     EXPECT_EQ(a.device(1).ReminderDue, 0) << "at once, not with the next check";
     EXPECT_EQ(when(2), late);
     EXPECT_EQ(when(3), ahead);
-    EXPECT_EQ(a.station->history().steps().back().name, "Put off 1 reminder");
+    EXPECT_EQ(a.station->edits().history().steps().back().name, "Put off 1 reminder");
     timers.advance(10s);
     EXPECT_EQ(a.station->reminders().DueCount(), 1);
     timers.advance(3600s);

@@ -78,7 +78,7 @@ TEST_F(BusyRemindersTest, TheCheckGoesOnAfterAnEditWhileAReloadWaited) {
     open(a);
     open(late);
     late.doc().setSelected(late.device(3), true);
-    late.station->liveStatNow();
+    late.station->features().liveStat().performNow();
     timers.advance(3s);
     ASSERT_TRUE(workers.busy());
     rename(a, 2, "by a");

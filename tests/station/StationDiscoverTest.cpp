@@ -41,7 +41,7 @@ TEST_F(StationDiscoverTest, AHostReachesTheOtherStationWithOneSave) {
     open(b);
     a.probes.answer("127.0.0.5");
     const test::StationNews news(*a.station);
-    a.station->toggleLiveDiscover();
+    a.station->features().liveDiscover().toggle();
     EXPECT_EQ(saves(a), 1);
     pass(60'000);
     EXPECT_EQ(saves(a), 1);
@@ -56,19 +56,19 @@ TEST_F(StationDiscoverTest, AHostReachesTheOtherStationWithOneSave) {
 TEST_F(StationDiscoverTest, TakingOverAsksBothUsersAndTheWalkGoesOn) {
     open(a);
     open(b);
-    a.station->toggleLiveDiscover();
+    a.station->features().liveDiscover().toggle();
     pass(3000);
     EXPECT_EQ(walkOwner(b).Name, "A-HOST");
     pass(20'000);
-    b.station->toggleLiveDiscover(); // No
+    b.station->features().liveDiscover().toggle(); // No
     EXPECT_EQ(b.dialogs.questions, Lines{askDiscoverA});
-    EXPECT_FALSE(b.station->liveDiscover().enabled());
+    EXPECT_FALSE(b.station->features().liveDiscover().enabled());
 
     b.dialogs.answer = true;
-    b.station->toggleLiveDiscover();
+    b.station->features().liveDiscover().toggle();
     pass(3000);
     EXPECT_EQ(a.dialogs.questions, Lines{askDiscoverB});
-    EXPECT_FALSE(a.station->liveDiscover().enabled()); // a's user said No
+    EXPECT_FALSE(a.station->features().liveDiscover().enabled()); // a's user said No
     EXPECT_EQ(walkOwner(a).Name, "B-HOST");
     EXPECT_EQ(walkOwner(a).State, 1);
     const auto pings = a.probes.pinged().size();
@@ -80,7 +80,7 @@ TEST_F(StationDiscoverTest, TakingOverAsksBothUsersAndTheWalkGoesOn) {
 TEST_F(StationDiscoverTest, AnotherStationsSavesDoNotHoldTheWalkBack) {
     open(a);
     open(b);
-    a.station->toggleLiveDiscover();
+    a.station->features().liveDiscover().toggle();
     for (int i = 0; i < 10; ++i) {
         pass(5000);
         rename(b, 1, "edit " + std::to_string(i));
@@ -94,8 +94,8 @@ TEST_F(StationDiscoverTest, AnotherStationsSavesDoNotHoldTheWalkBack) {
 
 TEST_F(StationDiscoverTest, TheWalkGoesOnAfterTheEndAtAnotherComputer) {
     open(a);
-    a.station->toggleLiveStat();
-    a.station->toggleLiveDiscover();
+    a.station->features().liveStat().toggle();
+    a.station->features().liveDiscover().toggle();
     pass(5000 + 1000 + 1000 + 5000 + 4000); // two known, then two pings
     EXPECT_EQ(walkOwner(a).IPAddress, "127.0.0.6");
     a.logged();
@@ -107,7 +107,7 @@ TEST_F(StationDiscoverTest, TheWalkGoesOnAfterTheEndAtAnotherComputer) {
     EXPECT_EQ(walkOwner(b).State, 0);
     EXPECT_EQ(walkOwner(b).Name + walkOwner(b).Username, "");
     EXPECT_EQ(walkOwner(b).IPAddress, "127.0.0.6");
-    b.station->toggleLiveDiscover();
+    b.station->features().liveDiscover().toggle();
     EXPECT_EQ(b.dialogs.questions, Lines{});
     pass(5000);
     EXPECT_EQ(b.probes.pinged(), Lines{"127.0.0.6"});
@@ -116,7 +116,7 @@ TEST_F(StationDiscoverTest, TheWalkGoesOnAfterTheEndAtAnotherComputer) {
 TEST_F(StationDiscoverTest, TheEndKeepsTheWalkAlsoWhenAnotherStationJustSaved) {
     open(a);
     open(b);
-    a.station->toggleLiveDiscover();
+    a.station->features().liveDiscover().toggle();
     pass(31'000);
     const std::string next = walkOwner(a).IPAddress;
     ASSERT_NE(next, "127.0.0.2");
@@ -131,16 +131,16 @@ TEST_F(StationDiscoverTest, TheEndKeepsTheWalkAlsoWhenAnotherStationJustSaved) {
 
 TEST_F(StationDiscoverTest, LeavingADatafileReleasesItAndSaveAsTakesTheWalkAlong) {
     open(a);
-    a.station->toggleLiveDiscover();
+    a.station->features().liveDiscover().toggle();
     pass(12'000);
     EXPECT_FALSE(a.station->saveDatafileAs(folder.file("copy.mv")).failed());
-    EXPECT_TRUE(a.station->liveDiscover().enabled());
+    EXPECT_TRUE(a.station->features().liveDiscover().enabled());
     open(b);
     EXPECT_EQ(walkOwner(b).State, 0) << "the file that was left";
     EXPECT_TRUE(a.station->openDatafile(folder.file("missing.mv")));
-    EXPECT_TRUE(a.station->liveDiscover().enabled());
+    EXPECT_TRUE(a.station->features().liveDiscover().enabled());
     a.station->newDatafile();
-    EXPECT_FALSE(a.station->liveDiscover().enabled());
+    EXPECT_FALSE(a.station->features().liveDiscover().enabled());
     EXPECT_FALSE(b.station->openDatafile(folder.file("copy.mv")));
     EXPECT_EQ(walkOwner(b).State, 0);
     const auto pings = a.probes.pinged().size();
@@ -152,7 +152,7 @@ TEST_F(StationDiscoverTest, AHostFoundWhileAnotherStationSavesIsNotLost) {
     open(a);
     open(b);
     a.probes.answer("127.0.0.4");
-    a.station->toggleLiveDiscover();
+    a.station->features().liveDiscover().toggle();
     pass(3000);
     pass(4001); // .4 is being pinged
     ASSERT_EQ(a.probes.pinged(), Lines{"127.0.0.4"});
@@ -167,9 +167,9 @@ TEST_F(StationDiscoverTest, AHostFoundWhileAnotherStationSavesIsNotLost) {
 
 TEST_F(StationDiscoverTest, NothingTicksWhileTheStationIsPaused) {
     open(a);
-    a.station->toggleLiveDiscover();
+    a.station->features().liveDiscover().toggle();
     {
-        const CStation::CPause pause(*a.station);
+        const CPause pause(a.station->pauses());
         pass(60'000);
         EXPECT_EQ(a.probes.pinged(), Lines{});
     }

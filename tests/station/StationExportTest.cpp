@@ -90,11 +90,11 @@ TEST_F(StationExportTest, AReloadAndBackgroundChangesReachTheFile) {
 TEST_F(StationExportTest, WhatLiveStatFoundBeforeItWentOffReachesTheFile) {
     wantExport(a);
     open(a);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(4000);
     ASSERT_EQ(a.device(3).State, DeviceState::Off);
     EXPECT_THAT(readBytes(target), Not(HasSubstr("Inactive"))) << "nothing was saved yet";
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(60'000);
     ASSERT_FALSE(a.liveStat().disabling());
     EXPECT_THAT(readBytes(target), HasSubstr("Inactive"));

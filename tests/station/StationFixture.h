@@ -64,7 +64,7 @@ public:
 
     /// To change as background work does, and as an edit does that is not saved yet.
     CMirovaneDoc& doc() { return const_cast<CMirovaneDoc&>(station->document()); }
-    const CLiveStatScheduler& liveStat() { return station->liveStat(); }
+    const CLiveStatScheduler& liveStat() { return station->features().liveStat(); }
     const CHardware& owner() { return *doc().findSpecial(SpecialType::LiveStatOwnerRecord); }
     const CHardware& device(std::int32_t recID) { return *doc().findDevice(recID); }
 

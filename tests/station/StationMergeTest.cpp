@@ -127,8 +127,8 @@ TEST_F(StationMergeTest, ATakeOverThatCrossesAnEditAsksAndKeepsTheEdit) {
     open(a);
     open(b);
     rename(a, 1, "by a");
-    a.station->toggleLiveStat(); // saves both
-    b.station->toggleLiveStat();
+    a.station->features().liveStat().toggle(); // saves both
+    b.station->features().liveStat().toggle();
     EXPECT_EQ(b.dialogs.questions.size(), 1U);
     EXPECT_FALSE(b.liveStat().enabled());
     EXPECT_EQ(b.owner().Name, "A-HOST");
@@ -137,7 +137,7 @@ TEST_F(StationMergeTest, ATakeOverThatCrossesAnEditAsksAndKeepsTheEdit) {
     b.dialogs.answer = true;
     comment(a, 2, "a again");
     a.station->saveDatafile();
-    b.station->toggleLiveStat(); // its claim goes on top of a's edit
+    b.station->features().liveStat().toggle(); // its claim goes on top of a's edit
     EXPECT_EQ(b.device(2).Comment, "a again");
     EXPECT_EQ(b.owner().Name, "B-HOST");
     comment(a, 3, "without having seen that");
@@ -155,19 +155,19 @@ TEST_F(StationMergeTest, QuestionsAnsweredLateDoNotOverwriteWhatHappenedMeanwhil
     open(a);
     open(b);
     open(c);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(3000);
     c.dialogs.answer = b.dialogs.answer = true;
     int asked = 0;
     b.dialogs.whileAsking = [&] {
         if (asked++ > 0)
             return;
-        c.station->toggleLiveStat(); // takes it from a while b's user thinks about it
+        c.station->features().liveStat().toggle(); // takes it from a while b's user thinks about it
         rename(c, 1, "by c");
         c.station->saveDatafile();
         clock.advance(std::chrono::hours(1));
     };
-    b.station->toggleLiveStat();
+    b.station->features().liveStat().toggle();
     EXPECT_EQ(asked, 2); // about a, then about c
     EXPECT_TRUE(contains(b.dialogs.questions, "C-HOST"));
     EXPECT_EQ(b.owner().Name, "B-HOST");
@@ -181,15 +181,15 @@ TEST_F(StationMergeTest, AnOwnerWhoComesWhileTheOtherFeatureIsAskedAboutIsAskedA
     range.Type = SpecialType::DiscoverRangeRecord;
     range.Name = range.IPAddress = "127.0.0.1";
     a.doc().append(range);
-    a.station->toggleLiveStat();
-    a.station->toggleLiveDiscover();
+    a.station->features().liveStat().toggle();
+    a.station->features().liveDiscover().toggle();
     open(b);
     open(c);
     a.dialogs.answer = b.dialogs.answer = c.dialogs.answer = true;
-    b.station->toggleLiveDiscover();
+    b.station->features().liveDiscover().toggle();
     a.dialogs.whileAsking = [&] {
         if (a.dialogs.questions.size() == 1)
-            c.station->toggleLiveStat();
+            c.station->features().liveStat().toggle();
     };
     pass(3000);
     EXPECT_EQ(a.dialogs.questions.size(), 2U);
@@ -202,7 +202,7 @@ protected:
     /// Live Stat Now is in the middle of this device.
     void check(std::int32_t recID) {
         late.doc().setSelected(late.device(recID), true);
-        late.station->liveStatNow();
+        late.station->features().liveStat().performNow();
         pass(3000);
         ASSERT_TRUE(workers.busy());
         late.logged();
@@ -391,7 +391,7 @@ TEST_F(StationMergeTest, SavesInQuickSuccessionAreAllSeen) {
 TEST_F(StationMergeTest, AClockThatWasWrongDoesNotSilenceTheHeartbeat) {
     clock.advance(std::chrono::hours(24));
     open(a);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(60'000);
     const TimeStamp wrong = a.owner().Modified;
     clock.jumpWall(-std::chrono::hours(24));

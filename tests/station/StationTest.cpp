@@ -23,16 +23,16 @@ protected:
 TEST_F(StationTest, TakingLiveStatOverAsksBothUsers) {
     open(a);
     open(b);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(3000);
     EXPECT_EQ(b.owner().Name, "A-HOST");
 
-    b.station->toggleLiveStat(); // No
+    b.station->features().liveStat().toggle(); // No
     EXPECT_FALSE(b.liveStat().enabled());
     EXPECT_EQ(b.dialogs.questions, Lines{askAboutA});
 
     b.dialogs.answer = true;
-    b.station->toggleLiveStat();
+    b.station->features().liveStat().toggle();
     EXPECT_TRUE(b.liveStat().enabled());
     pass(3000);
     EXPECT_EQ(a.dialogs.questions, Lines{askAboutB});
@@ -73,37 +73,37 @@ TEST_F(StationTest, TwoProgramsOfOneUserAreTwoStations) {
                      &windowClaims});
     ASSERT_FALSE(service.openDatafile(path));
     ASSERT_FALSE(window.openDatafile(path));
-    service.toggleLiveStat();
+    service.features().liveStat().toggle();
     pass(3000);
 
-    window.toggleLiveStat(); // No
+    window.features().liveStat().toggle(); // No
     EXPECT_EQ(b.dialogs.questions, Lines{askAboutProgram});
-    EXPECT_FALSE(window.liveStat().enabled());
+    EXPECT_FALSE(window.features().liveStat().enabled());
     pass(9000);
-    EXPECT_TRUE(service.liveStat().enabled());
+    EXPECT_TRUE(service.features().liveStat().enabled());
     EXPECT_EQ(a.dialogs.questions, Lines());
 
     b.dialogs.answer = true;
-    window.toggleLiveStat();
+    window.features().liveStat().toggle();
     pass(3000);
-    EXPECT_TRUE(window.liveStat().enabled());
+    EXPECT_TRUE(window.features().liveStat().enabled());
     EXPECT_EQ(a.dialogs.questions, Lines{askAboutProgram});
-    EXPECT_FALSE(service.liveStat().enabled()); // said No
+    EXPECT_FALSE(service.features().liveStat().enabled()); // said No
     pass(9000);
     EXPECT_EQ(window.document().findSpecial(SpecialType::LiveStatOwnerRecord)->State, 1);
     EXPECT_FALSE(window.shutDown());
-    EXPECT_FALSE(service.toggleLiveStat()); // nobody is asked
+    EXPECT_FALSE(service.features().liveStat().toggle()); // nobody is asked
     EXPECT_EQ(a.dialogs.questions.size(), 1U);
-    EXPECT_TRUE(service.liveStat().enabled());
+    EXPECT_TRUE(service.features().liveStat().enabled());
 }
 
 TEST_F(StationTest, WhoSaysYesTakesLiveStatBack) {
     open(a);
     open(b);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(3000);
     b.dialogs.answer = a.dialogs.answer = true;
-    b.station->toggleLiveStat();
+    b.station->features().liveStat().toggle();
     b.dialogs.answer = false;
     pass(9000);
     EXPECT_EQ(b.dialogs.questions, (Lines{askAboutA, askAboutA}));
@@ -115,8 +115,8 @@ TEST_F(StationTest, WhoSaysYesTakesLiveStatBack) {
 TEST_F(StationTest, TwoStationsThatEnableAtOnceStillAsk) {
     open(a);
     open(b);
-    a.station->toggleLiveStat();
-    b.station->toggleLiveStat(); // b's watch has not seen a's save yet; its own save does
+    a.station->features().liveStat().toggle();
+    b.station->features().liveStat().toggle(); // b's watch has not seen a's save yet; its own save does
     EXPECT_EQ(b.dialogs.questions, Lines{askAboutA});
     EXPECT_FALSE(b.liveStat().enabled());
     EXPECT_TRUE(a.liveStat().enabled());
@@ -126,7 +126,7 @@ TEST_F(StationTest, LiveStatResultsReachTheOtherStation) {
     open(a);
     open(b);
     a.probes.answer("127.0.0.2");
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(40'000);
     EXPECT_EQ(b.device(1).State, DeviceState::Off);
     EXPECT_EQ(b.device(2).State, DeviceState::On);
@@ -136,7 +136,7 @@ TEST_F(StationTest, LiveStatResultsReachTheOtherStation) {
 
 TEST_F(StationTest, TheHeartbeatIsRefreshedAfterThreeHours) {
     open(a);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(60'000);
     const TimeStamp claimed = a.owner().Modified;
     clock.advance(std::chrono::minutes(178));
@@ -153,7 +153,7 @@ TEST_F(StationTest, ASilentOwnerIsReplacedAfterFourHours) {
     Site standby(clock, timers, {"S-HOST", "s-user"}, true);
     standby.settings.write("LSAutoStart", 1);
     open(a);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     a.doc().edit(a.owner(), [](CHardware& owner) { owner.Name = "DEAD-HOST"; });
     a.station->saveDatafile();
     a.station->newDatafile(); // not the owner any more: nothing is released
@@ -223,7 +223,7 @@ TEST_F(StationTest, AutoStartBeginsAtOpenAndShutDownReleases) {
 TEST_F(StationTest, ShutDownReleasesEvenWhenAnotherStationJustSaved) {
     open(a);
     open(b);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(3000);
     rename(b, 1, "by b");
     b.station->saveDatafile();
@@ -235,7 +235,7 @@ TEST_F(StationTest, ShutDownReleasesEvenWhenAnotherStationJustSaved) {
 
 TEST_F(StationTest, LeavingADatafileReleasesItAndAFailedOpenLeavesNothing) {
     open(a);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     EXPECT_TRUE(a.station->openDatafile(folder.file("missing.mv")));
     EXPECT_TRUE(a.liveStat().enabled());
     EXPECT_EQ(a.station->datafile().path(), path);
@@ -250,7 +250,7 @@ TEST_F(StationTest, LeavingADatafileReleasesItAndAFailedOpenLeavesNothing) {
 
 TEST_F(StationTest, SaveAsTakesLiveStatAlongAndReleasesTheFileThatIsLeft) {
     open(a);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(4000);
     EXPECT_FALSE(a.station->saveDatafileAs(folder.file("copy.mv")).failed());
     EXPECT_TRUE(a.liveStat().enabled());
@@ -266,7 +266,7 @@ TEST_F(StationTest, SaveAsTakesLiveStatAlongAndReleasesTheFileThatIsLeft) {
 
 TEST_F(StationTest, DeletingAndUpdatingWaitForTheJobsAndSave) {
     open(a);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(3003);
     a.logged();
     const std::vector<std::int32_t> first{1};
@@ -292,13 +292,13 @@ TEST_F(StationTest, DeletingAndUpdatingWaitForTheJobsAndSave) {
 }
 
 TEST_F(StationTest, SettingsOverrideThePoolWithoutBeingStored) {
-    LiveStatSettings settings = a.station->liveStatSettings();
+    LiveStatSettings settings = a.station->features().liveStat().settings();
     EXPECT_EQ(a.liveStat().slotCount(), 30U);
     settings.LSNumPerRun = 2;
     settings.LSRunSec = 1;
     open(a);
-    a.station->setLiveStatSettings(settings);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().setSettings(settings);
+    a.station->features().liveStat().toggle();
     pass(1002);
     EXPECT_EQ(a.probes.pinged().size(), 2U);
     EXPECT_EQ(a.settings.read("LSNumPerRun", 0), 30);
@@ -314,7 +314,7 @@ protected:
         open(busy);
         for (int i = 1; i <= 3; ++i)
             busy.probes.hang("127.0.0." + std::to_string(i));
-        busy.station->toggleLiveStat();
+        busy.station->features().liveStat().toggle();
         for (int i = 1; i <= 3; ++i) {
             pass(i == 1 ? 3000 : 1);
             ASSERT_TRUE(busy.probes.waitUntilHanging(i));

@@ -41,7 +41,7 @@ TEST_F(StationWatchTest, BackgroundChangesAreSavedAtTheSixthTick) {
     EXPECT_EQ(a.logged(), Lines{});
     pass(3000);
     EXPECT_EQ(a.logged(), Lines{"Saved Live Stat changes to data file"});
-    EXPECT_FALSE(a.station->pendingChanges());
+    EXPECT_FALSE(a.station->watch().pendingChanges());
     EXPECT_EQ(test::readBytes(path), before);
     pass(150 * 3000);
     a.station->changesPending(); // after so long it is not Live Stat's
@@ -75,10 +75,10 @@ TEST_F(StationWatchTest, AnUpgradeThatFailsIsNotTriedAtEveryTick) {
 TEST_F(StationWatchTest, TheEndWhileAQuestionIsOpenIsTheEnd) {
     open(a);
     open(b);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(3000);
     b.dialogs.answer = true;
-    b.station->toggleLiveStat();
+    b.station->features().liveStat().toggle();
     a.dialogs.whileAsking = [this] {
         a.station->shutDown();
     };
@@ -182,7 +182,7 @@ TEST_F(StationWatchTest, ASaveNeverGoesOverAnotherStationsFile) {
 TEST_F(StationWatchTest, NothingTicksWhileAQuestionIsOpen) {
     open(a);
     open(b);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(3000);
     a.dialogs.whileAsking = [this] {
         rename(b, 1, "meanwhile");
@@ -193,7 +193,7 @@ TEST_F(StationWatchTest, NothingTicksWhileAQuestionIsOpen) {
         EXPECT_EQ(a.probes.pinged().size(), pings);
     };
     b.dialogs.answer = true;
-    b.station->toggleLiveStat();
+    b.station->features().liveStat().toggle();
     pass(3000);
     EXPECT_EQ(a.dialogs.questions.size(), 1U);
     pass(3000);

@@ -24,7 +24,7 @@ protected:
             *a.station, std::array{recID}, [&](CHardware& held) { held.Name = name; });
     }
     std::string next(Way way) const {
-        const EditStep* step = a.station->history().next(way);
+        const EditStep* step = a.station->edits().history().next(way);
         return step ? step->name : "";
     }
     bool logged(const std::string& line) {
@@ -218,9 +218,9 @@ TEST_F(UndoTest, LargeStepsPushTheOldestOut) {
     const std::size_t large = CEditHistory::mostBytes / 5;
     for (char c = 'a'; c <= 'd'; ++c)
         setName(1, std::string(large, c)); // each keeps the text before and the one after
-    EXPECT_EQ(a.station->history().steps().size(), 2U);
+    EXPECT_EQ(a.station->edits().history().steps().size(), 2U);
     setName(1, std::string(2 * CEditHistory::mostBytes, 'e'));
-    EXPECT_EQ(a.station->history().steps().size(), 1U) << "the newest stays, however large";
+    EXPECT_EQ(a.station->edits().history().steps().size(), 1U) << "the newest stays, however large";
     a.station->undo();
     EXPECT_EQ(a.device(1).Name, std::string(large, 'd'));
 }
@@ -384,7 +384,7 @@ TEST_P(RandomUndoTest, AgreesWithAPlainModel) {
         } else {
             commandOfB();
         }
-        EXPECT_EQ(a.station->history().steps().size(), done.size());
+        EXPECT_EQ(a.station->edits().history().steps().size(), done.size());
     }
     ASSERT_TRUE(a.station->saveDatafile().saved());
     expectCommentsOfB();

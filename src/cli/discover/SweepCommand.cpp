@@ -181,14 +181,14 @@ ExitStatus sweepInto(CommandContext& context, const SweepRequest& request, CInte
         diagnoseUnreadable(context.out, request.path, *error);
         return ExitStatus::FileFailed;
     }
-    if (const auto reason = station.discoverNow()->start(request.perSecond)) {
+    if (const auto reason = station.features().discoverNow()->start(request.perSecond)) {
         if (reason->kind == StartRefusal::Kind::OwnerElsewhere)
             return ExitStatus::Refused;
         context.out.diagnose(sentence(request.path, withRemedy(*reason, request.path)));
         return ExitStatus::No;
     }
-    const SweepResult result = runSweepOn(context.out, *station.discoverNow(), interrupt);
-    const std::optional<FileError> saveError = result.saveFailed ? station.lastSaveError() : std::nullopt;
+    const SweepResult result = runSweepOn(context.out, *station.features().discoverNow(), interrupt);
+    const std::optional<FileError> saveError = result.saveFailed ? station.watch().lastError() : std::nullopt;
     const std::optional<FileError> endError = station.shutDown();
     if (endError || saveError)
         context.out.diagnose(endError ? endError->sentence : saveError->sentence);

@@ -85,7 +85,7 @@ std::optional<FileError> CStationMetrics::error() const {
 }
 
 void CStationMetrics::indicatorsChanged() {
-    if (station_.liveStat().enabled())
+    if (station_.features().liveStat().enabled())
         lastRun_ = now();
     write();
 }
@@ -140,11 +140,11 @@ void CStationMetrics::describeStation(CMetricsText& text, const std::string& dat
         Value{"mirovane_live_stat_last_run_timestamp_seconds",
               "When the last run of Live Stat ended at this station; 0 before the first one.", lastRun_},
         Value{"mirovane_live_stat_loops", "Loops over all devices since Live Stat went on at this station.",
-              station_.liveStat().loops()},
+              station_.features().liveStat().loops()},
         Value{"mirovane_live_stat_last_loop_seconds", "How long the last complete loop took.",
-              station_.liveStat().lastLoopSeconds()},
+              station_.features().liveStat().lastLoopSeconds()},
         Value{"mirovane_save_failed", "1 while the datafile could not be saved.",
-              station_.lastSaveError() ? 1 : 0},
+              station_.watch().lastError() ? 1 : 0},
         Value{"mirovane_export_failed", "1 while the text export could not be written.", exportError ? 1 : 0},
         Value{"mirovane_log_errors",
               "Lines of the message log that told of something that did not work, "

@@ -47,11 +47,12 @@ void CHeadlessDialogs::begin(bool takeOver) {
 }
 
 bool CHeadlessDialogs::runsHere(bool discover) const {
-    return station_ && (discover ? station_->liveDiscover().enabled() : station_->liveStat().enabled());
+    return station_ && (discover ? station_->features().liveDiscover().enabled()
+                                 : station_->features().liveStat().enabled());
 }
 
 bool CHeadlessDialogs::ownerIsSilent() const {
-    return station_ && station_->ownerSilentHours() >= LiveStatHeartbeat::takeOverHours;
+    return station_ && station_->features().liveStat().ownerSilentHours() >= LiveStatHeartbeat::takeOverHours;
 }
 
 CStationRun::CStationRun(const StationRunParts& parts, StationOptions options)
@@ -89,9 +90,9 @@ std::optional<ExitStatus> CStationRun::start() {
     parts_.metrics.writeTo(request().metrics);
     stateLines_.begin();
     stateLines_.takeReplaced();
-    if (request().liveStat && !station_.liveStat().enabled())
+    if (request().liveStat && !station_.features().liveStat().enabled())
         parts_.out.warn("Live Stat waits", "the datafile holds no device yet");
-    if (request().discover && !station_.liveDiscover().enabled())
+    if (request().discover && !station_.features().liveDiscover().enabled())
         parts_.out.warn("Live Discover waits", "the datafile holds no address range yet");
     startNow();
     return std::nullopt;
@@ -103,7 +104,7 @@ void CStationRun::startNow() {
     for (const std::int32_t recID : request().now)
         if (const CHardware* device = station_.document().findDevice(recID))
             station_.selection().add(*device);
-    station_.liveStatNow();
+    station_.features().liveStat().performNow();
 }
 
 /// The log says nothing of them, and nobody else would.
@@ -131,12 +132,13 @@ void CStationRun::poll() {
 
 /// For whoever asks the service manager what this station does.
 std::string CStationRun::statusLine() const {
-    if (const auto& error = station_.lastSaveError())
+    if (const auto& error = station_.watch().lastError())
         return printable(error->sentence);
-    std::string line = featureStatus(station_, Feature::LiveStat, station_.liveStat().enabled());
-    if (station_.liveStat().enabled())
-        line += ", loop " + std::to_string(station_.liveStat().loops() + 1);
-    line += "; " + featureStatus(station_, Feature::LiveDiscover, station_.liveDiscover().enabled());
+    std::string line = featureStatus(station_, Feature::LiveStat, station_.features().liveStat().enabled());
+    if (station_.features().liveStat().enabled())
+        line += ", loop " + std::to_string(station_.features().liveStat().loops() + 1);
+    line +=
+        "; " + featureStatus(station_, Feature::LiveDiscover, station_.features().liveDiscover().enabled());
     const std::size_t devices = station_.document().deviceCount();
     line += "; " + std::to_string(devices) + (devices == 1 ? " device, " : " devices, ") +
             std::to_string(stateLines_.off()) + " Off; " + station_.datafile().path();
@@ -146,26 +148,26 @@ std::string CStationRun::statusLine() const {
 /// Another station may have put the first devices into the datafile. One that was left alone by our No keeps
 /// Live Stat.
 void CStationRun::startLiveStatLater() {
-    const CLiveStatScheduler& liveStat = station_.liveStat();
+    const CLiveStatScheduler& liveStat = station_.features().liveStat();
     if (request().liveStat && !parts_.dialogs.refusedLiveStat() && !liveStat.enabled() &&
         !liveStat.disabling() && station_.document().deviceCount() > 0)
-        station_.toggleLiveStat();
+        station_.features().liveStat().toggle();
 }
 
 /// At the start, and when another station may have put the first range into the datafile.
 void CStationRun::startDiscover() {
-    const CLiveDiscover& discover = station_.liveDiscover();
+    const CLiveDiscover& discover = station_.features().liveDiscover();
     if (request().discover && !parts_.dialogs.refusedDiscover() && !discover.enabled() &&
         !discover.disabling())
-        station_.toggleLiveDiscover(); // does nothing without a range
+        station_.features().liveDiscover().toggle(); // does nothing without a range
 }
 
 bool CStationRun::loopsOver() const {
     if (!request().loops)
         return false;
     if (!request().liveStat)
-        return !request().now.empty() && !station_.liveStat().nowActive();
-    return station_.liveStat().loops() >= *request().loops;
+        return !request().now.empty() && !station_.features().liveStat().nowActive();
+    return station_.features().liveStat().loops() >= *request().loops;
 }
 
 void CStationRun::finish() {
@@ -234,7 +236,7 @@ void CStationRun::use(const StationOptions& options) {
     parts_.settings.take(options_);
     parts_.dialogs.begin(request().takeOver);
     parts_.printer.take(options_);
-    station_.setLiveStatSettings(parts_.settings.liveStat());
+    station_.features().liveStat().setSettings(parts_.settings.liveStat());
 }
 
 /// False: it cannot be opened, and the station stays where it is.
@@ -252,12 +254,12 @@ bool CStationRun::moveTo(const std::string& path) {
 }
 
 void CStationRun::switchFeatures() {
-    const CLiveStatScheduler& liveStat = station_.liveStat();
+    const CLiveStatScheduler& liveStat = station_.features().liveStat();
     if (!request().liveStat && liveStat.enabled())
-        station_.toggleLiveStat();
-    const CLiveDiscover& discover = station_.liveDiscover();
+        station_.features().liveStat().toggle();
+    const CLiveDiscover& discover = station_.features().liveDiscover();
     if (!request().discover && discover.enabled())
-        station_.toggleLiveDiscover();
+        station_.features().liveDiscover().toggle();
     startLiveStatLater();
     startDiscover();
 }

@@ -6,7 +6,7 @@ namespace mirovane {
 
 namespace {
 
-constexpr std::chrono::milliseconds waitSlice{10};
+constexpr std::chrono::milliseconds waitSlice{1000};
 
 } // namespace
 
@@ -19,7 +19,7 @@ CJobSlots::CJobSlots(CMirovaneDoc& document, CMessageLog& log, CDevicePicker& pi
 CJobSlots::~CJobSlots() {
     document_.removeObserver(*this);
     stopJobs();
-    waitForJobs([] {});
+    waitForJobs();
 }
 
 void CJobSlots::setCount(std::size_t count) {
@@ -88,9 +88,9 @@ void CJobSlots::stopJobs() {
             slot.job->stop.request_stop();
 }
 
-void CJobSlots::waitForJobs(const std::function<void()>& waiting) {
-    while (!jobs_.waitUntilIdle(waitSlice))
-        waiting();
+void CJobSlots::waitForJobs() {
+    while (!jobs_.waitUntilIdle(waitSlice)) {
+    }
 }
 
 /// A step that is under way comes back to the device that it was started for.

@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -70,8 +69,8 @@ public:
     /// Tells the jobs to stop. A stopped step changes nothing; its row is run again.
     void stopJobs();
 
-    /// Returns when no job is in progress any more; calls `waiting` every few milliseconds.
-    void waitForJobs(const std::function<void()>& waiting);
+    /// Returns when no job is in progress any more: milliseconds after stopJobs().
+    void waitForJobs();
 
 private:
     void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;

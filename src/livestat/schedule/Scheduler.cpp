@@ -146,7 +146,7 @@ void CLiveStatScheduler::afterReload() {
 }
 
 void CLiveStatScheduler::waitForJobs() {
-    slots_.waitForJobs([this] { host_.waiting(); });
+    slots_.waitForJobs();
 }
 
 void CLiveStatScheduler::resume() {

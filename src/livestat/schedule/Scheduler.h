@@ -72,6 +72,7 @@ public:
     /// Takes new settings over: run period, Discovered/Misc devices, and the number of slots, which is logged
     /// when it changes. Removing slots waits for their jobs.
     void setSettings(const LiveStatSettings& settings);
+    const LiveStatSettings& settings() const { return settings_; }
 
     /// The criteria of this type are being changed: none of its devices is checked until the next call.
     void holdType(std::optional<std::int32_t> type);

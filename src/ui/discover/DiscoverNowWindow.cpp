@@ -67,7 +67,7 @@ CDiscoverNowWindow::CDiscoverNowWindow(CStation& station, CSettings& settings, S
     : QDialog(parent),
       station_(station),
       settings_(settings),
-      discoverNow_(*station.discoverNow()),
+      discoverNow_(*station.features().discoverNow()),
       dialogs_(dialogs),
       hosts_(new CFoundHostsModel(this)),
       plan_(wrappedLabel("discoverNowPlan", this)),

@@ -34,7 +34,7 @@ CFloorHand::CFloorHand(CStation& station, const CFloorIndex& index, const CIconS
 // ---- the left button
 
 void CFloorHand::press(const FloorPointer& pointer) {
-    station_.liveMove().hold();
+    station_.edits().liveMove().hold();
     carryOut(gesture_.press(pointer));
 }
 
@@ -49,8 +49,8 @@ void CFloorHand::release(const FloorPointer& pointer) {
 
 void CFloorHand::giveUp() {
     carryOut(gesture_.giveUp());
-    if (!gesture_.buttonDown() && station_.liveMove().underWay()) { // a key is held
-        station_.liveMove().giveUp();
+    if (!gesture_.buttonDown() && station_.edits().liveMove().underWay()) { // a key is held
+        station_.edits().liveMove().giveUp();
         dragged_.clear();
     }
 }
@@ -58,7 +58,7 @@ void CFloorHand::giveUp() {
 void CFloorHand::letGo() {
     dragged_.clear();
     showLines({});
-    station_.liveMove().finish(moveVerb);
+    station_.edits().liveMove().finish(moveVerb);
 }
 
 void CFloorHand::carryOut(const FloorIntents& intents) {
@@ -75,7 +75,7 @@ void CFloorHand::carryOut(const FloorIntents& intents) {
                 selection.add(*device);
         },
         [&selection](const FloorIntent::Deselect& intent) { selection.remove(*intent.device); },
-        [this](const FloorIntent::BringToFront& intent) { station_.bringToFront(*intent.device); },
+        [this](const FloorIntent::BringToFront& intent) { station_.edits().bringToFront(*intent.device); },
         [this](const FloorIntent::MoveSelection& intent) {
             if (intent.first)
                 gather();
@@ -85,7 +85,7 @@ void CFloorHand::carryOut(const FloorIntents& intents) {
         [this](const FloorIntent::GiveUpMove&) {
             dragged_.clear();
             showLines({});
-            station_.liveMove().giveUp();
+            station_.edits().liveMove().giveUp();
         },
         [this](const FloorIntent::AddMarkerPoint& intent) {
             const FloorEdit edit = addMarkerPoint(intent.MarkingMarker, intent.at, intent.StartNewArea);
@@ -158,7 +158,7 @@ void CFloorHand::follow(MapPoint by, bool snaps) {
     for (const Dragged& dragged : dragged_)
         moves.push_back(
             {dragged.device.device, onFloor(moved(dragged.device.at, snapped.by), dragged.icon, bounds_)});
-    station_.liveMove().moveTo(moves);
+    station_.edits().liveMove().moveTo(moves);
 }
 
 std::vector<PlacedDevice> CFloorHand::neighbours(const PlacedDevice& dragged) const {
@@ -189,14 +189,14 @@ void CFloorHand::showLines(const Snap& snap) {
 bool CFloorHand::nudge(MapPoint by) {
     if (gesture_.buttonDown() || station_.busy() || station_.selection().empty(CSelection::Scope::Floor))
         return false;
-    if (!station_.liveMove().underWay())
+    if (!station_.edits().liveMove().underWay())
         gather();
     follow(by, false);
     return true;
 }
 
 void CFloorHand::nudgeEnds() {
-    if (!gesture_.buttonDown() && station_.liveMove().held())
+    if (!gesture_.buttonDown() && station_.edits().liveMove().held())
         letGo();
 }
 

@@ -144,7 +144,7 @@ void CFloorInput::leave() {
 /// anybody looks for the devices under the pointer: the save may replace the records.
 bool CFloorInput::press(const QMouseEvent& event) {
     hand_.nudgeEnds();
-    station_.endTracking();
+    station_.features().liveStat().endTracking();
     markingEnded_ = false;
     const bool left = event.button() == Qt::LeftButton;
     if (event.button() == Qt::MiddleButton || (left && pan_.spaceHeld()))
@@ -172,8 +172,8 @@ void CFloorInput::pressLeft(const QMouseEvent& event) {
     const CHardware& topmost = *pointer.hits.front();
     if (!pointer.ctrl && topmost.Type == DeviceType::LocationMarker)
         setSelectedMarker(topmost.RecID);
-    if (station_.liveStatSettings().LSAutoPerform)
-        station_.liveStatNow();
+    if (station_.features().liveStat().settings().LSAutoPerform)
+        station_.features().liveStat().performNow();
 }
 
 void CFloorInput::pressRight(const QMouseEvent& event) {
@@ -204,7 +204,7 @@ bool CFloorInput::release(const QMouseEvent& event) {
 bool CFloorInput::doubleClick(const QMouseEvent& event) {
     if (event.button() != Qt::LeftButton || gesture().shown().MarkingMarker != 0 || pan_.spaceHeld())
         return press(event);
-    station_.endTracking();
+    station_.features().liveStat().endTracking();
     view_.endFind();
     Q_EMIT propertiesWanted();
     return true;

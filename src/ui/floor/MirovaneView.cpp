@@ -63,7 +63,7 @@ CMirovaneView::CMirovaneView(CStation& station, CMessageLog& log, QWidget* paren
       log_(log),
       drawing_(station.document(), station.datafile(), display()),
       input_(*this, station),
-      rings_(station.liveStat()) {
+      rings_(station.features().liveStat()) {
     setUp(*this);
     new CFloorToolTip(*this);
     state_.view.zoom = floorZoom(display());

@@ -84,7 +84,7 @@ int CDesktop::endSession() {
 
 void CDesktop::pauseStation(bool pause) {
     if (pause && station_)
-        pause_.emplace(*station_);
+        pause_.emplace(station_->pauses());
     else
         pause_.reset();
 }

@@ -71,7 +71,7 @@ private:
     CSystemSweepProbes sweepProbes_{probes_.hosts()};
     std::unique_ptr<CStation> station_;
     std::unique_ptr<CMainFrame> frame_;
-    std::optional<CStation::CPause> pause_;
+    std::optional<CPause> pause_;
 };
 
 } // namespace mirovane

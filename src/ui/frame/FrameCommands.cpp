@@ -60,7 +60,7 @@ void CFrameCommands::connectTo(CCommandActions& actions) {
     const auto on = [&actions](CommandId id, std::function<void()> run) {
         actions.setHandler(id, {[run = std::move(run)](const CommandDefinition&, bool) { run(); }, {}});
     };
-    if (services_.station.discoverNow())
+    if (services_.station.features().discoverNow())
         on(
             CommandId::ToolsDiscoverNow, [this] { parts_.windows.showDiscoverNow(); });
     on(CommandId::FileExit, [this] { parts_.frame.close(); });

@@ -203,19 +203,19 @@ void CCriteriaWindow::typePicked() {
     storeTyping(); // what is being typed belongs to the type that was shown
     type_ = typeOfEntry(storedText(device_->currentText()));
     if (isVisible())
-        station_.showCriteriaOf(type_);
+        station_.features().liveStat().holdType(type_);
     showRows();
 }
 
 void CCriteriaWindow::showEvent(QShowEvent* event) {
-    station_.showCriteriaOf(type_);
+    station_.features().liveStat().holdType(type_);
     QDialog::showEvent(event);
 }
 
 /// The rules count from here on; not while the window is only minimized.
 void CCriteriaWindow::hideEvent(QHideEvent* event) {
     if (!event->spontaneous())
-        station_.showCriteriaOf(std::nullopt);
+        station_.features().liveStat().holdType(std::nullopt);
     QDialog::hideEvent(event);
 }
 

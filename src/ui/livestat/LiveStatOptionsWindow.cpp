@@ -97,7 +97,7 @@ QLayout* CLiveStatOptionsWindow::makeButtons() {
 }
 
 void CLiveStatOptionsWindow::showStored() {
-    const LiveStatSettings& settings = station_.liveStatSettings();
+    const LiveStatSettings& settings = station_.features().liveStat().settings();
     runSec_->setValue(settings.LSRunSec);
     numPerRun_->setValue(settings.LSNumPerRun);
     confirmOff_->setValue(settings.LSConfirmOff);
@@ -108,7 +108,7 @@ void CLiveStatOptionsWindow::showStored() {
 }
 
 LiveStatSettings CLiveStatOptionsWindow::shownSettings() const {
-    LiveStatSettings settings = station_.liveStatSettings();
+    LiveStatSettings settings = station_.features().liveStat().settings();
     settings.LSRunSec = runSec_->value();
     settings.LSNumPerRun = numPerRun_->value();
     settings.LSConfirmOff = confirmOff_->value();
@@ -139,7 +139,7 @@ void CLiveStatOptionsWindow::done(int result) {
     settings.writeAll(services_.settings);
     if (!storeRanges())
         return;
-    station_.setLiveStatSettings(settings);
+    station_.features().liveStat().setSettings(settings);
     const SaveReport report = station_.saveDatafile();
     QDialog::done(result);
     if (report.failed())

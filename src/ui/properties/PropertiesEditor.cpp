@@ -169,7 +169,7 @@ bool CPropertiesEditor::mayHaveTwin(CPropertiesDialog& dialog, const PropertiesE
     if (!twin)
         return true;
     const CHardware* other = document.findDevice(twin->other);
-    const CStation::CPause pause(parts_.station); // the records stay those that the question is about
+    const CPause pause(parts_.station.pauses()); // the records stay those that the question is about
     const DuplicateAnswer answer =
         parts_.prompts.askDuplicate(dialog, qText(twin->question()), other ? otherText(*other) : QString());
     if (answer == DuplicateAnswer::ShowOther)
@@ -234,8 +234,8 @@ void CPropertiesEditor::openTest(CPropertiesDialog& dialog, std::int32_t type, i
 }
 
 void CPropertiesEditor::finish() {
-    if (parts_.station.liveStatSettings().LSAutoPerform && !parts_.station.selection().empty())
-        parts_.station.liveStatNow();
+    if (parts_.station.features().liveStat().settings().LSAutoPerform && !parts_.station.selection().empty())
+        parts_.station.features().liveStat().performNow();
 }
 
 } // namespace mirovane

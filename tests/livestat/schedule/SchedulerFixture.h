@@ -32,7 +32,6 @@ public:
     void redraw() override { ++redraws; }
     void indicatorsChanged() override {}
     void track(std::int32_t recID) override { tracked.push_back(recID); }
-    void waiting() override {}
 
     SaveResult saved = SaveResult::Saved;
     bool answer = false;

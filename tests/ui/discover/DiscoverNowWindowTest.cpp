@@ -64,9 +64,9 @@ protected:
         settings.write(sweepRateSetting, 20);
         open();
         button("discoverNowStart")->click();
-        ASSERT_TRUE(passUntil([this] { return station->discoverNow()->found().size() == 2; }));
+        ASSERT_TRUE(passUntil([this] { return station->features().discoverNow()->found().size() == 2; }));
     }
-    bool over() { return !station->discoverNow()->running(); }
+    bool over() { return !station->features().discoverNow()->running(); }
     std::size_t devices() { return station->document().deviceCount(); }
 
     TestFolder folder;

@@ -19,9 +19,9 @@ class FloorInputTest : public testing::Test {
 protected:
     FloorInputTest() {
         site.station->newDatafile();
-        LiveStatSettings settings = site.station->liveStatSettings();
+        LiveStatSettings settings = site.station->features().liveStat().settings();
         settings.LSAutoPerform = false;
-        site.station->setLiveStatSettings(settings);
+        site.station->features().liveStat().setSettings(settings);
         QImage(1000, 800, QImage::Format_RGB32).save(QString::fromStdString(folder.file("map.bmp")));
         setFloorMap(site.doc(), {folder.file("map.bmp"), {}});
         site.station->saveDatafileAs(folder.file("floor.mv"));
@@ -73,7 +73,7 @@ protected:
             ids.push_back(device->RecID);
         return ids;
     }
-    const std::deque<EditStep>& steps() { return site.station->history().steps(); }
+    const std::deque<EditStep>& steps() { return site.station->edits().history().steps(); }
     QScrollBar& across() { return *view.horizontalScrollBar(); }
     QScrollBar& down() { return *view.verticalScrollBar(); }
 

@@ -296,9 +296,9 @@ TEST_F(MirovaneViewTest, AClickRunsLiveStatNowOnTheSelectionIfTheUserWantsIt) {
     };
     EXPECT_FALSE(click({300, 300}));
     EXPECT_TRUE(click({50, 60}));
-    LiveStatSettings settings = site.station->liveStatSettings();
+    LiveStatSettings settings = site.station->features().liveStat().settings();
     settings.LSAutoPerform = false;
-    site.station->setLiveStatSettings(settings);
+    site.station->features().liveStat().setSettings(settings);
     EXPECT_FALSE(click({50, 60}));
 }
 
@@ -344,7 +344,7 @@ TEST_F(MirovaneViewTest, ADragBesideTheDevicesLeavesABoxUntilTheNextClick) {
 TEST_F(MirovaneViewTest, RingsStayWhereTheyAreUntilLiveStatTellsOfOthers) {
     add(DeviceType::Computer, {40, 50}, "a");
     add(DeviceType::Computer, {70, 50}, "b");
-    site.station->toggleLiveStat();
+    site.station->features().liveStat().toggle();
     for (int i = 0; i < 5000 && !site.liveStat().holdsDevice(2); ++i) {
         QCoreApplication::processEvents(); // what the last tick asked for is drawn before the next one
         timers.advance(std::chrono::milliseconds(1));

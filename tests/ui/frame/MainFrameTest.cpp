@@ -255,7 +255,7 @@ TEST_F(MainFrameTest, LiveStatNeedsDevicesAndItsCheckMarkTellsTheTruth) {
     frame->refresh();
     ASSERT_TRUE(action("toolsLiveStat")->isEnabled());
     action("toolsLiveStat")->trigger();
-    EXPECT_TRUE(station->liveStat().enabled());
+    EXPECT_TRUE(station->features().liveStat().enabled());
     EXPECT_TRUE(action("toolsLiveStat")->isChecked());
     action("toolsLiveStat")->trigger();
     EXPECT_FALSE(action("toolsLiveStat")->isChecked());
@@ -272,7 +272,7 @@ TEST_F(MainFrameTest, ARefusedTakeOverLeavesNoCheckMark) {
     dialogs.answers = {false};
     action("toolsLiveStat")->trigger();
     EXPECT_EQ(dialogs.questions.size(), 1u);
-    EXPECT_FALSE(station->liveStat().enabled());
+    EXPECT_FALSE(station->features().liveStat().enabled());
     EXPECT_FALSE(action("toolsLiveStat")->isChecked());
 }
 
@@ -359,7 +359,7 @@ TEST_F(MainFrameTest, TrackingNeedsLiveStatFollowsItAndEndsWithAClick) {
     track->trigger();
     EXPECT_EQ(dialogs.failures, std::vector<std::string>{"Live stat must be enabled first."});
     EXPECT_FALSE(track->isChecked());
-    station->toggleLiveStat();
+    station->features().liveStat().toggle();
     track->trigger();
     EXPECT_TRUE(track->isChecked());
     EXPECT_TRUE(logged("Track Live stat Enabled"));
@@ -371,7 +371,7 @@ TEST_F(MainFrameTest, TrackingNeedsLiveStatFollowsItAndEndsWithAClick) {
     EXPECT_FALSE(track->isChecked());
     EXPECT_TRUE(logged("Track Live stat Disabled"));
     track->trigger();
-    station->toggleLiveStat();
+    station->features().liveStat().toggle();
     frame->refresh();
     EXPECT_FALSE(track->isChecked()) << "nothing is left to follow";
 }

@@ -258,7 +258,7 @@ TEST_F(CriteriaWindowTest, AnotherStationsRulesAppearAndTypedTextStays) {
 
 TEST_F(CriteriaWindowTest, LiveStatRunsNoRuleThatIsShown) {
     chooseType(DeviceType::Printer);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(20'000);
     EXPECT_EQ(a.device(1).State, DeviceState::Def) << "half a rule must not be run";
     chooseType(DeviceType::Computer);

@@ -62,7 +62,7 @@ TEST_F(LiveStatOptionsTest, ClosingStoresTheSettingsAndResizesThePool) {
     EXPECT_EQ(a.settings.read("LSRunSec", -1), 1);
     EXPECT_EQ(a.settings.read("LSAutoPerform", -1), 0);
     EXPECT_EQ(a.settings.read("LSAutoStart", -1), 1);
-    EXPECT_EQ(a.station->liveStatSettings().LSRunSec, 1);
+    EXPECT_EQ(a.station->features().liveStat().settings().LSRunSec, 1);
     EXPECT_EQ(a.liveStat().slotCount(), 40u);
     EXPECT_EQ(a.logged(),
               (test::Lines{"adding 10 more device checks per run", "Saved changes to data file"}));

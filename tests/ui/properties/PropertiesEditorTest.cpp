@@ -153,7 +153,7 @@ TEST_F(PropertiesEditorTest, EditsOneDeviceAsOneStepThatIsSaved) {
     EXPECT_EQ(device(1).Comment, "two\r\nlines");
     EXPECT_EQ(device(1).ReminderOn, 1);
     EXPECT_EQ(device(1).ReminderDate, localDateTime(document().now()));
-    EXPECT_EQ(station->history().steps().size(), 1U);
+    EXPECT_EQ(station->edits().history().steps().size(), 1U);
     EXPECT_FALSE(station->document().modified());
 
     open({1});
@@ -161,7 +161,7 @@ TEST_F(PropertiesEditorTest, EditsOneDeviceAsOneStepThatIsSaved) {
     key(Qt::Key_Escape);
     EXPECT_EQ(dialog(), nullptr);
     EXPECT_EQ(device(1).Name, "pc-1x >>");
-    EXPECT_EQ(station->history().steps().size(), 1U);
+    EXPECT_EQ(station->edits().history().steps().size(), 1U);
 }
 
 TEST_F(PropertiesEditorTest, AMixedSelectionHasOneDialogAfterTheOther) {
@@ -204,7 +204,7 @@ TEST_F(PropertiesEditorTest, AsksAboutAnotherDeviceWithTheSameName) {
     EXPECT_EQ(dialog(), nullptr);
     EXPECT_EQ(device(1).Name, "pc-1");
     EXPECT_EQ(device(1).Modified, saved);
-    EXPECT_TRUE(station->history().steps().empty());
+    EXPECT_TRUE(station->edits().history().steps().empty());
     EXPECT_EQ(prompts.asked.front(),
               QStringLiteral("Another device has the same \"Name\" value(s), do you want to continue?|"
                              "It is Computer \"pc-2\", Rec ID 2, on the floor."));
@@ -230,7 +230,7 @@ TEST_F(PropertiesEditorTest, NextAndPreviousApplyAndMoveOn) {
     activate();
     EXPECT_EQ(qobject_cast<QLineEdit*>(focus())->text(), QStringLiteral("pc-3"));
     key(Qt::Key_Escape);
-    EXPECT_EQ(station->history().steps().size(), 1U) << "looking is not editing";
+    EXPECT_EQ(station->edits().history().steps().size(), 1U) << "looking is not editing";
 }
 
 TEST_F(PropertiesEditorTest, AColleagueWhoSavesMeanwhileLosesNothing) {

@@ -46,7 +46,7 @@ public:
     bool SnmpCancelMsg(SNMPTransportSession& session, std::int32_t requestId) override;
     SNMPError SnmpGetLastError(const SNMPTransportSession* session) override;
 
-    /// Requests that wait for a reply; for tests.
+    /// Requests that wait for a reply. Only tests ask: one that is never forgotten shows nowhere else.
     std::size_t outstanding() const;
 
 private:

@@ -33,9 +33,10 @@ CommandState commandState(const CStation& station) {
     state.hasDevices = document.deviceCount() > 0;
     state.hasSelection = !station.selection().empty();
     state.hasFloorSelection = !station.selection().empty(CSelection::Scope::Floor);
-    state.hasUndo = station.history().next(CEditHistory::Way::Undo) != nullptr;
-    state.hasRedo = station.history().next(CEditHistory::Way::Redo) != nullptr;
-    state.hasAddressRanges = hasRanges || station.liveDiscover().enabled(); // it can be switched off
+    state.hasUndo = station.edits().history().next(CEditHistory::Way::Undo) != nullptr;
+    state.hasRedo = station.edits().history().next(CEditHistory::Way::Redo) != nullptr;
+    state.hasAddressRanges =
+        hasRanges || station.features().liveDiscover().enabled(); // it can be switched off
     state.hasDueReminder = !selectedDueDevices(station).empty();
     return state;
 }
@@ -43,9 +44,9 @@ CommandState commandState(const CStation& station) {
 IndicatorState indicatorState(const CStation& station) {
     IndicatorState state;
     state.remindersDue = station.reminders().DueCount();
-    state.liveDiscoverEnabled = station.liveDiscover().enabled();
+    state.liveDiscoverEnabled = station.features().liveDiscover().enabled();
     state.discovered = station.discovered();
-    state.liveStatText = QString::fromStdString(station.liveStat().statusText());
+    state.liveStatText = QString::fromStdString(station.features().liveStat().statusText());
     state.liveStatElsewhere = elsewhere(station.document(), Feature::LiveStat);
     state.liveDiscoverElsewhere = elsewhere(station.document(), Feature::LiveDiscover);
     state.anyTypeHidden = station.display().VisibleTypes != -1;

@@ -97,8 +97,9 @@ void CFindCommands::search(FindMode mode, From from) {
 void CFindCommands::showFound(const CHardware& device) {
     if (device.Type == DeviceType::LocationMarker)
         parts_.floor.setSelectedMarker(device.RecID);
-    if (parts_.station.liveStatSettings().LSAutoPerform && !parts_.station.liveStat().tracking())
-        parts_.station.liveStatNow();
+    if (parts_.station.features().liveStat().settings().LSAutoPerform &&
+        !parts_.station.features().liveStat().tracking())
+        parts_.station.features().liveStat().performNow();
     if (device.inDiscovered())
         parts_.showInDiscovered(device, false);
     else

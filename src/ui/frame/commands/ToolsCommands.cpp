@@ -14,24 +14,27 @@ void CToolsCommands::connectTo(CCommandActions& actions) {
     actions.setHandler(CommandId::ToolsPhotoPath,
                        {[this](const CommandDefinition&, bool) { choosePhotos(); }, {}});
     actions.setHandler(CommandId::ToolsLiveStat,
-                       {[this](const CommandDefinition&, bool) { station_.toggleLiveStat(); },
+                       {[this](const CommandDefinition&, bool) { station_.features().liveStat().toggle(); },
                         [this](const CommandDefinition&) {
-                            return station_.liveStat().enabled();
+                            return station_.features().liveStat().enabled();
                         }});
-    actions.setHandler(CommandId::ToolsLiveDiscover,
-                       {[this](const CommandDefinition&, bool) { station_.toggleLiveDiscover(); },
-                        [this](const CommandDefinition&) {
-                            return station_.liveDiscover().enabled();
-                        }});
-    actions.setHandler(CommandId::ToolsLiveStatNow,
-                       {[this](const CommandDefinition&, bool) { station_.liveStatNow(); }, {}});
+    actions.setHandler(CommandId::ToolsLiveDiscover, {[this](const CommandDefinition&, bool) {
+                                                          station_.features().liveDiscover().toggle();
+                                                      },
+                                                      [this](const CommandDefinition&) {
+                                                          return station_.features().liveDiscover().enabled();
+                                                      }});
+    actions.setHandler(
+        CommandId::ToolsLiveStatNow,
+        {[this](const CommandDefinition&, bool) { station_.features().liveStat().performNow(); }, {}});
     actions.setHandler(CommandId::ToolsLiveStatOptions,
                        {[this](const CommandDefinition&, bool) { openLiveStatOptions(); }, {}});
-    actions.setHandler(CommandId::ToolsTrackLiveStat,
-                       {[this](const CommandDefinition&, bool) { station_.toggleTracking(); },
-                        [this](const CommandDefinition&) {
-                            return station_.liveStat().tracking();
-                        }});
+    actions.setHandler(CommandId::ToolsTrackLiveStat, {[this](const CommandDefinition&, bool) {
+                                                           station_.features().liveStat().toggleTracking();
+                                                       },
+                                                       [this](const CommandDefinition&) {
+                                                           return station_.features().liveStat().tracking();
+                                                       }});
 }
 
 void CToolsCommands::openLiveStatOptions(QWidget* asking) {

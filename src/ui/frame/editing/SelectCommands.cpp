@@ -48,8 +48,9 @@ void CSelectCommands::select(SelectionCommand command) {
                                parts_.floor.input().PointerInMarkedArea()};
     const SelectionOutcome outcome = mirovane::select(command, additive, parts_.station.selection(), scene);
     parts_.log.LogMessage(outcome.message, true);
-    if (outcome.forLiveStatNow && outcome.count > 0 && parts_.station.liveStatSettings().LSAutoPerform)
-        parts_.station.liveStatNow();
+    if (outcome.forLiveStatNow && outcome.count > 0 &&
+        parts_.station.features().liveStat().settings().LSAutoPerform)
+        parts_.station.features().liveStat().performNow();
 }
 
 // ---- hide

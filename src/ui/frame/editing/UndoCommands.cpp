@@ -42,7 +42,7 @@ void CUndoCommands::historyChanged() {
 void CUndoCommands::showName(QAction* action, const QString& verb, CEditHistory::Way way) {
     if (!action)
         return;
-    const EditStep* step = parts_.station.history().next(way);
+    const EditStep* step = parts_.station.edits().history().next(way);
     const QString name = step ? u' ' + shownText(step->name).replace(u'&', QStringLiteral("&&")) : QString();
     action->setText(verb + name);
 }

@@ -160,7 +160,7 @@ bool CFileCommands::saveUnderNewName(const std::string& path) {
 bool CFileCommands::readOnly() const {
     if (station_.datafile().path().empty())
         return false;
-    const auto& error = station_.lastSaveError();
+    const auto& error = station_.watch().lastError();
     return error ? error->kind == FileError::Kind::Denied : !writable_;
 }
 

@@ -131,7 +131,7 @@ TEST_F(FileCommandsTest, RecentFilesKeepFourAndForgetWhatIsGone) {
 TEST_F(FileCommandsTest, ClosingSwitchesLiveStatOffAndReleasesTheDatafile) {
     const std::string path = makeDatafile("live.mv");
     ASSERT_TRUE(files->openPath(path));
-    station->toggleLiveStat();
+    station->features().liveStat().toggle();
     ASSERT_EQ(document().findSpecial(SpecialType::LiveStatOwnerRecord)->State, 1);
     EXPECT_TRUE(files->close());
     ASSERT_TRUE(files->openPath(path));
@@ -142,7 +142,7 @@ TEST_F(FileCommandsTest, ClosingAsksWhenTheLastSaveFails) {
     fs::create_directory(inFolder("share"));
     const std::string path = makeDatafile("share/live.mv");
     ASSERT_TRUE(files->openPath(path));
-    station->toggleLiveStat();
+    station->features().liveStat().toggle();
     fs::remove_all(inFolder("share"));
     addComputer();
     dialogs.saveAnswers = {SaveAnswer::Cancel};
@@ -161,7 +161,7 @@ TEST_F(FileCommandsTest, WhoLeavesWithoutSavingIsAskedOnce) {
     fs::create_directory(inFolder("share"));
     const std::string path = makeDatafile("share/live.mv");
     ASSERT_TRUE(files->openPath(path));
-    station->toggleLiveStat();
+    station->features().liveStat().toggle();
     fs::remove_all(inFolder("share"));
     addComputer();
     ASSERT_TRUE(
