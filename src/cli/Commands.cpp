@@ -2,6 +2,7 @@
 
 #include "cli/datafile/DatafileCommands.h"
 #include "cli/discover/DiscoverCommands.h"
+#include "cli/doctor/DoctorCommand.h"
 #include "cli/livestat/LiveStatCommands.h"
 #include "cli/probes/ProbeCommands.h"
 #include "cli/station/StationCommand.h"
@@ -18,7 +19,7 @@ constexpr std::array table{
     &upgradeCommand,  &addCommand,      &setCommand,      &deleteCommand,       &copyCommand,
     &importCommand,   &exportCommand,   &criteriaCommand, &applicationsCommand, &rangesCommand,
     &stationCommand,  &sweepCommand,    &pingCommand,     &lookupCommand,       &snmpGetCommand,
-    &registryCommand, &loggedOnCommand, &matchCommand,    &testCommand,
+    &registryCommand, &loggedOnCommand, &matchCommand,    &testCommand,         &doctorCommand,
 };
 
 } // namespace
