@@ -5,6 +5,7 @@ author = "the Mirovane developers"
 html_title = "Mirovane"
 highlight_language = "text"  # indented blocks are commands and what they print
 language = "en"
+smartquotes = False  # texts are as the program shows them
 
 extensions = ["myst_parser"]
 myst_heading_anchors = 3  # links like page.md#a-heading
@@ -26,3 +27,15 @@ html_use_index = False
 html_show_search_summary = False
 pygments_style = "default"
 pygments_dark_style = "native"
+
+
+# The pages need none of these: neither does the theme, and the search has not for long.
+unused_scripts = ("_static/jquery.js", "_static/underscore.js", "_static/_sphinx_javascript_frameworks_compat.js")
+
+
+def leave_out_unused_scripts(app, page, template, context, doctree):
+    context["script_files"] = [script for script in context["script_files"] if script not in unused_scripts]
+
+
+def setup(app):
+    app.connect("html-page-context", leave_out_unused_scripts, priority=900)
