@@ -111,7 +111,9 @@ std::optional<QString> findManualPage(const QString& page, const QStringList& fo
 }
 
 QStringList manualFolders() {
-    return {QStringLiteral(MIROVANE_INSTALLED_MANUAL), QStringLiteral(MIROVANE_BUILT_MANUAL)};
+    QStringList folders{QStringLiteral(MIROVANE_INSTALLED_MANUAL), QStringLiteral(MIROVANE_BUILT_MANUAL)};
+    folders.removeAll(QString()); // what is made for a package does not know where it was built
+    return folders;
 }
 
 } // namespace mirovane

@@ -127,6 +127,7 @@ QStringList CIconSet::ownFolders() {
         folders << QDir(QCoreApplication::applicationDirPath())
                        .filePath(QStringLiteral("../share/mirovane/icons"));
     folders << QStringLiteral(MIROVANE_INSTALLED_ICONS) << QStringLiteral(MIROVANE_SOURCE_ICONS);
+    folders.removeAll(QString()); // what is made for a package does not know where its sources were
     return folders;
 }
 
