@@ -53,6 +53,20 @@ QString deviceTip(const CHardware& device) {
     return lines.join(u'\n');
 }
 
+/// The end of a label tells two devices apart as often as its beginning, so a wide one is made narrower
+/// instead of shorter.
+void paintLabel(QPainter& painter, const QString& text, QPoint corner) {
+    constexpr int room = DiscoveredGrid::CellWidth - iconMargin - 2;
+    const int width = painter.fontMetrics().horizontalAdvance(text);
+    const QRect line(0, 0, std::max(width, room), lineHeight);
+    painter.save();
+    painter.translate(corner);
+    if (width > room)
+        painter.scale(static_cast<qreal>(room) / width, 1);
+    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text);
+    painter.restore();
+}
+
 std::optional<DiscoveredGrid::Step> stepOf(int key) {
     switch (key) {
     case Qt::Key_Left:
@@ -254,15 +268,12 @@ void CDiscoveredView::paintCell(QPainter& painter, int place) const {
     const GridPoint cell = grid().cell(place);
     const QPoint corner(cell.x + iconMargin, cell.y + iconMargin);
     int baseline = corner.y() + paintIcon(painter, device, corner);
-    const QFontMetrics metrics = painter.fontMetrics();
     painter.setPen(palette().color(QPalette::Text));
     for (const std::string* label : labels(device)) {
         if (label->empty())
             continue;
         const QString text = shownText(*label).simplified().left(labelLength);
-        const QRect line(corner.x(), baseline, DiscoveredGrid::CellWidth - iconMargin, lineHeight);
-        painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                         metrics.elidedText(text, Qt::ElideRight, line.width()));
+        paintLabel(painter, text, {corner.x(), baseline});
         baseline += lineHeight;
     }
     if (place != current_ || !hasFocus())
@@ -382,6 +393,12 @@ void CDiscoveredView::mouseReleaseEvent(QMouseEvent* event) {
     else if (place && gesture == Gesture::Pressed && !ctrl)
         selectOnly(place);
     viewport()->update();
+}
+
+/// Its first half was a press and a release.
+void CDiscoveredView::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && hit(contentPoint(event->position().toPoint())))
+        Q_EMIT propertiesWanted();
 }
 
 /// Runs an event loop of its own until the devices are dropped.

@@ -20,16 +20,21 @@ namespace {
 
 using Scope = CSelection::Scope;
 
-constexpr QSize firstSize(6 * DiscoveredGrid::CellWidth + 40, 4 * DiscoveredGrid::CellHeight + 40);
+constexpr QSize firstSize(5 * DiscoveredGrid::CellWidth + 30, 3 * DiscoveredGrid::CellHeight + 40);
 constexpr QSize smallestSize(160, 160);
 constexpr PlacementKeys placement{"WindowDiscoverTopX", "WindowDiscoverTopY", "WindowDiscoverBotX",
                                   "WindowDiscoverBotY"};
 constexpr int edge = 10;
 
+/// Window systems keep no other kind of window above its owner.
+constexpr Qt::WindowFlags flagsAboveOwner = Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                                            Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint;
+
 } // namespace
 
-CDiscoveredWindow::CDiscoveredWindow(Parts parts)
-    : parts_(std::move(parts)),
+CDiscoveredWindow::CDiscoveredWindow(Parts parts, QWidget* owner)
+    : QWidget(owner, flagsAboveOwner),
+      parts_(std::move(parts)),
       view_(new CDiscoveredView(parts_.station, parts_.icons, this)),
       status_(new QLabel(this)),
       edit_(new QMenu(tr("&Edit"), this)) {
@@ -43,6 +48,7 @@ CDiscoveredWindow::CDiscoveredWindow(Parts parts)
     restorePlacement(*this, parts_.settings, placement);
     new CPlacementKeeper(*this, parts_.settings, placement);
     connect(view_, &CDiscoveredView::changed, this, &CDiscoveredWindow::showStatus);
+    connect(view_, &CDiscoveredView::propertiesWanted, this, parts_.properties);
     view_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(view_, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& at) { edit_->popup(view_->viewport()->mapToGlobal(at)); });
@@ -89,6 +95,8 @@ void CDiscoveredWindow::fillMenus() {
     types->setObjectName(QStringLiteral("discoveredTypes"));
     onSelection_.push_back(types->menuAction());
     fillTypes(*types);
+    onSelection_.push_back(add(*edit_, tr("&Properties"), "discoveredProperties",
+                               QKeySequence(QStringLiteral("Alt+Return")), parts_.properties));
     edit_->addSeparator();
     add(*edit_, tr("&Find..."), "discoveredFind", QKeySequence(QStringLiteral("Ctrl+F")), parts_.find);
     add(*edit_, tr("Find &Next"), "discoveredFindNext", Qt::Key_F3, parts_.findNext);
@@ -133,6 +141,11 @@ void CDiscoveredWindow::showStatus() {
 }
 
 // ---- commands
+
+void CDiscoveredWindow::openBeside(const QWidget& window) {
+    if (!hasPlacement(parts_.settings, placement))
+        move(placeBeside(size(), window.frameGeometry(), window.screen()->availableGeometry()));
+}
 
 void CDiscoveredWindow::present() {
     setWindowState(windowState() & ~Qt::WindowMinimized);

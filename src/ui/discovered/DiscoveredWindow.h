@@ -29,11 +29,18 @@ public:
         std::function<void()> find;
         std::function<void()> findNext;
         std::function<void()> findReminderDue;
+        std::function<void()> properties; ///< of the devices that are selected here
     };
 
-    explicit CDiscoveredWindow(Parts parts);
+    /// `owner` is the window with the floor. This one stays above it: devices are dragged between the two, and
+    /// a press on the floor must not bury where they are dragged to.
+    CDiscoveredWindow(Parts parts, QWidget* owner);
 
     CDiscoveredView& view() { return *view_; }
+
+    /// Where no place was stored, the window opens at the right edge of this one: what is dragged from here
+    /// to its floor, or from there, has the other window in sight.
+    void openBeside(const QWidget& window);
 
     /// Shows the window, restores it when it is minimised and brings it to the top.
     void present();

@@ -144,7 +144,10 @@ CQuickFindField::CQuickFindField(QWidget* parent) : QLineEdit(parent) {
     setPlaceholderText(tr("Quick find (Ctrl+K)"));
     setToolTip(tr("Find a device by anything that is known of it"));
     setReadOnly(true);
-    setMaximumWidth(220);
+    constexpr int narrowest = 120;
+    constexpr int widest = 220;
+    setMinimumWidth(narrowest);
+    setMaximumWidth(widest);
 }
 
 void CQuickFindField::mousePressEvent(QMouseEvent*) {

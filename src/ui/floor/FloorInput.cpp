@@ -127,8 +127,23 @@ void CFloorInput::drag(QPoint windowPoint, Qt::KeyboardModifiers held) {
     if (!gesture().buttonDown())
         return;
     hand_.move(pointerAt(windowPoint, held, false));
-    if (gesture().shown().box || gesture().dragging())
+    const bool leaves = leavesFloor(windowPoint);
+    pan_.showLeaving(leaves);
+    if (leaves)
+        pan_.stopPushing();
+    else if (gesture().shown().box || gesture().dragging())
         pan_.pushTo(windowPoint);
+}
+
+/// The floor keeps the mouse while the button is down, so nobody else sees what comes over another window.
+bool CFloorInput::leavesFloor(QPoint windowPoint) const {
+    return dropTarget_ && hand_.gesture().dragging() &&
+           dropTarget_->isAt(view_.viewport()->mapToGlobal(windowPoint));
+}
+
+void CFloorInput::dropElsewhere() {
+    hand_.giveUp();
+    dropTarget_->devicesDropped();
 }
 
 /// Nothing is under the pointer any more.
@@ -195,6 +210,9 @@ bool CFloorInput::release(const QMouseEvent& event) {
     if (event.button() != Qt::LeftButton)
         return false;
     pan_.stopPushing();
+    pan_.showLeaving(false);
+    if (leavesFloor(event.position().toPoint()))
+        dropElsewhere();
     hand_.release(pointerAt(event));
     redrawSelected();
     return true;

@@ -16,6 +16,18 @@ namespace mirovane {
 
 class CMirovaneView;
 
+/// A window beside the floor that takes devices which are dragged off it.
+class FloorDropTarget {
+public:
+    virtual ~FloorDropTarget() = default;
+
+    /// It is what one sees at this point of the screen.
+    virtual bool isAt(QPoint screenPoint) const = 0;
+
+    /// The selected devices were let go over it, and are on the floor where they were before the drag.
+    virtual void devicesDropped() = 0;
+};
+
 /// Mouse and keys on the floor: turns the events of the view into gestures, hover and scrolling. Belongs to
 /// the view. Main thread.
 class CFloorInput : public QObject, private FloorHandHost {
@@ -43,6 +55,9 @@ public:
 
     /// This device shows all its labels until the pointer moves.
     void showLabels(const CHardware& device) { hover_.showOnly(&device); }
+
+    /// Outlives the view; null: devices stay on the floor.
+    void setDropTarget(FloorDropTarget* target) { dropTarget_ = target; }
 
     /// Another device may have come to lie under a pointer that rests.
     void floorScrolled();
@@ -78,6 +93,8 @@ private:
     bool walk(bool forward);
     void keysReleased();
     void drag(QPoint windowPoint, Qt::KeyboardModifiers held);
+    void dropElsewhere();
+    bool leavesFloor(QPoint windowPoint) const;
     void hover(QPoint windowPoint, bool synthetic);
     void tellPointer(std::optional<QPoint> windowPoint);
     void redrawSelected();
@@ -89,6 +106,7 @@ private:
     CFloorHover hover_;
     CFloorHand hand_;
     CFloorPan pan_;
+    FloorDropTarget* dropTarget_ = nullptr;
     std::optional<QPoint> pointer_; ///< where it rests over the floor, in window coordinates
     bool pointerInMarkedArea_ = false;
     bool markingEnded_ = false; ///< by the right button, whose menu is not wanted this time

@@ -45,8 +45,17 @@ void CFloorPan::showCursor() {
         view_.viewport()->setCursor(Qt::ClosedHandCursor);
     else if (spaceHeld_)
         view_.viewport()->setCursor(Qt::OpenHandCursor);
+    else if (leaves_)
+        view_.viewport()->setCursor(Qt::DragMoveCursor);
     else
         view_.viewport()->unsetCursor();
+}
+
+void CFloorPan::showLeaving(bool leaves) {
+    if (leaves_ == leaves)
+        return;
+    leaves_ = leaves;
+    showCursor();
 }
 
 void CFloorPan::pushTo(QPoint windowPoint) {

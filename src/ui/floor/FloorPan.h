@@ -30,6 +30,9 @@ public:
     void pushTo(QPoint windowPoint);
     void stopPushing() { pushing_.stop(); }
 
+    /// What is dragged would be dropped into another window.
+    void showLeaving(bool leaves);
+
 private:
     struct Grip {
         QPoint at;     ///< window coordinates
@@ -46,6 +49,7 @@ private:
     QPoint pushedTo_;
     QTimer pushing_;
     bool spaceHeld_ = false;
+    bool leaves_ = false;
 };
 
 } // namespace mirovane

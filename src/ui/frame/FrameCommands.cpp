@@ -30,17 +30,17 @@ CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts
              [this](const CHardware& device, bool flash) { discovered_.discovered().show(device, flash); },
              askFind}),
       reminders_(services.station, services.dialogs),
-      discovered_({services.station, services.dialogs, services.settings, services.log, parts.floor, find_,
-                   parts.frame}),
-      applications_({services.station, services.dialogs, services.settings, services.log, services.launcher,
-                     parts.frame}),
-      help_(services.dialogs),
       properties_({services.station, services.clock, parts.frame,
                    [this] { return parts_.floor.drawing().mapSize(); },
                    [this](std::int32_t recID) { showDevice(recID); },
                    [this](std::int32_t recID) {
                        parts_.floor.input().startMarking(recID);
-                   }}) {}
+                   }}),
+      discovered_({services.station, services.dialogs, services.settings, services.log, parts.floor, find_,
+                   properties_, parts.frame}),
+      applications_({services.station, services.dialogs, services.settings, services.log, services.launcher,
+                     parts.frame}),
+      help_(services.dialogs) {}
 
 void CFrameCommands::connectTo(CCommandActions& actions) {
     files_.connectTo(actions);

@@ -75,10 +75,10 @@ private:
     CEditingCommands editing_;
     CFindCommands find_;
     CReminderCommands reminders_;
+    CPropertiesCommand properties_;
     CDiscoveredCommands discovered_;
     CApplicationCommands applications_;
     CHelpCommands help_;
-    CPropertiesCommand properties_;
 };
 
 } // namespace mirovane

@@ -1,6 +1,7 @@
 #include "ui/frame/MainFrame.h"
 
 #include "model/records/Text.h"
+#include "ui/find/QuickFindPopup.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/FileDrop.h"
 #include "ui/frame/FrameTitle.h"
@@ -113,7 +114,16 @@ void CMainFrame::connectWindows() {
         else
             toolbar_->markers().ClearMarkerSelection();
     });
-    connect(&toolbar_->markers(), &CMarkerSelector::markerChosen, this, &CMainFrame::showMarker);
+    connect(&toolbar_->markers(), &CMarkerSelector::markerChosen, this, [this](std::int32_t recID) {
+        finding().findMarker(recID);
+        floor_->setFocus();
+    });
+    connect(
+        &toolbar_->quickFind(), &CQuickFindField::wanted, this,
+        [this](const QString& typed) {
+            const QWidget& field = toolbar_->quickFind();
+            finding().quickFind(field.mapToGlobal(QPoint(0, field.height())), typed);
+        });
     connect(&panes_, &CStatusPanes::remindersClicked, this, [this] {
         if (QAction* next = actions_->action("editFindReminderDue"))
             next->trigger();
@@ -139,17 +149,6 @@ QMenu* CMainFrame::createPopupMenu() {
     auto* menu = new QMenu(this);
     menu->addActions({actions_->action("viewToolbar"), actions_->action("viewStatusBar")});
     return menu;
-}
-
-/// As a search for its number would.
-void CMainFrame::showMarker(std::int32_t recID) {
-    const CHardware* marker = services_.station.document().findDevice(recID);
-    if (!marker)
-        return;
-    services_.station.selection().none();
-    services_.station.selection().only(*marker);
-    floor_->setSelectedMarker(recID);
-    showOnFloor(recID);
 }
 
 void CMainFrame::showOnFloor(std::int32_t recID) {

@@ -62,7 +62,6 @@ private:
     void connectPaneKeys();
     void connectStation();
     void showOnFloor(std::int32_t recID);
-    void showMarker(std::int32_t recID);
     void placeWindow();
     void showTitle();
     bool showsReminder() const;

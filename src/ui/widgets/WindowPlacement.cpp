@@ -71,10 +71,28 @@ void applyPlacement(QWidget& window, const StoredPlacement& stored) {
         window.move(place.topLeft());
 }
 
-void restorePlacement(QWidget& window, const CSettings& settings, const PlacementKeys& keys) {
+bool hasPlacement(const CSettings& settings, const PlacementKeys& keys) {
     const StoredPlacement stored = readPlacement(settings, keys);
-    if (stored.left && stored.width && stored.height)
-        applyPlacement(window, stored);
+    return stored.left && stored.width && stored.height;
+}
+
+void restorePlacement(QWidget& window, const CSettings& settings, const PlacementKeys& keys) {
+    if (hasPlacement(settings, keys))
+        applyPlacement(window, readPlacement(settings, keys));
+}
+
+QPoint placeBeside(const QSize& size, const QRect& owner, const QRect& screen) {
+    constexpr QSize frame(10, 40); // that the window system adds
+    const QSize whole = size + frame;
+    const int rightmost = screen.right() + 1 - whole.width();
+    const bool roomRight = owner.right() + 1 <= rightmost;
+    const bool roomLeft = owner.left() - whole.width() >= screen.left();
+    const int left = roomRight  ? owner.right() + 1
+                     : roomLeft ? owner.left() - whole.width()
+                                : std::min(owner.right() + 1 - whole.width(), rightmost);
+    const int lowest = screen.bottom() + 1 - whole.height();
+    const int belowItsBars = owner.top() + owner.height() / 8;
+    return {std::max(left, screen.left()), std::max(std::min(belowItsBars, lowest), screen.top())};
 }
 
 void fitToScreen(QWidget& window, const QSize& wanted) {

@@ -52,6 +52,13 @@ void applyPlacement(QWidget& window, const StoredPlacement& stored);
 /// The same for a window that is not the main one: its default stays unless left, width and height are set.
 void restorePlacement(QWidget& window, const CSettings& settings, const PlacementKeys& keys);
 
+/// Whether restorePlacement() finds a place.
+bool hasPlacement(const CSettings& settings, const PlacementKeys& keys);
+
+/// Where a window of this size covers least of the window that it opens beside (`owner`, with its frame): on
+/// its right or left where the screen has room, else over its right edge.
+QPoint placeBeside(const QSize& size, const QRect& owner, const QRect& screen);
+
 /// Gives a window that is not yet shown the wanted size, or what its contents need, but no more than the
 /// screen of its parent has.
 void fitToScreen(QWidget& window, const QSize& wanted);

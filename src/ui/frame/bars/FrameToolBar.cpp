@@ -1,5 +1,6 @@
 #include "ui/frame/bars/FrameToolBar.h"
 
+#include "ui/find/QuickFindPopup.h"
 #include "ui/frame/bars/MarkerSelector.h"
 #include "ui/frame/bars/ToolIcons.h"
 
@@ -49,12 +50,14 @@ CFrameToolBar::CFrameToolBar(QMainWindow& window, const CCommandActions& actions
     : QToolBar(tr("Toolbar"), &window),
       window_(window),
       settings_(settings),
-      markers_(new CMarkerSelector(document)) {
+      markers_(new CMarkerSelector(document)),
+      quickFind_(new CQuickFindField) {
     setObjectName(QStringLiteral("toolbar"));
     setIconSize(buttonSize);
     setAllowedAreas(Qt::AllToolBarAreas);
     addButtons(actions);
     addWidget(markers_);
+    addQuickFind(actions);
     window.addToolBar(areaOf(settings_.read(areaSetting, Qt::TopToolBarArea)), this);
     connect(this, &QToolBar::topLevelChanged, this, &CFrameToolBar::keepPlace);
     connect(this, &QToolBar::orientationChanged, this, &CFrameToolBar::keepPlace);
@@ -73,6 +76,16 @@ void CFrameToolBar::addButtons(const CCommandActions& actions) {
         action->setIcon(toolIcon(button.picture));
         action->setIconVisibleInMenu(false);
         addAction(action);
+    }
+}
+
+/// As much as its command it is of use while there are devices.
+void CFrameToolBar::addQuickFind(const CCommandActions& actions) {
+    addSeparator();
+    addWidget(quickFind_);
+    if (const QAction* command = actions.action("editQuickFind")) {
+        quickFind_->setStatusTip(command->statusTip());
+        connect(command, &QAction::enabledChanged, quickFind_, &QWidget::setEnabled);
     }
 }
 
