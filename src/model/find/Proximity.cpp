@@ -1,9 +1,8 @@
 #include "model/find/Proximity.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <limits>
+#include <cstdlib>
 #include <numeric>
 #include <utility>
 
@@ -38,6 +37,8 @@ void bringFloorForward(std::span<const ProximityRecord> records, std::vector<std
 }
 
 /// Devices of one kind in list order, the coordinates next to each other: the search reads nothing else.
+/// `Number` holds twice the longest distance.
+template <typename Number>
 class CChain {
 public:
     CChain(std::span<const ProximityRecord> records, std::vector<std::size_t>& order,
@@ -63,36 +64,34 @@ public:
 private:
     static constexpr std::size_t blockSize = 64;
 
-    /// In doubles, because they hold every difference of two coordinates exactly and the compiler has vector
-    /// instructions for them. Halving is left to nearestIn(), where it decides ties.
-    double doubled(std::size_t i, std::size_t j) const {
+    Number doubled(std::size_t i, std::size_t j) const {
         return std::abs(x_[i] - x_[j]) + std::abs(y_[i] - y_[j]);
     }
-    static double halved(double doubled) { return std::trunc(doubled / 2); }
 
     void bringNearest(std::size_t i) {
         const std::size_t target = i + 1;
-        double best = halved(doubled(i, target));
+        Number best = doubled(i, target) / 2;
         for (std::size_t block = target + 1; block < items_.size() && best > 0; block += blockSize) {
             const std::size_t end = std::min(block + blockSize, items_.size());
             if (!anyBelow(i, block, end, 2 * best))
                 continue;
             for (std::size_t j = block; j < end; ++j)
-                if (const double distance = halved(doubled(i, j)); distance < best) {
+                if (const Number distance = doubled(i, j) / 2; distance < best) {
                     exchange(target, j);
                     best = distance;
                 }
         }
     }
 
-    /// A whole distance is below `best` exactly when twice of it, before halving, is below 2 * best.
-    bool anyBelow(std::size_t i, std::size_t from, std::size_t end, double limit) const {
-        const double x = x_[i];
-        const double y = y_[i];
-        double least = std::numeric_limits<double>::max();
+    /// A whole distance is below `best` exactly when twice of it, before halving, is below 2 * best. All of
+    /// the block is looked at, because the compiler makes vector instructions of a loop without a way out.
+    bool anyBelow(std::size_t i, std::size_t from, std::size_t end, Number limit) const {
+        const Number x = x_[i];
+        const Number y = y_[i];
+        Number below = 0;
         for (std::size_t j = from; j < end; ++j)
-            least = std::min(least, std::abs(x - x_[j]) + std::abs(y - y_[j]));
-        return least < limit;
+            below |= std::abs(x - x_[j]) + std::abs(y - y_[j]) < limit ? 1 : 0;
+        return below != 0;
     }
 
     void exchange(std::size_t a, std::size_t b) {
@@ -104,9 +103,24 @@ private:
     std::vector<std::size_t>& order_;
     std::vector<std::size_t> places_; ///< in the list; they stay
     std::vector<std::size_t> items_;  ///< the record at each of them
-    std::vector<double> x_;
-    std::vector<double> y_;
+    std::vector<Number> x_;
+    std::vector<Number> y_;
 };
+
+/// A damaged file has other places, too, whose distances need more bits.
+bool isOrdinary(const ProximityRecord& record) {
+    constexpr std::int32_t farthest = 1 << 28;
+    const auto near = [](std::int32_t coordinate) {
+        return coordinate > -farthest && coordinate < farthest;
+    };
+    return near(record.Position.x) && near(record.Position.y);
+}
+
+template <typename Number>
+void chainAll(std::span<const ProximityRecord> records, std::vector<std::size_t>& order) {
+    CChain<Number>(records, order, onFloor).group();
+    CChain<Number>(records, order, inMisc).group();
+}
 
 /// Every exchange brings one record to its place for good.
 std::size_t putInOrder(CMirovaneDoc& document, const std::vector<std::size_t>& order) {
@@ -135,8 +149,10 @@ std::vector<std::size_t> proximityOrder(std::span<const ProximityRecord> records
     std::vector<std::size_t> order(records.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     bringFloorForward(records, order);
-    CChain(records, order, onFloor).group();
-    CChain(records, order, inMisc).group();
+    if (std::ranges::all_of(records, isOrdinary))
+        chainAll<std::int32_t>(records, order);
+    else
+        chainAll<std::int64_t>(records, order);
     return order;
 }
 

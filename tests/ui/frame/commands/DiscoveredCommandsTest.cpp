@@ -121,6 +121,36 @@ TEST_F(DiscoveredCommandsTest, DroppedDevicesStayWhereTheyWereDropped) {
     EXPECT_TRUE(draggedDevices(&file).empty()) << "a datafile is not a device";
 }
 
+TEST_F(DiscoveredCommandsTest, DevicesDraggedOffTheFloorMoveHereAfterTheQuestion) {
+    const CHardware& moved = *document().addDevice(
+        DeviceType::Computer,
+        [](CHardware& each) {
+            each.Position = {40, 30};
+        });
+    ASSERT_TRUE(QTest::qWaitFor([this] { return floor->settled(); }));
+    window->move(floor->viewport()->mapToGlobal(QPoint(400, 200)));
+    const auto drag = [&](bool toWindow) {
+        const QPoint from = floor->iconRect(moved).center();
+        const QPoint to = toWindow ? QPoint(500, 300) : QPoint(300, 150);
+        QTest::mousePress(floor->viewport(), Qt::LeftButton, {}, from);
+        frame->refresh(); // commands follow the selection when the program is idle
+        QMouseEvent move(QEvent::MouseMove, to, floor->viewport()->mapToGlobal(to), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(floor->viewport(), &move);
+        QTest::mouseRelease(floor->viewport(), Qt::LeftButton, {}, to);
+        QCoreApplication::processEvents();
+    };
+    dialogs.answers = {false, true};
+    drag(true);
+    EXPECT_EQ(moved.Position, (MapPoint{40, 30})) << "No leaves the device where it was";
+    drag(false);
+    EXPECT_GT(moved.Position.x, 200);
+    drag(true);
+    EXPECT_TRUE(moved.inDiscovered());
+    EXPECT_EQ(dialogs.questions.size(), 2U);
+    EXPECT_EQ(station->history().next(CEditHistory::Way::Undo)->name, "Move 1 device to Discovered/Misc");
+}
+
 TEST_F(DiscoveredCommandsTest, SortingTypesAndDeleting) {
     choose("discoveredSort");
     EXPECT_EQ(view().devices().front()->RecID, 30);
