@@ -21,7 +21,7 @@ SaveReport editDue(CStation& station, const std::string& verb,
     if (request.devices.empty())
         return {};
     const std::size_t count = request.devices.size();
-    request.name = verb + (count == 1 ? " 1 reminder" : " " + std::to_string(count) + " reminders");
+    request.name = {verb + (count == 1 ? " 1 reminder" : " %1 reminders"), count};
     return station.edit(request, [&](CMirovaneDoc& document) {
         for (const DeviceKey& key : request.devices)
             if (const CHardware* device = document.findDevice(key)) {

@@ -25,7 +25,7 @@ protected:
     }
     std::string next(Way way) const {
         const EditStep* step = a.station->edits().history().next(way);
-        return step ? step->name : "";
+        return step ? step->name.words() : "";
     }
     bool logged(const std::string& line) {
         const Lines lines = a.logged();

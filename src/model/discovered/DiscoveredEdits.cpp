@@ -32,7 +32,7 @@ auto forEach(std::vector<DeviceKey> devices, Change change) {
 DiscoveredEdit moveToFloor(std::vector<DeviceKey> devices, std::vector<MapPoint> places) {
     const std::size_t count = devices.size();
     DiscoveredEdit edit;
-    edit.request = {EditRequest::Kind::Change, stepName("Move", count) + " to the floor", devices};
+    edit.request = {EditRequest::Kind::Change, stepName("Move", count, " to the floor"), devices};
     edit.question = counted("Do you want to move ", count, " device(s) to the floor?");
     edit.done = counted("Moved ", count, " device(s) to the floor");
     edit.change =
@@ -53,7 +53,7 @@ DiscoveredEdit changeType(std::vector<DeviceKey> devices, std::int32_t type) {
     const std::size_t count = devices.size();
     const std::string name(typeName(type));
     DiscoveredEdit edit;
-    edit.request = {EditRequest::Kind::Change, stepName("Make", count) + " " + name, devices};
+    edit.request = {EditRequest::Kind::Change, stepName("Make", count, " " + name), devices};
     edit.done = counted("Changed ", count, " device(s) to " + name);
     edit.change =
         forEach(std::move(devices), [type](CMirovaneDoc& document, const CHardware& device, std::size_t) {

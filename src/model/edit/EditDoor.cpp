@@ -21,7 +21,7 @@ private:
 /// What the reversal of a step asks of those who work on the devices.
 EditRequest requestOf(const EditStep& step, CEditHistory::Way way) {
     EditRequest request;
-    request.name = (way == CEditHistory::Way::Undo ? "Undo " : "Redo ") + step.name;
+    request.name = (way == CEditHistory::Way::Undo ? "Undo " : "Redo ") + step.name.words();
     for (const RecordEdit& edit : step.records) {
         const CHardware& record = edit.after ? *edit.after : *edit.before;
         if (!record.isDevice())
@@ -61,7 +61,7 @@ SaveReport CEditDoor::surround(EditRequest request, const std::function<bool()>&
     return host_.afterEdit(request, changed);
 }
 
-bool CEditDoor::record(const std::string& name, const std::function<void()>& change) {
+bool CEditDoor::record(const EditName& name, const std::function<void()>& change) {
     if (refused(name))
         return false;
     const CChanging changing(changing_);
@@ -103,10 +103,10 @@ bool CEditDoor::postponesSave() {
     return changing_;
 }
 
-std::optional<SaveReport> CEditDoor::refused(const std::string& name) {
+std::optional<SaveReport> CEditDoor::refused(const EditName& name) {
     if (!changing_)
         return std::nullopt;
-    const std::string sentence = "\"" + name + "\" was not done: another edit is being made";
+    const std::string sentence = "\"" + name.words() + "\" was not done: another edit is being made";
     log_.LogMessage(sentence, true);
     SaveReport report;
     report.outcome = SaveReport::Outcome::Failed;

@@ -28,7 +28,7 @@ struct EditRequest {
     };
 
     Kind kind = Kind::Settings;
-    std::string name;               ///< of the undo step: "Delete 3 devices"
+    EditName name;                  ///< of the undo step: "Delete 3 devices"
     std::vector<DeviceKey> devices; ///< that change or go
     Saving saving = Saving::Now;
 };
@@ -63,7 +63,7 @@ public:
 
     /// Only the step, for what has its own ways to wait, to save and to tell: a feature that the user had add
     /// devices. Refused within an edit, too; false then.
-    bool record(const std::string& name, const std::function<void()>& change);
+    bool record(const EditName& name, const std::function<void()>& change);
 
     /// Takes the latest step back, or makes the one that was undone last again; see reverseStep(). Saves at
     /// once. Deferred when there is none.
@@ -86,7 +86,7 @@ public:
 private:
     SaveReport reverse(CEditHistory::Way way);
     SaveReport surround(EditRequest request, const std::function<bool()>& make);
-    std::optional<SaveReport> refused(const std::string& name);
+    std::optional<SaveReport> refused(const EditName& name);
 
     CMirovaneDoc& document_;
     CMessageLog& log_;

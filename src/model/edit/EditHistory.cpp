@@ -51,7 +51,7 @@ CEditHistory::~CEditHistory() {
 
 // ---- the two rows
 
-void CEditHistory::begin(std::string name) {
+void CEditHistory::begin(EditName name) {
     assert(!open_);
     open_ = EditStep{std::move(name), {}, 0};
     changed_ = false;

@@ -37,7 +37,7 @@ public:
     /// From begin() to end() every change to the document belongs to one step. False: the document is as it
     /// was. What follows from an edit by itself (dates, owners, stamps of text files) changes the document,
     /// but is not kept in a step.
-    void begin(std::string name);
+    void begin(EditName name);
     bool end();
 
     /// Takes the latest step of this row back, or makes it again. There must be one. `changed` says whether

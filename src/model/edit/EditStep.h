@@ -1,11 +1,11 @@
 #pragma once
 
 #include "model/edit/DeviceNumbers.h"
+#include "model/edit/EditName.h"
 #include "model/records/Hardware.h"
 
 #include <cstddef>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace mirovane {
@@ -19,7 +19,7 @@ struct RecordEdit {
 
 /// What one command of the user changed, under the name that an undo of it is called by.
 struct EditStep {
-    std::string name; ///< "Delete 3 devices"
+    EditName name;
     std::vector<RecordEdit> records;
     std::size_t bytes = 0; ///< of memory, nearly
 };

@@ -22,8 +22,8 @@ void changeEach(CMirovaneDoc& document, const std::vector<DeviceKey>& devices,
 
 } // namespace
 
-std::string stepName(std::string_view verb, std::size_t devices) {
-    return std::string(verb) + " " + std::to_string(devices) + (devices == 1 ? " device" : " devices");
+EditName stepName(std::string_view verb, std::size_t devices, std::string_view rest) {
+    return {std::string(verb) + (devices == 1 ? " 1 device" : " %1 devices") + std::string(rest), devices};
 }
 
 std::vector<DeviceKey> keysOf(const CMirovaneDoc& document, const CSelection::Devices& devices) {
@@ -51,7 +51,7 @@ std::string addedMessage(std::int32_t type) {
     return "Added " + std::string(type == DeviceType::Unknown ? "Generic device" : typeName(type));
 }
 
-FloorEdit addDevices(std::string name, std::vector<CHardware> devices, std::size_t& added) {
+FloorEdit addDevices(EditName name, std::vector<CHardware> devices, std::size_t& added) {
     added = 0;
     return {{EditRequest::Kind::Add, std::move(name), {}},
             [devices = std::move(devices), &added](CMirovaneDoc& document) {
@@ -93,7 +93,7 @@ std::string deleteQuestion(std::size_t devices, bool fromDiscoveredMisc) {
 }
 
 FloorEdit moveToMisc(std::vector<DeviceKey> devices) {
-    EditRequest request{EditRequest::Kind::Place, stepName("Move", devices.size()) + " to Discovered/Misc",
+    EditRequest request{EditRequest::Kind::Place, stepName("Move", devices.size(), " to Discovered/Misc"),
                         devices};
     return {std::move(request), [devices = std::move(devices)](CMirovaneDoc& document) {
                 changeEach(document, devices, [](CHardware& device) {

@@ -19,8 +19,8 @@ struct FloorEdit {
     std::function<void(CMirovaneDoc&)> change;
 };
 
-/// "Move 12 devices", "Move 1 device": the name of a step.
-std::string stepName(std::string_view verb, std::size_t devices);
+/// "Move 12 devices", "Move 1 device", and the `rest` behind it: the name of a step.
+EditName stepName(std::string_view verb, std::size_t devices, std::string_view rest = {});
 
 std::vector<DeviceKey> keysOf(const CMirovaneDoc& document, const CSelection::Devices& devices);
 
@@ -32,7 +32,7 @@ std::string addedMessage(std::int32_t type);
 
 /// New devices as they are given, each with a record ID of its own; they alone are selected. `added` counts
 /// them: the datafile may be full before the last.
-FloorEdit addDevices(std::string name, std::vector<CHardware> devices, std::size_t& added);
+FloorEdit addDevices(EditName name, std::vector<CHardware> devices, std::size_t& added);
 
 /// `verb`: "Move", "Align".
 FloorEdit moveDevices(std::string_view verb, std::vector<DeviceMove> moves);

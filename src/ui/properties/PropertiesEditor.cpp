@@ -42,8 +42,8 @@ QString otherText(const CHardware& other) {
                                         : QObject::tr(", on the floor."));
 }
 
-std::string stepName(std::size_t count) {
-    return count == 1 ? "Change a device" : "Change " + std::to_string(count) + " devices";
+EditName stepName(std::size_t count) {
+    return {count == 1 ? "Change a device" : "Change %1 devices", count};
 }
 
 } // namespace

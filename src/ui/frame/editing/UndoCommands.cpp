@@ -43,7 +43,11 @@ void CUndoCommands::showName(QAction* action, const QString& verb, CEditHistory:
     if (!action)
         return;
     const EditStep* step = parts_.station.edits().history().next(way);
-    const QString name = step ? u' ' + shownText(step->name).replace(u'&', QStringLiteral("&&")) : QString();
+    QString name;
+    if (step)
+        name = u' ' + QCoreApplication::translate("EditSteps", step->name.pattern.c_str())
+                          .replace(QStringLiteral("%1"), QString::number(step->name.count))
+                          .replace(u'&', QStringLiteral("&&"));
     action->setText(verb + name);
 }
 

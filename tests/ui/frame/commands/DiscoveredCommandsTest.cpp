@@ -148,7 +148,8 @@ TEST_F(DiscoveredCommandsTest, DevicesDraggedOffTheFloorMoveHereAfterTheQuestion
     drag(true);
     EXPECT_TRUE(moved.inDiscovered());
     EXPECT_EQ(dialogs.questions.size(), 2U);
-    EXPECT_EQ(station->history().next(CEditHistory::Way::Undo)->name, "Move 1 device to Discovered/Misc");
+    EXPECT_EQ(station->edits().history().next(CEditHistory::Way::Undo)->name,
+              "Move 1 device to Discovered/Misc");
 }
 
 TEST_F(DiscoveredCommandsTest, SortingTypesAndDeleting) {

@@ -39,7 +39,7 @@ protected:
             ids.push_back(device->RecID);
         return ids;
     }
-    std::string lastStep() { return station->edits().history().steps().back().name; }
+    std::string lastStep() { return station->edits().history().steps().back().name.words(); }
     void saveAs(const char* name) {
         dialogs.files = {inFolder(name)};
         ASSERT_TRUE(frame->files().saveAs());
