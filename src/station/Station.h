@@ -83,6 +83,11 @@ public:
     /// What could not be saved is on disk here, and goes to the datafile when it is next opened.
     bool unsavedEditsKept() const { return kept_.unsaved.allKept(); }
 
+    /// The log of values that gave way to others; empty where this station keeps none.
+    std::string logFilePath() const {
+        return services_.stateFolder.empty() ? std::string() : CLogFile::pathIn(services_.stateFolder);
+    }
+
     /// Switches Live Stat off, waits for the jobs (milliseconds: they are told to stop), releases the owner
     /// record and saves; then the same with Live Discover. Returns the save's error: then the station goes on
     /// without them and may be shut down again. The destructor does the same when nobody did.

@@ -49,6 +49,8 @@ Q_SIGNALS:
     void rangesWanted(QWidget* asking);
 
 private:
+    void openLogFile();
+
     FrameServices services_;
     QWidget& frame_;
     std::unique_ptr<CMessageLogWindow> messageLog_;

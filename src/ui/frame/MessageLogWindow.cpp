@@ -68,7 +68,11 @@ CMessageLogWindow::CMessageLogWindow(CMessageLog& log, CSettings& settings)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addLayout(makeFilter());
+    auto* top = new QHBoxLayout;
+    top->setSpacing(0);
+    top->addWidget(makeMenu(), 0, Qt::AlignVCenter);
+    top->addLayout(makeFilter(), 1);
+    layout->addLayout(top);
     layout->addWidget(text_);
     text_->setFocus();
 
@@ -84,6 +88,18 @@ CMessageLogWindow::CMessageLogWindow(CMessageLog& log, CSettings& settings)
             [this] { following_ = followsEnd(); });
 }
 
+QMenuBar* CMessageLogWindow::makeMenu() {
+    auto* bar = new QMenuBar(this);
+    bar->setNativeMenuBar(false); // a window of its own has menus of its own
+    QMenu* menu = bar->addMenu(tr("&Log"));
+    QAction* file = menu->addAction(tr("&Open log file"));
+    file->setObjectName(QStringLiteral("messageLogOpenFile"));
+    connect(file, &QAction::triggered, this, &CMessageLogWindow::logFileWanted);
+    menu->addSeparator();
+    connect(menu->addAction(tr("&Close")), &QAction::triggered, this, &QWidget::close);
+    return bar;
+}
+
 QLayout* CMessageLogWindow::makeFilter() {
     filter_->setObjectName(QStringLiteral("messageLogFilter"));
     filter_->setPlaceholderText(tr("words that a line must have"));
@@ -96,6 +112,7 @@ QLayout* CMessageLogWindow::makeFilter() {
     auto* row = new QHBoxLayout;
     constexpr int edge = 6;
     row->setContentsMargins(edge, edge, edge, edge);
+    row->setSpacing(edge);
     row->addWidget(label);
     row->addWidget(filter_, 1);
     row->addWidget(noStatistics_);

@@ -5,6 +5,7 @@
 
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QWidget>
 
@@ -28,12 +29,17 @@ public:
     /// Shows the window, restores it when it is minimised, brings it to the top and its last line into view.
     void present();
 
+Q_SIGNALS:
+    /// The file with the lines that outlive the program is to be shown.
+    void logFileWanted();
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
     void lineLogged(const LogLine& line) override;
+    QMenuBar* makeMenu();
     QLayout* makeFilter();
     bool passes(const LogLine& line) const;
     void refill();

@@ -53,7 +53,8 @@ protected:
                                                              true,
                                                              nullptr,
                                                              nullptr,
-                                                             &network});
+                                                             &network,
+                                                             inFolder("state")});
     }
 
     std::string inFolder(const char* name) const {

@@ -434,6 +434,16 @@ TEST_F(MainFrameTest, HelpSaysWhereTheManualIsMissing) {
     EXPECT_NE(dialogs.failures[0].find("There is no index.html in /"), std::string::npos);
 }
 
+TEST_F(MainFrameTest, TheLogFileIsShownOnceAValueGaveWay) {
+    auto* open = frame->messageLog().findChild<QAction*>(QStringLiteral("messageLogOpenFile"));
+    open->trigger();
+    EXPECT_EQ(dialogs.failures.size(), 1U) << "there is no file yet";
+    log.LogLasting("The comment of device 1 gave way");
+    open->trigger();
+    ASSERT_EQ(dialogs.pages.size(), 1);
+    EXPECT_TRUE(QFile::exists(dialogs.pages.front()));
+}
+
 TEST_F(MainFrameTest, TitleAndRecentFilesFollowTheDocument) {
     EXPECT_EQ(frame->windowHandle()->title(), QStringLiteral("Untitled - Mirovane"));
     addComputer();

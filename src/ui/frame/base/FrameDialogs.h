@@ -55,7 +55,8 @@ public:
     /// What the user chose in the User Photo Settings; nothing when he cancelled them.
     virtual std::optional<PhotoSettings> askPhotoSettings(const PhotoSettings& settings) = 0;
 
-    /// Shows a page of the manual in the user's browser. False: there is none.
+    /// Shows a page of the manual, or another file, in the program that the user has for it. False: there is
+    /// none.
     virtual bool openPage(const QString& path) = 0;
 
     /// Which printer, pages and copies; false when the user cancels.
