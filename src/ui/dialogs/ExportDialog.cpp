@@ -95,7 +95,7 @@ CExportDialog::CExportDialog(ExportRequest request, Browse browse, QWidget* pare
 QWidget* CExportDialog::makeFileRow() {
     auto* row = new QWidget;
     auto* label = new QLabel(QStringLiteral(
-        "Enter the path/filename (C:\\text.txt or \\\\computername\\share\\folder\\text.txt)"));
+        "Enter the path/&filename (C:\\text.txt or \\\\computername\\share\\folder\\text.txt)"));
     filename_ = makeEdit("exportFilename");
     label->setBuddy(filename_);
     auto* button = new QPushButton(tr("&Browse..."));
@@ -117,9 +117,9 @@ QWidget* CExportDialog::makeFileRow() {
 
 QWidget* CExportDialog::makeDelimiterGroup() {
     auto* group = new QGroupBox(tr("Delimiter"));
-    tab_ = new QRadioButton(tr("Tab"));
+    tab_ = new QRadioButton(tr("&Tab"));
     tab_->setObjectName(QStringLiteral("exportTab"));
-    custom_ = new QRadioButton(tr("Custom"));
+    custom_ = new QRadioButton(tr("&Custom"));
     custom_->setObjectName(QStringLiteral("exportCustom"));
     customText_ = makeEdit("exportCustomText");
     customText_->setAccessibleName(tr("Custom delimiter"));
@@ -133,11 +133,11 @@ QWidget* CExportDialog::makeDelimiterGroup() {
 
 QWidget* CExportDialog::makeOptions() {
     auto* options = new QWidget;
-    quoteAll_ = makeCheck("exportQuoteAll", QStringLiteral("Place double quote on all fields (\"field\")"));
+    quoteAll_ = makeCheck("exportQuoteAll", QStringLiteral("Place double quote on &all fields (\"field\")"));
     quoteComment_ =
-        makeCheck("exportQuoteComment", QStringLiteral("Place double quote on \"Comment\" field"));
-    includeHeader_ = makeCheck("exportIncludeHeader", tr("Include header names"));
-    auto_ = makeCheck("exportAuto", tr("Auto export on changes"));
+        makeCheck("exportQuoteComment", QStringLiteral("Place double quote on \"Co&mment\" field"));
+    includeHeader_ = makeCheck("exportIncludeHeader", tr("Include &header names"));
+    auto_ = makeCheck("exportAuto", tr("A&uto export on changes"));
     auto* layout = new QVBoxLayout(options);
     layout->setContentsMargins(0, 0, 0, 0);
     for (QCheckBox* check : {quoteAll_, quoteComment_, includeHeader_, auto_})
@@ -152,8 +152,8 @@ QWidget* CExportDialog::makeOptions() {
 
 QWidget* CExportDialog::makePreview() {
     const QString shown = request_.firstRows.size() < request_.rowCount
-                              ? tr("Preview: first %1 of %2 rows").arg(request_.firstRows.size())
-                              : tr("Preview: %1 of %2 rows").arg(request_.firstRows.size());
+                              ? tr("&Preview: first %1 of %2 rows").arg(request_.firstRows.size())
+                              : tr("&Preview: %1 of %2 rows").arg(request_.firstRows.size());
     auto* group = new QGroupBox(shown.arg(request_.rowCount));
     preview_ = new QPlainTextEdit;
     preview_->setObjectName(QStringLiteral("exportPreview"));
@@ -184,10 +184,10 @@ QWidget* CExportDialog::makeFailure() {
 
 QWidget* CExportDialog::makeButtons() {
     auto* buttons = new QDialogButtonBox;
-    auto* accept = buttons->addButton(tr("Export / OK"), QDialogButtonBox::AcceptRole);
+    auto* accept = buttons->addButton(tr("&Export / OK"), QDialogButtonBox::AcceptRole);
     accept->setObjectName(QStringLiteral("exportOk"));
     accept->setDefault(true);
-    buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
+    buttons->addButton(tr("Ca&ncel"), QDialogButtonBox::RejectRole);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     return buttons;

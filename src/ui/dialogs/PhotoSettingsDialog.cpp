@@ -17,11 +17,16 @@ namespace {
 constexpr int smallestScale = 1;
 constexpr int largestScale = 1000;
 
-constexpr const char* question = "Enter the path to the user photos";
+constexpr const char* question = "Enter the path to the user &photos";
 constexpr const char* hint =
     "photos must be in bitmap (bmp) format and width of the photo should be 128 pixels. "
     "use the USERNAME to name the file.";
-constexpr const char* scaleText = "Photo scale ";
+constexpr const char* scaleText = "Photo &scale ";
+
+/// Where no letter is marked.
+QString plain(const char* text) {
+    return qText(text).remove(u'&').trimmed();
+}
 
 } // namespace
 
@@ -50,7 +55,7 @@ CPhotoSettingsDialog::CPhotoSettingsDialog(const PhotoSettings& settings, QWidge
 
 QLayout* CPhotoSettingsDialog::makeFolder() {
     folder_->setObjectName(QStringLiteral("photoFolder"));
-    folder_->setAccessibleName(qText(question));
+    folder_->setAccessibleName(plain(question));
     auto* label = new QLabel(qText(question));
     label->setBuddy(folder_);
     auto* button = new QPushButton(tr("&Browse..."));
@@ -78,7 +83,7 @@ QLayout* CPhotoSettingsDialog::makeFolder() {
 
 QLayout* CPhotoSettingsDialog::makeScale() {
     scale_->setObjectName(QStringLiteral("photoScale"));
-    scale_->setAccessibleName(qText(scaleText).trimmed());
+    scale_->setAccessibleName(plain(scaleText));
     scale_->setRange(smallestScale, largestScale);
     scale_->setSuffix(QStringLiteral(" %"));
     scale_->setValue(given_.PhotoScale);
@@ -92,7 +97,7 @@ QLayout* CPhotoSettingsDialog::makeScale() {
 }
 
 void CPhotoSettingsDialog::browse() {
-    const QString chosen = QFileDialog::getExistingDirectory(this, qText(question), folder_->text());
+    const QString chosen = QFileDialog::getExistingDirectory(this, plain(question), folder_->text());
     if (!chosen.isEmpty())
         folder_->setText(QDir::toNativeSeparators(chosen));
     folder_->setFocus();

@@ -32,8 +32,8 @@ public:
         std::function<void()> properties; ///< of the devices that are selected here
     };
 
-    /// `owner` is the window with the floor. This one stays above it: devices are dragged between the two, and
-    /// a press on the floor must not bury where they are dragged to.
+    /// `owner` is the window with the floor. This one stays above it: devices are dragged between the two,
+    /// and a press on the floor must not bury where they are dragged to.
     CDiscoveredWindow(Parts parts, QWidget* owner);
 
     CDiscoveredView& view() { return *view_; }

@@ -145,8 +145,9 @@ SaveAnswer CWidgetDialogs::askToSave(const std::string& question, SaveOffer offe
     prepare(box, QMessageBox::Question, question);
     box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
     box.setDefaultButton(QMessageBox::Save);
-    if (offer == SaveOffer::SaveAs)
-        box.button(QMessageBox::Save)->setText(QObject::tr("Save &As..."));
+    box.button(QMessageBox::Save)
+        ->setText(offer == SaveOffer::SaveAs ? QObject::tr("Save &As...") : QObject::tr("&Save"));
+    box.button(QMessageBox::Discard)->setText(QObject::tr("&Discard"));
     const int answer = box.exec();
     if (answer == QMessageBox::Save)
         return SaveAnswer::Save;
@@ -211,7 +212,7 @@ bool CWidgetDialogs::openPage(const QString& path) {
 
 bool CWidgetDialogs::choosePrinter(QPrinter& printer) {
     const BoxOpen open(*this);
-    QPrintDialog dialog(&printer, parent_);
+    QPrintDialog dialog(&printer, asking());
     dialog.setObjectName(QStringLiteral("printDialog"));
     dialog.setOption(QAbstractPrintDialog::PrintPageRange);
     return dialog.exec() == QDialog::Accepted;
@@ -219,14 +220,14 @@ bool CWidgetDialogs::choosePrinter(QPrinter& printer) {
 
 void CWidgetDialogs::setUpPage(QPrinter& printer) {
     const BoxOpen open(*this);
-    QPageSetupDialog dialog(&printer, parent_);
+    QPageSetupDialog dialog(&printer, asking());
     dialog.setObjectName(QStringLiteral("pageSetup"));
     dialog.exec();
 }
 
 void CWidgetDialogs::previewPages(QPrinter& printer, const std::function<void(QPrinter&)>& print) {
     const BoxOpen open(*this);
-    QPrintPreviewDialog dialog(&printer, parent_);
+    QPrintPreviewDialog dialog(&printer, asking());
     dialog.setObjectName(QStringLiteral("printPreview"));
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
                      [&print](QPrinter* paper) { print(*paper); });

@@ -14,6 +14,9 @@ namespace {
 
 constexpr std::chrono::milliseconds settleTime{200};
 
+/// What the window system adds to a window, as far as one can know before it is shown.
+constexpr QSize frameSize(10, 40);
+
 int areaOf(const QRect& rect) {
     return rect.isEmpty() ? 0 : rect.width() * rect.height();
 }
@@ -65,8 +68,9 @@ void applyPlacement(QWidget& window, const StoredPlacement& stored) {
                      stored.height ? std::max(inRange(*stored.height), 1) : window.height());
     const QPoint corner(stored.left ? inRange(*stored.left) : window.x(),
                         stored.top ? inRange(*stored.top) : window.y());
-    const QRect place = reachable(QRect(corner, size.expandedTo(window.minimumSizeHint())), availableAreas());
-    window.resize(place.size());
+    const QSize whole = size.expandedTo(window.minimumSizeHint()) + frameSize;
+    const QRect place = reachable(QRect(corner, whole), availableAreas());
+    window.resize(place.size() - frameSize);
     if (stored.left || stored.top)
         window.move(place.topLeft());
 }
@@ -82,8 +86,7 @@ void restorePlacement(QWidget& window, const CSettings& settings, const Placemen
 }
 
 QPoint placeBeside(const QSize& size, const QRect& owner, const QRect& screen) {
-    constexpr QSize frame(10, 40); // that the window system adds
-    const QSize whole = size + frame;
+    const QSize whole = size + frameSize;
     const int rightmost = screen.right() + 1 - whole.width();
     const bool roomRight = owner.right() + 1 <= rightmost;
     const bool roomLeft = owner.left() - whole.width() >= screen.left();
@@ -96,9 +99,8 @@ QPoint placeBeside(const QSize& size, const QRect& owner, const QRect& screen) {
 }
 
 void fitToScreen(QWidget& window, const QSize& wanted) {
-    constexpr QSize frame(20, 60); // that the window system adds
     const QWidget& shown = window.parentWidget() ? *window.parentWidget() : window;
-    const QSize room = shown.screen()->availableGeometry().size() - frame;
+    const QSize room = shown.screen()->availableGeometry().size() - frameSize;
     window.resize(wanted.expandedTo(window.sizeHint()).boundedTo(room));
 }
 

@@ -19,6 +19,19 @@ TEST(WindowPlacementTest, AWindowThatIsSeenWholeStaysWhereItWas) {
         EXPECT_EQ(reachable(place, screens), place);
 }
 
+TEST(WindowPlacementTest, AWindowOpensBesideAnotherOrOverItsEdge) {
+    const QRect screen(0, 0, 1400, 900);
+    const QSize size(400, 300);
+    EXPECT_EQ(placeBeside(size, QRect(0, 0, 900, 800), screen).x(), 900);
+    EXPECT_LE(placeBeside(size, QRect(500, 0, 900, 800), screen).x() + size.width(), 500);
+    const QPoint over = placeBeside(size, QRect(70, 30, 1260, 860), screen);
+    EXPECT_GT(over.x(), 800);
+    EXPECT_TRUE(screen.contains(QRect(over, size)));
+    EXPECT_TRUE(
+        QRect(0, 0, 800, 600).contains(placeBeside({900, 700}, QRect(0, 0, 800, 600), {0, 0, 800, 600})))
+        << "one that is larger than the screen begins on it";
+}
+
 TEST(WindowPlacementTest, AWindowOffEveryScreenIsBroughtBack) {
     struct Case {
         QRect stored;

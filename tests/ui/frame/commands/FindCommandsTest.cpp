@@ -121,6 +121,20 @@ TEST_F(FindCommandsTest, QuickFindShowsTheDeviceThatWasChosen) {
     EXPECT_FALSE(popup->isVisible());
 }
 
+TEST_F(FindCommandsTest, TheToolbarsFieldOpensTheQuickFindWithWhatIsTyped) {
+    auto* field = frame->findChild<CQuickFindField*>();
+    EXPECT_FALSE(field->isEnabled()) << "no device yet";
+    add("printer-1", {20, 20});
+    frame->refresh();
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_P);
+    auto* popup = frame->findChild<CQuickFindPopup*>();
+    ASSERT_TRUE(popup && popup->isVisible());
+    EXPECT_EQ(popup->line().text(), QStringLiteral("p"));
+    QTest::keyClick(&popup->line(), Qt::Key_Return);
+    EXPECT_EQ(station->selection().count(), 1U);
+}
+
 TEST_F(FindCommandsTest, GroupingSaysWhatItDid) {
     for (const MapPoint place : {MapPoint{0, 0}, MapPoint{900, 0}, MapPoint{5, 0}, MapPoint{901, 0}})
         add("pc", place);
