@@ -28,7 +28,7 @@ ZoomState CFloorZooming::current() const {
 
 void CFloorZooming::run(ZoomCommand command) {
     const QSize client = view_.viewport()->size();
-    apply(zoomed(current(), command, client, view_.drawing().mapSize()), view_.viewport()->rect().center());
+    applyInMiddle(zoomed(current(), command, client, view_.drawing().mapSize()));
     store();
 }
 
@@ -42,8 +42,7 @@ ZoomState CFloorZooming::stored() const {
 
 void CFloorZooming::custom(std::int32_t ZoomPercent, std::int32_t ZoomDevicesPercent,
                            std::int32_t ZoomFontScale) {
-    apply(customZoomed(current(), ZoomPercent, ZoomDevicesPercent, ZoomFontScale),
-          view_.viewport()->rect().center());
+    applyInMiddle(customZoomed(current(), ZoomPercent, ZoomDevicesPercent, ZoomFontScale));
     store();
     settings_.write("ZoomFontScale", ZoomFontScale);
 }
@@ -55,11 +54,24 @@ void CFloorZooming::customCancelled() {
 }
 
 void CFloorZooming::apply(const ZoomState& zoom, QPoint fixedPoint) {
+    applyAround(zoom, fixedPoint, fixedPoint);
+}
+
+/// Of what is seen of the floor: where the floor is smaller than the window, the window's own middle lies
+/// beyond it, and a step inwards would lead to the floor's last corner.
+void CFloorZooming::applyInMiddle(const ZoomState& zoom) {
+    const QRect window = view_.viewport()->rect();
+    const QRect floor(-view_.scaledPoint({0, 0}), view_.drawing().extent(current().ZoomPercent));
+    const QRect seen = window & floor;
+    applyAround(zoom, seen.isEmpty() ? window.center() : seen.center(), window.center());
+}
+
+void CFloorZooming::applyAround(const ZoomState& zoom, QPoint from, QPoint to) {
     const ZoomState before = current();
     if (zoom == before)
         return;
     const QPoint origin =
-        originAround(fixedPoint, view_.scaledPoint({0, 0}), before.ZoomPercent, zoom.ZoomPercent);
+        originAround(from, view_.scaledPoint({0, 0}), before.ZoomPercent, zoom.ZoomPercent) + from - to;
     display_.ZoomPercent = zoom.ZoomPercent;
     display_.ZoomDevicesPercent = zoom.ZoomDevicesPercent;
     display_.ZoomFontScale = zoom.ZoomFontScale;

@@ -40,6 +40,10 @@ protected:
 private:
     ZoomState current() const;
     void apply(const ZoomState& zoom, QPoint fixedPoint);
+    void applyInMiddle(const ZoomState& zoom);
+
+    /// What was at one point of the window is at the other.
+    void applyAround(const ZoomState& zoom, QPoint from, QPoint to);
     void store() const;
     bool wheel(const QWheelEvent& event);
     bool fingers(const QNativeGestureEvent& event);

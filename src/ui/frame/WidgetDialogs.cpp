@@ -229,9 +229,12 @@ void CWidgetDialogs::previewPages(QPrinter& printer, const std::function<void(QP
     const BoxOpen open(*this);
     QPrintPreviewDialog dialog(&printer, asking());
     dialog.setObjectName(QStringLiteral("printPreview"));
-    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-                     [&print](QPrinter* paper) { print(*paper); });
+    QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog, [&print](QPrinter* paper) {
+        print(*paper);
+        paper->setFullPage(true); // the pages have their margins; the preview would add them once more
+    });
     dialog.exec();
+    printer.setFullPage(false);
 }
 
 void CWidgetDialogs::about() {

@@ -185,6 +185,17 @@ TEST_F(MirovaneViewTest, CtrlWheelZoomsAtThePointerAndFingersToo) {
     EXPECT_EQ(difference(), "");
 }
 
+TEST_F(MirovaneViewTest, ASmallFloorZoomsInAtItsOwnMiddle) {
+    CFloorZooming zooming(view, site.station->display(), site.settings);
+    setFloorMap(site.doc(), {saveMap(800, 600), {}});
+    settle();
+    zooming.run(ZoomCommand::To25);
+    zooming.run(ZoomCommand::To300);
+    const MapPoint middle = ToMap(view.viewport()->rect().center(), view.scaledPoint({0, 0}), 300);
+    EXPECT_NEAR(middle.x, 400, 4);
+    EXPECT_NEAR(middle.y, 300, 4);
+}
+
 TEST_F(MirovaneViewTest, PointerShowsAllOfADeviceAndLeavingHidesIt) {
     const CHardware& device = add(DeviceType::Computer, {40, 50}, "pc");
     moveTo({50, 60});
