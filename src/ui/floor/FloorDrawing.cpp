@@ -23,6 +23,7 @@ CFloorDrawing::CFloorDrawing(const CMirovaneDoc& document, const CDatafileLink& 
         extentZoom_ = 0;
         invalidateAll();
     });
+    connect(&map_, &CFloorMap::reading, this, &CFloorDrawing::mapReading);
     connect(&map_, &CFloorMap::failed, this, &CFloorDrawing::mapFailed);
     connect(&photos_, &CPhotoStore::arrived, this, &CFloorDrawing::invalidateAll);
     document_.addObserver(*this);

@@ -69,6 +69,9 @@ Q_SIGNALS:
     /// Something waits to be drawn, or the extent has changed.
     void outdated();
 
+    /// See CFloorMap::reading.
+    void mapReading(bool reading);
+
     /// See CFloorMap::failed.
     void mapFailed(const QString& sentence, bool missing);
 

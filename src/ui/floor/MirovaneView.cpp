@@ -3,6 +3,7 @@
 #include "model/records/Text.h"
 #include "ui/floor/FloorToolTip.h"
 #include "ui/floor/geometry/FontBands.h"
+#include "ui/floor/map/MapReadingNote.h"
 
 #include <QKeyEvent>
 #include <QPaintEvent>
@@ -66,6 +67,8 @@ CMirovaneView::CMirovaneView(CStation& station, CMessageLog& log, QWidget* paren
       rings_(station.features().liveStat()) {
     setUp(*this);
     new CFloorToolTip(*this);
+    connect(&drawing_, &CFloorDrawing::mapReading, new CMapReadingNote(viewport()),
+            &CMapReadingNote::setReading);
     state_.view.zoom = floorZoom(display());
     state_.view.LabelFontHeight = startLabelFontHeight(display());
     connect(&drawing_, &CFloorDrawing::outdated, this, &CMirovaneView::scheduleFlush);

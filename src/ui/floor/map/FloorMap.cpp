@@ -58,6 +58,7 @@ void CFloorMap::load(const QString& named, const QString& datafile, bool again) 
     const auto request = begin(named, datafile, again);
     if (!request)
         return;
+    Q_EMIT reading(true);
     QThreadPool::globalInstance()->start(
         [self = QPointer<CFloorMap>(this), request = *request, number = number_] {
             const LoadedMap map = readMap(request);
@@ -80,6 +81,7 @@ void CFloorMap::finish(std::uint64_t number, const LoadedMap& map) {
     if (number != number_)
         return;
     loading_ = false;
+    Q_EMIT reading(false);
     if (map.unchanged)
         return;
     stamp_ = map.stamp;

@@ -47,6 +47,9 @@ public:
     CMapTiles& tiles() { return tiles_; }
 
 Q_SIGNALS:
+    /// On a worker thread, from now on or not any more.
+    void reading(bool reading);
+
     /// Another map, or none, is shown from now on.
     void changed();
 

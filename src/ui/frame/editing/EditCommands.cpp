@@ -1,6 +1,7 @@
 #include "ui/frame/editing/EditCommands.h"
 
 #include "model/floor/Pasting.h"
+#include "ui/widgets/WaitCursor.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -63,6 +64,7 @@ void CEditCommands::paste() {
     ClipboardReading reading;
     std::vector<CHardware> devices;
     const auto read = [&] {
+        const CWaitCursor wait;
         reading = readClipboardText(text, parts_.station.document().now());
         devices = placedForPaste(reading, parts_.floor.window(), pasteCell);
     };

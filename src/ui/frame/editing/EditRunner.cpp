@@ -1,13 +1,20 @@
 #include "ui/frame/editing/EditRunner.h"
 
 #include "ui/widgets/SaveFailure.h"
+#include "ui/widgets/WaitCursor.h"
 
 #include <new>
 
 namespace mirovane {
 
 bool CEditRunner::run(const FloorEdit& edit) {
-    return guarded([&] { report(station_.edit(edit.request, edit.change)); });
+    SaveReport saved;
+    const bool done = guarded([&] {
+        const CWaitCursor wait;
+        saved = station_.edit(edit.request, edit.change);
+    });
+    report(saved);
+    return done;
 }
 
 bool CEditRunner::guarded(const std::function<void()>& work) {
