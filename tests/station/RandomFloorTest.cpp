@@ -71,7 +71,8 @@ protected:
         a.station->edits().liveMove().finish("Move");
     }
     void deleteSome() {
-        const auto keys = someDevices();
+        auto keys = someDevices();
+        std::erase(keys, DeviceKey{othersDevice, 0});
         for (const DeviceKey& key : keys)
             plain.erase(key.recID);
         run(deleteDevices(keys));
@@ -130,13 +131,19 @@ protected:
         future.pop_back();
     }
 
-    std::mt19937 dice{20261123};
-    PlainFloor plain;
-    std::vector<PlainFloor> past, future;
-};
-
-TEST_F(RandomFloorTest, AnyRowOfCommandsDoesWhatAPlainModelDoes) {
-    for (int i = 0; i < 400; ++i) {
+    /// A colleague's remark and what Live Stat found, about a device that nobody deletes. The colleague's
+    /// program may know less than the datafile, and so may ours.
+    void othersWrite(int number) {
+        remark = "remark " + std::to_string(number);
+        found = "user " + std::to_string(number);
+        a.doc().editInBackground(a.device(othersDevice), [this](CHardware& held) { held.Username = found; });
+        ASSERT_TRUE(a.station->saveDatafile().saved()); // or it gives way to what is read
+        b.doc().editByUser(b.device(othersDevice), [this](CHardware& held) { held.Comment = remark; });
+        ASSERT_TRUE(b.station->saveDatafile().saved());
+        if (below(2) == 0)
+            pass(10'000);
+    }
+    void oneCommand() {
         const std::size_t way = below(3);
         if (way == 0)
             goBack();
@@ -144,10 +151,39 @@ TEST_F(RandomFloorTest, AnyRowOfCommandsDoesWhatAPlainModelDoes) {
             goForward();
         else
             edit();
+    }
+
+    static constexpr std::int32_t othersDevice = 1;
+    std::string remark, found;
+    std::mt19937 dice{20261123};
+    PlainFloor plain;
+    std::vector<PlainFloor> past, future;
+};
+
+TEST_F(RandomFloorTest, AnyRowOfCommandsDoesWhatAPlainModelDoes) {
+    for (int i = 0; i < 400; ++i) {
+        oneCommand();
         ASSERT_EQ(floorOf(a.doc()), plain) << "after command " << i;
     }
     open(b);
     EXPECT_EQ(floorOf(b.doc()), plain) << "all of it is in the datafile";
+}
+
+TEST_F(RandomFloorTest, WhatOthersWriteMeanwhileStays) {
+    open(b);
+    for (int i = 0; i < 300; ++i) {
+        if (below(5) == 0)
+            othersWrite(i);
+        oneCommand();
+        ASSERT_EQ(floorOf(a.doc()), plain) << "after command " << i;
+    }
+    ASSERT_TRUE(a.station->saveDatafile().saved());
+    pass(10'000);
+    for (Site* site : {&a, &open(b)}) {
+        EXPECT_EQ(floorOf(site->doc()), plain);
+        EXPECT_EQ(site->device(othersDevice).Comment, remark);
+        EXPECT_EQ(site->device(othersDevice).Username, found);
+    }
 }
 
 } // namespace

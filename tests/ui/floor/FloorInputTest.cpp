@@ -10,6 +10,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <filesystem>
+
 namespace mirovane {
 
 namespace {
@@ -313,6 +315,27 @@ TEST_F(FloorInputTest, NothingIsReadAgainBetweenPressAndRelease) {
     const CHardware& now = *site.doc().findDevice(1);
     EXPECT_EQ(now.Name, "by another");
     EXPECT_EQ(now.Position, (MapPoint{110, 100}));
+}
+
+TEST_F(FloorInputTest, ADragThatCannotBeSavedIsKeptAndSavedLater) {
+    add(DeviceType::Computer, {100, 100});
+    ASSERT_TRUE(site.station->saveDatafile().saved());
+    const std::string away = folder.file("away.mv");
+    std::filesystem::rename(folder.file("floor.mv"), away);
+    std::filesystem::create_directory(folder.file("floor.mv"));
+    dragTo({105, 105}, {155, 125});
+    EXPECT_TRUE(site.station->lastSaveError());
+    EXPECT_EQ(site.device(1).Position, (MapPoint{150, 120}));
+    ASSERT_EQ(steps().size(), 1U);
+    site.station->undo();
+    EXPECT_EQ(site.device(1).Position, (MapPoint{100, 100}));
+    site.station->redo();
+    std::filesystem::remove(folder.file("floor.mv"));
+    std::filesystem::rename(away, folder.file("floor.mv"));
+    timers.advance(std::chrono::seconds(10));
+    test::Site other{clock, timers, {"OTHER", "user"}, false};
+    ASSERT_FALSE(other.station->openDatafile(folder.file("floor.mv")));
+    EXPECT_EQ(other.device(1).Position, (MapPoint{150, 120}));
 }
 
 } // namespace
