@@ -1,5 +1,7 @@
 #include "app/CommandLine.h"
 
+#include "app/UsageText.h"
+
 namespace mirovane {
 
 Result<CommandLine, QString> parseCommandLine(const QStringList& arguments) {
@@ -35,25 +37,19 @@ Result<CommandLine, QString> parseCommandLine(const QStringList& arguments) {
 
 QString usageText() {
     return QStringLiteral(
-        "Usage: mirovane [--config DIR] [--find TEXT] [DATAFILE]\n"
-        "       mirovane --render OUT.png DATAFILE [OPTIONS]\n"
-        "       mirovane --print OUT.pdf DATAFILE [OPTIONS]\n"
-        "\n"
-        "Keeps the floor plan of a site with every device on it, and watches the devices live.\n"
-        "Without DATAFILE it starts with a new, empty floor. Where a window has DATAFILE open already, that\n"
-        "window comes up.\n"
-        "\n"
-        "  --config DIR   keep the user's settings in DIR\n"
-        "  --find TEXT    show the device that TEXT fits best, by any of its fields\n"
-        "  --render OUT   draw one frame of the floor to a PNG file, without a display\n"
-        "                 (\"mirovane --render --help\" lists the options)\n"
-        "  --print OUT    write the floor as pages of a PDF file, without a display\n"
-        "                 (\"mirovane --print --help\" lists the options)\n"
-        "  --help         print this text\n"
-        "  --version      print the version\n"
-        "\n"
-        "Options of the window system, such as -platform and -style, work as well.\n"
-        "For a computer without a display there is \"mirovanectl station\".\n");
+               "Usage: mirovane [--config DIR] [--find TEXT] [DATAFILE]\n"
+               "       mirovane --render OUT.png DATAFILE [OPTIONS]\n"
+               "       mirovane --print OUT.pdf DATAFILE [OPTIONS]\n"
+               "\n"
+               "Keeps the floor plan of a site with every device on it, and watches the devices live.\n"
+               "Without DATAFILE it starts with a new, empty floor. Where a window has DATAFILE open "
+               "already, that\n"
+               "window comes up.\n"
+               "\n") +
+           optionLines(windowOptions) +
+           QStringLiteral("\n"
+                          "Options of the window system, such as -platform and -style, work as well.\n"
+                          "For a computer without a display there is \"mirovanectl station\".\n");
 }
 
 } // namespace mirovane

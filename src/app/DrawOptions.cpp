@@ -1,5 +1,6 @@
 #include "app/DrawOptions.h"
 
+#include "app/UsageText.h"
 #include "model/Settings.h"
 #include "model/records/Hardware.h"
 #include "ui/floor/geometry/FloorGeometry.h"
@@ -16,20 +17,6 @@ namespace mirovane {
 
 namespace {
 
-struct OptionText {
-    const char* name;
-    const char* value;
-};
-
-constexpr OptionText commonOptions[] = {{"zoom", "PERCENT"},      {"devices-zoom", "PERCENT"},
-                                        {"font-scale", "PIXELS"}, {"select", "RECID,..."},
-                                        {"show", "LABEL,..."},    {"hide", "TYPE,..."}};
-constexpr OptionText renderOptions[] = {{"render", "OUT.png"},
-                                        {"size", "WxH"},
-                                        {"scroll", "X,Y"},
-                                        {"hover", "RECID"},
-                                        {"device-ratio", "NUMBER"}};
-constexpr OptionText printOptions[] = {{"print", "OUT.pdf"}, {"box", "X1,Y1,X2,Y2"}, {"paper", "NAME"}};
 constexpr double largestRatio = 8;
 
 /// The map is hidden by this word among the types.
@@ -222,24 +209,27 @@ void readFiles(const QCommandLineParser& parser, const QString& command, DrawOpt
     options.datafile = files[0];
 }
 
+QString latin(std::string_view text) {
+    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+}
+
 bool asksForHelp(const QStringList& arguments) {
     return arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"));
 }
 
 Result<DrawOptions, QString> parsed(const QStringList& arguments, const QString& command,
-                                    std::span<const OptionText> own,
+                                    std::span<const DesktopOption> own,
                                     void (CValues::*readOwn)(DrawOptions&) const) {
     DrawOptions options;
     options.help = asksForHelp(arguments);
     if (options.help)
         return options;
     QCommandLineParser parser;
-    for (const std::span<const OptionText> texts : {std::span<const OptionText>(commonOptions), own})
-        for (const OptionText& option : texts)
-            parser.addOption(
-                {QString::fromLatin1(option.name), QString(), QString::fromLatin1(option.value)});
-    if (readOwn == &CValues::pages)
-        parser.addOption(QCommandLineOption(QStringLiteral("landscape")));
+    parser.addOption({command, QString(), QStringLiteral("OUT")});
+    for (const std::span<const DesktopOption> group :
+         {std::span<const DesktopOption>(commonDrawOptions), own})
+        for (const DesktopOption& option : group)
+            parser.addOption({latin(option.name), QString(), latin(option.value)});
     if (!parser.parse(QStringList{QStringLiteral("mirovane")} + arguments))
         return parser.errorText();
     try {
@@ -253,30 +243,14 @@ Result<DrawOptions, QString> parsed(const QStringList& arguments, const QString&
     return options;
 }
 
-constexpr const char* commonUsage =
-    R"(  --zoom PERCENT          zoom of the floor map and of positions, 1 to 10000 (100)
-  --devices-zoom PERCENT  zoom of the icons, 1 to 10000 (100)
-  --font-scale PIXELS     added to the height of all labels (0)
-  --select RECID,...      devices that are selected
-  --show LABEL,...        texts shown at devices; those not named are off:
-                            PropertiesComputer PropertiesIPAddress PropertiesUsername
-                            PropertiesMACAddress PropertiesJack PropertiesComment
-                            PropertiesSlash PropertiesBackslash PropertiesHorz PropertiesVert
-                          Lines are all on, unless some are named:
-                            PropertiesSlashDraw PropertiesBackslashDraw
-                            PropertiesHorzDraw PropertiesVertDraw
-  --hide TYPE,...         device types that are hidden, such as Printer,Jack; Map hides
-                          the floor map
-)";
-
 } // namespace
 
 Result<DrawOptions, QString> parseRenderOptions(const QStringList& arguments) {
-    return parsed(arguments, QStringLiteral("render"), renderOptions, &CValues::picture);
+    return parsed(arguments, QStringLiteral("render"), pictureOptions, &CValues::picture);
 }
 
 Result<DrawOptions, QString> parsePrintOptions(const QStringList& arguments) {
-    return parsed(arguments, QStringLiteral("print"), printOptions, &CValues::pages);
+    return parsed(arguments, QStringLiteral("print"), pageOptions, &CValues::pages);
 }
 
 QString renderUsage() {
@@ -285,13 +259,10 @@ QString renderUsage() {
 Draws one frame of the floor as the window would show it, without a display. Changes
 neither the datafile nor anybody's settings.
 
-)") + QLatin1String(commonUsage) +
+)") + optionLines(commonDrawOptions) +
+           optionLines(pictureOptions) +
            QStringLiteral(
-               R"(  --size WxH              size of the window in pixels; without it, the whole floor
-  --scroll X,Y            top left corner of the window, in pixels of the zoomed floor (0,0)
-  --hover RECID           device that the pointer rests on
-  --device-ratio NUMBER   pixels of the picture for each pixel of the window, 0.5 to 8 (1)
-  --help                  this text
+               R"(  --help                  this text
 
 Exit status: 0 the picture was written, 2 usage error, 3 a file could not be read or written.
 )");
@@ -303,12 +274,8 @@ QString printUsage() {
 Writes the floor as pages of a PDF file, without a display: tiles of a page each, with
 their numbers in the margin. Changes neither the datafile nor anybody's settings.
 
-  --box X1,Y1,X2,Y2       the part of the floor between two corners, in pixels of the map;
-                          without it, the whole floor
-  --paper NAME            paper size, such as A4, A3 or Letter (A4)
-  --landscape             pages lie on their long side
-)") + QLatin1String(commonUsage) +
-           QStringLiteral(R"(  --help                  this text
+)") + optionLines(pageOptions) +
+           optionLines(commonDrawOptions) + QStringLiteral(R"(  --help                  this text
 
 Exit status: 0 the pages were written, 2 usage error, 3 a file could not be read or written.
 )");

@@ -12,10 +12,7 @@ namespace mirovane {
 
 namespace {
 
-constexpr OptionDefinition configOption{"--config", 1, "DIR", "settings from DIR instead of the user's own"};
-constexpr OptionDefinition helpOption{"--help", 0, "", "show this help"};
 constexpr OptionDefinition shortHelpOption{"-h", 0, "", ""};
-constexpr OptionDefinition versionOption{"--version", 0, "", "show the version"};
 
 constexpr std::size_t helpColumn = 26;
 

@@ -69,6 +69,12 @@ public:
         return pinged_;
     }
 
+    /// So many there were; the list begins anew.
+    std::size_t forgetPings() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(pinged_, {}).size();
+    }
+
     ProbeAnswer PingHost(const std::string& target, PingReply&, std::optional<std::uint32_t>&,
                          std::uint8_t ttl, std::uint32_t timeoutMs, std::uint8_t payloadSize,
                          std::stop_token stop) override {

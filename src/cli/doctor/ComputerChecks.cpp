@@ -70,7 +70,7 @@ CheckResult checkFonts(const DoctorPlaces& places) {
 
 CheckResult checkIcons(const DoctorPlaces& places) {
     for (const std::string& folder : places.icons)
-        if (access((folder + "/PrinterOn.bmp").c_str(), R_OK) == 0)
+        if (!folder.empty() && access((folder + "/PrinterOn.bmp").c_str(), R_OK) == 0)
             return CheckResult::works(folder);
     return CheckResult::fails("there are none in " + places.icons.front(),
                               "sudo apt-get install --reinstall mirovane");
