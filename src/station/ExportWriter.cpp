@@ -17,8 +17,6 @@ namespace {
 /// A program that reads the file holds it for a moment at most.
 constexpr std::chrono::milliseconds readerPatience{1000};
 
-constexpr std::chrono::milliseconds patienceAtEnd{3000};
-
 } // namespace
 
 /// What the writer and its thread have in common; the last of them frees it.
@@ -65,12 +63,12 @@ struct CExportWriter::Shared {
     }
 };
 
-CExportWriter::CExportWriter(std::shared_ptr<Files> files)
-    : shared_(std::make_shared<Shared>(std::move(files))) {}
+CExportWriter::CExportWriter(std::shared_ptr<Files> files, std::chrono::milliseconds patienceAtEnd)
+    : shared_(std::make_shared<Shared>(std::move(files))), patienceAtEnd_(patienceAtEnd) {}
 
 CExportWriter::~CExportWriter() {
     std::unique_lock lock(shared_->mutex);
-    shared_->changed.wait_for(lock, patienceAtEnd, [this] { return shared_->idle(); });
+    shared_->changed.wait_for(lock, patienceAtEnd_, [this] { return shared_->idle(); });
     shared_->waiting.reset();
     shared_->ending = true;
     shared_->changed.notify_all();

@@ -20,8 +20,13 @@ public:
         std::string text;
     };
 
+    /// How long the end waits for what is still to be written, so that a program ends within five seconds of
+    /// SIGTERM, with a save to the same dead share.
+    static constexpr std::chrono::milliseconds usualPatienceAtEnd{2000};
+
     /// `files` is used on the writing thread only.
-    explicit CExportWriter(std::shared_ptr<Files> files);
+    explicit CExportWriter(std::shared_ptr<Files> files,
+                           std::chrono::milliseconds patienceAtEnd = usualPatienceAtEnd);
 
     /// Waits a moment for what is still to be written. A write that hangs longer is given up: its thread ends
     /// when the share answers, or with the process.
@@ -43,6 +48,7 @@ private:
     struct Shared;
 
     std::shared_ptr<Shared> shared_;
+    std::chrono::milliseconds patienceAtEnd_;
 };
 
 } // namespace mirovane

@@ -15,6 +15,9 @@ namespace {
 /// The end of a run must not wait for a slow folder; what is late is written by the next one.
 constexpr std::chrono::milliseconds patience{0};
 
+/// What they say grows old by itself.
+constexpr std::chrono::milliseconds patienceAtEnd{500};
+
 constexpr std::chrono::minutes refreshPeriod{1};
 
 struct DeviceLine {
@@ -99,8 +102,8 @@ void CStationMetrics::write() {
     if (target_.empty() || datafile.empty())
         return;
     if (!writer_)
-        writer_ =
-            std::make_unique<CExportWriter>(makeFiles_ ? makeFiles_() : std::make_shared<CUnflushedFiles>());
+        writer_ = std::make_unique<CExportWriter>(
+            makeFiles_ ? makeFiles_() : std::make_shared<CUnflushedFiles>(), patienceAtEnd);
     CMetricsText text;
     describeStation(text, datafile);
     describeOwners(text, datafile);
