@@ -94,17 +94,17 @@ TEST_F(LiveMoveTest, TheClickedDeviceComesToTheFront) {
 
 TEST_F(LiveMoveTest, NothingIsPutOverADeviceThatLiveStatHolds) {
     const std::size_t end = *a.doc().indexOfDevice(3);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     for (int i = 0; i < 5000 && !a.liveStat().holdsDevice(3); ++i)
         pass(1);
     ASSERT_TRUE(a.liveStat().holdsDevice(3)) << "Live Stat never got to the device";
-    a.station->bringToFront(a.device(1));
+    a.station->edits().bringToFront(a.device(1));
     EXPECT_EQ(a.doc().indexOfDevice(3), end);
-    a.station->toggleLiveStat();
+    a.station->features().liveStat().toggle();
     pass(10'000);
     ASSERT_FALSE(a.liveStat().holdsDevice(3));
     const std::size_t last = *a.doc().indexOfDevice(3); // a reload may have moved all
-    a.station->bringToFront(a.device(1));
+    a.station->edits().bringToFront(a.device(1));
     EXPECT_EQ(a.doc().indexOfDevice(1), last);
 }
 

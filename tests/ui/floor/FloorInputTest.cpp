@@ -324,7 +324,7 @@ TEST_F(FloorInputTest, ADragThatCannotBeSavedIsKeptAndSavedLater) {
     std::filesystem::rename(folder.file("floor.mv"), away);
     std::filesystem::create_directory(folder.file("floor.mv"));
     dragTo({105, 105}, {155, 125});
-    EXPECT_TRUE(site.station->lastSaveError());
+    EXPECT_TRUE(site.station->watch().lastError());
     EXPECT_EQ(site.device(1).Position, (MapPoint{150, 120}));
     ASSERT_EQ(steps().size(), 1U);
     site.station->undo();
