@@ -73,7 +73,7 @@ private:
 
     /// A service's current folder is nobody's business, so a settings file names whole paths.
     std::optional<std::string> pathOf(std::string_view option) {
-        const auto path = arguments_.value(option);
+        auto path = arguments_.value(option);
         if (path && path->empty())
             refuse(option, "it needs a file");
         else if (path && places_.contains(option) && !path->starts_with('/'))
