@@ -75,8 +75,8 @@ std::string makeSite(const QDir& folder) {
 }
 
 /// Ends the process, without tidying up, as soon as a frame of `floor` was painted after which `complete`
-/// holds: our window reads its map on a thread of its own, and a frame without the map would be no match for
-/// the other side's.
+/// holds: our window reads its map on a thread of its own, and a frame without the map could not be compared
+/// with the other side's.
 class FirstFrame : public QObject {
 public:
     FirstFrame(QWidget* floor, std::function<bool()> complete)

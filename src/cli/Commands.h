@@ -19,7 +19,7 @@ inline constexpr std::array programOptions{configOption, helpOption, versionOpti
 /// Every command, in the order of the help. A command is defined beside the function that runs it.
 std::span<const Command* const> commands();
 
-/// Null when there is none of this name.
+/// Null when no command has this name.
 const Command* findCommand(std::string_view name);
 
 } // namespace mirovane

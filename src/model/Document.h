@@ -40,7 +40,7 @@ public:
     std::size_t deviceCount() const { return index_.deviceCount(); }
 
     /// The device with this record ID (the first in list order where a damaged file holds it twice); null
-    /// when none.
+    /// when no device has it.
     const CHardware* findDevice(std::int32_t recID) const;
 
     /// The device meant, also where its record ID is in the list twice.
@@ -50,7 +50,8 @@ public:
     /// The place in the list of the device with this record ID.
     std::optional<std::size_t> indexOfDevice(std::int32_t recID) const { return index_.device(recID); }
 
-    /// The first record of this type in list order; null when none. For special records and criteria rows.
+    /// The first record of this type in list order; null when the list has no such record. For special
+    /// records and criteria rows.
     const CHardware* findSpecial(std::int32_t type) const;
 
     /// The criteria row of a device type, with or without the Discovered/Misc offset.

@@ -26,7 +26,8 @@ public:
     virtual void orderChanged() {}
 
     /// A device that was added here got another record ID, because another station had given its own to one
-    /// of its own. Comes before the documentReplaced() of the merge; `newRecID` is no device's `oldRecID`.
+    /// of its own. Comes before the documentReplaced() of the merge; `newRecID` is never another
+    /// device's `oldRecID`.
     virtual void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
         (void)oldRecID, (void)newRecID;
     }

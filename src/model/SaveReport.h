@@ -17,7 +17,7 @@ enum class Attempt { First, Retry };
 struct SaveReport {
     enum class Outcome {
         Saved,
-        Deferred, ///< nothing was written, and that is no error: it will be with the reload, or has no file
+        Deferred, ///< nothing was written, and nothing went wrong: it will be with the reload, or has no file
                   ///< yet
         Failed,   ///< see error; what is in memory stays, and the file is as it was
     };

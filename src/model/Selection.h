@@ -38,8 +38,8 @@ public:
     /// In list order. Takes as long as there are members.
     Devices members(Scope scope = Scope::Everywhere) const;
 
-    /// The selected floor device that comes last in the list, and so is drawn on top; null when none is.
-    /// Remembered until the selection or the order changes.
+    /// The selected floor device that comes last in the list, and so is drawn on top; null when no device is
+    /// selected. Remembered until the selection or the order changes.
     const CHardware* lastOnFloor() const;
 
     /// The pointer is on the device, or has left it: it shows all its labels. Not a selection, but as

@@ -5,7 +5,7 @@
 
 namespace mirovane {
 
-/// A value or the reason why there is none. Reading the side that is not there is a programming error.
+/// A value, or the reason why it could not be had. Reading the side that is not there is a programming error.
 template <typename Value, typename Error>
 class Result {
 public:

@@ -33,7 +33,7 @@ SNMPAnswer answerOf(const SNMPRequest& request) {
     }
 }
 
-/// The layer tells that there is none, not why: too many open files, most likely.
+/// The layer says that there is no socket, not why: too many open files, most likely.
 std::string whyNoSocket() {
     const CDescriptor socket(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     return socket ? std::string("try again") : std::generic_category().message(errno);

@@ -37,7 +37,7 @@ void CDatafileWatch::begin() {
     state_.pending = link_.upgradePending();
     if (state_.pending)
         state_.ticksSinceSave =
-            ticksBetweenSaves; // at the first tick, once: a file that cannot be written is no hurry
+            ticksBetweenSaves; // at the first tick, once: a file that cannot be written can wait
     startTimers(firstReminderPeriod);
 }
 

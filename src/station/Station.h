@@ -6,13 +6,13 @@
 #include "station/FeatureAnswers.h"
 #include "station/Features.h"
 #include "station/KeptState.h"
-#include "station/ListExport.h"
 #include "station/Pauses.h"
-#include "station/Reminders.h"
 #include "station/StationNews.h"
 #include "station/StationServices.h"
 #include "station/UserEdits.h"
 #include "station/WatchAnswers.h"
+#include "station/export/ListExport.h"
+#include "station/reminders/Reminders.h"
 
 #include <cstddef>
 #include <functional>

@@ -9,8 +9,8 @@
 #include "platform/files/Files.h"
 #include "platform/files/ProgramClaims.h"
 #include "probes/StepProbes.h"
-#include "station/ListExport.h"
 #include "station/StationDialogs.h"
+#include "station/export/ListExport.h"
 
 #include <string>
 

@@ -5,7 +5,7 @@
 #include "station/Features.h"
 #include "station/KeptState.h"
 #include "station/Pauses.h"
-#include "station/Reminders.h"
+#include "station/reminders/Reminders.h"
 
 #include <chrono>
 

@@ -113,7 +113,7 @@ TEST(UsageTest, ResultsThatCannotBeWrittenAreAFailure) {
     CliProcess toNobody({"records", file, "--json"});
     toNobody.closeOutput();
     const CliResult result = toNobody.finish();
-    EXPECT_EQ(result.status, 0) << "a reader that saw enough is no failure";
+    EXPECT_EQ(result.status, 0) << "a reader that saw enough is not a failure";
     EXPECT_THAT(result.err, IsEmpty());
 }
 

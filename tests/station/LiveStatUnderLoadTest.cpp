@@ -155,7 +155,7 @@ protected:
         }
     }
 
-    /// Everything that a step wrote speaks of the device that it stands in.
+    /// Everything that a step wrote is about the device that has it.
     void expectNothingWentAstray(Site& site) {
         for (std::size_t i = 0; i < site.doc().size(); ++i) {
             const CHardware& device = site.doc().at(i);

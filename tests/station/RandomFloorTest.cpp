@@ -106,7 +106,7 @@ protected:
         (this->*commands[below(std::size(commands))])();
     }
 
-    /// An edit that changes nothing is no step.
+    /// An edit that changes nothing is not a step.
     void edit() {
         const PlainFloor before = plain;
         const std::size_t steps = a.station->edits().history().steps().size();

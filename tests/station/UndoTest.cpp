@@ -113,7 +113,7 @@ TEST_F(UndoTest, AddedDevicesGoAlsoUnderAnotherNumber) {
         logged("Undo: Device 5 \"ours\" was added by this, and is changed or gone: nothing is removed"));
 }
 
-/// A deletion that is in no datafile yet and its undo are no edit at all to a merge.
+/// A deletion that is in no datafile yet and its undo are nothing to a merge.
 TEST_F(UndoTest, AnUnsavedDeletionIsTakenBack) {
     const auto remove = [](CMirovaneDoc& document) {
         document.removeDevices(std::array{DeviceKey{1, 0}, DeviceKey{2, 0}});

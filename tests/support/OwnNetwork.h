@@ -36,7 +36,7 @@ public:
     OwnNetwork(const OwnNetwork&) = delete;
     OwnNetwork& operator=(const OwnNetwork&) = delete;
 
-    /// Why there is none, for a test to skip itself.
+    /// Why it could not be made, for a test to skip itself.
     const std::optional<std::string>& refused() const { return refused_; }
 
     /// Sets a value of the calling thread's namespace, for example "ipv4/ping_group_range".

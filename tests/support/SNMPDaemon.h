@@ -112,7 +112,7 @@ public:
     SNMPDaemon(const SNMPDaemon&) = delete;
     SNMPDaemon& operator=(const SNMPDaemon&) = delete;
 
-    /// Why there is none, for a test to skip itself.
+    /// Why it does not run, for a test to skip itself.
     const std::optional<std::string>& refused() const { return refused_; }
     std::uint16_t port() const { return port_; }
     const std::string& folder() const { return folder_.path(); }

@@ -19,7 +19,7 @@ public:
     SmbServer(const SmbServer&) = delete;
     SmbServer& operator=(const SmbServer&) = delete;
 
-    /// Why there is none; empty when it serves.
+    /// Why it does not serve; empty when it serves.
     const std::string& whyNot() const { return whyNot_; }
 
     std::uint16_t port() const { return port_; }

@@ -74,7 +74,7 @@ void COutput::diagnose(LinePriority priority, std::string_view sentence) {
 
 namespace {
 
-/// 0 for what is no terminal.
+/// 0 for what is not a terminal.
 int columnsOf(std::FILE* file) {
     const int descriptor = fileno(file);
     if (descriptor < 0 || isatty(descriptor) == 0)

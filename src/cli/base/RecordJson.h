@@ -21,7 +21,7 @@ QString jsonKey(std::string_view name);
 /// All stored fields under their code names; numbers that JSON cannot hold are null.
 QJsonObject recordObject(const CHardware& record);
 
-/// Prints one JSON array with an object a line: 65,000 records never stand in memory twice.
+/// Prints one JSON array with an object a line: 65,000 records are never in memory twice.
 class CJsonArrayPrinter {
 public:
     explicit CJsonArrayPrinter(COutput& out) : out_(out) {}

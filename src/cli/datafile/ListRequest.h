@@ -19,7 +19,7 @@ inline constexpr std::array listRequestOptions{
 /// Which devices a command shows, and in which order: --floor, --misc, --type, --sort and --descending.
 struct ListRequest {
     ListViewState state;
-    bool knownTypesOnly = false; ///< --type was given, and a code that is no type has no name to ask for
+    bool knownTypesOnly = false; ///< --type was given, and a code that is not a type has no name to ask for
 };
 
 Result<ListRequest, UsageError> listRequest(const Arguments& arguments);

@@ -6,8 +6,8 @@
 #include "model/find/QuickFind.h"
 #include "platform/Clock.h"
 #include "platform/Timers.h"
-#include "station/ExportWriter.h"
 #include "station/Station.h"
+#include "station/export/ExportWriter.h"
 
 #include <cstdint>
 #include <functional>

@@ -88,7 +88,7 @@ void CDeviceSteps::reportBrokenPattern(const StepJob& job) {
         return;
     log_.LogTrouble("Live Stat criteria of " + std::string(typeName(job.input.device.Type)) + ", row " +
                     std::string(criteriaRowLabel(job.input.row)) + ": \"" + criteria.SearchFor +
-                    "\" is no pattern (" + job.outcome.brokenPattern + ") and matches nothing.");
+                    "\" is not a valid pattern (" + job.outcome.brokenPattern + ") and matches nothing.");
 }
 
 bool CDeviceSteps::isAsked(const DeviceRow& row) const {

@@ -36,13 +36,13 @@ std::string nativePath(const std::string& path);
 struct TextFileStatus {
     enum class Kind {
         File,
-        Missing,    ///< there is no regular file
+        Missing,    ///< nothing has this name, or it is not a regular file
         Unreadable, ///< whether there is one cannot be found out
     };
 
     Kind kind = Kind::File;
     TimeStamp stamp = 0; ///< when it was changed last; never 0, which means "never searched"
-    std::string trouble; ///< why there is none, a few words
+    std::string trouble; ///< why it is not a file that can be read, a few words
 };
 
 /// Devices and pipes are not opened: reading those can wait for ever.

@@ -26,7 +26,7 @@ public:
     CJackIndex& operator=(const CJackIndex&) = delete;
 
     /// State of the first device in list order, no jack and no location marker, whose `ToJack` is the
-    /// jack's number. Nothing when there is none or the number is empty.
+    /// jack's number. Nothing when no device is plugged in there, or the number is empty.
     std::optional<std::int32_t> stateAtJack(const std::string& jackNumber);
 
     void recordAdded(const CHardware& record) override;

@@ -66,7 +66,7 @@ public:
     bool record(const EditName& name, const std::function<void()>& change);
 
     /// Takes the latest step back, or makes the one that was undone last again; see reverseStep(). Saves at
-    /// once. Deferred when there is none.
+    /// once. Deferred when no step is left.
     SaveReport undo() { return reverse(CEditHistory::Way::Undo); }
     SaveReport redo() { return reverse(CEditHistory::Way::Redo); }
 

@@ -14,7 +14,7 @@ constexpr std::size_t macDigitCount = 12;
 constexpr std::size_t bytesOfMac = 6;
 constexpr std::string_view separators = ":-.";
 
-/// Shorter ones fit too much that is no address: "A-1" is a jack.
+/// Shorter ones fit too much that is not an address: "A-1" is a jack.
 constexpr std::size_t leastDigits = 3;
 
 bool isHexDigit(char c) {

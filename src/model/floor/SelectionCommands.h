@@ -46,7 +46,7 @@ SelectionOutcome select(SelectionCommand command, bool additive, CSelection& sel
                         const SelectionScene& scene);
 
 /// "3 devices: pc-1, pc-2, pc-3"; of many only the first names. A device without a name is called by its
-/// address, else by its type. Empty when there is none.
+/// address, else by its type. Empty when nothing is selected.
 std::string targetsText(const CSelection::Devices& devices);
 
 } // namespace mirovane

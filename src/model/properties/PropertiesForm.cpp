@@ -109,7 +109,7 @@ CPropertiesForm::Shown CPropertiesForm::text(std::string_view name) const {
     const auto all = shared(name);
     if (!several())
         return {all.value_or(std::string()), Source::Device};
-    // A list of pictures is no text to be typed over: it has its word also where all markers have the same.
+    // Nobody types over a list of pictures: the word is there also where all markers have the same.
     // And an empty field would look as if its texts were to be emptied.
     const bool hint = all && !all->empty() && leaveWord(field) == leaveText;
     return hint ? Shown{*all, Source::Shared} : Shown{leaveWord(field), Source::Various};

@@ -11,7 +11,7 @@
 
 namespace mirovane {
 
-/// What stands in a text field of several devices that nobody has edited: leave each device's own text.
+/// What a text field of several devices shows until somebody edits it: leave each device's own text.
 constexpr std::string_view leaveText = "<Edit>";
 
 /// The same in the list of a location marker's pictures.

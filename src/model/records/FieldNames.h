@@ -21,7 +21,7 @@ enum class FieldKind {
     Position,   ///< "x,y"
     Stamp,      ///< seconds since 1970
     RuleStamps, ///< twelve stamps with blanks between them
-    DateTime,   ///< "2026-11-22 14:30"; empty is none
+    DateTime,   ///< "2026-11-22 14:30"; empty: no date
 };
 
 /// A stored field of CHardware under the name that it has in the code: what scripts, JSON and messages about

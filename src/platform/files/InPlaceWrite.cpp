@@ -157,7 +157,7 @@ std::optional<FileError> CInPlaceWrite::recover(int fd) {
     return std::nullopt;
 }
 
-/// `keepOld`: somebody else's content stands in the file; the copy stays under a name that no recovery looks
+/// `keepOld`: the file has somebody else's content; the copy stays under a name that no recovery looks
 /// for.
 void CInPlaceWrite::forgetCopies(bool keepOld) {
     if (keepOld)

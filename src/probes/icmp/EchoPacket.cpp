@@ -34,7 +34,7 @@ void putWord(std::span<std::byte> data, std::size_t offset, std::uint16_t value)
     data[offset + 1] = static_cast<std::byte>(value & 0xff);
 }
 
-/// The length of the IPv4 header in front of an ICMP message, nothing when it is no such packet.
+/// The length of the IPv4 header in front of an ICMP message, nothing when it is something else.
 std::optional<std::size_t> icmpHeaderStart(std::span<const std::byte> packet) {
     if (packet.size() < shortestIpHeader || byteAt(packet, 0) >> 4 != 4 ||
         byteAt(packet, protocolOffset) != IPPROTO_ICMP)

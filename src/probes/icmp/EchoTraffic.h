@@ -12,7 +12,7 @@ namespace mirovane {
 /// back, watches the time-outs and tells the callers. It owns no thread and never waits: its owner calls
 /// turn() again and again and sleeps as long as pause() allows. One thread uses it.
 ///
-/// Orders stand in line until the send budget and the sequence numbers let their requests leave. What the
+/// Orders wait in line until the send budget and the sequence numbers let their requests leave. What the
 /// system can't take for the moment (full buffers) keeps its place at the front and is tried again until its
 /// deadline.
 class CEchoTraffic {

@@ -27,7 +27,7 @@ class CEchoTraffic;
 /// that fails the engine stays unusable: every request ends at once as NotPermitted.
 ///
 /// Up to 65,536 requests wait for their replies, and no more leave at once than the receive buffer takes
-/// replies for; the others stand in line, and their time-out starts when they leave.
+/// replies for; the others wait in line, and their time-out starts when they leave.
 ///
 /// Callbacks run one at a time on the engine's thread, exactly once for each address. They must not block,
 /// must not throw and must not destroy the engine; they may start requests. Only an engine that is unusable

@@ -55,7 +55,7 @@ public:
     /// Ends one request whose deadline has come: TimedOut, or SendFailed when it never left.
     std::optional<EndedEcho> expireOne(Time now);
 
-    /// Ends any one request as Stopped; nothing when there is none left.
+    /// Ends any one request as Stopped; nothing when no request is left.
     std::optional<EndedEcho> stopOne();
 
     /// When to call expireOne() next.

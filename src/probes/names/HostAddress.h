@@ -16,7 +16,7 @@ enum class HostTextKind {
 
 /// Reads "10.0.0.5": four decimal parts of 0 to 255, at most three digits each, blanks around allowed.
 /// Network byte order. Parts padded with zeros ("192.168.001.008"), common in inventories, are decimal. The
-/// short, octal and hexadecimal forms of older tools ("10.1", "0x7f.1", "167772165") are no addresses:
+/// short, octal and hexadecimal forms of older tools ("10.1", "0x7f.1", "167772165") are not addresses:
 /// somebody's unfinished address must not reach another host.
 std::optional<std::uint32_t> parseDottedAddress(std::string_view text);
 

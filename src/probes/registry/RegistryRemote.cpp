@@ -287,7 +287,7 @@ RegistryStatus CRegistryRemote::netFailure(const std::string& diagnostics) {
         return giveUp(Kind::Refused, "the user name or password was refused");
     // One key that this user may not read tells nothing about the others.
     if (says("WERR_ACCESS_DENIED") || says("NT_STATUS_ACCESS_DENIED")) {
-        trouble_ = {Kind::Refused, "there is no right to read it"};
+        trouble_ = {Kind::Refused, "this user may not read it"};
         return RegistryStatus::AccessDenied;
     }
     if (says("registry_")) {

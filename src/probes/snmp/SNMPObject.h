@@ -19,8 +19,8 @@ public:
     SNMPObject(SNMPObject&&) = default;
     SNMPObject& operator=(SNMPObject&&) = default;
 
-    /// An empty text leaves the object without an identifier. Raises SNMPException for a text that is none;
-    /// the identifier from before is gone then, too.
+    /// An empty text leaves the object without an identifier. Raises SNMPException for a text that is not
+    /// one; the identifier from before is gone then, too.
     void SetOid(const std::string& oidText);
 
     /// Null when there is none.

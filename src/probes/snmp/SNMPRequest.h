@@ -50,7 +50,7 @@ public:
 
     Status status() const { return status_; }
 
-    /// Of the reply (0 is none; 2 is "no such name"), or 5 when the layer itself failed.
+    /// Of the reply (0: no error; 2 is "no such name"), or 5 when the layer itself failed.
     std::int32_t errorStatus() const { return errorStatus_; }
     const std::vector<SNMPObject>& responses() const { return responses_; }
     std::int32_t requestId() const { return requestId_; }

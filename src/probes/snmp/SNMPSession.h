@@ -27,7 +27,7 @@ public:
     void AddAgent(SNMPRemoteAgent& agent);
     void RemoveAgent(SNMPRemoteAgent& agent);
 
-    /// The agent that waits for this request, null when none does. With the manager's gate held.
+    /// The agent that waits for this request, null when no agent does. With the manager's gate held.
     SNMPRemoteAgent* FindAgent(std::int32_t requestId) const;
 
     /// A message has arrived (status 0); on the transport's thread. Never raises: a message that can't be

@@ -319,7 +319,7 @@ std::optional<CApplicationRows::Edit> CApplicationRows::openEdit() const {
     return std::nullopt;
 }
 
-/// Where the entry stands now; -1 when there is none like it any more.
+/// Where the entry is now; -1 when it has gone or changed.
 int CApplicationRows::placeFor(const Edit& edit) const {
     const std::size_t old = placeOf(edit.row);
     if (old < entries_.size() && entries_[old] == edit.shown)

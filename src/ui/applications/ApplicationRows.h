@@ -52,7 +52,7 @@ Q_SIGNALS:
     /// The last entry was deleted.
     void emptied();
 
-    /// The command that the user is working on, as it stands in its box.
+    /// The command that the user is working on, as it is in its box.
     void commandShown(const QString& command);
 
 protected:
@@ -95,7 +95,7 @@ private:
     void orderChanged() override { refreshSoon_.start(); }
     void documentReplaced() override { refreshSoon_.start(); }
 
-    /// The entry that stands in this row of the window.
+    /// The entry in this row of the window.
     std::size_t placeOf(int row) const {
         return static_cast<std::size_t>(first_) + static_cast<std::size_t>(row);
     }

@@ -16,7 +16,7 @@ namespace mirovane {
 
 class CApplicationRows;
 
-/// "External Applications": the entries of the datafile, what may stand in a command, and the terminal that
+/// "External Applications": the entries of the datafile, what a command may hold, and the terminal that
 /// this user's programs open in. Not modal: a command can be tried on the floor while its line is still in
 /// sight. The datafile is saved a moment after each change, and when the window closes. The station outlives
 /// the window. Main thread.

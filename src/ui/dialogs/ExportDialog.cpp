@@ -63,7 +63,7 @@ QString fileText(const std::string& path) {
     return QFile::decodeName(path.c_str());
 }
 
-/// One line as it stands in the file, its TABs to be seen.
+/// One line as it is in the file, its TABs to be seen.
 QString previewLine(const std::string& line) {
     return QString::fromStdString(displayText(line)).replace(u'\t', QObject::tr(" \u2192 ")).remove(u'\r');
 }

@@ -16,7 +16,7 @@ class QRadioButton;
 
 namespace mirovane {
 
-/// "Export": where the List View's rows go and in which form, with the first lines as they will stand in the
+/// "Export": where the List View's rows go and in which form, with the first lines as they will be in the
 /// file. Stores and writes nothing itself.
 class CExportDialog final : public QDialog {
     Q_OBJECT

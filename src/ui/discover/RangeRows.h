@@ -29,8 +29,8 @@ public:
     /// What became of the rows since setRanges().
     std::vector<RangeEdit> edits() const;
 
-    /// False when a row is no range from a low address to a high one: the message is shown, the row brought
-    /// into sight and the cursor put where the fault is.
+    /// False when a row is not a range from a low address to a high one: the message is shown, the row
+    /// brought into sight and the cursor put where the fault is.
     bool validate();
 
 private:

@@ -102,7 +102,7 @@ void CMarkerDialog::showForm() {
     enableButtons();
 }
 
-/// The line that leaves each marker its own pictures is no picture: it is removed first, then pictures are
+/// The line that leaves each marker its own pictures is removed first, then pictures are
 /// added.
 void CMarkerDialog::enableButtons() {
     const QListWidgetItem* current = pictures_->currentItem();

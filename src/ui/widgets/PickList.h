@@ -5,7 +5,7 @@
 namespace mirovane {
 
 /// A drop-down list whose choice takes effect at once and may overwrite something. So nothing is chosen on
-/// the way: keys open the list, and the wheel scrolls the window that the list stands in.
+/// the way: keys open the list, and the wheel scrolls the window around the list.
 class CPickList : public QComboBox {
     Q_OBJECT
 

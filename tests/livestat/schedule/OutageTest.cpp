@@ -143,7 +143,7 @@ TEST_F(OutageTest, ABrokenPatternIsReportedAgainInTheNextDatafile) {
         scheduler->reset();
         const Lines lines = logged();
         return std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
-            return line.find("is no pattern") != std::string::npos;
+            return line.find("is not a valid pattern") != std::string::npos;
         });
     };
     EXPECT_EQ(reports(), 1);

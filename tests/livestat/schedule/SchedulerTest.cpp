@@ -145,7 +145,9 @@ TEST_F(SchedulerTest, ARowWithoutAnActionAndABrokenPatternHurtNobody) {
             return line.find(part) != std::string::npos;
         });
     };
-    EXPECT_EQ(linesWith("Printer, row Comment/Marker: \"(laser\" is no pattern (mismatched parenthesis)"), 1);
+    EXPECT_EQ(
+        linesWith("Printer, row Comment/Marker: \"(laser\" is not a valid pattern (mismatched parenthesis)"),
+        1);
     EXPECT_GT(linesWith("Processing 1 device(s)."), 2); // the printer; the UPS has nothing to check
     EXPECT_EQ(linesWith("Processing 2 device(s)."), 0);
 }

@@ -20,7 +20,7 @@ TEST(FieldTextTest, FieldsStandBetweenDelimitersOutsideQuotes) {
         {"", ",", 1, ""},
         {"no delimiter", ",", 1, "no delimiter"},
         {"no delimiter", ",", 2, ""},
-        {"a\tb\\tc", "\\t", 2, "b\\tc"}, // the line's own backslashes are no tabs
+        {"a\tb\\tc", "\\t", 2, "b\\tc"}, // the line's own backslashes are not tabs
         {"a, \tb", ",\\t", 1, "a, \tb"},
         {"a,\tb", ",\\t", 2, "b"},
         {"a::b:c::d", "::", 2, "b:c"},

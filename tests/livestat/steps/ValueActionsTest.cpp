@@ -43,7 +43,7 @@ TEST_F(ValueActionsTest, ARetrievedValueIsTheResultWhenThePatternMatchesIt) {
         {"^$mvU", "failed:"},
         {"^$mvU$", "failed:"},      // only a text without any character would fit
         {"x|$mvU|", value.c_str()}, // an alternative that is nothing matches everything
-        {"$mvN", "failed:"},        // literally, so the star is no repeat
+        {"$mvN", "failed:"},        // literally, so the star does not repeat
         {"(cisco", "failed:"},
     };
     for (const Case& c : cases)

@@ -146,7 +146,7 @@ TEST_F(SelectionCommandsTest, HidingDeselectsAndIsKept) {
     EXPECT_EQ(settings.read("HideJacks", 99), 0);
 
     hiding.toggleMap(false);
-    EXPECT_FALSE(hiding.mapHidden()) << "there is none";
+    EXPECT_FALSE(hiding.mapHidden()) << "there is no map";
     hiding.toggleMap(true);
     hiding.hideAll();
     EXPECT_EQ(display.VisibleTypes, 0);

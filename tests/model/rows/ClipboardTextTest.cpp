@@ -62,7 +62,7 @@ TEST_F(ClipboardTextTest, NineteenFieldsInTheirOrder) {
     marker.ReminderDate = {DateTime::valid, 1.5};
     EXPECT_EQ(clipboardLine(marker, ClipboardForm::Bytes),
               "Thu Jan  1 00:00:00 1970\t\t\t\tLocation Marker\t\t\t\t\t\t\t\t\t\t\t\t\t\t")
-        << "neither its area nor a date without a reminder, nor a state that is none";
+        << "neither its area nor a date without a reminder, nor a state that does not exist";
 }
 
 TEST_F(ClipboardTextTest, FieldsCannotBreakLinesOrColumns) {

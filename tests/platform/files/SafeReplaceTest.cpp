@@ -81,7 +81,7 @@ TEST_F(SafeReplaceTest, NewFilesOfAnyNameAreMade) {
     EXPECT_EQ(filesIn(folder.path()), 6U);
 }
 
-/// Hard links stand in for a rename that spares what is there; where there are neither, the file is made
+/// Hard links replace a rename that spares what is there; where there are neither, the file is made
 /// under its own name at once.
 TEST_F(SafeReplaceTest, NewFilesAreMadeWhereCallsAreMissing) {
     for (const int code : {EINVAL, ENOSYS, ENOTSUP}) {

@@ -1,3 +1,4 @@
+#include "platform/files/KeptCopy.h"
 #include "tests/platform/files/FilesFixture.h"
 
 #include <csignal>
@@ -35,13 +36,14 @@ protected:
         ASSERT_EQ(chmod(path.c_str(), 0664), 0);
     }
 
-    /// Runs `work` in a process of this user; true when it did, false when it was killed by itself.
+    /// Runs `work` in a process of this user, whose new files belong to `group`; true when it did, false when
+    /// it was killed by itself.
     template <typename Work>
-    bool as(uid_t user, const Work& work) {
+    bool as(uid_t user, const Work& work, gid_t group = team) {
         const pid_t child = fork();
         if (child == 0) {
             umask(0077); // a user who shares nothing by accident
-            if (setgroups(0, nullptr) != 0 || setgid(team) != 0 || setuid(user) != 0)
+            if (setgroups(1, &team) != 0 || setgid(group) != 0 || setuid(user) != 0)
                 _exit(3);
             try {
                 _exit(work() ? 0 : 1);
@@ -99,6 +101,38 @@ TEST_F(TwoUsersTest, AKilledSaveStopsNobodyElsesAndTheFileStaysItsOwners) {
         }
         EXPECT_GT(at, 10U);
     }
+}
+
+/// In a folder that does not hand its group on, and by somebody who cannot give files to their owner.
+TEST_F(TwoUsersTest, CopiesOfTheDatafileBelongToItsGroup) {
+    constexpr gid_t own = colleague;
+    ASSERT_EQ(chmod(folder.path().c_str(), 0777), 0);
+    const auto isTeams = [](const std::string& file) {
+        const struct stat status = statusOf(file);
+        return status.st_gid == team && (status.st_mode & 07777) == 0664;
+    };
+    const auto copies = [&] {
+        CKeptCopy copy;
+        if (copy.make(path, ".before-repair"))
+            return false;
+        copy.keep();
+        return true;
+    };
+    EXPECT_TRUE(as(colleague, copies, own));
+    EXPECT_TRUE(isTeams(path + ".before-repair"));
+
+    const std::string old = folder.file(".floor.mv.before");
+    int seen = 0;
+    for (std::size_t at = 0; at == 0 || died(); ++at) {
+        startAgain();
+        as(
+            colleague, [&] { return saveDyingAt(at, backup.file("dying")); }, own);
+        if (!std::filesystem::exists(old))
+            continue;
+        ++seen;
+        EXPECT_TRUE(isTeams(old)) << "nobody else could finish the save that died at call " << at;
+    }
+    EXPECT_GT(seen, 0);
 }
 
 } // namespace

@@ -176,7 +176,7 @@ TEST_F(HostProbesTest, ResolvesBothWaysAndLeavesTheOtherOutputAlone) {
     EXPECT_EQ(hostName_, "printer");
     EXPECT_EQ(address_, 77U);
     hostName_ = "before";
-    EXPECT_TRUE(resolve("127.0.0.8")) << "an address without a name is no failure";
+    EXPECT_TRUE(resolve("127.0.0.8")) << "an address without a name is not a failure";
     EXPECT_EQ(hostName_, "before");
     EXPECT_TRUE(resolve("printer"));
     EXPECT_EQ(address_, addressOf("127.0.0.7"));

@@ -62,7 +62,7 @@ TEST_F(ListViewModelTest, RowsComeAndGoAtTheirPlaces) {
     EXPECT_EQ(cell(2, ListColumn::Device), "Phone");
 
     const auto early = add("A");
-    EXPECT_THAT(shown(), ElementsAre(a, early, b, c)) << "equal names stand in the order of the list";
+    EXPECT_THAT(shown(), ElementsAre(a, early, b, c)) << "equal names keep the order of the list";
     site.doc().removeDevices(std::array{DeviceKey{a}, DeviceKey{c}});
     EXPECT_EQ(rows.recordAt(0), nullptr) << "the row is still there, its device is not";
     EXPECT_EQ(cell(0, ListColumn::Name), "");

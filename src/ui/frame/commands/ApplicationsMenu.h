@@ -15,7 +15,7 @@
 namespace mirovane {
 
 /// The "&Applications" menu: an item per External Application that is on the menu, then "P&roperties". It
-/// stands in the menu bar while there is such an application, and comes up at a right click on the floor;
+/// is in the menu bar while there is such an application, and comes up at a right click on the floor;
 /// without applications the right click brings "P&roperties" alone. Follows the document by itself, but never
 /// while it is open: an item must not change under the pointer. Belongs to the menu bar. Main thread.
 class CApplicationsMenu : public QObject, private DocumentObserver {
@@ -35,8 +35,8 @@ public:
 
     void popup(QPoint screenPoint);
 
-    /// Runs what stands under a command id of the menu. Nothing happens for an id that is none, or when the
-    /// entry has gone from the datafile since.
+    /// Runs the entry with this command id. Nothing happens for an id that the menu does not have, or when
+    /// the entry has gone from the datafile since.
     void runCommand(int id);
 
 private:

@@ -1,8 +1,8 @@
-#include "station/ListExport.h"
+#include "station/export/ListExport.h"
 
 #include "model/rows/TextExport.h"
 #include "platform/files/UnflushedFiles.h"
-#include "station/ExportWriter.h"
+#include "station/export/ExportWriter.h"
 
 #include <utility>
 

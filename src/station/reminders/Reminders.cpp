@@ -1,4 +1,4 @@
-#include "station/Reminders.h"
+#include "station/reminders/Reminders.h"
 
 #include "model/records/Dates.h"
 

@@ -1,4 +1,4 @@
-#include "station/ExportWriter.h"
+#include "station/export/ExportWriter.h"
 
 #include "model/rows/TextExport.h"
 #include "platform/BlockedSignals.h"
