@@ -30,7 +30,11 @@ public:
     /// record is changed.
     virtual bool holdsStill() const = 0;
 
+    /// Waits for it.
     virtual SaveResult saveNow(SaveNote note) = 0;
+
+    /// For what no other station waits for: a share that hangs is not waited for either.
+    virtual void saveSoon(SaveNote note) { saveNow(note); }
 
     /// Records were changed that need no save of their own: the next periodic one takes them along.
     virtual void changesPending() = 0;

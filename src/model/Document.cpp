@@ -80,6 +80,17 @@ CHardware& CMirovaneDoc::slot(const CHardware& record) {
 
 // ---- edits
 
+template <typename Note>
+void CMirovaneDoc::journalise(Note note) {
+    modified_ = true;
+    if (since_) {
+        since_->modified = true;
+        note(since_->journal);
+    }
+    if (keepsJournal_)
+        note(journal_);
+}
+
 const CHardware* CMirovaneDoc::append(CHardware record) {
     return appended(std::move(record), &CEditJournal::added);
 }
@@ -102,9 +113,7 @@ const CHardware* CMirovaneDoc::appended(CHardware record, void (CEditJournal::*n
     }
     ++orderRevision_;
     const CHardware& added = *records_.back();
-    modified_ = true;
-    if (keepsJournal_)
-        (journal_.*note)(added);
+    journalise([&](CEditJournal& journal) { (journal.*note)(added); });
     for (DocumentObserver* observer : observers_)
         observer->recordAdded(added);
     return &added;
@@ -132,11 +141,9 @@ void CMirovaneDoc::change(const CHardware& record, const std::function<void(CHar
     index_.rekeyed(records_, place, before.Type, before.RecID);
     if (held.Type != before.Type || held.Priority != before.Priority || held.RecID != before.RecID)
         ++orderRevision_;
-    if (!sameStored(before, held)) {
-        modified_ = true;
-        if (keepsJournal_)
-            journal_.changed(before, held, byUser ? allFields : FieldSet());
-    }
+    if (!sameStored(before, held))
+        journalise(
+            [&](CEditJournal& journal) { journal.changed(before, held, byUser ? allFields : FieldSet()); });
     for (DocumentObserver* observer : observers_)
         observer->recordChanged(before, held);
 }
@@ -163,9 +170,17 @@ void CMirovaneDoc::remove(const CHardware& record) {
     records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(place));
     index_.removed(records_, place, *gone);
     ++orderRevision_;
-    modified_ = true;
     for (DocumentObserver* observer : observers_)
         observer->recordRemoved(*gone);
+    journaliseRemoval(std::move(gone));
+}
+
+void CMirovaneDoc::journaliseRemoval(std::unique_ptr<CHardware> gone) {
+    modified_ = true;
+    if (since_) {
+        since_->modified = true;
+        since_->journal.removed(*gone);
+    }
     if (keepsJournal_)
         journal_.removed(std::move(gone));
 }
@@ -184,12 +199,10 @@ std::size_t CMirovaneDoc::removeDevices(std::span<const DeviceKey> keys) {
     std::erase(records_, nullptr);
     index_.rebuild(records_);
     ++orderRevision_;
-    modified_ = true;
     for (auto& record : gone) {
         for (DocumentObserver* observer : observers_)
             observer->recordRemoved(*record);
-        if (keepsJournal_)
-            journal_.removed(std::move(record));
+        journaliseRemoval(std::move(record));
     }
     return gone.size();
 }
@@ -202,6 +215,8 @@ void CMirovaneDoc::exchange(std::size_t a, std::size_t b) {
     index_.exchanged(records_, a, b);
     ++orderRevision_;
     modified_ = true;
+    if (since_)
+        since_->modified = true;
     for (DocumentObserver* observer : observers_)
         observer->orderChanged();
 }
@@ -239,6 +254,7 @@ void CMirovaneDoc::replaceAll(Datafile::RecordList records, bool inDatafile) {
     records_ = std::move(records);
     index_.rebuild(records_);
     journal_.clear();
+    since_.reset();
     keepsJournal_ = inDatafile;
     modified_ = false;
     tellReplaced();
@@ -258,6 +274,7 @@ void CMirovaneDoc::replaceByReload(Datafile::RecordList records, CEditJournal jo
         seen.push_back({key, record->Selected != 0, record->LSNowMark != 0});
     }
     journal_ = std::move(journal);
+    since_.reset();
     // Observers let go of the records before they are freed.
     const Datafile::RecordList before = std::exchange(records_, std::move(records));
     index_.rebuild(records_);
@@ -281,10 +298,25 @@ void CMirovaneDoc::tellReplaced() {
         observer->documentReplaced();
 }
 
+void CMirovaneDoc::saveBegins(const std::function<bool(const CHardware&)>& stays) {
+    since_.emplace();
+    if (!stays)
+        return;
+    for (const auto& [record, change] : journal_.changes())
+        if (stays(*record))
+            since_->journal.takeOver(*record, journal_);
+    since_->modified = !since_->journal.nothingToKeep();
+}
+
 void CMirovaneDoc::allSaved() {
-    journal_.clear();
+    if (since_)
+        journal_ = std::move(since_->journal);
+    else
+        journal_.clear();
+    modified_ = since_ && since_->modified;
+    since_.reset();
+    ++arrivals_;
     keepsJournal_ = true;
-    modified_ = false;
 }
 
 // ---- observers

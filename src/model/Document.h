@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -115,13 +116,26 @@ public:
     void replaceByReload(Datafile::RecordList records, CEditJournal journal,
                          const std::vector<Renumbering>& renumbered);
 
-    /// Everything is in a datafile now.
+    /// The records are on their way to a datafile as they are now. What is edited from here on is in no
+    /// datafile yet when they have arrived, nor is what was changed before in records that `stays` names.
+    void saveBegins(const std::function<bool(const CHardware&)>& stays = {});
+
+    /// They have not arrived.
+    void saveFailed() { since_.reset(); }
+
+    /// They have arrived; without saveBegins() everything is in a datafile now.
     void allSaved();
 
     /// An unnamed document was to be saved: it counts as edited.
     void markModified() { modified_ = true; }
 
     const CEditJournal& journal() const { return journal_; }
+
+    /// What was edited since the save that is under way began; null while none is.
+    const CEditJournal* journalSinceSave() const { return since_ ? &since_->journal : nullptr; }
+
+    /// How often records have arrived in a datafile.
+    std::uint64_t arrivals() const { return arrivals_; }
     bool modified() const { return modified_; } ///< edited since the last save
 
     /// The user changed something that is in no datafile yet, although this document has one.
@@ -136,6 +150,15 @@ public:
     void removeObserver(DocumentObserver& observer) const;
 
 private:
+    /// What is edited while a save is under way, on top of what is being saved.
+    struct SinceSave {
+        CEditJournal journal;
+        bool modified = false;
+    };
+
+    template <typename Note>
+    void journalise(Note note);
+    void journaliseRemoval(std::unique_ptr<CHardware> gone);
     const CHardware* appended(CHardware record, void (CEditJournal::*note)(const CHardware&));
     CHardware& slot(const CHardware& record);
     std::size_t placeOf(const CHardware& record) const;
@@ -149,8 +172,10 @@ private:
     Datafile::RecordList records_;
     CRecordIndex index_;
     CEditJournal journal_;
+    std::optional<SinceSave> since_;
     mutable std::vector<DocumentObserver*> observers_;
     std::uint64_t orderRevision_ = 0;
+    std::uint64_t arrivals_ = 0;
     bool keepsJournal_ = false;
     bool modified_ = false;
 };

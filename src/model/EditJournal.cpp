@@ -45,9 +45,27 @@ void CEditJournal::changed(const CHardware& before, const CHardware& after, cons
 }
 
 void CEditJournal::removed(std::unique_ptr<CHardware> gone) {
-    if (added_.erase(gone.get()) > 0)
+    const CHardware& listed = *gone;
+    note(listed, std::move(gone));
+}
+
+void CEditJournal::removed(const CHardware& gone) {
+    note(gone, std::make_unique<CHardware>(gone));
+}
+
+void CEditJournal::takeOver(const CHardware& record, const CEditJournal& other) {
+    const Change* change = other.changeOf(record);
+    if (!change)
         return;
-    if (const auto entry = changes_.find(gone.get()); entry != changes_.end()) {
+    changes_.insert_or_assign(&record, *change);
+    keepsChanges_ = keepsChanges_ || change->byUser.any();
+}
+
+/// The journal knows the record by the address that it had in the list.
+void CEditJournal::note(const CHardware& listed, std::unique_ptr<CHardware> gone) {
+    if (added_.erase(&listed) > 0)
+        return;
+    if (const auto entry = changes_.find(&listed); entry != changes_.end()) {
         CHardware base = std::move(entry->second.base);
         changes_.erase(entry);
         *gone = std::move(base);

@@ -59,11 +59,18 @@ public:
     /// The record as it left the list.
     void removed(std::unique_ptr<CHardware> gone);
 
+    /// The same where another journal takes the record itself.
+    void removed(const CHardware& gone);
+
+    /// Takes over what another journal has of this record of the list, if anything.
+    void takeOver(const CHardware& record, const CEditJournal& other);
+
     /// Takes as long as there were changes, whatever the size of the list.
     void clear();
 
     /// Nothing that must not get lost: no edit of the user, no claim to run a feature.
     bool nothingToKeep() const { return added_.empty() && !keepsChanges_ && removals_.empty(); }
+    bool anyAdded() const { return !added_.empty(); }
     bool isAdded(const CHardware& record) const { return added_.contains(&record); }
 
     /// Null when the record was not changed, or was added.
@@ -74,6 +81,7 @@ public:
     const std::unordered_map<const CHardware*, Change>& changes() const { return changes_; }
 
 private:
+    void note(const CHardware& listed, std::unique_ptr<CHardware> gone);
     std::optional<std::size_t> removalOf(const CHardware& record) const;
 
     std::unordered_set<const CHardware*> added_;

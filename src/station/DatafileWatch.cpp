@@ -8,6 +8,8 @@ namespace {
 
 constexpr std::chrono::milliseconds watchPeriod{3000};
 constexpr std::chrono::milliseconds reloadRetryPeriod{100};
+constexpr std::chrono::milliseconds answerPeriod{10};
+
 constexpr std::chrono::milliseconds firstReminderPeriod{5000};
 constexpr std::chrono::milliseconds reminderPeriodAfterReload{4000};
 
@@ -21,15 +23,15 @@ constexpr int ticksOfSilence = 100;
 
 } // namespace
 
-CDatafileWatch::CDatafileWatch(CDatafileLink& link, CMirovaneDoc& document, Files& files, const Clock& clock,
+CDatafileWatch::CDatafileWatch(CDatafileLink& link, CMirovaneDoc& document, const Clock& clock,
                                TimerFactory& timers, CMessageLog& log, DatafileWatchHost& host)
     : link_(link),
       document_(document),
-      files_(files),
       clock_(clock),
       log_(log),
       host_(host),
-      timer_(timers.makeTimer([this] { tick(); })) {}
+      timer_(timers.makeTimer([this] { tick(); })),
+      answers_(timers.makeTimer([this] { poll(); })) {}
 
 void CDatafileWatch::begin() {
     state_ = State();
@@ -62,27 +64,58 @@ void CDatafileWatch::startTimers(std::chrono::milliseconds reminderPeriod) {
 
 // ---- saving
 
-SaveReport CDatafileWatch::save(SaveNote note, Attempt attempt) {
+SaveReport CDatafileWatch::save(SaveNote note, Attempt attempt, WaitFor waitFor) {
+    if (waitFor == WaitFor::Answer)
+        settle();
     if (busy())
         return {}; // the reload saves what the user changed
-    SaveReport report = link_.save(note, attempt);
+    if (link_.underWay()) {
+        state_.wanted = note;
+        host_.saveTried();
+        return {};
+    }
+    state_.pendingInSave = std::exchange(state_.pendingSince, false);
+    if (const auto report = link_.startSave(note, attempt)) {
+        saved(*report);
+        return *report;
+    }
+    const auto news = awaited(waitFor);
+    if (!news) {
+        host_.saveTried(); // what it was for is kept elsewhere until it is over
+        return {};
+    }
+    deliver(*news);
+    const auto* report = std::get_if<SaveReport>(&*news);
+    return report ? *report : SaveReport{};
+}
+
+/// A save that failed is owed as long as there is something to save.
+void CDatafileWatch::saved(const SaveReport& report) {
     takeIn(report);
-    if (report.failed() && document_.unsavedEdits() && !state_.owed)
+    if (report.failed() && link_.hasToSave() && !state_.owed)
         state_.owed.emplace();
-    return report;
 }
 
 SaveReport CDatafileWatch::saveAs(const std::string& path) {
+    settle();
+    state_.pendingSince = false;
     SaveReport report = link_.saveAs(path);
     takeIn(report);
     return report;
+}
+
+void CDatafileWatch::settle() {
+    while (link_.underWay())
+        if (const auto news = awaited(WaitFor::Answer))
+            deliver(*news);
+    state_.wanted.reset(); // whoever waited saves now, or has nothing more to save
 }
 
 void CDatafileWatch::takeIn(const SaveReport& report) {
     state_.lastError = report.error;
     host_.saveTried();
     if (report.saved()) {
-        state_.pending = false;
+        state_.pending = std::exchange(state_.pendingSince, false);
         state_.owed.reset();
     }
     if (phase() == Phase::Unreadable && (report.saved() || report.readAgain))
@@ -121,6 +154,7 @@ void CDatafileWatch::lookAtOwners() {
 
 void CDatafileWatch::beginEdit() {
     timer_->stop();
+    state_.editing = true;
     if (phase() == Phase::ReloadWaiting) {
         state_.phase = Phase::Watching;
         state_.editTookReload = true;
@@ -128,6 +162,7 @@ void CDatafileWatch::beginEdit() {
 }
 
 void CDatafileWatch::endEdit() {
+    state_.editing = false;
     if (phase() == Phase::Closed)
         return;
     if (std::exchange(state_.editTookReload, false))
@@ -136,19 +171,87 @@ void CDatafileWatch::endEdit() {
         timer_->start(watchPeriod);
 }
 
-bool CDatafileWatch::behind() const {
+bool CDatafileWatch::behind() {
+    settle();
     if (phase() == Phase::ReloadWaiting)
         return true;
     if (phase() != Phase::Watching || link_.path().empty())
         return false;
-    const auto status = files_.status(link_.path());
-    return status && status.value() != link_.knownIdentity();
+    link_.startLook();
+    const auto news = awaited(WaitFor::Answer);
+    const auto* look = news ? std::get_if<DatafileLooked>(&*news) : nullptr;
+    return look && look->status && look->status.value() != link_.knownIdentity();
 }
 
 void CDatafileWatch::catchUp() {
     timer_->stop();
     host_.stopReminders();
-    finishReload();
+    fetch(WaitFor::Answer);
+}
+
+// ---- answers
+
+/// Nothing: it is still under way, or whoever was let in meanwhile has taken it.
+std::optional<DatafileNews> CDatafileWatch::awaited(WaitFor waitFor) {
+    answers_->stop(); // who waits here takes it
+    bool there = link_.wait(oneFrame);
+    while (link_.underWay()) {
+        if (there) {
+            if (phase() == Phase::Fetching)
+                state_.phase = Phase::Reading;
+            if (auto news = link_.collect())
+                return news;
+        } else if (waitFor == WaitFor::Frame) {
+            answers_->start(answerPeriod);
+            return std::nullopt;
+        } else if (!host_.keepWaiting(link_.path())) {
+            return link_.underWay() ? std::optional(link_.giveUp()) : std::nullopt;
+        }
+        there = link_.wait(oneFrame);
+    }
+    return std::nullopt;
+}
+
+/// While a question to the user is open or something follows the pointer, the records stay.
+void CDatafileWatch::poll() {
+    if (!link_.underWay()) {
+        answers_->stop();
+        return;
+    }
+    const bool mayReplace = !host_.paused() && !state_.editing;
+    if (!link_.wait(std::chrono::milliseconds(0)) || (link_.hasRead() && !mayReplace))
+        return;
+    if (phase() == Phase::Fetching)
+        state_.phase = Phase::Reading;
+    const auto news = link_.collect(mayReplace);
+    if (!news)
+        return; // the save goes on
+    answers_->stop();
+    deliver(*news);
+    goOnSaving();
+    host_.answered();
+}
+
+void CDatafileWatch::deliver(const DatafileNews& news) {
+    if (const auto* look = std::get_if<DatafileLooked>(&news))
+        looked(look->status);
+    else if (const auto* read = std::get_if<DatafileReadAgain>(&news))
+        takeRead(read->error);
+    else {
+        const auto& report = std::get<SaveReport>(news);
+        saved(report);
+        if (report.failed() && report.error->kind == FileError::Kind::Changed)
+            state_.pending = state_.pending || state_.pendingInSave;
+        if (report.outcome == SaveReport::Outcome::Deferred && !state_.owed)
+            state_.owed.emplace(); // it met another station's when nothing could be put on top of that
+    }
+}
+
+void CDatafileWatch::goOnSaving() {
+    if (link_.underWay() || busy())
+        return;
+    if (const auto note = std::exchange(state_.wanted, std::nullopt); note && phase() != Phase::Closed)
+        save(*note);
 }
 
 // ---- ticks
@@ -160,7 +263,18 @@ void CDatafileWatch::tick() {
         reload();
         return;
     }
-    auto status = files_.status(link_.path());
+    if (link_.underWay()) { // the share takes its time
+        poll();
+        return;
+    }
+    link_.startLook();
+    if (const auto news = awaited(WaitFor::Frame))
+        deliver(*news);
+}
+
+void CDatafileWatch::looked(const Result<FileIdentity, FileError>& status) {
+    if (phase() == Phase::Closed || host_.paused() || state_.editing)
+        return; // the next tick asks again
     const bool late = !status && status.error().kind == FileError::Kind::NotAnswering;
     if (late && !std::exchange(state_.unanswered, true))
         return; // perhaps the answer is there with the next tick
@@ -171,9 +285,10 @@ void CDatafileWatch::tick() {
             state_.owed = OwedSave();
     } else if (link_.mustReload() || status.value() != link_.knownIdentity()) {
         reload();
-        if (busy())
+        if (busy() || phase() == Phase::Fetching)
             return;
-        status = files_.status(link_.path());
+        periodicSave(link_.mustReload() || !link_.knownIdentity() ? status : *link_.knownIdentity());
+        return;
     } else {
         retryOwedSave();
     }
@@ -181,7 +296,7 @@ void CDatafileWatch::tick() {
 }
 
 void CDatafileWatch::retryOwedSave() {
-    if (state_.owed && !document_.unsavedEdits())
+    if (state_.owed && !link_.hasToSave())
         state_.owed.reset(); // what it was for is saved, or another station's
     if (state_.owed && state_.owed->due() && save(SaveNote::None, Attempt::Retry).saved())
         host_.listChanged();
@@ -222,7 +337,7 @@ void CDatafileWatch::reload() {
         timer_->start(reloadRetryPeriod);
         return;
     }
-    finishReload();
+    fetch(WaitFor::Frame);
 }
 
 /// A file that stays unreadable is tried every few seconds.
@@ -234,34 +349,40 @@ bool CDatafileWatch::mayStopJobs() {
     return true;
 }
 
-void CDatafileWatch::finishReload() {
-    if (readAgain()) {
-        state_.phase = Phase::Asking;
-        if (document_.unsavedEdits())
-            save();
-        host_.listChanged();
-        lookAtOwners();
-        if (phase() != Phase::Asking)
-            return; // left meanwhile
-        state_.phase = Phase::Watching;
-    }
-    startTimers(reminderPeriodAfterReload);
+/// A station that hangs with the file in its hands must not hold this one up at every tick.
+void CDatafileWatch::fetch(WaitFor waitFor) {
+    state_.fetchedAgain = phase() == Phase::Unreadable;
+    state_.phase = Phase::Fetching;
+    link_.startReload(state_.fetchedAgain ? Attempt::Retry : Attempt::First);
+    if (const auto news = awaited(waitFor))
+        deliver(*news);
 }
 
-bool CDatafileWatch::readAgain() {
-    const bool again = phase() == Phase::Unreadable;
-    state_.phase = Phase::Reading;
-    // A station that hangs with the file in its hands must not hold this one up at every tick.
-    const auto error = link_.reload(again ? Attempt::Retry : Attempt::First);
+void CDatafileWatch::takeRead(const std::optional<Datafile::Error>& error) {
+    if (phase() == Phase::Closed) {
+        if (!error)
+            savedOnTop();
+        return; // whoever leaves the datafile saves
+    }
     if (error) {
-        if (!again)
+        if (!state_.fetchedAgain)
             reportUnreadable(*error);
         state_.phase = Phase::Unreadable;
-        return false;
+        startTimers(reminderPeriodAfterReload);
+        return;
     }
     ++readings_;
+    state_.wanted.reset();
     log_.LogMessage("Loaded from data file", true);
-    return true;
+    state_.phase = Phase::Asking;
+    if (link_.hasToSave())
+        save();
+    host_.listChanged();
+    lookAtOwners();
+    if (phase() != Phase::Asking)
+        return; // left meanwhile
+    state_.phase = Phase::Watching;
+    startTimers(reminderPeriodAfterReload);
 }
 
 void CDatafileWatch::reportUnreadable(const Datafile::Error& error) {

@@ -14,10 +14,8 @@
 namespace mirovane {
 
 /// What the watch asks of the station around it. Main thread.
-class DatafileWatchHost {
+class DatafileWatchHost : public SharePatience {
 public:
-    virtual ~DatafileWatchHost() = default;
-
     /// An edit is under way or a question is open: the watch does nothing.
     virtual bool paused() const = 0;
 
@@ -39,11 +37,25 @@ public:
 
     /// What the records say has changed; no more changes follow at once.
     virtual void listChanged() = 0;
+
+    /// What was begun in the background is over.
+    virtual void answered() = 0;
+};
+
+/// Who waits for an answer of the datafile's share.
+enum class WaitFor {
+    Frame,  ///< nobody, beyond the moment that a disk takes which is well: the answer comes with a later tick
+    Answer, ///< the user, for a command of his; or a station that has nothing better to do
 };
 
 /// Keeps the document and its datafile together: notices when another station saved, reads the file again,
 /// saves background changes from time to time and failed saves again. Timer: every 3 s; 100 ms while a reload
-/// waits for Live Stat's jobs. Main thread; all references outlive the watch.
+/// waits for Live Stat's jobs.
+///
+/// A question to the file that is not answered within a frame goes on in the background, one at a time; a
+/// second timer looks every 10 ms whether its answer is there. Meanwhile everything can be edited: what is
+/// edited while a save is under way is in no datafile yet when it is over, and is saved next. Main thread;
+/// all references outlive the watch.
 class CDatafileWatch {
 public:
     enum class Phase {
@@ -51,13 +63,14 @@ public:
         Watching,      ///< the file is as this station knows it, or the next tick finds that it is not
         ReloadWaiting, ///< another station saved; the reload waits for Live Stat's jobs, and saves wait for
                        ///< it
+        Fetching,      ///< the file is being read in the background; saves wait for it
         Reading,       ///< the records are being replaced; saves wait
         Unreadable,    ///< the last reload failed; each tick tries again
         Asking,        ///< the records were replaced, and who runs what is looked at, and maybe asked about
     };
 
-    CDatafileWatch(CDatafileLink& link, CMirovaneDoc& document, Files& files, const Clock& clock,
-                   TimerFactory& timers, CMessageLog& log, DatafileWatchHost& host);
+    CDatafileWatch(CDatafileLink& link, CMirovaneDoc& document, const Clock& clock, TimerFactory& timers,
+                   CMessageLog& log, DatafileWatchHost& host);
 
     /// A datafile was opened or made: forgets everything of the one before.
     void begin();
@@ -75,10 +88,14 @@ public:
 
     // ---- saving
 
-    /// As CDatafileLink::save(). Deferred while a reload is under way. One that fails is tried again by the
-    /// ticks.
-    SaveReport save(SaveNote note = SaveNote::None, Attempt attempt = Attempt::First);
+    /// As CDatafileLink::save(). Deferred while a reload is under way, and where the share takes longer than
+    /// a frame: lastError() then tells how it ended. One that fails is tried again by the ticks.
+    SaveReport save(SaveNote note = SaveNote::None, Attempt attempt = Attempt::First,
+                    WaitFor waitFor = WaitFor::Frame);
     SaveReport saveAs(const std::string& path);
+
+    /// Waits until nothing is under way in the background.
+    void settle();
 
     /// Of the last save or Save As; nothing when it went well.
     const std::optional<FileError>& lastError() const { return state_.lastError; }
@@ -87,7 +104,7 @@ public:
     /// Background work changed records: they are saved with the sixth tick after the last save, so that a
     /// busy Live Stat does not make every station reload every 3 s.
     bool pendingChanges() const { return state_.pending; }
-    void setPendingChanges(bool pending) { state_.pending = pending; }
+    void setPendingChanges(bool pending) { state_.pending = state_.pendingSince = pending; }
 
     // ---- edits
 
@@ -98,8 +115,8 @@ public:
     void beginEdit();
     void endEdit();
 
-    /// Another station has saved what this one has not read yet. Asks the disk.
-    bool behind() const;
+    /// Another station has saved what this one has not read yet. Asks the disk, and waits for it.
+    bool behind();
 
     /// Reads it now: before a copy of the datafile is made or an edit is undone. No job may be in progress.
     void catchUp();
@@ -109,8 +126,13 @@ private:
     struct State {
         Phase phase = Phase::Closed;
         bool pending = false;
-        bool unanswered = false;     ///< the last question what the file is like
-        bool editTookReload = false; ///< the edit under way began while a reload waited
+        bool pendingSince = false;      ///< since the save under way began
+        bool pendingInSave = false;     ///< when it began
+        std::optional<SaveNote> wanted; ///< a save, when the one under way is over
+        bool fetchedAgain = false;      ///< the reload before failed, too, which was told
+        bool unanswered = false;        ///< the last question what the file is like
+        bool editing = false;           ///< the records may not be replaced from outside
+        bool editTookReload = false;    ///< the edit under way began while a reload waited
         int ticksSinceSave = 0;
         std::optional<OwedSave> owed;
         std::optional<FileError> lastError;
@@ -118,12 +140,18 @@ private:
     };
 
     void tick();
+    void poll();
+    std::optional<DatafileNews> awaited(WaitFor waitFor);
+    void deliver(const DatafileNews& news);
+    void looked(const Result<FileIdentity, FileError>& status);
+    void saved(const SaveReport& report);
+    void goOnSaving();
     void retryOwedSave();
     void periodicSave(const Result<FileIdentity, FileError>& status);
     void reload();
     bool mayStopJobs();
-    void finishReload();
-    bool readAgain();
+    void fetch(WaitFor waitFor);
+    void takeRead(const std::optional<Datafile::Error>& error);
     void reportUnreadable(const Datafile::Error& error);
     void takeIn(const SaveReport& report);
     void savedOnTop();
@@ -132,11 +160,11 @@ private:
 
     CDatafileLink& link_;
     CMirovaneDoc& document_;
-    Files& files_;
     const Clock& clock_;
     CMessageLog& log_;
     DatafileWatchHost& host_;
     std::unique_ptr<Timer> timer_;
+    std::unique_ptr<Timer> answers_; ///< runs while something is under way
     State state_;
     std::size_t readings_ = 0; ///< how often the records were read again
 };

@@ -19,13 +19,13 @@ bool CFeatureAnswers::holdsStill() const {
     return station_.busy();
 }
 
-SaveResult CFeatureAnswers::saveNow(SaveNote note) {
+SaveResult CFeatureAnswers::save(SaveNote note, WaitFor waitFor) {
     if (edits_.door().postponesSave())
         return SaveResult::Saved; // at the end of the edit; a failure is told and tried again there
     const auto before = FeatureOwner::stations(station_.document());
     // Devices of earlier runs may have waited for the periodic save, which this save makes needless.
     const bool devicesChanged = note != SaveNote::None || watch_.pendingChanges();
-    const SaveReport report = watch_.save(note);
+    const SaveReport report = watch_.save(note, Attempt::First, waitFor);
     if (devicesChanged || report.readAgain) // otherwise only an owner record changed
         station_.settleList();
     if (before != FeatureOwner::stations(station_.document()))

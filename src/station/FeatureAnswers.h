@@ -36,7 +36,8 @@ private:
     bool ask(const Question& question) override;
     void failUser(const std::string& text) override;
     bool holdsStill() const override;
-    SaveResult saveNow(SaveNote note) override;
+    SaveResult saveNow(SaveNote note) override { return save(note, WaitFor::Answer); }
+    void saveSoon(SaveNote note) override { save(note, WaitFor::Frame); }
     void changesPending() override { watch_.setPendingChanges(true); }
     void indicatorsChanged() override;
     void redraw() override;
@@ -44,6 +45,8 @@ private:
     void deviceDiscovered() override;
     void recordEdit(const std::string& name, const std::function<void()>& change) override;
     void hostsDiscovered(std::size_t count) override;
+
+    SaveResult save(SaveNote note, WaitFor waitFor);
 
     CStation& station_;
     CDatafileWatch& watch_;

@@ -12,14 +12,14 @@ CStation::CStation(StationServices services)
       display_(DisplaySettings::of(services_.settings)),
       document_(services_.clock, services_.log, services_.identity),
       selection_(document_),
-      link_(document_, services_.files, services_.log),
+      link_(document_, services_.files, services_.log, {services_.datafileWorkers, &watchAnswers_}),
       kept_(document_, services_.log, services_.stateFolder),
       featureAnswers_(*this, watch_, edits_, services_.dialogs, pauses_, news_),
-      watchAnswers_(*this, features_, reminders_, kept_, pauses_, services_.log),
-      watch_(link_, document_, services_.files, services_.clock, services_.timers, services_.log,
-             watchAnswers_),
+      watchAnswers_(*this, {features_, reminders_, kept_, pauses_, news_, services_.dialogs, services_.log}),
+      watch_(link_, document_, services_.clock, services_.timers, services_.log, watchAnswers_),
       edits_(*this, {document_, watch_, features_, kept_, pauses_, news_, services_.log}),
-      export_(document_, link_, services_.settings, services_.log, services_.makeExportFiles),
+      export_(document_, link_, services_.settings, services_.log,
+              {services_.makeExportFiles, services_.datafileWorkers ? &watchAnswers_ : nullptr}),
       reminders_(document_, services_.timers, [this] { reminderTick(); }),
       features_({document_, services_.timers, services_.log, services_.clock, services_.programs},
                 {services_.probes, services_.workers, services_.sweepProbes},
@@ -72,11 +72,15 @@ void CStation::leaveDatafile() {
 
 /// What Discover Now found and what Live Stat changed is saved, and exported, before the datafile is left.
 void CStation::endWork() {
+    const auto held = link_.heldCriteria();
+    link_.holdCriteria(std::nullopt);
     features_.end();
-    if (!watch_.pendingChanges() && !document_.unsavedEdits())
-        return;
-    settleList();
-    watch_.save();
+    watch_.settle();
+    if (watch_.pendingChanges() || document_.unsavedEdits()) {
+        settleList();
+        watch_.save(SaveNote::None, Attempt::First, WaitFor::Answer);
+    }
+    link_.holdCriteria(held); // the window goes on with the next datafile's
 }
 
 void CStation::begin() {
@@ -100,10 +104,10 @@ void CStation::tellProgramsThePath() {
                                                              : pathWithoutLinks(link_.path()));
 }
 
-SaveReport CStation::saveDatafile() {
+SaveReport CStation::saveDatafile(WaitFor waitFor) {
     if (edits_.door().postponesSave())
         return {};
-    SaveReport report = watch_.save();
+    SaveReport report = watch_.save(SaveNote::None, Attempt::First, waitFor);
     if (!watch_.busy()) // the reload settles it; the export file must not be ahead of the datafile
         settleList();
     return report;
@@ -137,6 +141,18 @@ std::optional<FileError> CStation::shutDown() {
     if (error) // the user may decide to stay: then the datafile must be watched as before
         watch_.resume();
     return error;
+}
+
+bool CStation::readOnly() const {
+    const auto& error = watch_.lastError();
+    return !link_.path().empty() && (error ? error->kind == FileError::Kind::Denied : !link_.writable());
+}
+
+SaveReport CStation::showCriteriaOf(std::optional<std::int32_t> type) {
+    features_.liveStat().holdType(type);
+    const auto before = link_.heldCriteria();
+    link_.holdCriteria(type);
+    return before && before != type && link_.hasToSave() ? saveDatafile() : SaveReport{};
 }
 
 // ---- when something was changed

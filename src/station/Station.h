@@ -15,6 +15,7 @@
 #include "station/reminders/Reminders.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -73,12 +74,21 @@ public:
 
     /// Where another station saved meanwhile, its file is read and this station's changes are put on top of
     /// it and saved: every record is another one then. Deferred while a reload waits for Live Stat; the
-    /// changes are saved with the reload. A save that fails is tried again by the watch until it succeeds.
-    SaveReport saveDatafile();
+    /// changes are saved with the reload, and where the share does not answer within a frame, unless the
+    /// user waits for it. A save that fails is tried again by the watch until it succeeds.
+    SaveReport saveDatafile(WaitFor waitFor = WaitFor::Frame);
     SaveReport saveDatafileAs(const std::string& path);
 
     /// Changes were made in the background: the periodic save writes them.
     void changesPending() { watch_.setPendingChanges(true); }
+
+    /// It cannot be written: as found when it was read, or by the last save.
+    bool readOnly() const;
+
+    /// A window shows the criteria of this type, or shows none any more: no station runs a rule that is half
+    /// typed. Live Stat leaves the type alone here, and what is edited of its criteria is saved with the next
+    /// call.
+    SaveReport showCriteriaOf(std::optional<std::int32_t> type);
 
     /// What could not be saved is on disk here, and goes to the datafile when it is next opened.
     bool unsavedEditsKept() const { return kept_.unsaved.allKept(); }

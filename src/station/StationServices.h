@@ -48,6 +48,10 @@ struct StationServices {
 
     /// Tells this program from others of its user on this computer; null: it is the only one.
     CProgramClaims* programs = nullptr;
+
+    /// Where the datafile's file system is asked, one question at a time; null: on the main thread, which
+    /// then waits for it. Must end before `files`.
+    Workers* datafileWorkers = nullptr;
 };
 
 } // namespace mirovane

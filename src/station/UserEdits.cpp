@@ -102,7 +102,8 @@ SaveReport CUserEdits::afterEdit(const EditRequest& request, bool changed) {
         parts_.kept.unsaved.keep(station_.datafile().path());
     SaveReport report;
     if (request.saving == EditRequest::Saving::Later)
-        watch.setPendingChanges(watch.pendingChanges() || changed);
+        watch.setPendingChanges(watch.pendingChanges() || (changed && (station_.datafile().hasToSave() ||
+                                                                       !station_.datafile().heldCriteria())));
     else
         report = station_.saveDatafile();
     station_.redraw();

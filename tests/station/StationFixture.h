@@ -27,9 +27,11 @@ public:
         return answer;
     }
     void fail(const std::string& text) override { failures.push_back(text); }
+    bool keepWaiting(const std::string&) override { return !whileWaiting || whileWaiting(); }
 
     bool answer = false;
     std::function<void()> whileAsking;
+    std::function<bool()> whileWaiting; ///< for a share; false: the user gives up
     Lines questions, failures;
 };
 

@@ -13,6 +13,7 @@
 /// usage: shared_editor FILE PREFIX SEED [STATE]
 
 #include "model/records/FieldNames.h"
+#include "platform/WorkerPool.h"
 #include "platform/files/AbandonableFiles.h"
 #include "platform/files/PosixFiles.h"
 #include "platform/qt/IniSettingsStore.h"
@@ -173,6 +174,9 @@ int run(int argc, char** argv) {
     NoToAll dialogs;
     StationServices services{files, clock, timers, settings, log, dialogs, probes, {"editor", argv[2]}};
     services.stateFolder = argc == 5 ? argv[4] : "";
+    CWorkerPool datafileThread(1);
+    if (argc == 5) // as a window: whoever edits waits for no share
+        services.datafileWorkers = &datafileThread;
     CStation station(std::move(services));
     if (const auto error = station.openDatafile(argv[1])) {
         std::fprintf(stderr, "shared_editor: %s\n", error->sentence.c_str());

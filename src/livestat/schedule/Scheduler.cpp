@@ -264,7 +264,7 @@ void CLiveStatScheduler::publishChanges() {
     if (switch_.on()) // Live Stat Now alone does not show that the owner is alive
         LiveStatHeartbeat::signOfLife(document_);
     if (now_.active())
-        host_.saveNow(SaveNote::LiveStat);
+        host_.saveSoon(SaveNote::LiveStat);
     host_.redraw();
 }
 

@@ -5,8 +5,8 @@
 #include "model/datafile/NewRecords.h"
 #include "model/records/Criteria.h"
 #include "platform/files/FilePaths.h"
-#include "platform/files/KeptCopy.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <new>
 #include <utility>
@@ -16,29 +16,21 @@ namespace mirovane {
 
 namespace {
 
-Datafile::Error cannotRead(const FileError& error) {
-    return {Datafile::Error::Kind::CannotRead, 0, 0, error.sentence};
-}
-
 FileError unreadable(const std::string& path, const Datafile::Error& error) {
     return {FileError::Kind::Changed, 0,
             "cannot write " + path +
                 ": the datafile was changed and could not be read again: " + error.sentence};
 }
 
-FileError vanished(const std::string& path) {
-    return {FileError::Kind::NotFound, 0,
-            "cannot write " + path +
-                ": the datafile is no longer there. Where its share is not connected, a new one would be in "
-                "the wrong place"};
-}
-
 std::chrono::milliseconds patienceOf(Attempt attempt) {
     return attempt == Attempt::First ? lockPatience : std::chrono::milliseconds(0);
 }
 
-SaveReport failure(FileError error, bool readAgain = false) {
-    return {SaveReport::Outcome::Failed, std::move(error), readAgain};
+/// How long the main thread sleeps before it looks whether anybody still wants to wait.
+constexpr std::chrono::milliseconds waitStep{20};
+
+FileError givenUp(const std::string& path) {
+    return {FileError::Kind::NotAnswering, ETIMEDOUT, "cannot write " + path + ": its share does not answer"};
 }
 
 /// Goes off also where memory runs out in the middle: while it is on nothing is saved.
@@ -53,18 +45,13 @@ private:
     bool& mark_;
 };
 
-Result<Datafile::Content, Datafile::Error> contentOf(LockedFile& file) {
-    const auto bytes = file.read();
-    if (!bytes)
-        return cannotRead(bytes.error());
-    return Datafile::decode(bytes.value());
-}
-
 } // namespace
 
 // ---- reading
 
 void CDatafileLink::newDatafile() {
+    calls_ = {};
+    saving_.reset();
     path_.clear();
     knownIdentity_.reset();
     fileVersion_ = Datafile::currentVersion;
@@ -74,61 +61,70 @@ void CDatafileLink::newDatafile() {
     document_.replaceAll(newRecords(document_.station(), document_.now()), false);
 }
 
+/// Waits for the answer, whoever's turn on the disk it is.
+DatafileOrders::ReadAnswer CDatafileLink::read(const std::string& path) {
+    const DatafileOrders::Read order{path, lockPatience};
+    CBackgroundCall<DatafileOrders::ReadAnswer> call;
+    call.start(thread_.workers, [files = &files_, order] { return carryOut(*files, order); });
+    while (!call.wait(waitStep))
+        if (thread_.patience && !thread_.patience->keepWaiting(path))
+            return Datafile::Error{Datafile::Error::Kind::CannotRead, 0, 0,
+                                   "cannot read " + path + ": its share does not answer"};
+    return call.take();
+}
+
 std::optional<Datafile::Error> CDatafileLink::open(const std::string& path) {
     const std::string target = absolutePath(path);
-    auto locked = files_.lock(target, FileAccess::Read, lockPatience);
-    if (!locked)
-        return cannotRead(locked.error());
-    auto content = contentOf(*locked.value());
-    if (!content)
-        return content.error();
+    auto answer = read(target);
+    if (!answer)
+        return answer.error();
+    Datafile::Content& content = answer.value().content;
+    calls_ = {};
+    saving_.reset();
     path_ = target;
-    knownIdentity_ = locked.value()->identity();
-    fileVersion_ = content.value().fileVersion;
+    knownIdentity_ = answer.value().identity;
+    writable_ = answer.value().writable;
+    fileVersion_ = content.fileVersion;
     upgradedFrom_.reset();
     if (fileVersion_ != Datafile::currentVersion)
         upgradedFrom_ = fileVersion_;
     mustReload_ = false;
     reportedError_.clear();
-    noteStrayBytes(content.value().strayBytes);
-    completeRecords(content.value().records, fileVersion_, document_.now());
-    document_.replaceAll(std::move(content.value().records), true);
+    noteStrayBytes(content.strayBytes);
+    completeRecords(content.records, fileVersion_, document_.now());
+    document_.replaceAll(std::move(content.records), true);
     return std::nullopt;
 }
 
 std::optional<Datafile::Error> CDatafileLink::whyNotReadable(const std::string& path) {
-    auto locked = files_.lock(path, FileAccess::Read, lockPatience);
-    if (!locked)
-        return cannotRead(locked.error());
-    const auto content = contentOf(*locked.value());
-    return content ? std::nullopt : std::optional(content.error());
+    const auto answer = read(path);
+    return answer ? std::nullopt : std::optional(answer.error());
 }
 
 std::optional<Datafile::Error> CDatafileLink::reload(Attempt attempt) {
-    mustReload_ = true;
-    auto locked = files_.lock(path_, FileAccess::Read, patienceOf(attempt));
-    if (!locked)
-        return cannotRead(locked.error());
-    return readAgain(*locked.value(), false);
+    startReload(attempt);
+    const auto news = answered();
+    return news ? std::get<DatafileReadAgain>(*news).error : std::nullopt;
 }
 
 /// Puts what the journal holds on top of what is in the file now. What background work found is kept for the
 /// save that brought us here; a reload that has nothing of the user's to keep drops it.
-std::optional<Datafile::Error> CDatafileLink::readAgain(LockedFile& file, bool forSave) {
+std::optional<Datafile::Error> CDatafileLink::takeRead(DatafileOrders::ReadAnswer answer, bool forSave) {
     mustReload_ = true;
-    auto content = contentOf(file);
-    if (!content)
-        return content.error();
+    if (!answer)
+        return answer.error();
+    Datafile::Content& content = answer.value().content;
     mustReload_ = false;
-    fileVersion_ = content.value().fileVersion;
-    knownIdentity_ = file.identity();
-    noteStrayBytes(content.value().strayBytes);
+    fileVersion_ = content.fileVersion;
+    knownIdentity_ = answer.value().identity;
+    writable_ = answer.value().writable;
+    noteStrayBytes(content.strayBytes);
     const CReplacingMark mark(replacing_);
     const CEditJournal& journal = document_.journal();
     if (journal.nothingToKeep() && (!forSave || journal.changes().empty()))
-        document_.replaceByReload(std::move(content.value().records), {}, {});
+        document_.replaceByReload(std::move(content.records), {}, {});
     else
-        mergeInto(std::move(content.value().records));
+        mergeInto(std::move(content.records));
     return std::nullopt;
 }
 
@@ -170,41 +166,116 @@ std::optional<FileError> CDatafileLink::bringVersionToFront(const std::string& p
     return std::nullopt;
 }
 
+bool CDatafileLink::isHeld(const CHardware& record) const {
+    return heldType_ && isCriteriaRecordType(record.Type) && criteriaTypeOf(record.Type) == *heldType_;
+}
+
+bool CDatafileLink::hasToSave() const {
+    const CEditJournal& journal = document_.journal();
+    if (!document_.unsavedEdits() || !heldType_)
+        return document_.unsavedEdits();
+    return journal.anyAdded() || !journal.removals().empty() ||
+           std::ranges::any_of(journal.changes(), [this](const auto& entry) {
+               return entry.second.byUser.any() && !isHeld(*entry.first);
+           });
+}
+
 Result<std::string, FileError> CDatafileLink::encoded(const std::string& path) {
     if (auto error = bringVersionToFront(path))
         return *error;
+    const auto asInDatafile = [this](const CHardware& record) -> const CHardware& {
+        const CEditJournal::Change* change = isHeld(record) ? document_.journal().changeOf(record) : nullptr;
+        return change ? change->base : record;
+    };
     try {
-        return Datafile::encode(document_.records());
+        return heldType_ ? Datafile::encode(document_.records(), asInDatafile)
+                         : Datafile::encode(document_.records());
     } catch (const std::bad_alloc&) {
         return FileError{FileError::Kind::Other, ENOMEM, "cannot write " + path + ": Out of memory"};
     }
 }
 
-/// `over`: also where the datafile is no longer there.
-SaveReport CDatafileLink::write(const std::string& path, bool over, std::chrono::milliseconds patience) {
-    auto bytes = encoded(path); // before the lock, which others wait for
-    if (!bytes)
-        return failure(bytes.error());
-    auto locked = files_.lock(path, FileAccess::Write, patience);
-    if (!locked)
-        return failure(locked.error());
-    LockedFile& file = *locked.value();
-    const bool own = path == path_;
-    if (own && !file.exists() && knownIdentity_ && !over)
-        return failure(vanished(path));
-    const bool changed = mustReload_ || (knownIdentity_ && file.identity() != *knownIdentity_);
-    bool again = false;
-    if (own && file.exists() && changed) {
-        if (const auto error = readAgain(file, true))
-            return failure(unreadable(path, *error));
-        again = true;
-        bytes = encoded(path);
-        if (!bytes)
-            return failure(bytes.error(), again);
+/// Encodes before the lock, which others wait for. `locked` is given where the file was just read.
+std::optional<SaveReport> CDatafileLink::start(Save save, std::shared_ptr<LockedFile> locked) {
+    saving_ = std::move(save);
+    const bool own = saving_->path == path_;
+    auto bytes = encoded(saving_->path);
+    if (!bytes) {
+        letGo(std::move(locked));
+        return failed(bytes.error());
     }
-    if (auto error = put(file, path, bytes.value()))
-        return failure(std::move(*error), again);
-    return {SaveReport::Outcome::Saved, std::nullopt, again};
+    DatafileOrders::Write order;
+    order.path = saving_->path;
+    order.bytes = std::move(bytes.value());
+    order.patience = patienceOf(saving_->attempt);
+    order.mustBeThere = own && knownIdentity_ && !saving_->over;
+    if (own)
+        order.known = knownIdentity_;
+    order.readFirst = own && mustReload_;
+    order.keepsOld = own && strayBytes_ > 0;
+    order.locked = std::move(locked);
+    log_.settle(); // before a value is gone from the datafile, its line is on disk
+    if (heldType_)
+        document_.saveBegins([this](const CHardware& record) { return isHeld(record); });
+    else
+        document_.saveBegins();
+    calls_.write.start(thread_.workers, [files = &files_, order = std::move(order)]() mutable {
+        return carryOut(*files, std::move(order));
+    });
+    return std::nullopt;
+}
+
+std::optional<SaveReport> CDatafileLink::takeWritten(DatafileOrders::WriteAnswer answer, bool mayReplace) {
+    if (auto* changed = std::get_if<DatafileOrders::Changed>(&answer))
+        return takeChanged(std::move(*changed), mayReplace);
+    if (const auto* error = std::get_if<FileError>(&answer))
+        return failed(*error);
+    takeSaved(std::get<DatafileOrders::Written>(answer));
+    const Save save = *std::exchange(saving_, std::nullopt);
+    return reported({SaveReport::Outcome::Saved, std::nullopt, save.readAgain}, save);
+}
+
+std::optional<SaveReport> CDatafileLink::takeChanged(DatafileOrders::Changed changed, bool mayReplace) {
+    if (!mayReplace) {
+        letGo(std::move(changed.locked));
+        document_.saveFailed();
+        mustReload_ = true;
+        saving_.reset();
+        return SaveReport{};
+    }
+    if (const auto error = takeRead(std::move(changed.read), true)) {
+        letGo(std::move(changed.locked));
+        return failed(unreadable(saving_->path, *error));
+    }
+    Save save = *saving_;
+    save.readAgain = true;
+    return start(std::move(save), std::move(changed.locked));
+}
+
+void CDatafileLink::takeSaved(const DatafileOrders::Written& written) {
+    knownIdentity_ = written.identity;
+    path_ = saving_->path;
+    writable_ = true;
+    mustReload_ = false;
+    document_.allSaved();
+    if (written.copy.empty())
+        return;
+    strayBytes_ = 0;
+    log_.LogMessage("The datafile as it was is kept as " + written.copy, true);
+}
+
+/// Closing a file may hang, too.
+void CDatafileLink::letGo(std::shared_ptr<LockedFile> locked) {
+    if (locked && thread_.workers)
+        thread_.workers->start([file = std::move(locked)]() mutable { file.reset(); });
+}
+
+/// After an error the new file may be in place all the same. It then counts as another station's: a merge
+/// with what is in it already changes nothing.
+SaveReport CDatafileLink::failed(FileError error) {
+    document_.saveFailed();
+    const Save save = *std::exchange(saving_, std::nullopt);
+    return reported({SaveReport::Outcome::Failed, std::move(error), save.readAgain}, save);
 }
 
 void CDatafileLink::noteStrayBytes(std::size_t count) {
@@ -215,35 +286,6 @@ void CDatafileLink::noteStrayBytes(std::size_t count) {
                 " byte(s) after its last record, which mean nothing. The first save leaves them out "
                 "and keeps the file as it is.",
             true);
-}
-
-std::optional<FileError> CDatafileLink::keepStrayBytes(const std::string& path) {
-    if (strayBytes_ == 0 || path != path_)
-        return std::nullopt;
-    CKeptCopy copy;
-    if (auto error = copy.make(path, beforeRepair))
-        return error;
-    copy.keep();
-    strayBytes_ = 0;
-    log_.LogMessage("The datafile as it was is kept as " + copy.path(), true);
-    return std::nullopt;
-}
-
-/// After an error the new file may be in place all the same. It then counts as another station's: a merge
-/// with what is in it already changes nothing.
-std::optional<FileError> CDatafileLink::put(LockedFile& file, const std::string& path,
-                                            std::string_view bytes) {
-    if (auto error = keepStrayBytes(path))
-        return error;
-    log_.settle(); // before a value is gone from the datafile, its line is on disk
-    const auto replaced = file.replace(bytes);
-    if (!replaced)
-        return replaced.error();
-    knownIdentity_ = replaced.value();
-    path_ = path;
-    mustReload_ = false;
-    document_.allSaved();
-    return std::nullopt;
 }
 
 std::string CDatafileLink::noteText(SaveNote note) const {
@@ -261,39 +303,109 @@ std::string CDatafileLink::noteText(SaveNote note) const {
     return {};
 }
 
-SaveReport CDatafileLink::reported(SaveReport report, const std::string& path, SaveNote note,
-                                   Attempt attempt) {
+SaveReport CDatafileLink::reported(SaveReport report, const Save& save) {
     if (report.saved()) {
-        const std::string text = noteText(note);
+        const std::string text = noteText(save.note);
         log_.LogMessage("Saved " + text + "changes to data file", text.empty());
         upgradedFrom_.reset();
         reportedError_.clear();
         return report;
     }
     const std::string& sentence = report.error->sentence;
-    if (attempt == Attempt::First || sentence != reportedError_) {
-        log_.LogTrouble(sentence, note == SaveNote::None);
-        log_.LogTrouble("Error accessing datafile " + path, note == SaveNote::None);
+    if (save.attempt == Attempt::First || sentence != reportedError_) {
+        log_.LogTrouble(sentence, save.note == SaveNote::None);
+        log_.LogTrouble("Error accessing datafile " + save.path, save.note == SaveNote::None);
     }
     reportedError_ = sentence;
     return report;
 }
 
 SaveReport CDatafileLink::save(SaveNote note, Attempt attempt) {
-    if (replacing_)
-        return {};
-    if (path_.empty()) {
-        document_.markModified();
-        return {};
-    }
-    return reported(write(path_, false, patienceOf(attempt)), path_, note, attempt);
+    return finish(startSave(note, attempt));
 }
 
 SaveReport CDatafileLink::saveAs(const std::string& path) {
     const std::string target = absolutePath(path);
     if (isSameFile(target, path_) && existsOnDisk(target))
         return save();
-    return reported(write(target, true, lockPatience), target, SaveNote::None, Attempt::First);
+    return finish(start({target, true, SaveNote::None, Attempt::First}));
+}
+
+SaveReport CDatafileLink::finish(std::optional<SaveReport> report) {
+    if (report)
+        return *report;
+    const auto news = answered();
+    const auto* saved = news ? std::get_if<SaveReport>(&*news) : nullptr;
+    return saved ? *saved : SaveReport{};
+}
+
+// ---- in the background
+
+void CDatafileLink::startLook() {
+    calls_.look.start(
+        thread_.workers, [files = &files_, path = path_] { return files->status(path); });
+}
+
+void CDatafileLink::startReload(Attempt attempt) {
+    const DatafileOrders::Read order{path_, patienceOf(attempt)};
+    calls_.read.start(thread_.workers, [files = &files_, order] { return carryOut(*files, order); });
+}
+
+std::optional<SaveReport> CDatafileLink::startSave(SaveNote note, Attempt attempt) {
+    if (replacing_)
+        return SaveReport{};
+    if (path_.empty()) {
+        document_.markModified();
+        return SaveReport{};
+    }
+    return start({path_, false, note, attempt});
+}
+
+bool CDatafileLink::underWay() const {
+    return calls_.look.underWay() || calls_.read.underWay() || calls_.write.underWay();
+}
+
+bool CDatafileLink::wait(std::chrono::milliseconds patience) const {
+    if (calls_.look.underWay())
+        return calls_.look.wait(patience);
+    if (calls_.read.underWay())
+        return calls_.read.wait(patience);
+    return calls_.write.underWay() && calls_.write.wait(patience);
+}
+
+std::optional<DatafileNews> CDatafileLink::collect(bool mayReplace) {
+    if (calls_.look.underWay())
+        return DatafileLooked{calls_.look.take()};
+    if (calls_.read.underWay())
+        return DatafileReadAgain{takeRead(calls_.read.take(), false)};
+    if (const auto report = takeWritten(calls_.write.take(), mayReplace))
+        return *report;
+    return std::nullopt;
+}
+
+DatafileNews CDatafileLink::giveUp() {
+    const bool looked = calls_.look.underWay();
+    const bool wrote = calls_.write.underWay();
+    calls_ = {};
+    if (wrote)
+        return failed(givenUp(path_));
+    if (looked)
+        return DatafileLooked{givenUp(path_)};
+    return DatafileReadAgain{Datafile::Error{Datafile::Error::Kind::CannotRead, 0, 0,
+                                             "cannot read " + path_ + ": its share does not answer"}};
+}
+
+/// Waits. Nothing where somebody else has collected the answer meanwhile.
+std::optional<DatafileNews> CDatafileLink::answered() {
+    while (underWay()) {
+        if (wait(waitStep)) {
+            if (auto news = collect())
+                return news;
+        } else if (thread_.patience && !thread_.patience->keepWaiting(path_)) {
+            return underWay() ? std::optional(giveUp()) : std::nullopt;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace mirovane

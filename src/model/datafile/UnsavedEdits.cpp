@@ -77,8 +77,9 @@ void CUnsavedEdits::keep(const std::string& path) {
     const bool all = !document_.unsavedEdits();
     if (all)
         file_.discard();
-    if (all || failed_)
-        forget();
+    if (all || failed_ || arrivals_ != document_.arrivals())
+        forget(); // what was saved must not be put on top of what others make of it
+    arrivals_ = document_.arrivals();
     if (path != file_.datafile())
         file_.setDatafile(path);
     if (all || !file_.enabled()) {
@@ -120,7 +121,40 @@ KeptEdit CUnsavedEdits::editOf(const CHardware& record) const {
         edit.byUser = change->byUser;
         edit.follower = followerOf(record);
     }
+    allowForSave(record, edit);
     return edit;
+}
+
+/// The program may die before it learns whether the save that is under way arrived. So what is kept must be
+/// right for both: on top of the datafile that was read, and on top of what is being saved.
+void CUnsavedEdits::allowForSave(const CHardware& record, KeptEdit& edit) const {
+    const CEditJournal* journal = document_.journalSinceSave();
+    const CEditJournal::Change* since = journal ? journal->changeOf(record) : nullptr;
+    if (!since)
+        return;
+    if (edit.kind == KeptEdit::Kind::Added) {
+        edit.kind = KeptEdit::Kind::Changed;
+        edit.base = since->base;
+        edit.byUser = since->byUser;
+        return;
+    }
+    const auto fields = recordFields();
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        if (since->byUser[i])
+            copyField(since->base, edit.base, fields[i]);
+    edit.byUser |= since->byUser;
+}
+
+/// The same for what has gone since: as it is being saved.
+std::string CUnsavedEdits::removalsSince() {
+    std::string entries;
+    const CEditJournal* journal = document_.journalSinceSave();
+    if (!journal || journal->removals().size() < removalsSinceWritten_)
+        removalsSinceWritten_ = 0;
+    for (; journal && removalsSinceWritten_ < journal->removals().size(); ++removalsSinceWritten_)
+        entries += KeptEditsFormat::entry(
+            nextNumber_++, {KeptEdit::Kind::Removed, *journal->removals()[removalsSinceWritten_], {}, {}, 0});
+    return entries;
 }
 
 std::int32_t CUnsavedEdits::followerOf(const CHardware& device) const {
@@ -144,7 +178,7 @@ std::string CUnsavedEdits::changesSince() {
         const CHardware& gone = *removals[removalsWritten_];
         entries += KeptEditsFormat::entry(numberOf(gone), {KeptEdit::Kind::Removed, gone, {}, {}, 0});
     }
-    return entries;
+    return entries + removalsSince();
 }
 
 std::string CUnsavedEdits::everything() {
@@ -160,7 +194,7 @@ void CUnsavedEdits::forget() {
     numbers_.clear();
     touched_.clear();
     withdrawals_.clear();
-    removalsWritten_ = 0;
+    removalsWritten_ = removalsSinceWritten_ = 0;
     nextNumber_ = 1;
     stale_ = true;
 }

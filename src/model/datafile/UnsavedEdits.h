@@ -45,6 +45,8 @@ private:
     void putOnTop(const std::vector<KeptEdit>& edits);
     bool isEdited(const CHardware& record) const;
     KeptEdit editOf(const CHardware& record) const;
+    void allowForSave(const CHardware& record, KeptEdit& edit) const;
+    std::string removalsSince();
     std::int32_t followerOf(const CHardware& device) const;
     std::string changesSince();
     std::string everything();
@@ -57,6 +59,8 @@ private:
     std::unordered_map<const CHardware*, std::uint32_t> numbers_; ///< of the file's entries
     std::unordered_set<const CHardware*> touched_; ///< since the file was last brought up to date
     std::size_t removalsWritten_ = 0;              ///< of the journal's
+    std::size_t removalsSinceWritten_ = 0;         ///< of those since the save under way began
+    std::uint64_t arrivals_ = 0;                   ///< of the document's records when the file was written
     std::string withdrawals_;                      ///< of added records that went again
     std::uint32_t nextNumber_ = 1;
     bool stale_ = true;   ///< the file must be written as a whole: the records are other ones

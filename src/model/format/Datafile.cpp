@@ -271,7 +271,10 @@ bool beginsLikeDatafile(std::string_view beginning) {
     return named(name) || named(nameAfterLongCount);
 }
 
-std::string encode(const RecordList& records) {
+namespace {
+
+template <typename Shown>
+std::string encodeAs(const RecordList& records, const Shown& shown) {
     CByteWriter writer;
     writer.reserve(estimatedSize(records));
     writer.writeCount(records.size());
@@ -284,9 +287,20 @@ std::string encode(const RecordList& records) {
             writer.writeBytes(className);
             first = false;
         }
-        writeRecord(writer, *record);
+        writeRecord(writer, shown(*record));
     }
     return writer.take();
+}
+
+} // namespace
+
+std::string encode(const RecordList& records) {
+    return encodeAs(
+        records, [](const CHardware& record) -> const CHardware& { return record; });
+}
+
+std::string encode(const RecordList& records, const RecordView& shown) {
+    return encodeAs(records, shown);
 }
 
 } // namespace mirovane::Datafile

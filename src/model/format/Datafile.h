@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -49,6 +50,10 @@ bool beginsLikeDatafile(std::string_view beginning);
 
 /// The 2008 layout, whatever the file was.
 std::string encode(const RecordList& records);
+
+/// The same with each record as `shown` gives it.
+using RecordView = std::function<const CHardware&(const CHardware&)>;
+std::string encode(const RecordList& records, const RecordView& shown);
 
 } // namespace Datafile
 

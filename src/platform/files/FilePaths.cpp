@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace mirovane {
 
@@ -38,13 +40,32 @@ std::string nameOf(const std::string& path) {
 }
 
 bool isSameFile(const std::string& a, const std::string& b) {
-    std::error_code failed;
-    return a == b || std::filesystem::equivalent(a, b, failed);
+    if (a == b)
+        return true;
+    return answerInTime<bool>(a, false, [a, b] {
+        std::error_code failed;
+        return std::filesystem::equivalent(a, b, failed);
+    });
 }
 
 bool existsOnDisk(const std::string& path) {
-    std::error_code failed;
-    return std::filesystem::exists(path, failed);
+    return answerInTime<bool>(
+        path, false,
+        [path] {
+            std::error_code failed;
+            return std::filesystem::exists(path, failed);
+        });
+}
+
+/// root may write what nobody may: whoever took every right to write away meant him, too.
+bool mayBeWritten(const std::string& path) {
+    return answerInTime<bool>(
+        path, true,
+        [path] {
+            struct stat status = {};
+            return ::access(path.c_str(), W_OK) == 0 && ::stat(path.c_str(), &status) == 0 &&
+                   (status.st_mode & 0222) != 0;
+        });
 }
 
 std::string pathWithoutLinks(const std::string& path) {

@@ -10,10 +10,15 @@ std::string folderOf(const std::string& path);
 std::string nameOf(const std::string& path);
 
 /// Both paths lead to one file, perhaps through links. Also true for one path where there is no file yet.
+/// False where that cannot be found out within half a second.
 bool isSameFile(const std::string& a, const std::string& b);
 
-/// There is a folder or a file of any kind. False also where that cannot be found out.
+/// There is a folder or a file of any kind. False also where that cannot be found out within half a second.
 bool existsOnDisk(const std::string& path);
+
+/// Somebody may write the file, and this user is among them. True also where that cannot be found out within
+/// half a second: a save will tell.
+bool mayBeWritten(const std::string& path);
 
 /// Without symbolic links; the path itself where that cannot be found out within half a second.
 std::string pathWithoutLinks(const std::string& path);

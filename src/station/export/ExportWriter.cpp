@@ -90,6 +90,11 @@ void CExportWriter::write(Job job, std::chrono::milliseconds patience) {
         shared_->changed.wait_for(lock, patience, [this] { return shared_->idle(); });
 }
 
+void CExportWriter::wait(std::chrono::milliseconds patience) {
+    std::unique_lock lock(shared_->mutex);
+    shared_->changed.wait_for(lock, patience, [this] { return shared_->idle(); });
+}
+
 bool CExportWriter::hangs() const {
     const std::lock_guard lock(shared_->mutex);
     return !shared_->idle();

@@ -22,7 +22,7 @@ public:
 
     /// How long the end waits for what is still to be written, so that a program ends within five seconds of
     /// SIGTERM, with a save to the same dead share.
-    static constexpr std::chrono::milliseconds usualPatienceAtEnd{2000};
+    static constexpr std::chrono::milliseconds usualPatienceAtEnd{500};
 
     /// `files` is used on the writing thread only.
     explicit CExportWriter(std::shared_ptr<Files> files,
@@ -37,6 +37,9 @@ public:
     /// Returns once the job is written or has failed, after `patience` in any case, and at once while an
     /// earlier one still hangs.
     void write(Job job, std::chrono::milliseconds patience);
+
+    /// Until no write is under way any more, or `patience` is over.
+    void wait(std::chrono::milliseconds patience);
 
     /// A write has not come to an end, or waits for one.
     bool hangs() const;

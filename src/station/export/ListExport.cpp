@@ -10,7 +10,7 @@ namespace mirovane {
 
 namespace {
 
-/// Longer than a share that answers takes, short enough for a window that waits.
+/// Longer than a share that answers takes; where somebody minds, no longer than a frame.
 constexpr std::chrono::milliseconds autoPatience{300};
 
 /// The user asked for it and wants to know.
@@ -19,8 +19,8 @@ constexpr std::chrono::milliseconds commandPatience{5000};
 } // namespace
 
 CListExport::CListExport(const CMirovaneDoc& document, const CDatafileLink& link, CSettings& settings,
-                         CMessageLog& log, MakeFiles makeFiles)
-    : document_(document), link_(link), settings_(settings), log_(log), makeFiles_(std::move(makeFiles)) {}
+                         CMessageLog& log, Services services)
+    : document_(document), link_(link), settings_(settings), log_(log), services_(std::move(services)) {}
 
 CListExport::~CListExport() = default;
 
@@ -33,14 +33,17 @@ void CListExport::afterChanges() {
         return;
     ExportSettings settings;
     settings.read(settings_, link_.path());
-    writeRows(autoWriter_, settings, autoPatience);
+    writeRows(autoWriter_, settings, services_.patience ? oneFrame : autoPatience);
     log_.LogMessage("Auto exported to text file", true);
 }
 
 std::optional<FileError> CListExport::now(const ExportSettings& settings) {
     if (commandWriter_ && commandWriter_->hangs())
         commandWriter_.reset(); // the user was told; another file may well be written
-    const std::size_t rows = writeRows(commandWriter_, settings, commandPatience);
+    const std::size_t rows =
+        writeRows(commandWriter_, settings, services_.patience ? oneFrame : commandPatience);
+    if (services_.patience)
+        waitForCommand(exportTarget(settings.ExportFilename, link_.path()));
     auto failure = error();
     if (!failure)
         log_.LogMessage("Exported " + std::to_string(rows) + " device(s) to " +
@@ -49,12 +52,19 @@ std::optional<FileError> CListExport::now(const ExportSettings& settings) {
     return failure;
 }
 
+void CListExport::waitForCommand(const std::string& target) {
+    const auto end = std::chrono::steady_clock::now() + commandPatience;
+    while (commandWriter_->hangs() && std::chrono::steady_clock::now() < end &&
+           services_.patience->keepWaiting(target))
+        commandWriter_->wait(oneFrame);
+}
+
 /// Returns how many rows there are.
 std::size_t CListExport::writeRows(std::unique_ptr<CExportWriter>& writer, const ExportSettings& settings,
                                    std::chrono::milliseconds patience) {
     if (!writer)
-        writer =
-            std::make_unique<CExportWriter>(makeFiles_ ? makeFiles_() : std::make_shared<CUnflushedFiles>());
+        writer = std::make_unique<CExportWriter>(services_.makeFiles ? services_.makeFiles()
+                                                                     : std::make_shared<CUnflushedFiles>());
     const auto rows = listViewRows(document_, listView_);
     writer->write({exportTarget(settings.ExportFilename, link_.path()), link_.path(),
                    exportText(rows, settings.format())},

@@ -3,6 +3,7 @@
 #include "model/Settings.h"
 #include "model/datafile/DatafileLink.h"
 #include "model/rows/ListRows.h"
+#include "platform/SharePatience.h"
 
 #include <chrono>
 #include <functional>
@@ -23,8 +24,13 @@ public:
     /// files.
     using MakeFiles = std::function<std::shared_ptr<Files>()>;
 
+    struct Services {
+        MakeFiles makeFiles;
+        SharePatience* patience = nullptr; ///< null: nobody minds a main thread that sleeps for some seconds
+    };
+
     CListExport(const CMirovaneDoc& document, const CDatafileLink& link, CSettings& settings,
-                CMessageLog& log, MakeFiles makeFiles);
+                CMessageLog& log, Services services);
     ~CListExport();
     CListExport(const CListExport&) = delete;
     CListExport& operator=(const CListExport&) = delete;
@@ -48,12 +54,13 @@ public:
 private:
     std::size_t writeRows(std::unique_ptr<CExportWriter>& writer, const ExportSettings& settings,
                           std::chrono::milliseconds patience);
+    void waitForCommand(const std::string& target);
 
     const CMirovaneDoc& document_;
     const CDatafileLink& link_;
     CSettings& settings_;
     CMessageLog& log_;
-    MakeFiles makeFiles_;
+    Services services_;
     ListViewState listView_;
     bool automatic_ = false;
     std::unique_ptr<CExportWriter> autoWriter_;

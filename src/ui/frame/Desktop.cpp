@@ -43,7 +43,7 @@ CDesktop::CDesktop(const Options& options)
     settings_.initialise();
     station_ = std::make_unique<CStation>(StationServices{
         files_, clock_, timers_, settings_, log_, dialogs_, probes_.all(), thisStation(), true, nullptr,
-        nullptr, &sweepProbes_, stateFolderFor(options.configFolder), &programs_});
+        nullptr, &sweepProbes_, stateFolderFor(options.configFolder), &programs_, &datafileThread_});
     frame_ = std::make_unique<CMainFrame>(
         CMainFrame::Services{*station_, dialogs_, recent_, launcher_, settings_, log_, clock_},
         new CMirovaneView(*station_, log_));
@@ -51,6 +51,13 @@ CDesktop::CDesktop(const Options& options)
 }
 
 CDesktop::~CDesktop() = default;
+
+/// The thread that asks what the datafile is like may wait for the answer.
+CAbandonableFiles::Patience CDesktop::offMainThread() {
+    CAbandonableFiles::Patience patience;
+    patience.status = patience.signOfLife;
+    return patience;
+}
 
 void CDesktop::start(const std::string& datafile) {
     frame_->show();

@@ -3,6 +3,7 @@
 #include "model/MessageLog.h"
 #include "model/Settings.h"
 #include "platform/Clock.h"
+#include "platform/WorkerPool.h"
 #include "platform/files/AbandonableFiles.h"
 #include "platform/files/PosixFiles.h"
 #include "platform/files/ProgramClaims.h"
@@ -54,10 +55,12 @@ public:
     int endSession();
 
 private:
+    static CAbandonableFiles::Patience offMainThread();
     void pauseStation(bool pause);
 
     CSystemClock clock_;
-    CAbandonableFiles files_{std::make_shared<CPosixFiles>()};
+    CAbandonableFiles files_{std::make_shared<CPosixFiles>(), offMainThread()};
+    CWorkerPool datafileThread_{1};
     CFileCalls calls_;
     CProgramClaims programs_{calls_, runtimeFolder()};
     CQtTimerFactory timers_;

@@ -137,6 +137,10 @@ void CWidgetDialogs::fail(const std::string& text) {
     box.exec();
 }
 
+bool CWidgetDialogs::keepWaiting(const std::string& path) {
+    return silent_ || shareWait_.keepWaiting(path, asking());
+}
+
 SaveAnswer CWidgetDialogs::askToSave(const std::string& question, SaveOffer offer) {
     if (silent_)
         return SaveAnswer::Discard;

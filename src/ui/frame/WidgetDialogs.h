@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/frame/base/FrameDialogs.h"
+#include "ui/widgets/ShareWait.h"
 
 #include <QMessageBox>
 #include <QPointer>
@@ -29,6 +30,7 @@ public:
     bool ask(const Question& question) override;
     bool askStop(const std::string& question) override;
     void fail(const std::string& text) override;
+    bool keepWaiting(const std::string& path) override;
     SaveAnswer askToSave(const std::string& question, SaveOffer offer) override;
     std::optional<std::string> chooseFileToOpen(const FileChoice& choice) override;
     std::optional<std::string> chooseFileToSave(const FileChoice& choice) override;
@@ -53,6 +55,7 @@ private:
     QPointer<QWidget> parent_;
     int boxesOpen_ = 0;
     bool silent_ = false;
+    CShareWait shareWait_;
 };
 
 } // namespace mirovane

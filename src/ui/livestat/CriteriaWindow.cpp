@@ -18,6 +18,8 @@
 #include <QShowEvent>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace mirovane {
 
 namespace {
@@ -203,19 +205,19 @@ void CCriteriaWindow::typePicked() {
     storeTyping(); // what is being typed belongs to the type that was shown
     type_ = typeOfEntry(storedText(device_->currentText()));
     if (isVisible())
-        station_.features().liveStat().holdType(type_);
+        station_.showCriteriaOf(type_);
     showRows();
 }
 
 void CCriteriaWindow::showEvent(QShowEvent* event) {
-    station_.features().liveStat().holdType(type_);
+    station_.showCriteriaOf(type_);
     QDialog::showEvent(event);
 }
 
 /// The rules count from here on; not while the window is only minimized.
 void CCriteriaWindow::hideEvent(QHideEvent* event) {
     if (!event->spontaneous())
-        station_.features().liveStat().holdType(std::nullopt);
+        station_.showCriteriaOf(std::nullopt);
     QDialog::hideEvent(event);
 }
 
@@ -340,11 +342,11 @@ void CCriteriaWindow::storeTyping() {
 
 void CCriteriaWindow::done(int result) {
     storeTyping();
-    if (edited_) {
-        edited_ = false;
-        if (const auto report = station_.saveDatafile(); report.failed())
-            dialogs_.fail(saveFailureText(*report.error));
-    }
+    SaveReport report = station_.showCriteriaOf(std::nullopt);
+    if (std::exchange(edited_, false) && report.outcome == SaveReport::Outcome::Deferred)
+        report = station_.saveDatafile();
+    if (report.failed())
+        dialogs_.fail(saveFailureText(*report.error));
     QDialog::done(result);
 }
 

@@ -13,9 +13,9 @@
 namespace mirovane {
 
 /// "Live Stat Information Retrieval Criteria": what Live Stat does with the devices of each type. There is no
-/// OK: every change is in the document the moment it is made, and in the datafile within seconds (the
-/// periodic save) or when the window closes; Live Stat leaves the devices of the type that is shown alone
-/// meanwhile. Other stations' changes appear while the window is open; text
+/// OK: every change is in the document the moment it is made, and in the datafile when the window shows
+/// another type or closes, so that no station runs half a rule; Live Stat leaves the devices of the type that
+/// is shown alone meanwhile. Other stations' changes appear while the window is open; text
 /// that is being typed stays. Main thread; station and dialogs outlive it.
 class CCriteriaWindow : public QDialog, private DocumentObserver {
     Q_OBJECT

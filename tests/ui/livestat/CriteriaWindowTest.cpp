@@ -226,10 +226,14 @@ TEST_F(CriteriaWindowTest, WhatNobodyTypedIsNotStored) {
     EXPECT_EQ(stored(DeviceType::Computer, 0).Argument, odd);
 }
 
-TEST_F(CriteriaWindowTest, RulesReachTheDatafileWhileTheWindowIsOpen) {
+TEST_F(CriteriaWindowTest, RulesReachTheDatafileWhenAnotherTypeIsShown) {
     choose(list(1, "Command"), "NS Lookup(reverse)");
     pass(30'000);
     open(b);
+    EXPECT_NE(criteriaFromRecord(*b.doc().criteria(DeviceType::Computer, 1)).Command, "NS Lookup(reverse)");
+    auto* device = window->findChild<QComboBox*>(QStringLiteral("device"));
+    device->setCurrentIndex(device->currentIndex() + 1);
+    pass(3000);
     EXPECT_EQ(criteriaFromRecord(*b.doc().criteria(DeviceType::Computer, 1)).Command, "NS Lookup(reverse)");
 }
 

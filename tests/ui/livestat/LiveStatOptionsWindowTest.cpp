@@ -55,6 +55,8 @@ TEST_F(LiveStatOptionsTest, ClosingStoresTheSettingsAndResizesThePool) {
     EXPECT_EQ(find<QSpinBox>("LSNumPerRun")->value(), 30);
     find<QSpinBox>("LSNumPerRun")->setValue(40);
     find<QSpinBox>("LSRunSec")->setValue(1);
+    EXPECT_EQ(find<QSpinBox>("LSConfirmOff")->value(), 1);
+    find<QSpinBox>("LSConfirmOff")->setValue(9);
     QTest::mouseClick(find<QCheckBox>("LSAutoPerform"), Qt::LeftButton, {}, QPoint(8, 8));
     press("close");
     EXPECT_FALSE(window->isVisible());
@@ -62,6 +64,8 @@ TEST_F(LiveStatOptionsTest, ClosingStoresTheSettingsAndResizesThePool) {
     EXPECT_EQ(a.settings.read("LSRunSec", -1), 1);
     EXPECT_EQ(a.settings.read("LSAutoPerform", -1), 0);
     EXPECT_EQ(a.settings.read("LSAutoStart", -1), 1);
+    EXPECT_EQ(a.settings.read("LSConfirmOff", -1), 5) << "the most";
+    EXPECT_EQ(a.station->features().liveStat().settings().LSConfirmOff, 5);
     EXPECT_EQ(a.station->features().liveStat().settings().LSRunSec, 1);
     EXPECT_EQ(a.liveStat().slotCount(), 40u);
     EXPECT_EQ(a.logged(),

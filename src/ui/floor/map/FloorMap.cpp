@@ -8,9 +8,9 @@
 #include <QFileInfo>
 #include <QMetaObject>
 #include <QPointer>
-#include <QThreadPool>
 
 #include <algorithm>
+#include <chrono>
 
 namespace mirovane {
 
@@ -59,17 +59,25 @@ void CFloorMap::load(const QString& named, const QString& datafile, bool again) 
     if (!request)
         return;
     Q_EMIT reading(true);
-    QThreadPool::globalInstance()->start(
-        [self = QPointer<CFloorMap>(this), request = *request, number = number_] {
-            const LoadedMap map = readMap(request);
-            QMetaObject::invokeMethod(
-                qApp,
-                [self, number, map] {
-                    if (self)
-                        self->finish(number, map);
-                },
-                Qt::QueuedConnection);
-        });
+    const auto read = [self = QPointer<CFloorMap>(this), request = *request, number = number_] {
+        const LoadedMap map = readMap(request);
+        if (!qApp)
+            return;
+        QMetaObject::invokeMethod(
+            qApp,
+            [self, number, map] {
+                if (self)
+                    self->finish(number, map);
+            },
+            Qt::QueuedConnection);
+    };
+    if (reads_.run(named.toStdString(), read, std::chrono::milliseconds(0)) !=
+        CAbandonableCalls::End::Refused)
+        return;
+    LoadedMap none;
+    none.problem = tr("The floor map could not be read: its share does not answer.");
+    QMetaObject::invokeMethod(
+        this, [this, number = number_, none] { finish(number, none); }, Qt::QueuedConnection);
 }
 
 void CFloorMap::loadNow(const QString& named, const QString& datafile) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/AbandonableCalls.h"
 #include "ui/floor/map/MapFile.h"
 
 #include <QObject>
@@ -68,6 +69,7 @@ private:
     QString shownFor_; ///< the datafile of the map that was loaded last
     bool loading_ = false;
     std::uint64_t number_ = 0;
+    CAbandonableCalls reads_; ///< of a share that hangs, which must not hold the program's end up either
 };
 
 } // namespace mirovane

@@ -10,7 +10,8 @@
 #include <QImageReader>
 #include <QMetaObject>
 #include <QPointer>
-#include <QThreadPool>
+
+#include <chrono>
 
 namespace mirovane {
 
@@ -92,21 +93,23 @@ QImage CPhotoStore::photo(const QString& username) {
 }
 
 void CPhotoStore::readLater(const QString& username) {
-    QThreadPool::globalInstance()->start(
-        [self = QPointer<CPhotoStore>(this), folder = folder_, username, asked = emptied_] {
-            const QImage image = readPhoto(folder, username);
-            if (image.isNull())
-                return;
-            QMetaObject::invokeMethod(
-                qApp,
-                [self, username, image, asked] {
-                    if (!self || asked != self->emptied_)
-                        return;
-                    self->photos_.insert(username, image);
-                    Q_EMIT self->arrived();
-                },
-                Qt::QueuedConnection);
-        });
+    const auto read = [self = QPointer<CPhotoStore>(this), folder = folder_, username, asked = emptied_] {
+        const QImage image = readPhoto(folder, username);
+        if (image.isNull() || !qApp)
+            return;
+        QMetaObject::invokeMethod(
+            qApp,
+            [self, username, image, asked] {
+                if (!self || asked != self->emptied_)
+                    return;
+                self->photos_.insert(username, image);
+                Q_EMIT self->arrived();
+            },
+            Qt::QueuedConnection);
+    };
+    const auto end = reads_.run(folder_.named.toStdString(), read, std::chrono::milliseconds(0));
+    if (end == CAbandonableCalls::End::Refused)
+        photos_.remove(username); // asked for again when the share answers
 }
 
 } // namespace mirovane

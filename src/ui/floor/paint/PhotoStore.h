@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/AbandonableCalls.h"
+
 #include <QHash>
 #include <QImage>
 #include <QObject>
@@ -48,6 +50,7 @@ private:
     void readLater(const QString& username);
 
     Reading reading_;
+    CAbandonableCalls reads_; ///< of a share that hangs, which must not hold the program's end up either
     PhotoFolder folder_;
     std::uint64_t emptied_ = 0;     ///< how often: a photo that was asked for before comes too late
     QHash<QString, QImage> photos_; ///< by user; null while being read, and when there is none

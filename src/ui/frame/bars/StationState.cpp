@@ -37,6 +37,8 @@ CommandState commandState(const CStation& station) {
     state.hasRedo = station.edits().history().next(CEditHistory::Way::Redo) != nullptr;
     state.hasAddressRanges =
         hasRanges || station.features().liveDiscover().enabled(); // it can be switched off
+    state.mayRunLiveStat = !station.readOnly() || station.features().liveStat().enabled();
+    state.mayRunLiveDiscover = !station.readOnly() || station.features().liveDiscover().enabled();
     state.hasDueReminder = !selectedDueDevices(station).empty();
     return state;
 }

@@ -8,8 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
-#include <QThreadPool>
 
+#include <chrono>
 #include <utility>
 
 namespace mirovane {
@@ -83,14 +83,17 @@ void CFloorMapCommand::offerAnother(const std::string& sentence) {
 void CFloorMapCommand::read(const std::string& path) {
     reading_ = true;
     const std::string datafile = parts_.station.datafile().path();
-    QThreadPool::globalInstance()->start([self = QPointer(this), path, datafile] {
+    const auto look = [self = QPointer(this), path, datafile] {
         const std::string problem = readMap({fileName(path), {}, {}}).problem.toStdString();
         const auto tell = [self, path, datafile, problem] {
             if (self)
                 self->take(path, datafile, problem);
         };
-        QMetaObject::invokeMethod(QCoreApplication::instance(), tell, Qt::QueuedConnection);
-    });
+        if (QCoreApplication* application = QCoreApplication::instance())
+            QMetaObject::invokeMethod(application, tell, Qt::QueuedConnection);
+    };
+    if (reads_.run(path, look, std::chrono::milliseconds(0)) == CAbandonableCalls::End::Refused)
+        take(path, datafile, tr("The picture could not be read: its share does not answer.").toStdString());
 }
 
 void CFloorMapCommand::take(const std::string& path, const std::string& datafile,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/AbandonableCalls.h"
 #include "ui/floor/MirovaneView.h"
 #include "ui/frame/base/CommandActions.h"
 #include "ui/frame/editing/EditRunner.h"
@@ -34,6 +35,7 @@ private:
     EditingParts parts_;
     CEditRunner runner_;
     bool reading_ = false;
+    CAbandonableCalls reads_; ///< of a share that hangs, which must not hold the program's end up either
 };
 
 } // namespace mirovane

@@ -5,8 +5,6 @@
 #include "ui/widgets/SaveFailure.h"
 #include "ui/widgets/WaitCursor.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QObject>
 
 #include <algorithm>
@@ -38,12 +36,6 @@ QString openRemedy(Datafile::Error::Kind kind) {
     }
     return QObject::tr(
         "Nothing was changed in it. Take the file from a backup, or ask \"mirovanectl check\" for more.");
-}
-
-bool canBeWritten(const std::string& path) {
-    const QFileInfo file(QFile::decodeName(path.c_str()));
-    constexpr auto anybodyMay = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
-    return file.isWritable() && (file.permissions() & anybodyMay); // root may write what nobody may
 }
 
 } // namespace
@@ -106,7 +98,6 @@ bool CFileCommands::openPath(const std::string& givenPath) {
             "\n\n" + asSentence(error->sentence) + "\n\n" + words(openRemedy(error->kind)));
         return false;
     }
-    writable_ = canBeWritten(path);
     recent_.add(path);
     onDocument_();
     return true;
@@ -151,17 +142,9 @@ bool CFileCommands::saveUnderNewName(const std::string& path) {
         showSaveError(*report.error);
         return false;
     }
-    writable_ = true;
     recent_.add(path);
     onDocument_();
     return true;
-}
-
-bool CFileCommands::readOnly() const {
-    if (station_.datafile().path().empty())
-        return false;
-    const auto& error = station_.watch().lastError();
-    return error ? error->kind == FileError::Kind::Denied : !writable_;
 }
 
 /// What background work found is found again; only what the user changed is worth a question.
@@ -221,7 +204,7 @@ CFileCommands::Leaving CFileCommands::answered(SaveAnswer answer) {
 
 SaveReport CFileCommands::saveWaiting() {
     const CWaitCursor wait;
-    return station_.saveDatafile();
+    return station_.saveDatafile(WaitFor::Answer);
 }
 
 void CFileCommands::showSaveError(const FileError& error) {

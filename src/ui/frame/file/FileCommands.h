@@ -33,8 +33,8 @@ public:
     /// Asks what must be asked, switches Live Stat off and saves. False: the user wants to stay.
     bool close();
 
-    /// The datafile cannot be written: as found when it was opened, or by the last save.
-    bool readOnly() const;
+    /// The datafile cannot be written.
+    bool readOnly() const { return station_.readOnly(); }
 
 private:
     enum class Leaving { Stay, Saved, Unsaved };
@@ -52,7 +52,6 @@ private:
     FrameDialogs& dialogs_;
     CRecentFiles& recent_;
     std::function<void()> onDocument_;
-    bool writable_ = true; ///< the datafile, when it was opened
 };
 
 /// The path with ".mv" at its end.

@@ -21,7 +21,16 @@ constexpr std::array needs = {
                    QT_TRANSLATE_NOOP("Commands", "Nothing was edited since the datafile was opened")},
     NeedDefinition{CommandNeeds::Redo, &CommandState::hasRedo,
                    QT_TRANSLATE_NOOP("Commands", "No edit was taken back since the latest one")},
-    NeedDefinition{CommandNeeds::AddressRanges, &CommandState::hasAddressRanges,
+    NeedDefinition{
+        CommandNeeds::LiveStat, &CommandState::hasDevices,
+        QT_TRANSLATE_NOOP("Commands", "There are no devices yet: add one, or choose Tools, Discover Now...")},
+    NeedDefinition{CommandNeeds::LiveStat, &CommandState::mayRunLiveStat,
+                   QT_TRANSLATE_NOOP("Commands", "The datafile cannot be written, and no other station would "
+                                                 "learn that Live Stat runs here")},
+    NeedDefinition{CommandNeeds::LiveDiscover, &CommandState::mayRunLiveDiscover,
+                   QT_TRANSLATE_NOOP("Commands", "The datafile cannot be written, and no other station would "
+                                                 "learn that Live Discover runs here")},
+    NeedDefinition{CommandNeeds::LiveDiscover, &CommandState::hasAddressRanges,
                    QT_TRANSLATE_NOOP("Commands", "Live Discover needs an address range: Tools, Live "
                                                  "Stat/Discover Option...")},
     NeedDefinition{CommandNeeds::DueReminder, &CommandState::hasDueReminder,
@@ -35,8 +44,10 @@ std::span<const NeedDefinition> needTable() {
 }
 
 std::string_view unmetReason(CommandNeeds need, const CommandState& state) {
-    const auto rule = std::ranges::find(needs, need, &NeedDefinition::need);
-    return rule == needs.end() || state.*rule->met ? std::string_view() : rule->reason;
+    const auto unmet = std::ranges::find_if(needs, [need, &state](const NeedDefinition& definition) {
+        return definition.need == need && !(state.*definition.met);
+    });
+    return unmet == needs.end() ? std::string_view() : unmet->reason;
 }
 
 } // namespace mirovane

@@ -13,7 +13,8 @@ enum class CommandNeeds {
     FloorSelection,
     Undo,
     Redo,
-    AddressRanges,
+    LiveStat,
+    LiveDiscover,
     DueReminder
 };
 
@@ -25,10 +26,12 @@ struct CommandState {
     bool hasUndo = false;
     bool hasRedo = false;
     bool hasAddressRanges = false;
+    bool mayRunLiveStat = false; ///< other stations would learn of it
+    bool mayRunLiveDiscover = false;
     bool hasDueReminder = false; ///< of a selected device
 };
 
-/// A need, the flag that meets it, and what the status bar says about a command that waits for it: what is
+/// A need, a flag that it takes, and what the status bar says about a command that waits for it: what is
 /// missing, and where to get it.
 struct NeedDefinition {
     CommandNeeds need;
