@@ -1,7 +1,7 @@
 #include "model/properties/Duplicates.h"
 
+#include "model/find/TextCase.h"
 #include "model/properties/PropertiesGroup.h"
-#include "model/records/Text.h"
 
 #include <algorithm>
 #include <array>
@@ -35,12 +35,26 @@ std::span<const OwnValue> ownValues(PropertiesGroup group) {
     return {};
 }
 
-std::vector<std::string_view> sameValues(std::span<const OwnValue> values, const CHardware& a,
-                                         const CHardware& b) {
+/// A value that is looked for, in upper case.
+struct Sought {
+    const OwnValue& own;
+    std::string upper;
+};
+
+std::vector<Sought> soughtValues(const CHardware& edited) {
+    std::vector<Sought> sought;
+    for (const OwnValue& value : ownValues(propertiesGroupOf(edited.Type)))
+        if (!(edited.*value.text).empty())
+            sought.push_back({value, upperCaseText(edited.*value.text)});
+    return sought;
+}
+
+std::vector<std::string_view> sameValues(const std::vector<Sought>& sought, const CHardware& other) {
     std::vector<std::string_view> labels;
-    for (const OwnValue& value : values)
-        if (!(a.*value.text).empty() && equalIgnoringCase(a.*value.text, b.*value.text))
-            labels.push_back(value.label);
+    for (const Sought& value : sought)
+        if (const std::string& text = other.*value.own.text;
+            !text.empty() && upperCaseText(text) == value.upper)
+            labels.push_back(value.own.label);
     return labels;
 }
 
@@ -56,12 +70,12 @@ std::string Duplicate::question() const {
 std::optional<Duplicate> findDuplicate(const CMirovaneDoc& document, const CHardware& edited,
                                        std::span<const DeviceKey> selected) {
     const PropertiesGroup group = propertiesGroupOf(edited.Type);
-    const auto values = ownValues(group);
-    for (std::size_t i = 0; i < document.size() && !values.empty(); ++i) {
+    const std::vector<Sought> sought = soughtValues(edited);
+    for (std::size_t i = 0; i < document.size() && !sought.empty(); ++i) {
         const CHardware& other = document.at(i);
         if (!other.isDevice() || propertiesGroupOf(other.Type) != group)
             continue;
-        auto labels = sameValues(values, edited, other);
+        auto labels = sameValues(sought, other);
         if (labels.empty())
             continue;
         const DeviceKey key = document.keyOf(other);
