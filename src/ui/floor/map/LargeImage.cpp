@@ -44,9 +44,8 @@ QImage makeLargeImage(QSize size, QImage::Format format, QString* problem) {
                       file.release());
     if (problem)
         *problem = QCoreApplication::translate("CFloorMap", "it needs %1 MB in %2, where %3 MB are free")
-                       .arg(bytes >> 20)
-                       .arg(folder)
-                       .arg(QStorageInfo(folder).bytesAvailable() >> 20);
+                       .arg(QString::number(bytes >> 20), folder,
+                            QString::number(QStorageInfo(folder).bytesAvailable() >> 20));
     return {};
 }
 

@@ -25,10 +25,8 @@ QString cannotShow(const QString& path, const QString& why) {
 QString tooLarge(const QString& path, QSize size) {
     return CFloorMap::tr("Floor map file %1 is too large to be shown: it has %2 x %3 pixels, the limit is %4 "
                          "million. Save it smaller.")
-        .arg(path)
-        .arg(size.width())
-        .arg(size.height())
-        .arg(mostMapPixels / 1000000);
+        .arg(path, QString::number(size.width()), QString::number(size.height()),
+             QString::number(mostMapPixels / 1000000));
 }
 
 /// The readers of both kinds take such a file and make up what it lacks.
