@@ -39,7 +39,6 @@ QWidget* CMarkerDialog::makeMarkArea() {
     markArea_->setObjectName(QStringLiteral("propertiesMarkArea"));
     markArea_->setAutoDefault(false);
     markArea_->setCheckable(true);
-    markArea_->setToolTip(tr("After OK, mark the area of this location on the floor map"));
     auto* hint = new QLabel(QStringLiteral("To mark - <left-click>    To finish - <right-click>"), box);
     hint->setTextFormat(Qt::PlainText);
     auto* line = new QHBoxLayout(box);
@@ -87,6 +86,7 @@ QWidget* CMarkerDialog::makePictures() {
 
 void CMarkerDialog::showForm() {
     CPropertiesDialog::showForm();
+    enableMarkArea();
     const int row = pictures_->currentRow();
     {
         const QSignalBlocker quiet(pictures_);
@@ -114,6 +114,22 @@ void CMarkerDialog::enableButtons() {
         add->setToolTip(leaves ? tr("Remove the line first: then all these markers get the same pictures")
                                : QString());
     }
+}
+
+/// The area of a marker that is not on the floor is not drawn.
+void CMarkerDialog::enableMarkArea() {
+    if (!markArea_)
+        return;
+    const CHardware* device = form().device();
+    const bool onFloor = device && device->onFloor();
+    markArea_->setEnabled(onFloor);
+    if (!onFloor)
+        markArea_->setChecked(false);
+    markArea_->setToolTip(
+        onFloor || !device
+            ? tr("After OK, mark the area of this location on the floor map")
+            : tr("This marker is in the Discovered/Misc window. Move it to the floor first: its "
+                 "area is not seen before."));
 }
 
 // ---- what the user does

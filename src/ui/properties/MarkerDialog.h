@@ -23,6 +23,7 @@ private:
     QWidget* makePictures();
     void showForm() override;
     void enableButtons();
+    void enableMarkArea();
     void view();
     void add();
     void remove();
