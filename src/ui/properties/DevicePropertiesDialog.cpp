@@ -3,6 +3,7 @@
 #include "ui/properties/ChoiceInput.h"
 #include "ui/widgets/DialogText.h"
 
+#include <QEvent>
 #include <QGroupBox>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
@@ -101,6 +102,11 @@ QLayout* CDevicePropertiesDialog::makeReminder() {
     date_->setAccessibleName(tr("Date of the reminder"));
     time_->setAccessibleName(tr("Time of the reminder"));
     date_->setCalendarPopup(true);
+    for (QAbstractSpinBox* picker :
+         {static_cast<QAbstractSpinBox*>(date_), static_cast<QAbstractSpinBox*>(time_)}) {
+        picker->setFocusPolicy(Qt::StrongFocus); // Qt's own takes the keyboard with the wheel
+        picker->installEventFilter(this);
+    }
     const QDateTime start = now_;
     date_->setDate(start.date());
     time_->setTime(start.time());
@@ -119,6 +125,15 @@ QLayout* CDevicePropertiesDialog::makeReminder() {
     label->setMinimumHeight(date_->sizeHint().height());
     reminder_->setMinimumHeight(date_->sizeHint().height());
     return line;
+}
+
+/// Who scrolls the dialog with the wheel does not mean the date that happens to come under the pointer.
+bool CDevicePropertiesDialog::eventFilter(QObject* watched, QEvent* event) {
+    const auto* picker = qobject_cast<QAbstractSpinBox*>(watched);
+    if (!picker || picker->hasFocus() || event->type() != QEvent::Wheel)
+        return CPropertiesDialog::eventFilter(watched, event);
+    event->ignore();
+    return true;
 }
 
 QCheckBox* CDevicePropertiesDialog::addBox(const char* field, const QString& text) {

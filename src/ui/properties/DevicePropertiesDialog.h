@@ -29,6 +29,7 @@ private:
     void showForm() override;
     void showBox(QCheckBox& box);
     void showReminder();
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void enterDate();
     QDateTime pickedDate() const;
 

@@ -13,6 +13,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <limits>
 
 namespace mirovane {
 
@@ -54,6 +55,7 @@ CPropertyInput::CPropertyInput(CPropertiesForm& form, const char* name, const QS
 
 void CPropertyInput::makeLine() {
     auto* line = new QLineEdit(this);
+    line->setMaxLength(std::numeric_limits<int>::max()); // Qt's own limit would cut what is stored
     line->setMinimumWidth(line->fontMetrics().averageCharWidth() * charactersInSight);
     connect(line, &QLineEdit::textEdited, this, &CPropertyInput::takeTyped);
     input_ = line;
