@@ -1,8 +1,10 @@
 #include "ui/properties/PictureViewer.h"
 
 #include "ui/properties/DialogButtons.h"
+#include "ui/widgets/WaitCursor.h"
 #include "ui/widgets/WindowPlacement.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QImageReader>
@@ -24,6 +26,42 @@ constexpr double smallest = 0.02;
 constexpr double largest = 8.0;
 constexpr double mostPixels = 60e6; ///< of a picture that is magnified: four bytes each
 constexpr QSize viewerSize(760, 560);
+constexpr int drawnDetail = 3; ///< a drawn page is measured in 72 to an inch: too coarse to read or print
+
+bool isDrawn(const QByteArray& format) {
+    return format == "pdf" || format.startsWith("svg");
+}
+
+/// A drawing has no ground of its own, and the window's may be as dark as its lines.
+QImage onPaper(const QImage& picture) {
+    if (!picture.hasAlphaChannel())
+        return picture;
+    QImage paper(picture.size(), QImage::Format_RGB32);
+    paper.fill(Qt::white);
+    QPainter(&paper).drawImage(0, 0, picture);
+    return paper;
+}
+
+/// As many pixels as are worth having.
+void setDetail(QImageReader& reader) {
+    QSizeF size = reader.size();
+    if (isDrawn(reader.format()))
+        size *= drawnDetail;
+    const double pixels = size.width() * size.height();
+    if (pixels > mostPixels)
+        size *= std::sqrt(mostPixels / pixels);
+    if (size.toSize() != reader.size())
+        reader.setScaledSize(size.toSize());
+}
+
+QString remedyFor(const QString& path) {
+    const bool lacking = path.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive) &&
+                         !QImageReader::supportedImageFormats().contains("pdf");
+    return lacking ? QCoreApplication::translate("mirovane::CPictureViewer",
+                                                 "\n\nFor PDF files this computer needs the package "
+                                                 "qt6-image-formats-plugin-pdf.")
+                   : QString();
+}
 
 } // namespace
 
@@ -97,18 +135,21 @@ void CPictureViewer::turn(int pages) {
 }
 
 void CPictureViewer::load() {
+    const CWaitCursor wait; // a picture may be on a slow share
     const PictureFile& file = files_.at(static_cast<std::size_t>(file_));
     QImageReader reader(file.path);
     reader.setAutoTransform(true);
     pages_ = std::max(1, reader.imageCount());
     const bool there = QFileInfo::exists(file.path);
     image_ = {};
-    if (there && (page_ == 0 || reader.jumpToImage(page_)))
-        image_ = reader.read();
+    if (there && (page_ == 0 || reader.jumpToImage(page_))) {
+        setDetail(reader);
+        image_ = onPaper(reader.read());
+    }
     if (image_.isNull())
-        picture_->setText(
-            there ? tr("The picture cannot be shown: %1\n\n%2").arg(reader.errorString(), file.path)
-                  : tr("There is no such file:\n\n%1").arg(file.name));
+        picture_->setText(there ? tr("The picture cannot be shown: %1\n\n%2%3")
+                                      .arg(reader.errorString(), file.path, remedyFor(file.path))
+                                : tr("There is no such file:\n\n%1").arg(file.name));
     const QString page = pages_ > 1 ? tr(", page %1 of %2").arg(page_ + 1).arg(pages_) : QString();
     place_->setText(tr("%1 of %2%3").arg(file_ + 1).arg(files_.size()).arg(page));
     setWindowTitle(QFileInfo(file.path).fileName());
