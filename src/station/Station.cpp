@@ -92,6 +92,7 @@ void CStation::begin() {
     display_.FloorMapHidden = false;
     export_.takeDatafile();
     watch_.begin();
+    news_.tell(&StationObserver::floorOpened);
     redraw();
     settleList();
     if (wantsLiveStat())

@@ -12,6 +12,9 @@ public:
     /// A Live Stat run or a reload changed what is seen; never more often than the runs.
     virtual void redrawNeeded() {}
 
+    /// Another floor: a new one, or a datafile was opened. The same record IDs are other devices.
+    virtual void floorOpened() {}
+
     /// Devices changed, and no more changes follow at once: the rows of the List View are to be put in order.
     virtual void listSettled() {}
 

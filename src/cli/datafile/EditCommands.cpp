@@ -78,14 +78,14 @@ ExitStatus runAdd(CommandContext& context) {
         type.value() + (context.arguments.has("--misc") ? DeviceType::discoveredOffset : 0);
     CHardware trial;
     trial.Type = code;
-    const auto filled = changedBy(edit.value(), trial, false);
+    const auto filled = changedBy(edit.value(), trial);
     if (!filled)
         return usageError(context, filled.error());
     std::int32_t recID = 0;
     const ExitStatus status = editDatafile(
         context.out, words[0], "Add a device", [&](CMirovaneDoc& doc) -> std::optional<EditRefusal> {
             const CHardware* device = doc.addDevice(
-                code, [&](CHardware& fresh) { fresh = changedBy(edit.value(), fresh, false).value(); });
+                code, [&](CHardware& fresh) { fresh = changedBy(edit.value(), fresh).value(); });
             if (!device)
                 return EditRefusal{"cannot add a device to " + words[0] + ": the datafile is full",
                                    ExitStatus::FileFailed};

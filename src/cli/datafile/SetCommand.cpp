@@ -80,7 +80,7 @@ std::optional<EditRefusal> refusalOf(const CHardware& device, const PropertiesEd
                                    " has no " + std::string(assignment.field->name) + " (RecID " +
                                    std::to_string(device.RecID) + ")",
                                ExitStatus::Usage};
-    if (const auto changed = changedBy(edit, device, false); !changed)
+    if (const auto changed = changedBy(edit, device); !changed)
         return EditRefusal{changed.error(), ExitStatus::Usage};
     return std::nullopt;
 }
@@ -92,7 +92,7 @@ std::optional<EditRefusal> duplicateOf(const CMirovaneDoc& doc, const CHardware&
     if (std::ranges::none_of(own, [&edit](std::string_view field) { return edit.valueOf(field); }))
         return std::nullopt;
     const std::array selected{doc.keyOf(device)};
-    const auto found = findDuplicate(doc, changedBy(edit, device, true).value(), selected);
+    const auto found = findDuplicate(doc, changedBy(edit, device).value(), selected);
     if (!found)
         return std::nullopt;
     const CHardware& other = *doc.findDevice(found->other);
@@ -117,6 +117,13 @@ Result<Devices, EditRefusal> devicesToChange(const CMirovaneDoc& doc, const SetR
     return devices;
 }
 
+/// One device is edited as its window would.
+PropertiesEdit editOf(const SetRequest& request, const Devices& devices) {
+    PropertiesEdit edit = request.edit;
+    edit.alone = devices.size() == 1;
+    return edit;
+}
+
 void printChanges(COutput& out, const CHardware& device, const CHardware& changed) {
     for (const RecordField& field : recordFields())
         if (!sameField(device, changed, field))
@@ -134,9 +141,9 @@ ExitStatus tryOut(COutput& out, const SetRequest& request) {
             answer = devices.error().status;
             return;
         }
-        const bool alone = devices.value().size() == 1;
+        const PropertiesEdit edit = editOf(request, devices.value());
         for (const CHardware* device : devices.value())
-            printChanges(out, *device, changedBy(request.edit, *device, alone).value());
+            printChanges(out, *device, changedBy(edit, *device).value());
     });
     return read == ExitStatus::Done ? answer : read;
 }
@@ -154,7 +161,7 @@ ExitStatus change(COutput& out, const SetRequest& request) {
                                                    touched.push_back(device->RecID);
                                                    keys.push_back(doc.keyOf(*device));
                                                }
-                                               applyProperties(doc, keys, request.edit);
+                                               applyProperties(doc, keys, editOf(request, devices.value()));
                                                return std::nullopt;
                                            });
     if (status == ExitStatus::Done)

@@ -38,7 +38,7 @@ std::string withKept(std::string text, bool kept) {
     return text;
 }
 
-Result<CHardware, std::string> changedBy(const PropertiesEdit& edit, const CHardware& device, bool alone) {
+Result<CHardware, std::string> changedBy(const PropertiesEdit& edit, const CHardware& device) {
     CHardware changed = device;
     for (const PropertiesEdit::Assignment& assignment : edit.assignments)
         if (auto refusal = setFieldValue(changed, *assignment.field, assignment.value))
@@ -48,7 +48,7 @@ Result<CHardware, std::string> changedBy(const PropertiesEdit& edit, const CHard
         text = withKept(text, lock.kept);
     }
     // A computer that becomes a jack keeps its name: nobody who only picked a type wants its texts gone.
-    if (alone && propertiesGroupOf(device.Type) == propertiesGroupOf(changed.Type))
+    if (edit.alone && propertiesGroupOf(device.Type) == propertiesGroupOf(changed.Type))
         emptyUnused(changed);
     return changed;
 }
@@ -60,7 +60,7 @@ std::size_t applyProperties(CMirovaneDoc& document, std::span<const DeviceKey> d
         const CHardware* device = edit.empty() ? nullptr : document.findDevice(key);
         if (!device)
             continue;
-        if (auto changed = changedBy(edit, *device, devices.size() == 1)) {
+        if (auto changed = changedBy(edit, *device)) {
             document.editByUser(*device, [&](CHardware& record) { record = std::move(changed.value()); });
             ++count;
         }

@@ -30,6 +30,7 @@ struct PropertiesEdit {
 
     std::vector<Assignment> assignments;
     std::vector<Lock> locks;
+    bool alone = false; ///< of one device by itself: texts that mean nothing in its group are emptied, too
 
     bool empty() const { return assignments.empty() && locks.empty(); }
     void assign(const RecordField& field, std::string value) {
@@ -45,8 +46,7 @@ struct PropertiesEdit {
 std::string withKept(std::string text, bool kept);
 
 /// The device as it would be, or one sentence that says which value does not fit and what to give instead.
-/// `alone`: the only device of its edit, so that texts which mean nothing in its group are emptied, too.
-Result<CHardware, std::string> changedBy(const PropertiesEdit& edit, const CHardware& device, bool alone);
+Result<CHardware, std::string> changedBy(const PropertiesEdit& edit, const CHardware& device);
 
 /// Changes these devices and stamps Modified; those that have gone are left out, and so are values that do
 /// not fit. For within an edit. Returns how many devices changed. An empty edit changes none.

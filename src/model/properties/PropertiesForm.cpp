@@ -202,6 +202,7 @@ bool CPropertiesForm::reminderCounts(std::string_view field) const {
 
 PropertiesEdit CPropertiesForm::edit(const std::string& reminder) const {
     PropertiesEdit edit;
+    edit.alone = !several();
     for (const Field& field : fields_) {
         if (!reminderCounts(field.field->name))
             continue;

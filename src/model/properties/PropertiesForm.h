@@ -41,7 +41,8 @@ public:
     CPropertiesForm(const CMirovaneDoc& document, PropertiesSet set);
 
     PropertiesGroup group() const { return set_.group; }
-    bool several() const { return set_.devices.size() > 1; }
+    /// Only what the user changes is written, and no text tells of one device alone.
+    bool several() const { return set_.together || set_.devices.size() > 1; }
     const std::vector<DeviceKey>& devices() const { return set_.devices; }
 
     /// The one device, or the first of several that is left; null when all were deleted.

@@ -65,10 +65,11 @@ std::vector<PropertiesSet> classified(const CMirovaneDoc& document,
                                       const std::vector<const CHardware*>& devices) {
     std::vector<PropertiesSet> sets;
     for (const PropertiesGroup group : groupsInOrder) {
-        PropertiesSet set{group, {}};
+        PropertiesSet set{group, {}, false};
         for (const CHardware* device : devices)
             if (propertiesGroupOf(device->Type) == group)
                 set.devices.push_back(document.keyOf(*device));
+        set.together = set.devices.size() < devices.size();
         if (!set.devices.empty())
             sets.push_back(std::move(set));
     }

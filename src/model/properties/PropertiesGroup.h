@@ -25,6 +25,7 @@ std::span<const std::string_view> unusedTexts(PropertiesGroup group);
 struct PropertiesSet {
     PropertiesGroup group = PropertiesGroup::Devices;
     std::vector<DeviceKey> devices;
+    bool together = false; ///< chosen with devices of another group: even one device is edited as several are
 };
 
 /// The sets that the devices fall into; none of them is empty.

@@ -95,8 +95,10 @@ void CDiscoveredWindow::fillMenus() {
     types->setObjectName(QStringLiteral("discoveredTypes"));
     onSelection_.push_back(types->menuAction());
     fillTypes(*types);
-    onSelection_.push_back(add(*edit_, tr("&Properties"), "discoveredProperties",
-                               QKeySequence(QStringLiteral("Alt+Return")), parts_.properties));
+    QAction* properties = add(*edit_, tr("&Properties"), "discoveredProperties", {}, parts_.properties);
+    properties->setShortcuts(
+        {QKeySequence(QStringLiteral("Alt+Return")), QKeySequence(QStringLiteral("Alt+Enter"))});
+    onSelection_.push_back(properties);
     edit_->addSeparator();
     add(*edit_, tr("&Find..."), "discoveredFind", QKeySequence(QStringLiteral("Ctrl+F")), parts_.find);
     add(*edit_, tr("Find &Next"), "discoveredFindNext", Qt::Key_F3, parts_.findNext);

@@ -83,15 +83,14 @@ void CFrameCommands::editListRows() {
     properties_.run(selected, list, std::move(order));
 }
 
-/// What is not on the floor is a row of the List View.
 void CFrameCommands::showDevice(std::int32_t recID) {
     const CHardware* device = services_.station.document().findDevice(recID);
     if (!device)
         return;
     if (device->onFloor())
         return parts_.floor.showDevice(*device);
-    parts_.windows.showListView();
-    services_.station.selection().add(*device);
+    services_.station.selection().only(*device);
+    discovered_.discovered().show(*device, true);
 }
 
 void CFrameCommands::storeTyping() {

@@ -3,10 +3,13 @@
 #include "ui/properties/ChoiceInput.h"
 #include "ui/widgets/DialogText.h"
 
+#include <QCoreApplication>
 #include <QEvent>
-#include <QGroupBox>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
 
 namespace mirovane {
 
@@ -27,6 +30,46 @@ QStringList typeNames() {
 QDateTime dateFrom(const std::string& text) {
     const QDateTime whole = QDateTime::fromString(qText(text), dateForm);
     return whole.isValid() ? whole : QDateTime::fromString(qText(text), QStringLiteral("yyyy-MM-dd HH:mm"));
+}
+
+/// A check box beside a text field.
+struct Flag {
+    std::string_view field;
+    std::string_view text; ///< the field beside it
+    const char* on;
+    const char* off;
+};
+constexpr std::array flags{
+    Flag{"SlashDraw", "SlashText", QT_TRANSLATE_NOOP("mirovane::Properties", "line drawn"),
+         QT_TRANSLATE_NOOP("mirovane::Properties", "no line")},
+    Flag{"BackslashDraw", "BackslashText", QT_TRANSLATE_NOOP("mirovane::Properties", "line drawn"),
+         QT_TRANSLATE_NOOP("mirovane::Properties", "no line")},
+    Flag{"HorzDraw", "HorzText", QT_TRANSLATE_NOOP("mirovane::Properties", "line drawn"),
+         QT_TRANSLATE_NOOP("mirovane::Properties", "no line")},
+    Flag{"VertDraw", "VertText", QT_TRANSLATE_NOOP("mirovane::Properties", "line drawn"),
+         QT_TRANSLATE_NOOP("mirovane::Properties", "no line")},
+    Flag{"ReminderOn", "ToDo", QT_TRANSLATE_NOOP("mirovane::Properties", "reminder on"),
+         QT_TRANSLATE_NOOP("mirovane::Properties", "no reminder")},
+};
+
+/// What all of several devices have, which the undetermined box does not tell, or what somebody else made of
+/// it meanwhile.
+FieldNote flagNote(const CPropertiesForm& form, const Flag& flag) {
+    const auto words = [](const char* text) {
+        return QCoreApplication::translate("mirovane::Properties", text);
+    };
+    const auto shared = form.shared(flag.field);
+    const QString now = !shared ? QString() : words(*shared == "1" ? flag.on : flag.off);
+    const bool entered = form.entered(flag.field);
+    const bool date = flag.field == "ReminderOn" && form.changedElsewhere("ReminderDate");
+    FieldNote note;
+    note.changed = date || form.changedElsewhere(flag.field);
+    if (note.changed)
+        note.text =
+            entered && shared ? words("Changed meanwhile, now: %1").arg(now) : words("Changed meanwhile");
+    else if (form.several() && !entered && shared)
+        note.text = words("all: %1").arg(now);
+    return note;
 }
 
 QFormLayout* makeRows() {
@@ -163,16 +206,25 @@ void CDevicePropertiesDialog::showForm() {
     showReminder();
 }
 
+FieldNote CDevicePropertiesDialog::noteOf(const std::string& field) const {
+    FieldNote rule = CPropertiesDialog::noteOf(field);
+    const auto flag = std::ranges::find(flags, field, &Flag::text);
+    FieldNote note = flag == flags.end() ? FieldNote() : flagNote(form(), *flag);
+    if (note.text.isEmpty())
+        return rule;
+    if (!rule.text.isEmpty())
+        note.text += u'\n' + rule.text;
+    note.details = note.text;
+    return note;
+}
+
 /// Of several devices a box that nobody touched is undetermined, also where all of them have the same.
 void CDevicePropertiesDialog::showBox(QCheckBox& box) {
     const std::string field = box.property("field").toString().toStdString();
     const auto chosen = form().chosen(field);
     const bool leaves = form().several() && !form().entered(field);
     box.setCheckState(leaves ? Qt::PartiallyChecked : chosen == "1" ? Qt::Checked : Qt::Unchecked);
-    QFont font = box.font();
-    font.setBold(form().changedElsewhere(field));
-    box.setFont(font);
-    box.setAccessibleDescription(form().changedElsewhere(field) ? tr("Changed meanwhile") : QString());
+    box.setAccessibleDescription(flagNote(form(), *std::ranges::find(flags, field, &Flag::field)).text);
 }
 
 void CDevicePropertiesDialog::showReminder() {

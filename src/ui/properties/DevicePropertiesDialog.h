@@ -27,6 +27,7 @@ private:
     QLayout* makeReminder();
     QCheckBox* addBox(const char* field, const QString& text);
     void showForm() override;
+    FieldNote noteOf(const std::string& field) const override;
     void showBox(QCheckBox& box);
     void showReminder();
     bool eventFilter(QObject* watched, QEvent* event) override;

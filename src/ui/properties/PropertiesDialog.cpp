@@ -43,7 +43,8 @@ CPropertiesDialog::CPropertiesDialog(CStation& station, PropertiesSet set, const
       station_(station),
       form_(station.document(), std::move(set)),
       banner_(new QLabel(this)) {
-    setWindowTitle(form_.several() ? tr("%1 - %2 devices").arg(title).arg(form_.devices().size()) : title);
+    const std::size_t count = form_.devices().size();
+    setWindowTitle(count > 1 ? tr("%1 - %2 devices").arg(title).arg(count) : title);
     setWindowModality(Qt::WindowModal);
     banner_->setObjectName(QStringLiteral("propertiesBanner"));
     banner_->setTextFormat(Qt::PlainText);
@@ -149,10 +150,9 @@ QWidget* CPropertiesDialog::makeButtons() {
 }
 
 void CPropertiesDialog::offerNeighbours(bool previous, bool next) {
-    if (!previous_)
-        return;
-    previous_->setEnabled(previous);
-    next_->setEnabled(next);
+    hasPrevious_ = previous;
+    hasNext_ = next;
+    showBanner();
 }
 
 void CPropertiesDialog::wantTest() {
@@ -168,7 +168,11 @@ void CPropertiesDialog::showForm() {
     if (priority_)
         priority_->refresh();
     for (CPropertyInput* input : texts_)
-        input->refresh(ruleNote(station_, form_, input->field()));
+        input->refresh(noteOf(input->field()));
+}
+
+FieldNote CPropertiesDialog::noteOf(const std::string& field) const {
+    return ruleNote(station_, form_, field);
 }
 
 void CPropertiesDialog::showFacts() {
@@ -187,8 +191,8 @@ void CPropertiesDialog::showBanner() {
     const std::size_t all = form_.devices().size();
     QString text;
     if (gone == all)
-        text = form_.several() ? tr("These devices were deleted meanwhile. There is nothing left to change.")
-                               : tr("This device was deleted meanwhile. There is nothing left to change.");
+        text = all > 1 ? tr("These devices were deleted meanwhile. There is nothing left to change.")
+                       : tr("This device was deleted meanwhile. There is nothing left to change.");
     else if (gone > 0)
         text = tr("%1 of these %2 devices were deleted meanwhile. The others will be changed.")
                    .arg(gone)
@@ -196,6 +200,10 @@ void CPropertiesDialog::showBanner() {
     showFaultText(*banner_, text);
     banner_->setVisible(!text.isEmpty());
     ok_->setEnabled(gone < all);
+    if (previous_) {
+        previous_->setEnabled(hasPrevious_ && gone == 0);
+        next_->setEnabled(hasNext_ && gone == 0);
+    }
     if (test_)
         test_->setEnabled(gone == 0);
 }

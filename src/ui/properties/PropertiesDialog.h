@@ -68,6 +68,9 @@ protected:
     /// Brings everything that is shown up to date.
     virtual void showForm();
 
+    /// What is said below a text field.
+    virtual FieldNote noteOf(const std::string& field) const;
+
     /// What is shown is out of date; once per turn of the event loop.
     void showSoon() { showSoon_.start(); }
 
@@ -87,6 +90,8 @@ private:
     CPropertiesForm form_;
     std::vector<CPropertyInput*> texts_;
     std::string lastField_;
+    bool hasPrevious_ = false;
+    bool hasNext_ = false;
     QLabel* banner_;
     QLabel* recID_ = nullptr;
     QLabel* modified_ = nullptr;

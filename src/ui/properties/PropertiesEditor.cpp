@@ -49,7 +49,13 @@ EditName stepName(std::size_t count) {
 } // namespace
 
 CPropertiesEditor::CPropertiesEditor(Parts parts, QObject* parent)
-    : QObject(parent), parts_(std::move(parts)) {}
+    : QObject(parent), parts_(std::move(parts)) {
+    parts_.station.addObserver(*this);
+}
+
+CPropertiesEditor::~CPropertiesEditor() {
+    parts_.station.removeObserver(*this);
+}
 
 // ---- opening
 
@@ -111,9 +117,7 @@ CPropertiesDialog* CPropertiesEditor::makeDialog(PropertiesSet set) {
     if (const CHardware* device = dialog->form().several() ? nullptr : dialog->form().device()) {
         if (!bringsOwnNeighbours_)
             neighbours_ = neighboursOf(*device);
-        const bool alone = !waiting_.empty(); // a mixed selection has its own way on
-        dialog->offerNeighbours(!alone && neighbour(dialog->form(), -1),
-                                !alone && neighbour(dialog->form(), 1));
+        dialog->offerNeighbours(neighbour(dialog->form(), -1), neighbour(dialog->form(), 1));
     }
     connect(
         dialog, &CPropertiesDialog::decided, this,
@@ -163,7 +167,7 @@ bool CPropertiesEditor::apply(CPropertiesDialog& dialog) {
 
 bool CPropertiesEditor::mayHaveTwin(CPropertiesDialog& dialog, const PropertiesEdit& edit) {
     const CMirovaneDoc& document = parts_.station.document();
-    const auto edited = changedBy(edit, *dialog.form().device(), true);
+    const auto edited = changedBy(edit, *dialog.form().device());
     const auto twin =
         edited ? findDuplicate(document, edited.value(), dialog.form().devices()) : std::nullopt;
     if (!twin)
@@ -185,6 +189,13 @@ void CPropertiesEditor::close(CPropertiesDialog& dialog) {
     dialog.hide();
     dialog.deleteLater();
     dialog_.clear();
+}
+
+/// The devices of the other floor have the same record IDs.
+void CPropertiesEditor::floorOpened() {
+    waiting_.clear();
+    if (dialog_)
+        close(*dialog_);
 }
 
 // ---- from device to device
@@ -218,7 +229,8 @@ void CPropertiesEditor::moveOn(CPropertiesDialog& dialog, int by) {
     close(dialog);
     parts_.station.selection().none();
     parts_.station.selection().add(*device);
-    dialog_ = makeDialog({propertiesGroupOf(device->Type), {parts_.station.document().keyOf(*device)}});
+    dialog_ =
+        makeDialog({propertiesGroupOf(device->Type), {parts_.station.document().keyOf(*device)}, false});
     dialog_->move(place);
     dialog_->show();
 }

@@ -16,7 +16,7 @@ namespace mirovane {
 /// The Properties command, from whatever window: opens the dialogs for the devices, one group after the
 /// other, asks about values that another device has, and makes the change. The dialogs do not stop the
 /// station: it goes on reading and saving while they are open. Belongs to the main window. Main thread.
-class CPropertiesEditor final : public QObject {
+class CPropertiesEditor final : public QObject, private StationObserver {
     Q_OBJECT
 
 public:
@@ -29,6 +29,7 @@ public:
 
     /// All references outlive the object.
     CPropertiesEditor(Parts parts, QObject* parent);
+    ~CPropertiesEditor() override;
 
     /// Where "Next" and "Previous" lead, in order.
     using Neighbours = std::vector<DeviceKey>;
@@ -50,6 +51,9 @@ Q_SIGNALS:
     void markArea(std::int32_t recID);
 
 private:
+    // StationObserver
+    void floorOpened() override;
+
     void openNext();
     CPropertiesDialog* makeDialog(PropertiesSet set);
     void decided(CPropertiesDialog& dialog, CPropertiesDialog::Decision decision);

@@ -22,6 +22,14 @@ namespace {
 constexpr int linesOfText = 3;
 constexpr int charactersInSight = 30;
 
+/// Wants room for some lines at first, where Qt's own wants a page.
+class CLines final : public QPlainTextEdit {
+public:
+    using QPlainTextEdit::QPlainTextEdit;
+
+    QSize sizeHint() const override { return {QPlainTextEdit::sizeHint().width(), 2 * minimumHeight()}; }
+};
+
 } // namespace
 
 CPropertyInput::CPropertyInput(CPropertiesForm& form, const char* name, const QString& label, Kind kind,
@@ -62,7 +70,7 @@ void CPropertyInput::makeLine() {
 }
 
 void CPropertyInput::makeLines() {
-    auto* lines = new QPlainTextEdit(this);
+    auto* lines = new CLines(this);
     lines->setTabChangesFocus(true);
     const int frame = 2 * lines->frameWidth() + 2 * static_cast<int>(lines->document()->documentMargin());
     lines->setMinimumHeight(lines->fontMetrics().lineSpacing() * linesOfText + frame);
@@ -133,27 +141,32 @@ void CPropertyInput::showPadlock() {
 
 void CPropertyInput::showNote(const FieldNote& note) {
     QString text = note.text;
+    bool changed = note.changed;
     if (form_.changedElsewhere(field_)) {
         const auto now = form_.shared(field_);
         const bool typed = form_.text(field_).source == CPropertiesForm::Source::User;
-        text = typed && now ? tr("Changed meanwhile, now: \"%1\"").arg(qText(*now).simplified())
-                            : tr("Changed meanwhile");
+        const QString news = typed && now ? tr("Changed meanwhile, now: \"%1\"").arg(qText(*now).simplified())
+                                          : tr("Changed meanwhile");
+        text = text.isEmpty() ? news : news + u'\n' + text;
+        changed = true;
     }
-    const bool changed = text != note.text;
     note_->setForegroundRole(changed ? QPalette::WindowText : QPalette::PlaceholderText);
     QFont font = note_->font();
     font.setBold(changed);
     note_->setFont(font);
     noteText_ = text;
     elideNote();
-    note_->setToolTip(changed ? text : note.details);
+    note_->setToolTip(text == note.text && !note.details.isEmpty() ? note.details : text);
     note_->setVisible(!text.isEmpty());
     input_->setAccessibleDescription(text);
 }
 
 /// The tooltip has all of it.
 void CPropertyInput::elideNote() {
-    note_->setText(note_->fontMetrics().elidedText(noteText_, Qt::ElideRight, std::max(width(), 100)));
+    QStringList lines = noteText_.split(u'\n');
+    for (QString& line : lines)
+        line = note_->fontMetrics().elidedText(line, Qt::ElideRight, std::max(width(), 100));
+    note_->setText(lines.join(u'\n'));
 }
 
 void CPropertyInput::resizeEvent(QResizeEvent* event) {

@@ -11,10 +11,11 @@
 
 namespace mirovane {
 
-/// What stands below a field, in grey: which rule of Live Stat writes it and what the rule found last.
+/// What is below a field, in grey: which rule of Live Stat writes it and what the rule found last.
 struct FieldNote {
     QString text;
-    QString details; ///< as a tooltip
+    QString details;      ///< as a tooltip
+    bool changed = false; ///< somebody else changed what belongs to the field: not to be overlooked
 };
 
 /// One text field of a Properties dialog: its input, the padlock that keeps Live Stat away from it, and the

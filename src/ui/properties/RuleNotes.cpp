@@ -41,7 +41,7 @@ FieldNote ruleNote(const CStation& station, const CPropertiesForm& form, std::st
     if (form.several())
         return note;
     if (const LatestFind* find = station.features().liveStat().finds().of(device->RecID, rule->row))
-        note.text += words("; ") + foundText(*find);
+        note.text += u'\n' + foundText(*find);
     note.details = note.text; // may be cut below the field
     return note;
 }

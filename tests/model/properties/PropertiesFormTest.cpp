@@ -67,6 +67,21 @@ protected:
     }
 };
 
+/// The sets of a mixed selection.
+TEST_F(PropertiesFormTest, OneOfAMixedSelectionIsEditedAsSeveralAre) {
+    const auto sets = classified(doc, {doc.findDevice(1), doc.findDevice(2), doc.findDevice(4)});
+    ASSERT_EQ(sets.size(), 2U);
+    CPropertiesForm jack(doc, sets[1]);
+    EXPECT_EQ(jack.text("Comment"), (CPropertiesForm::Shown{"<Edit>", CPropertiesForm::Source::Various}));
+    EXPECT_EQ(jack.text("ToJack"), (CPropertiesForm::Shown{"J1", CPropertiesForm::Source::Shared}));
+    jack.enter("ToJack", "<Edit>");
+    jack.enter("Comment", "seen");
+    applyProperties(doc, jack.devices(), jack.edit({}));
+    EXPECT_EQ(doc.findDevice(4)->ToJack, "J1");
+    EXPECT_EQ(doc.findDevice(4)->Comment, "seen");
+    EXPECT_EQ(doc.findDevice(4)->Name, "left over") << "emptied only where the jack is edited by itself";
+}
+
 struct Case {
     const char* what;
     std::vector<std::int32_t> selection;

@@ -4,12 +4,17 @@
 #include "tests/support/Paths.h"
 #include "tests/ui/frame/FrameFixture.h"
 #include "ui/list/ListViewWindow.h"
+#include "ui/livestat/DevicePickList.h"
 #include "ui/properties/PictureViewer.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QImageReader>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
 #include <QProcess>
 
 #include <algorithm>
@@ -91,6 +96,10 @@ protected:
         return nullptr;
     }
 
+    std::string labelText(const char* name) {
+        return dialog()->findChild<QLabel*>(QLatin1String(name))->text().toStdString();
+    }
+
     QString title() { return dialog() ? dialog()->windowTitle() : QString(); }
 
     void activate() {
@@ -165,8 +174,13 @@ TEST_F(PropertiesEditorTest, EditsOneDeviceAsOneStepThatIsSaved) {
 }
 
 TEST_F(PropertiesEditorTest, AMixedSelectionHasOneDialogAfterTheOther) {
-    document().edit(device(3), [](CHardware& record) { record.Comment = "<Edit>"; });
+    document().edit(device(3), [](CHardware& record) {
+        record.Comment = "<Edit>";
+        record.HorzDraw = 1;
+    });
     open({1, 2, 3, 4, 5});
+    EXPECT_EQ(labelText("noteSlashText"), "all: no line");
+    EXPECT_EQ(labelText("noteHorzText"), "");
     EXPECT_EQ(title(), QStringLiteral("Properties - 3 devices"));
     EXPECT_EQ(qobject_cast<QLineEdit*>(focus())->text(), QStringLiteral("<Edit>"));
     tabTo("propertiesToJack"); // empty everywhere: a hint, which typing replaces
@@ -176,11 +190,16 @@ TEST_F(PropertiesEditorTest, AMixedSelectionHasOneDialogAfterTheOther) {
     key(Qt::Key_Return);
     EXPECT_EQ(title(), QStringLiteral("Label Jack"));
     activate();
+    EXPECT_EQ(dialog()->findChild<QPushButton*>(QStringLiteral("propertiesNext")), nullptr);
     type("A2");
     key(Qt::Key_Escape);
     EXPECT_EQ(title(), QStringLiteral("Location Marker"));
     activate();
-    key(Qt::Key_Escape);
+    type("Foyer");
+    tabTo("propertiesOk");
+    key(Qt::Key_Space);
+    EXPECT_EQ(device(5).Comment, "Foyer");
+    EXPECT_EQ(device(5).VertText, inFolder("a.png") + "\r\n" + inFolder("gone.png"));
     EXPECT_EQ(dialog(), nullptr);
     for (const std::int32_t recID : {1, 2, 3}) {
         EXPECT_EQ(device(recID).Name, "pc-" + std::to_string(recID));
@@ -246,14 +265,11 @@ TEST_F(PropertiesEditorTest, AColleagueWhoSavesMeanwhileLosesNothing) {
     colleague({QStringLiteral("set"), QStringLiteral("1"), QStringLiteral("Name=theirs"),
                QStringLiteral("Username=ann"), QStringLiteral("Comment=seen")});
     watchTicks();
-    const auto text = [this](const char* name) {
-        return dialog()->findChild<QLabel*>(QLatin1String(name))->text().toStdString();
-    };
     EXPECT_EQ(qobject_cast<QLineEdit*>(focus())->text(), QStringLiteral("mine"));
     EXPECT_EQ(dialog()->findChild<QLineEdit*>(QStringLiteral("propertiesUsername"))->text(),
               QStringLiteral("ann"));
-    EXPECT_EQ(text("noteName"), "Changed meanwhile, now: \"theirs\"");
-    EXPECT_EQ(text("noteComment"), "Changed meanwhile");
+    EXPECT_EQ(labelText("noteName"), "Changed meanwhile, now: \"theirs\"");
+    EXPECT_EQ(labelText("noteComment"), "Changed meanwhile");
     key(Qt::Key_Return);
     EXPECT_EQ(device(1).Name, "mine");
     EXPECT_EQ(device(1).Username, "ann");
@@ -263,7 +279,7 @@ TEST_F(PropertiesEditorTest, AColleagueWhoSavesMeanwhileLosesNothing) {
     type("ghost");
     colleague({QStringLiteral("delete"), QStringLiteral("2")});
     watchTicks();
-    EXPECT_EQ(text("propertiesBanner"),
+    EXPECT_EQ(labelText("propertiesBanner"),
               "This device was deleted meanwhile. There is nothing left to change.");
     key(Qt::Key_Return);
     EXPECT_NE(dialog(), nullptr);
@@ -302,6 +318,34 @@ TEST_F(PropertiesEditorTest, AMarkerHasPicturesAndAnArea) {
     EXPECT_EQ(marked, std::vector<std::int32_t>{5});
 }
 
+TEST(PictureViewerTest, ShowsEachPageOfAFileOnPaper) {
+    if (!QImageReader::supportedImageFormats().contains("pdf"))
+        GTEST_SKIP() << "needs the package qt6-image-formats-plugin-pdf";
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("plan.pdf"));
+    {
+        QPdfWriter writer(path);
+        writer.setPageSize(QPageSize(QPageSize::A4));
+        QPainter painter(&writer);
+        writer.newPage();
+        painter.fillRect(QRect(0, 0, writer.width(), writer.height() / 2), Qt::red);
+    }
+    CPictureViewer viewer({{path, path}, {path, path}}, 0, nullptr);
+    const auto at = [&viewer](int percent) {
+        return viewer.image().pixelColor(viewer.image().width() / 2, viewer.image().height() * percent / 100);
+    };
+    EXPECT_EQ(at(25), QColor(Qt::white));
+    EXPECT_GT(viewer.image().height(), 2000) << "fine enough to print";
+    QTest::keyClick(&viewer, Qt::Key_PageDown);
+    EXPECT_EQ(at(25), QColor(Qt::red));
+    EXPECT_EQ(at(75), QColor(Qt::white));
+    EXPECT_EQ(viewer.findChild<QLabel*>(QStringLiteral("picturePlace"))->text(),
+              QStringLiteral("1 of 2, page 2 of 2"));
+    QTest::keyClick(&viewer, Qt::Key_PageDown);
+    EXPECT_EQ(viewer.findChild<QLabel*>(QStringLiteral("picturePlace"))->text(),
+              QStringLiteral("2 of 2, page 1 of 2"));
+}
+
 TEST_F(PropertiesEditorTest, TellsWhichRuleWritesAFieldAndTestsIt) {
     open({1});
     EXPECT_EQ(dialog()->findChild<QLabel*>(QStringLiteral("noteIPAddress"))->text(),
@@ -312,6 +356,33 @@ TEST_F(PropertiesEditorTest, TellsWhichRuleWritesAFieldAndTestsIt) {
     auto* test = dialog()->findChild<QDialog*>(QStringLiteral("rowTrialWindow"));
     ASSERT_NE(test, nullptr);
     EXPECT_EQ(test->findChild<QComboBox*>(QStringLiteral("trialRow"))->currentIndex(), 2);
+    EXPECT_EQ(test->findChild<CDevicePickList*>()->pickedRecID(), 1);
+}
+
+TEST_F(PropertiesEditorTest, TellsWhatARuleFoundLast) {
+    probes.name("pc-1", 0x0100007F);
+    open({1});
+    station->features().liveStat().toggle();
+    ASSERT_TRUE(QTest::qWaitFor([this] {
+        timers.advance(std::chrono::seconds(1));
+        return device(1).IPAddress == "127.0.0.1";
+    }));
+    QTest::qWait(0);
+    const QString note =
+        dialog()->findChild<QLineEdit*>(QStringLiteral("propertiesIPAddress"))->accessibleDescription();
+    EXPECT_TRUE(note.startsWith(
+        QStringLiteral("Changed meanwhile\nLive Stat: NS Lookup $mvN\nfound \"127.0.0.1\", ")))
+        << note.toStdString();
+}
+
+TEST_F(PropertiesEditorTest, AnotherFloorHasOtherDevicesOfTheSameNumber) {
+    open({1, 4});
+    type("not for you");
+    station->newDatafile();
+    EXPECT_EQ(dialog(), nullptr);
+    document().addDevice(DeviceType::Computer);
+    open({1});
+    EXPECT_EQ(qobject_cast<QLineEdit*>(focus())->text(), QString());
 }
 
 TEST_F(PropertiesEditorTest, WithNothingSelectedItSumsUpTheFloor) {
@@ -319,14 +390,11 @@ TEST_F(PropertiesEditorTest, WithNothingSelectedItSumsUpTheFloor) {
     station->selection().none();
     editor->openForFloor(window);
     EXPECT_EQ(title(), QStringLiteral("Mirovane - Floor Properties"));
-    const auto text = [this](const char* name) {
-        return dialog()->findChild<QLabel*>(QLatin1String(name))->text().toStdString();
-    };
-    EXPECT_EQ(text("floorMapSize"), "Size (WxH): 640 x 480 pixels");
-    EXPECT_EQ(text("floorCount2"), "3 [3] [0]");
-    EXPECT_EQ(text("floorCount3"), "1 [0] [1]");
-    EXPECT_EQ(text("floorApplications"), "0 (0 are on Pop-up menu)");
-    EXPECT_EQ(text("floorLiveStat"), "Disabled");
+    EXPECT_EQ(labelText("floorMapSize"), "Size (WxH): 640 x 480 pixels");
+    EXPECT_EQ(labelText("floorCount2"), "3 [3] [0]");
+    EXPECT_EQ(labelText("floorCount3"), "1 [0] [1]");
+    EXPECT_EQ(labelText("floorApplications"), "0 (0 are on Pop-up menu)");
+    EXPECT_EQ(labelText("floorLiveStat"), "Disabled");
 }
 
 class PropertiesCommandTest : public ShownFrame {};

@@ -67,6 +67,20 @@ TEST_F(DiscoveredCommandsTest, TheMouseSelects) {
     QTest::mouseRelease(view().viewport(), Qt::LeftButton, {}, QPoint(150, 150));
 }
 
+TEST_F(DiscoveredCommandsTest, PropertiesGoesByWhatIsSeen) {
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    choose("discoveredSort"); // the last address is the first device
+    click(0);
+    QCoreApplication::processEvents();
+    key(Qt::Key_Return, Qt::AltModifier);
+    const auto* dialog = window->findChild<QDialog*>(QStringLiteral("propertiesDialog"));
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_FALSE(dialog->findChild<QWidget*>(QStringLiteral("propertiesPrevious"))->isEnabled());
+    dialog->findChild<QAbstractButton*>(QStringLiteral("propertiesNext"))->click();
+    EXPECT_EQ(selected(), (IDs{29}));
+}
+
 TEST_F(DiscoveredCommandsTest, AnIconIsWhereItIsClicked) {
     const QSize icon = floor->drawing().icons().sizes().of(DeviceType::Unknown);
     ASSERT_FALSE(icon.isEmpty());
