@@ -63,9 +63,8 @@ FieldNote flagNote(const CPropertiesForm& form, const Flag& flag) {
     const bool entered = form.entered(flag.field);
     const bool date = flag.field == "ReminderOn" && form.changedElsewhere("ReminderDate");
     FieldNote note;
-    note.changed = date || form.changedElsewhere(flag.field);
-    if (note.changed)
-        note.text =
+    if (date || form.changedElsewhere(flag.field))
+        note.news =
             entered && shared ? words("Changed meanwhile, now: %1").arg(now) : words("Changed meanwhile");
     else if (form.several() && !entered && shared)
         note.text = words("all: %1").arg(now);
@@ -209,13 +208,11 @@ void CDevicePropertiesDialog::showForm() {
 FieldNote CDevicePropertiesDialog::noteOf(const std::string& field) const {
     FieldNote rule = CPropertiesDialog::noteOf(field);
     const auto flag = std::ranges::find(flags, field, &Flag::text);
-    FieldNote note = flag == flags.end() ? FieldNote() : flagNote(form(), *flag);
-    if (note.text.isEmpty())
+    if (flag == flags.end())
         return rule;
-    if (!rule.text.isEmpty())
-        note.text += u'\n' + rule.text;
-    note.details = note.text;
-    return note;
+    const FieldNote box = flagNote(form(), *flag);
+    const bool both = !box.text.isEmpty() && !rule.text.isEmpty();
+    return {box.news, both ? box.text + u'\n' + rule.text : box.text + rule.text};
 }
 
 /// Of several devices a box that nobody touched is undetermined, also where all of them have the same.
@@ -224,7 +221,8 @@ void CDevicePropertiesDialog::showBox(QCheckBox& box) {
     const auto chosen = form().chosen(field);
     const bool leaves = form().several() && !form().entered(field);
     box.setCheckState(leaves ? Qt::PartiallyChecked : chosen == "1" ? Qt::Checked : Qt::Unchecked);
-    box.setAccessibleDescription(flagNote(form(), *std::ranges::find(flags, field, &Flag::field)).text);
+    const FieldNote note = flagNote(form(), *std::ranges::find(flags, field, &Flag::field));
+    box.setAccessibleDescription(note.news + note.text);
 }
 
 void CDevicePropertiesDialog::showReminder() {

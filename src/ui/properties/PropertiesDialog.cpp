@@ -150,8 +150,7 @@ QWidget* CPropertiesDialog::makeButtons() {
 }
 
 void CPropertiesDialog::offerNeighbours(bool previous, bool next) {
-    hasPrevious_ = previous;
-    hasNext_ = next;
+    neighbours_ = {previous, next};
     showBanner();
 }
 
@@ -201,8 +200,8 @@ void CPropertiesDialog::showBanner() {
     banner_->setVisible(!text.isEmpty());
     ok_->setEnabled(gone < all);
     if (previous_) {
-        previous_->setEnabled(hasPrevious_ && gone == 0);
-        next_->setEnabled(hasNext_ && gone == 0);
+        previous_->setEnabled(neighbours_.previous && gone == 0);
+        next_->setEnabled(neighbours_.next && gone == 0);
     }
     if (test_)
         test_->setEnabled(gone == 0);

@@ -90,8 +90,10 @@ private:
     CPropertiesForm form_;
     std::vector<CPropertyInput*> texts_;
     std::string lastField_;
-    bool hasPrevious_ = false;
-    bool hasNext_ = false;
+    struct {
+        bool previous = false;
+        bool next = false;
+    } neighbours_;
     QLabel* banner_;
     QLabel* recID_ = nullptr;
     QLabel* modified_ = nullptr;

@@ -34,7 +34,12 @@ public:
 
 CPropertyInput::CPropertyInput(CPropertiesForm& form, const char* name, const QString& label, Kind kind,
                                QWidget* parent)
-    : QWidget(parent), form_(form), field_(name), kind_(kind), note_(new QLabel(this)) {
+    : QWidget(parent),
+      form_(form),
+      field_(name),
+      kind_(kind),
+      news_(makeNote("news")),
+      note_(makeNote("note")) {
     kind == Kind::Line ? makeLine() : makeLines();
     input_->setObjectName(QStringLiteral("properties") + QLatin1String(name));
     input_->setAccessibleName(label);
@@ -42,14 +47,10 @@ CPropertyInput::CPropertyInput(CPropertiesForm& form, const char* name, const QS
     setSizePolicy(QSizePolicy::Expanding, height);
     input_->installEventFilter(this);
     setFocusProxy(input_);
-    note_->setObjectName(QStringLiteral("note") + QLatin1String(name));
-    note_->setTextFormat(Qt::PlainText);
     note_->setForegroundRole(QPalette::PlaceholderText);
-    QFont small = note_->font();
-    small.setPointSizeF(small.pointSizeF() * 0.85);
-    note_->setFont(small);
-    note_->setSizePolicy(QSizePolicy::Ignored,
-                         QSizePolicy::Fixed); // a long note is cut, not the window widened
+    QFont bold = news_->font();
+    bold.setBold(true);
+    news_->setFont(bold);
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(1);
@@ -58,7 +59,20 @@ CPropertyInput::CPropertyInput(CPropertiesForm& form, const char* name, const QS
         makePadlock(label);
         grid->addWidget(padlock_, 0, 1, Qt::AlignTop);
     }
-    grid->addWidget(note_, 1, 0, 1, 2);
+    grid->addWidget(news_, 1, 0, 1, 2);
+    grid->addWidget(note_, 2, 0, 1, 2);
+}
+
+/// A long one is cut, the window is not widened.
+QLabel* CPropertyInput::makeNote(const char* name) {
+    auto* note = new QLabel(this);
+    note->setObjectName(QLatin1String(name) + QString::fromStdString(field_));
+    note->setTextFormat(Qt::PlainText);
+    QFont small = note->font();
+    small.setPointSizeF(small.pointSizeF() * 0.85);
+    note->setFont(small);
+    note->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    return note;
 }
 
 void CPropertyInput::makeLine() {
@@ -140,38 +154,36 @@ void CPropertyInput::showPadlock() {
 }
 
 void CPropertyInput::showNote(const FieldNote& note) {
-    QString text = note.text;
-    bool changed = note.changed;
+    shown_ = note;
     if (form_.changedElsewhere(field_)) {
         const auto now = form_.shared(field_);
         const bool typed = form_.text(field_).source == CPropertiesForm::Source::User;
-        const QString news = typed && now ? tr("Changed meanwhile, now: \"%1\"").arg(qText(*now).simplified())
-                                          : tr("Changed meanwhile");
-        text = text.isEmpty() ? news : news + u'\n' + text;
-        changed = true;
+        shown_.news = typed && now ? tr("Changed meanwhile, now: \"%1\"").arg(qText(*now).simplified())
+                                   : tr("Changed meanwhile");
     }
-    note_->setForegroundRole(changed ? QPalette::WindowText : QPalette::PlaceholderText);
-    QFont font = note_->font();
-    font.setBold(changed);
-    note_->setFont(font);
-    noteText_ = text;
-    elideNote();
-    note_->setToolTip(text == note.text && !note.details.isEmpty() ? note.details : text);
-    note_->setVisible(!text.isEmpty());
-    input_->setAccessibleDescription(text);
+    elideNotes();
+    news_->setToolTip(shown_.news);
+    note_->setToolTip(shown_.text);
+    news_->setVisible(!shown_.news.isEmpty());
+    note_->setVisible(!shown_.text.isEmpty());
+    input_->setAccessibleDescription((shown_.news + u'\n' + shown_.text).trimmed());
 }
 
-/// The tooltip has all of it.
-void CPropertyInput::elideNote() {
-    QStringList lines = noteText_.split(u'\n');
-    for (QString& line : lines)
-        line = note_->fontMetrics().elidedText(line, Qt::ElideRight, std::max(width(), 100));
-    note_->setText(lines.join(u'\n'));
+/// The tooltips have all of it.
+void CPropertyInput::elideNotes() {
+    const auto elided = [this](const QLabel& label, const QString& text) {
+        QStringList lines = text.split(u'\n');
+        for (QString& line : lines)
+            line = label.fontMetrics().elidedText(line, Qt::ElideRight, std::max(width(), 100));
+        return lines.join(u'\n');
+    };
+    news_->setText(elided(*news_, shown_.news));
+    note_->setText(elided(*note_, shown_.text));
 }
 
 void CPropertyInput::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    elideNote();
+    elideNotes();
 }
 
 // ---- typing

@@ -11,11 +11,10 @@
 
 namespace mirovane {
 
-/// What is below a field, in grey: which rule of Live Stat writes it and what the rule found last.
+/// What is below a field.
 struct FieldNote {
-    QString text;
-    QString details;      ///< as a tooltip
-    bool changed = false; ///< somebody else changed what belongs to the field: not to be overlooked
+    QString news; ///< what somebody else changed meanwhile: not to be overlooked
+    QString text; ///< in grey: which rule of Live Stat writes the field and what the rule found last
 };
 
 /// One text field of a Properties dialog: its input, the padlock that keeps Live Stat away from it, and the
@@ -49,6 +48,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    QLabel* makeNote(const char* name);
     void makeLine();
     void makeLines();
     void makePadlock(const QString& label);
@@ -59,15 +59,16 @@ private:
     void turnPadlock();
     void showPadlock();
     void showNote(const FieldNote& note);
-    void elideNote();
+    void elideNotes();
 
     CPropertiesForm& form_;
     std::string field_;
     Kind kind_;
     QWidget* input_ = nullptr;
     QToolButton* padlock_ = nullptr;
+    QLabel* news_;
     QLabel* note_;
-    QString noteText_;
+    FieldNote shown_;
     bool showing_ = false;
 };
 

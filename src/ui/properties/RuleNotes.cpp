@@ -42,7 +42,6 @@ FieldNote ruleNote(const CStation& station, const CPropertiesForm& form, std::st
         return note;
     if (const LatestFind* find = station.features().liveStat().finds().of(device->RecID, rule->row))
         note.text += u'\n' + foundText(*find);
-    note.details = note.text; // may be cut below the field
     return note;
 }
 

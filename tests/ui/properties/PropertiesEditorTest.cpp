@@ -268,8 +268,8 @@ TEST_F(PropertiesEditorTest, AColleagueWhoSavesMeanwhileLosesNothing) {
     EXPECT_EQ(qobject_cast<QLineEdit*>(focus())->text(), QStringLiteral("mine"));
     EXPECT_EQ(dialog()->findChild<QLineEdit*>(QStringLiteral("propertiesUsername"))->text(),
               QStringLiteral("ann"));
-    EXPECT_EQ(labelText("noteName"), "Changed meanwhile, now: \"theirs\"");
-    EXPECT_EQ(labelText("noteComment"), "Changed meanwhile");
+    EXPECT_EQ(labelText("newsName"), "Changed meanwhile, now: \"theirs\"");
+    EXPECT_EQ(labelText("newsComment"), "Changed meanwhile");
     key(Qt::Key_Return);
     EXPECT_EQ(device(1).Name, "mine");
     EXPECT_EQ(device(1).Username, "ann");
