@@ -8,6 +8,7 @@
 #include "platform/process/Terminal.h"
 #include "ui/frame/Desktop.h"
 #include "ui/handover/Handover.h"
+#include "ui/widgets/ReadableColours.h"
 
 #include <QApplication>
 #include <QFile>
@@ -53,6 +54,7 @@ std::unique_ptr<QApplication> makeApplication(int& argc, char** argv) {
     QApplication::setApplicationDisplayName(QString());
     QApplication::setApplicationVersion(QStringLiteral(MIROVANE_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("mirovane"));
+    QApplication::setPalette(readableColours(QApplication::palette()));
     return application;
 }
 

@@ -99,7 +99,7 @@ CApplicationsWindow::CApplicationsWindow(CStation& station, CSettings& settings,
       asking_(std::move(asking)),
       rows_(new CApplicationRows(station, asking_.mayDelete)),
       terminal_(new QLineEdit),
-      add_(new QPushButton(QObject::tr("Add"))),
+      add_(new QPushButton(QObject::tr("&Add"))),
       explanation_(makeLabel({})) {
     setObjectName(QStringLiteral("applicationsWindow"));
     setWindowTitle(QObject::tr("External Applications"));
@@ -175,10 +175,8 @@ QWidget* CApplicationsWindow::makeButtons() {
     auto* layout = new QHBoxLayout(line);
     layout->setContentsMargins(0, 0, 0, 0);
     add_->setObjectName(QStringLiteral("applicationAdd"));
-    add_->setShortcut(QKeySequence(Qt::ALT | Qt::Key_A));
-    auto* close = new QPushButton(tr("Close"));
+    auto* close = new QPushButton(tr("&Close"));
     close->setObjectName(QStringLiteral("applicationClose"));
-    close->setShortcut(QKeySequence(Qt::ALT | Qt::Key_C));
     for (QPushButton* button : {add_, close})
         button->setAutoDefault(false); // Enter belongs to the boxes
     connect(add_, &QPushButton::clicked, rows_, &CApplicationRows::addEntry);

@@ -40,7 +40,7 @@ CInsertTextDialog::CInsertTextDialog(const std::string& command, QWidget* parent
 
     auto* form = new QFormLayout;
     form->addRow(QObject::tr("Command:"), makeCommand(command));
-    form->addRow(QObject::tr("Insert Text:"), text_);
+    form->addRow(QObject::tr("&Insert Text:"), text_);
     auto* note = new QLabel(QObject::tr("Note: Text typed in the field will be inserted into the command"));
 
     auto* buttons = new QDialogButtonBox;

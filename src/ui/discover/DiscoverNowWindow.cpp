@@ -2,6 +2,7 @@
 
 #include "discover/sweep/SweepWindow.h"
 #include "ui/widgets/DialogText.h"
+#include "ui/widgets/WindowPlacement.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -87,7 +88,7 @@ CDiscoverNowWindow::CDiscoverNowWindow(CStation& station, CSettings& settings, S
     makeTable();
     layOut();
     connectAll();
-    resize(usualSize);
+    fitToScreen(*this, usualSize);
     showRunning();
 }
 
@@ -106,6 +107,7 @@ void CDiscoverNowWindow::present() {
 
 void CDiscoverNowWindow::makeTable() {
     table_->setObjectName(QStringLiteral("discoverNowTable"));
+    table_->setAccessibleName(QObject::tr("Hosts that were found"));
     table_->setModel(hosts_);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setShowGrid(false);

@@ -43,6 +43,7 @@ QSize sizeAtFirst() {
 QPlainTextEdit* makeText(QWidget* parent) {
     auto* text = new QPlainTextEdit(parent);
     text->setObjectName(QStringLiteral("messageLogText"));
+    text->setAccessibleName(QObject::tr("Messages"));
     text->setReadOnly(true);
     text->setUndoRedoEnabled(false);
     text->setLineWrapMode(QPlainTextEdit::NoWrap);

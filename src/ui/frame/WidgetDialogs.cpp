@@ -250,7 +250,7 @@ void CWidgetDialogs::about() {
     box.setText(QObject::tr("Mirovane %1").arg(version_));
     box.setInformativeText(QObject::tr("A floor plan of your site with every device on it, watched live.\n\n"
                                        "It works with these libraries:\n"
-                                       "Qt %1 (GNU Lesser General Public License, version 3)\n"
+                                       "Qt %1 (GNU LGPL, version 3)\n"
                                        "PCRE2 (BSD licence)\n"
                                        "Net-SNMP (BSD-like licences)\n\n"
                                        "Their licences are in /usr/share/doc, in the folder of each package.")

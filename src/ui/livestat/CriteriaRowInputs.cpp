@@ -103,7 +103,9 @@ void CCriteriaRowInputs::makeCheckBox() {
 }
 
 void CCriteriaRowInputs::place(QGridLayout& grid, int line) {
+    constexpr int longestAction = 18; // on a small screen the table scrolls, and the action is still whole
     command_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    command_->setMinimumContentsLength(longestAction);
     condition_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     delimiter_->setFixedWidth(textWidth(*delimiter_, u'0', 9));
     fieldPos_->setFixedWidth(textWidth(*fieldPos_, u'0', 7));

@@ -39,6 +39,7 @@ CLiveStatOptionsWindow::CLiveStatOptionsWindow(const Services& services, QWidget
     layout->addWidget(ranges_, 1);
     layout->addLayout(makeButtons());
     showStored();
+    runSec_->setFocus();
 }
 
 QLayout* CLiveStatOptionsWindow::makeSettings() {

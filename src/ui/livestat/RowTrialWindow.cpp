@@ -1,6 +1,7 @@
 #include "ui/livestat/RowTrialWindow.h"
 
 #include "ui/widgets/DialogText.h"
+#include "ui/widgets/WindowPlacement.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -24,6 +25,7 @@ CRowTrialWindow::CRowTrialWindow(const CStation& station, const Clock& clock, st
     setWindowTitle(tr("Test Criteria of %1").arg(qText(typeName(type))));
     row_->setObjectName(QStringLiteral("trialRow"));
     result_->setObjectName(QStringLiteral("trialResult"));
+    result_->setAccessibleName(tr("Result"));
     result_->setReadOnly(true);
     result_->setTabChangesFocus(true);
     result_->setPlaceholderText(tr("Nothing is written to the device, whatever the test finds."));
@@ -42,7 +44,7 @@ CRowTrialWindow::CRowTrialWindow(const CStation& station, const Clock& clock, st
     devices_->offer(station.document(), type);
     devices_->searchBox().setFocus();
     enableButtons();
-    resize(QSize(640, 560).expandedTo(sizeHint()));
+    fitToScreen(*this, QSize(640, 560));
     station_.document().addObserver(*this);
 }
 
