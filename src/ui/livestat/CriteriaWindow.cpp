@@ -107,7 +107,7 @@ QLayout* CCriteriaWindow::makeDeviceLine() {
     device_->setCurrentIndex(type_ - DeviceType::first);
     device_->setMaxVisibleItems(device_->count());
     device_->view()->setTextElideMode(Qt::ElideNone);
-    device_->setMinimumWidth(device_->fontMetrics().horizontalAdvance(u'M') * 16);
+    device_->setFixedWidth(device_->fontMetrics().horizontalAdvance(u'M') * 16);
     connect(device_, &QComboBox::currentIndexChanged, this, &CCriteriaWindow::typePicked);
     line->addWidget(label);
     line->addWidget(device_);
