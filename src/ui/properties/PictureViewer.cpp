@@ -54,6 +54,11 @@ void setDetail(QImageReader& reader) {
         reader.setScaledSize(size.toSize());
 }
 
+/// The pictures of an animation are no pages, and some formats count what they cannot turn to.
+int pagesOf(QImageReader& reader) {
+    return reader.supportsAnimation() || !reader.jumpToImage(0) ? 1 : std::max(1, reader.imageCount());
+}
+
 QString remedyFor(const QString& path) {
     const bool lacking = path.endsWith(QLatin1String(".pdf"), Qt::CaseInsensitive) &&
                          !QImageReader::supportedImageFormats().contains("pdf");
@@ -78,7 +83,9 @@ CPictureViewer::CPictureViewer(std::vector<PictureFile> files, int first, QWidge
     picture_->setTextFormat(Qt::PlainText);
     area_->setWidget(picture_);
     area_->setAlignment(Qt::AlignCenter);
+    area_->setObjectName(QStringLiteral("pictureArea"));
     area_->setAccessibleName(tr("Picture"));
+    area_->installEventFilter(this);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(area_, 1);
     layout->addWidget(makeButtons());
@@ -139,7 +146,7 @@ void CPictureViewer::load() {
     const PictureFile& file = files_.at(static_cast<std::size_t>(file_));
     QImageReader reader(file.path);
     reader.setAutoTransform(true);
-    pages_ = std::max(1, reader.imageCount());
+    pages_ = pagesOf(reader);
     const bool there = QFileInfo::exists(file.path);
     image_ = {};
     if (there && (page_ == 0 || reader.jumpToImage(page_))) {
@@ -204,6 +211,18 @@ void CPictureViewer::resizeEvent(QResizeEvent* event) {
 void CPictureViewer::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     fit();
+}
+
+/// The picture takes the keyboard for the arrows, which move it. It would take the keys for turning, too.
+bool CPictureViewer::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const int pressed = static_cast<QKeyEvent*>(event)->key();
+        if (pressed == Qt::Key_PageDown || pressed == Qt::Key_PageUp) {
+            turn(pressed == Qt::Key_PageDown ? 1 : -1);
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
 }
 
 void CPictureViewer::keyPressEvent(QKeyEvent* event) {

@@ -31,6 +31,7 @@ public:
     int scale() const { return static_cast<int>(scale_ * 100 + 0.5); }
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
