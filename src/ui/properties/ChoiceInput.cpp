@@ -38,7 +38,7 @@ void CChoiceInput::refresh() {
     const QSignalBlocker quiet(list_);
     const auto chosen = form_.chosen(field_);
     const auto shared = form_.shared(field_);
-    const bool touched = chosen != shared;
+    const bool touched = form_.entered(field_);
     const bool leaves = form_.several() && !touched;
     list_->setCurrentIndex(leaves ? 0 : chosen ? list_->findText(qText(*chosen)) : -1);
     QString hint;
