@@ -289,7 +289,9 @@ void CMirovaneDoc::replaceByReload(Datafile::RecordList records, CEditJournal jo
     for (const Renumbering& change : renumbered)
         for (DocumentObserver* observer : observers_)
             observer->recordRenumbered(change.from, change.to);
+    recordsBeforeReload_ = &before;
     tellReplaced();
+    recordsBeforeReload_ = nullptr;
 }
 
 void CMirovaneDoc::tellReplaced() {

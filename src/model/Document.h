@@ -129,6 +129,10 @@ public:
     /// An unnamed document was to be saved: it counts as edited.
     void markModified() { modified_ = true; }
 
+    /// While documentReplaced() tells of a reload: the list as it was, so that a device can be found again.
+    /// Null at any other time, also when the document becomes another one.
+    const Datafile::RecordList* recordsBeforeReload() const { return recordsBeforeReload_; }
+
     const CEditJournal& journal() const { return journal_; }
 
     /// What was edited since the save that is under way began; null while none is.
@@ -170,6 +174,7 @@ private:
     CMessageLog& log_;
     StationIdentity station_;
     Datafile::RecordList records_;
+    const Datafile::RecordList* recordsBeforeReload_ = nullptr;
     CRecordIndex index_;
     CEditJournal journal_;
     std::optional<SinceSave> since_;

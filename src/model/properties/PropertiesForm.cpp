@@ -42,15 +42,20 @@ std::string shownValue(const RecordField& field, std::string_view bytes) {
 } // namespace
 
 CPropertiesForm::CPropertiesForm(const CMirovaneDoc& document, PropertiesSet set)
-    : document_(document), set_(std::move(set)) {
+    : document_(document), set_(std::move(set)), devices_(document, set_.devices) {
     for (const std::string_view name : propertiesFields(set_.group)) {
         Field field{findRecordField(name), {}, {}, {}};
-        for (const DeviceKey& key : set_.devices) {
-            const CHardware* device = document_.findDevice(key);
+        for (std::size_t i = 0; i < devices_.size(); ++i) {
+            const CHardware* device = devices_.at(i);
             field.before.push_back(device ? valueOf(*device, *field.field) : std::string());
         }
         fields_.push_back(std::move(field));
     }
+    document_.addObserver(*this);
+}
+
+CPropertiesForm::~CPropertiesForm() {
+    document_.removeObserver(*this);
 }
 
 const CPropertiesForm::Field& CPropertiesForm::at(std::string_view name) const {
@@ -64,31 +69,42 @@ CPropertiesForm::Field& CPropertiesForm::at(std::string_view name) {
 }
 
 const CHardware* CPropertiesForm::device() const {
-    for (const DeviceKey& key : set_.devices)
-        if (const CHardware* device = document_.findDevice(key))
+    for (std::size_t i = 0; i < devices_.size(); ++i)
+        if (const CHardware* device = devices_.at(i))
             return device;
     return nullptr;
 }
 
 // ---- what is shown
 
-std::optional<std::string> CPropertiesForm::sharedBytes(const Field& field) const {
-    std::optional<std::string> value;
-    for (const DeviceKey& key : set_.devices) {
-        const CHardware* device = document_.findDevice(key);
+const CPropertiesForm::Seen& CPropertiesForm::seen(const Field& field) const {
+    if (field.seen)
+        return *field.seen;
+    Seen found;
+    bool first = true;
+    for (std::size_t i = 0; i < devices_.size(); ++i) {
+        const CHardware* device = devices_.at(i);
         if (!device)
             continue;
         std::string own = valueOf(*device, *field.field);
-        if (value && *value != own)
-            return std::nullopt;
-        value = std::move(own);
+        const bool kept = own.ends_with(keptByUser);
+        found.changed = found.changed || own != field.before[i];
+        if (first)
+            found.kept = kept;
+        else if (found.kept != kept)
+            found.kept.reset();
+        if (first)
+            found.shared = std::move(own);
+        else if (found.shared != own)
+            found.shared.reset();
+        first = false;
     }
-    return value;
+    return field.seen.emplace(std::move(found));
 }
 
 std::optional<std::string> CPropertiesForm::shared(std::string_view name) const {
     const Field& field = at(name);
-    const auto bytes = sharedBytes(field);
+    const auto& bytes = seen(field).shared;
     return bytes ? std::optional(shownValue(*field.field, *bytes)) : std::nullopt;
 }
 
@@ -136,16 +152,7 @@ std::optional<bool> CPropertiesForm::kept(std::string_view name) const {
         return shown.text.ends_with(keptByUser);
     if (field.lock)
         return field.lock;
-    std::optional<bool> all;
-    for (const DeviceKey& key : set_.devices) {
-        const CHardware* device = document_.findDevice(key);
-        const bool own = device && valueOf(*device, *field.field).ends_with(keptByUser);
-        if (device && all && *all != own)
-            return std::nullopt;
-        if (device)
-            all = own;
-    }
-    return all.value_or(false);
+    return seen(field).kept;
 }
 
 void CPropertiesForm::setKept(std::string_view name, bool kept) {
@@ -162,24 +169,28 @@ void CPropertiesForm::setKept(std::string_view name, bool kept) {
 // ---- what others do meanwhile
 
 bool CPropertiesForm::changedElsewhere(std::string_view name) const {
-    const Field& field = at(name);
-    for (std::size_t i = 0; i < set_.devices.size(); ++i) {
-        const CHardware* device = document_.findDevice(set_.devices[i]);
-        if (device && valueOf(*device, *field.field) != field.before[i])
-            return true;
-    }
-    return false;
+    return seen(at(name)).changed;
 }
 
-std::size_t CPropertiesForm::gone() const {
-    return static_cast<std::size_t>(std::ranges::count_if(
-        set_.devices, [this](const DeviceKey& key) { return !document_.findDevice(key); }));
+void CPropertiesForm::recordChanged(const CHardware& before, const CHardware& after) {
+    if (!has(after))
+        return;
+    for (Field& field : fields_)
+        if (field.seen && !sameField(before, after, *field.field))
+            field.seen.reset();
 }
 
-void CPropertiesForm::renumber(std::int32_t oldRecID, std::int32_t newRecID) {
-    for (DeviceKey& key : set_.devices)
-        if (key.recID == oldRecID)
-            key = {newRecID, 0};
+void CPropertiesForm::recordRemoved(const CHardware&) {
+    lookAgain();
+}
+
+void CPropertiesForm::documentReplaced() {
+    lookAgain();
+}
+
+void CPropertiesForm::lookAgain() {
+    for (Field& field : fields_)
+        field.seen.reset();
 }
 
 // ---- what is to be changed
@@ -210,10 +221,11 @@ PropertiesEdit CPropertiesForm::edit(const std::string& reminder) const {
             edit.locks.push_back({field.field, *field.lock});
         if (!field.input || leaves(field, *field.input))
             continue;
-        const auto bytes = sharedBytes(field);
+        const auto& bytes = seen(field).shared;
         const bool same = bytes && shownValue(*field.field, *bytes) == *field.input;
-        // Of several devices, a reminder that is on everywhere still gets the date that is shown.
-        if (!same || (several() && field.field->name == "ReminderOn"))
+        // Of several devices, what was chosen or checked is written, also where all of them have it already:
+        // a reminder that is on everywhere still gets the date that is shown.
+        if (!same || (several() && field.field->kind != FieldKind::Text))
             edit.assign(*field.field, stored(field, *field.input));
     }
     if (group() == PropertiesGroup::Devices)

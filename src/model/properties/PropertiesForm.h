@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/properties/FollowedDevices.h"
 #include "model/properties/PropertiesEdit.h"
 #include "model/properties/PropertiesGroup.h"
 
@@ -20,8 +21,9 @@ constexpr std::string_view leavePictures = "<Edit-Remove first>";
 /// A Properties dialog without its widgets: what each field shows, what the user made of it, and what is to
 /// be changed by that. The records may be read anew meanwhile: what the user entered stays, what he did not
 /// touch follows the records. Values are as in RecordField, but texts are UTF-8 with LF between lines, and a
-/// type is its name. Main thread; the document outlives it.
-class CPropertiesForm {
+/// type is its name. What the devices have is looked up again only after one of them changed: a whole floor
+/// may be selected. Main thread; the document outlives it.
+class CPropertiesForm final : private DocumentObserver {
 public:
     /// Where a text field's text comes from.
     enum class Source {
@@ -39,11 +41,18 @@ public:
 
     /// `set` has at least one device that is in the document.
     CPropertiesForm(const CMirovaneDoc& document, PropertiesSet set);
+    ~CPropertiesForm() override;
 
     PropertiesGroup group() const { return set_.group; }
     /// Only what the user changes is written, and no text tells of one device alone.
-    bool several() const { return set_.together || set_.devices.size() > 1; }
-    const std::vector<DeviceKey>& devices() const { return set_.devices; }
+    bool several() const { return set_.together || devices_.size() > 1; }
+
+    /// How many the form was made for.
+    std::size_t count() const { return devices_.size(); }
+
+    /// Those that are left.
+    std::vector<DeviceKey> devices() const { return devices_.keys(); }
+    bool has(const CHardware& device) const { return devices_.placeOf(device).has_value(); }
 
     /// The one device, or the first of several that is left; null when all were deleted.
     const CHardware* device() const;
@@ -76,25 +85,35 @@ public:
     bool changedElsewhere(std::string_view field) const;
 
     /// Devices that were deleted since.
-    std::size_t gone() const;
-
-    /// A device that was added here got another record ID.
-    void renumber(std::int32_t oldRecID, std::int32_t newRecID);
+    std::size_t gone() const { return devices_.gone(); }
 
     /// What the user changed, and nothing else. `reminder`: the date and time that the pickers show.
     PropertiesEdit edit(const std::string& reminder) const;
 
 private:
+    /// What the devices have in one field.
+    struct Seen {
+        std::optional<std::string> shared; ///< bytes
+        std::optional<bool> kept = false;
+        bool changed = false; ///< since the form was made
+    };
     struct Field {
         const RecordField* field = nullptr;
         std::vector<std::string> before; ///< of each device when the form was made
         std::optional<std::string> input;
         std::optional<bool> lock;
+        mutable std::optional<Seen> seen = {}; ///< nothing: to be looked up
     };
+
+    // DocumentObserver
+    void recordChanged(const CHardware& before, const CHardware& after) override;
+    void recordRemoved(const CHardware& record) override;
+    void documentReplaced() override;
 
     const Field& at(std::string_view name) const;
     Field& at(std::string_view name);
-    std::optional<std::string> sharedBytes(const Field& field) const;
+    const Seen& seen(const Field& field) const;
+    void lookAgain();
     std::string leaveWord(const Field& field) const;
     bool leaves(const Field& field, const std::string& input) const;
     std::string stored(const Field& field, const std::string& input) const;
@@ -103,6 +122,7 @@ private:
 
     const CMirovaneDoc& document_;
     PropertiesSet set_;
+    CFollowedDevices devices_; ///< told of changes before the form is
     std::vector<Field> fields_;
 };
 

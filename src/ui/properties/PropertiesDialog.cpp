@@ -15,8 +15,6 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace mirovane {
 
 namespace {
@@ -43,7 +41,7 @@ CPropertiesDialog::CPropertiesDialog(CStation& station, PropertiesSet set, const
       station_(station),
       form_(station.document(), std::move(set)),
       banner_(new QLabel(this)) {
-    const std::size_t count = form_.devices().size();
+    const std::size_t count = form_.count();
     setWindowTitle(count > 1 ? tr("%1 - %2 devices").arg(title).arg(count) : title);
     setWindowModality(Qt::WindowModal);
     banner_->setObjectName(QStringLiteral("propertiesBanner"));
@@ -187,7 +185,7 @@ void CPropertiesDialog::showFacts() {
 /// A device that is gone stays gone: what was typed may still be copied out of the window.
 void CPropertiesDialog::showBanner() {
     const std::size_t gone = form_.gone();
-    const std::size_t all = form_.devices().size();
+    const std::size_t all = form_.count();
     QString text;
     if (gone == all)
         text = all > 1 ? tr("These devices were deleted meanwhile. There is nothing left to change.")
@@ -209,18 +207,10 @@ void CPropertiesDialog::showBanner() {
 
 // ---- what others do meanwhile
 
-void CPropertiesDialog::recordChanged(const CHardware& before, const CHardware& after) {
-    const auto isMine = [&](const DeviceKey& key) {
-        return key.recID == before.RecID || key.recID == after.RecID;
-    };
+void CPropertiesDialog::recordChanged(const CHardware&, const CHardware& after) {
     const bool rule = !after.isDevice(); // a rule of Live Stat is shown below its field
-    if (rule || std::ranges::any_of(form_.devices(), isMine))
+    if (rule || form_.has(after))
         showSoon();
-}
-
-void CPropertiesDialog::recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
-    form_.renumber(oldRecID, newRecID);
-    showSoon();
 }
 
 } // namespace mirovane

@@ -78,7 +78,6 @@ private:
     // DocumentObserver
     void recordChanged(const CHardware& before, const CHardware& after) override;
     void recordRemoved(const CHardware&) override { showSoon(); }
-    void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;
     void documentReplaced() override { showSoon(); }
 
     QWidget* makeButtons();

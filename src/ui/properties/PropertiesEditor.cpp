@@ -12,8 +12,6 @@
 
 #include <QDateTime>
 
-#include <algorithm>
-
 namespace mirovane {
 
 namespace {
@@ -35,9 +33,9 @@ std::string nameOf(const CHardware& device) {
 }
 
 QString otherText(const CHardware& other) {
-    QString text = QObject::tr("It is %1 \"%2\", Rec ID %3")
-                       .arg(qText(typeName(other.Type)), shownText(nameOf(other)).simplified())
-                       .arg(other.RecID);
+    const QString text = QObject::tr("It is %1 \"%2\", Rec ID %3")
+                             .arg(qText(typeName(other.Type)), shownText(nameOf(other)).simplified(),
+                                  QString::number(other.RecID));
     return text + (other.inDiscovered() ? QObject::tr(", in the Discovered/Misc window.")
                                         : QObject::tr(", on the floor."));
 }
@@ -76,23 +74,23 @@ void CPropertiesEditor::open(const std::vector<const CHardware*>& devices, QWidg
         return;
     }
     window_ = &window;
-    const auto sets = classified(parts_.station.document(), devices);
-    waiting_.assign(sets.begin(), sets.end());
+    const CMirovaneDoc& document = parts_.station.document();
+    waiting_.clear();
+    for (const PropertiesSet& set : classified(document, devices))
+        waiting_.emplace_back(document, set);
     bringsOwnNeighbours_ = !neighbours.empty();
-    neighbours_ = std::move(neighbours);
+    neighbours_ = std::make_unique<CFollowedDevices>(document, neighbours);
     openNext();
 }
 
 void CPropertiesEditor::openNext() {
     while (!waiting_.empty() && window_) {
-        const PropertiesSet set = std::move(waiting_.front());
+        PropertiesSet set = std::move(waiting_.front().set);
+        set.devices = waiting_.front().devices.keys();
         waiting_.pop_front();
-        const auto isThere = [this](const DeviceKey& key) {
-            return parts_.station.document().findDevice(key) != nullptr;
-        };
-        if (std::ranges::none_of(set.devices, isThere))
+        if (set.devices.empty())
             continue; // deleted while the dialog before was open
-        dialog_ = makeDialog(set);
+        dialog_ = makeDialog(std::move(set));
         dialog_->show();
         return;
     }
@@ -116,7 +114,7 @@ CPropertiesDialog* CPropertiesEditor::makeDialog(PropertiesSet set) {
     }
     if (const CHardware* device = dialog->form().several() ? nullptr : dialog->form().device()) {
         if (!bringsOwnNeighbours_)
-            neighbours_ = neighboursOf(*device);
+            neighbours_ = std::make_unique<CFollowedDevices>(station.document(), neighboursOf(*device));
         dialog->offerNeighbours(neighbour(dialog->form(), -1), neighbour(dialog->form(), 1));
     }
     connect(
@@ -133,11 +131,13 @@ void CPropertiesEditor::decided(CPropertiesDialog& dialog, CPropertiesDialog::De
     using Decision = CPropertiesDialog::Decision;
     if (decision != Decision::Cancel && !apply(dialog))
         return;
-    if (decision == Decision::Previous || decision == Decision::Next)
-        return moveOn(dialog, decision == Decision::Next ? 1 : -1);
     const auto* marker = qobject_cast<CMarkerDialog*>(&dialog);
+    const bool marks = decision != Decision::Cancel && marker && marker->marksArea();
+    // An area is marked on the floor, which a dialog of another device would only hide.
+    if (!marks && (decision == Decision::Previous || decision == Decision::Next))
+        return moveOn(dialog, decision == Decision::Next ? 1 : -1);
     const CHardware* device = dialog.form().device();
-    if (decision == Decision::Accept && marker && marker->marksArea() && device)
+    if (marks && device)
         Q_EMIT markArea(device->RecID);
     close(dialog);
     openNext();
@@ -194,6 +194,7 @@ void CPropertiesEditor::close(CPropertiesDialog& dialog) {
 /// The devices of the other floor have the same record IDs.
 void CPropertiesEditor::floorOpened() {
     waiting_.clear();
+    neighbours_.reset();
     if (dialog_)
         close(*dialog_);
 }
@@ -209,13 +210,13 @@ CPropertiesEditor::Neighbours CPropertiesEditor::neighboursOf(const CHardware& d
 }
 
 const CHardware* CPropertiesEditor::neighbour(const CPropertiesForm& form, int by) const {
-    const auto here = std::ranges::find(neighbours_, form.devices().front());
-    if (here == neighbours_.end())
+    const CHardware* own = form.device();
+    const auto here = own && neighbours_ ? neighbours_->placeOf(*own) : std::nullopt;
+    if (!here)
         return nullptr;
-    const auto count = static_cast<std::ptrdiff_t>(neighbours_.size());
-    for (auto place = here - neighbours_.begin() + by; place >= 0 && place < count; place += by)
-        if (const CHardware* device =
-                parts_.station.document().findDevice(neighbours_[static_cast<std::size_t>(place)]))
+    const auto count = static_cast<std::ptrdiff_t>(neighbours_->size());
+    for (auto place = static_cast<std::ptrdiff_t>(*here) + by; place >= 0 && place < count; place += by)
+        if (const CHardware* device = neighbours_->at(static_cast<std::size_t>(place)))
             return device;
     return nullptr;
 }
@@ -223,8 +224,8 @@ const CHardware* CPropertiesEditor::neighbour(const CPropertiesForm& form, int b
 /// The selection goes along, so that the floor and the lists show which device it is.
 void CPropertiesEditor::moveOn(CPropertiesDialog& dialog, int by) {
     const CHardware* device = neighbour(dialog.form(), by);
-    if (!device)
-        return;
+    if (!device) // deleted meanwhile
+        return dialog.offerNeighbours(neighbour(dialog.form(), -1), neighbour(dialog.form(), 1));
     const QPoint place = dialog.pos();
     close(dialog);
     parts_.station.selection().none();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/properties/FollowedDevices.h"
 #include "ui/properties/PropertiesDialog.h"
 #include "ui/properties/PropertiesPrompts.h"
 
@@ -9,6 +10,7 @@
 
 #include <deque>
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace mirovane {
@@ -51,6 +53,15 @@ Q_SIGNALS:
     void markArea(std::int32_t recID);
 
 private:
+    /// A group of a mixed selection whose dialog is still to come.
+    struct Waiting {
+        Waiting(const CMirovaneDoc& document, const PropertiesSet& chosen)
+            : set(chosen), devices(document, chosen.devices) {}
+
+        PropertiesSet set;
+        CFollowedDevices devices;
+    };
+
     // StationObserver
     void floorOpened() override;
 
@@ -69,8 +80,8 @@ private:
     Parts parts_;
     QPointer<QWidget> window_;
     QPointer<CPropertiesDialog> dialog_;
-    std::deque<PropertiesSet> waiting_; ///< groups of a mixed selection whose dialogs are still to come
-    Neighbours neighbours_;
+    std::deque<Waiting> waiting_;
+    std::unique_ptr<CFollowedDevices> neighbours_;
     bool bringsOwnNeighbours_ = false;
 };
 

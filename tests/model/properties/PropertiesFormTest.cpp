@@ -127,6 +127,12 @@ TEST_F(PropertiesFormTest, ChangesExactlyWhatWasMeant) {
          {{1, {{"Comment", ""}}}, {2, {{"Comment", ""}}}},
          {1, 2}},
         {"several: a box", {1, 2}, {{"SlashDraw", "0"}}, {}, {{1, {{"SlashDraw", "0"}}}}, {1, 2}},
+        {"several jacks: a number is written, also where all have it",
+         {4, 5},
+         {{"Priority", "1"}},
+         {},
+         {},
+         {4, 5}},
         {"several: to do without its reminder is left alone", {1, 2}, {{"ToDo", "x"}}, {}, {}, {}},
         {"several: reminder off keeps date and to do",
          {1, 2},
@@ -229,6 +235,30 @@ TEST_F(PropertiesFormTest, ShowsHintsAndWhatWasChangedElsewhere) {
     EXPECT_EQ(doc.findDevice(2)->Name, "pc-1");
 }
 
+TEST_F(PropertiesFormTest, NeverTakesAnotherDeviceOfTheSameNumberForItsOwn) {
+    ASSERT_FALSE(link.saveAs(path).failed());
+    ASSERT_FALSE(otherLink.open(path));
+    add(DeviceType::Computer, {{"Name", "added here"}});
+    CPropertiesForm form(doc, setOf({1, 2, 8}));
+    other.edit(*other.findDevice(1), [](CHardware& device) { device.Name = device.IPAddress = "renamed"; });
+    other.removeDevices(std::vector<DeviceKey>{{2, 0}});
+    for (const std::int32_t recID : {2, 8})
+        ASSERT_EQ(other.addDevice(DeviceType::Computer)->RecID, recID);
+    ASSERT_FALSE(otherLink.save().failed());
+    ASSERT_FALSE(link.reload());
+    EXPECT_EQ(form.devices(), (std::vector<DeviceKey>{{1, 0}, {9, 0}}));
+    EXPECT_EQ(doc.findDevice(9)->Name, "added here");
+    EXPECT_TRUE(form.changedElsewhere("Name"));
+
+    doc.removeDevices(std::vector<DeviceKey>{{1, 0}});
+    add(DeviceType::Computer, {});
+    ASSERT_NE(doc.findDevice(1), nullptr);
+    EXPECT_EQ(form.devices(), (std::vector<DeviceKey>{{9, 0}}));
+    EXPECT_EQ(form.gone(), 2U);
+    ASSERT_FALSE(link.open(path));
+    EXPECT_EQ(form.device(), nullptr) << "another datafile";
+}
+
 TEST_F(PropertiesFormTest, AsksAboutValuesThatAnotherDeviceHas) {
     const auto question = [this](std::int32_t recID, const Pairs& values) {
         CHardware edited = *doc.findDevice(recID);
@@ -247,6 +277,8 @@ TEST_F(PropertiesFormTest, AsksAboutValuesThatAnotherDeviceHas) {
     EXPECT_EQ(question(1, {{"Name", "left over"}}), ""); // jacks and markers do not count
     EXPECT_EQ(question(2, {{"Name", ""}, {"IPAddress", ""}, {"ToJack", ""}}), "");
     EXPECT_EQ(question(6, {{"Comment", "a\r\nb"}}), "");
+    doc.edit(*doc.findDevice(3), [](CHardware& device) { device.Name = "b\xC3\xBCro-1"; });
+    EXPECT_EQ(question(2, {{"Name", "B\xDCRO-1"}}), "3: Another device has the same \"Name\" " + end);
 }
 
 } // namespace

@@ -9,6 +9,8 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QDateEdit>
+#include <QFile>
 #include <QImageReader>
 #include <QLineEdit>
 #include <QListWidget>
@@ -16,6 +18,8 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QProcess>
+#include <QTimeEdit>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <deque>
@@ -126,6 +130,13 @@ protected:
         QTest::keyClicks(focus(), QLatin1String(text));
         QCoreApplication::processEvents();
     }
+    /// Over a widget, wherever the keyboard is.
+    static void turnWheel(QWidget& widget) {
+        const QPointF middle = widget.rect().center();
+        QWheelEvent event(middle, widget.mapToGlobal(middle), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&widget, &event);
+    }
     /// Tab until the field has the keyboard.
     void tabTo(const char* name) {
         for (int i = 0; i < 60 && focus()->objectName() != QLatin1String(name); ++i)
@@ -142,12 +153,16 @@ protected:
 };
 
 TEST_F(PropertiesEditorTest, EditsOneDeviceAsOneStepThatIsSaved) {
+    document().edit(device(1), [](CHardware& record) { record.Username.assign(40000, 'u'); });
     open({1});
     EXPECT_EQ(title(), QStringLiteral("Properties"));
     EXPECT_EQ(focus()->objectName(), QStringLiteral("propertiesName"));
     key(Qt::Key_End);
     type("x");
     key(Qt::Key_K, Qt::ControlModifier);
+    tabTo("propertiesUsername");
+    key(Qt::Key_End);
+    type("v");
     tabTo("propertiesComment");
     type("two");
     key(Qt::Key_Return);
@@ -156,10 +171,13 @@ TEST_F(PropertiesEditorTest, EditsOneDeviceAsOneStepThatIsSaved) {
     key(Qt::Key_Space);
     tabTo("propertiesToDo");
     type("call");
+    turnWheel(*dialog()->findChild<QDateEdit*>());
+    turnWheel(*dialog()->findChild<QTimeEdit*>(QStringLiteral("propertiesReminderTime")));
     key(Qt::Key_Return);
     EXPECT_EQ(dialog(), nullptr);
     EXPECT_EQ(device(1).Name, "pc-1x >>");
     EXPECT_EQ(device(1).Comment, "two\r\nlines");
+    EXPECT_EQ(device(1).Username, std::string(40000, 'u') + 'v');
     EXPECT_EQ(device(1).ReminderOn, 1);
     EXPECT_EQ(device(1).ReminderDate, localDateTime(document().now()));
     EXPECT_EQ(station->edits().history().steps().size(), 1U);
@@ -183,6 +201,10 @@ TEST_F(PropertiesEditorTest, AMixedSelectionHasOneDialogAfterTheOther) {
     EXPECT_EQ(labelText("noteHorzText"), "");
     EXPECT_EQ(title(), QStringLiteral("Properties - 3 devices"));
     EXPECT_EQ(qobject_cast<QLineEdit*>(focus())->text(), QStringLiteral("<Edit>"));
+    auto* priority = dialog()->findChild<QComboBox*>(QStringLiteral("propertiesPriority"));
+    const int shared = priority->findText(QString::number(device(1).Priority));
+    Q_EMIT priority->activated(shared);
+    EXPECT_EQ(priority->currentIndex(), shared);
     tabTo("propertiesToJack"); // empty everywhere: a hint, which typing replaces
     type("J9");
     tabTo("propertiesSlashDraw");
@@ -213,8 +235,9 @@ TEST_F(PropertiesEditorTest, AMixedSelectionHasOneDialogAfterTheOther) {
 
 TEST_F(PropertiesEditorTest, AsksAboutAnotherDeviceWithTheSameName) {
     prompts.answers = {DuplicateAnswer::ShowOther, DuplicateAnswer::Cancel, DuplicateAnswer::Apply};
+    document().edit(device(2), [](CHardware& record) { record.Name = "pc-2%3"; });
     open({1});
-    type("PC-2");
+    type("PC-2%3");
     key(Qt::Key_Return);
     EXPECT_EQ(shown, std::vector<std::int32_t>{2});
     EXPECT_EQ(title(), QStringLiteral("Properties"));
@@ -226,11 +249,11 @@ TEST_F(PropertiesEditorTest, AsksAboutAnotherDeviceWithTheSameName) {
     EXPECT_TRUE(station->edits().history().steps().empty());
     EXPECT_EQ(prompts.asked.front(),
               QStringLiteral("Another device has the same \"Name\" value(s), do you want to continue?|"
-                             "It is Computer \"pc-2\", Rec ID 2, on the floor."));
+                             "It is Computer \"pc-2%3\", Rec ID 2, on the floor."));
     open({1});
-    type("PC-2");
+    type("PC-2%3");
     key(Qt::Key_Return);
-    EXPECT_EQ(device(1).Name, "PC-2");
+    EXPECT_EQ(device(1).Name, "PC-2%3");
 }
 
 TEST_F(PropertiesEditorTest, NextAndPreviousApplyAndMoveOn) {
@@ -281,10 +304,16 @@ TEST_F(PropertiesEditorTest, AColleagueWhoSavesMeanwhileLosesNothing) {
     watchTicks();
     EXPECT_EQ(labelText("propertiesBanner"),
               "This device was deleted meanwhile. There is nothing left to change.");
+    colleague({QStringLiteral("add"), QStringLiteral("--type"), QStringLiteral("Computer"),
+               QStringLiteral("Name=other")});
+    watchTicks();
+    EXPECT_EQ(device(2).Name, "other");
+    EXPECT_NE(labelText("propertiesBanner"), "");
+    EXPECT_FALSE(dialog()->findChild<QWidget*>(QStringLiteral("propertiesOk"))->isEnabled());
     key(Qt::Key_Return);
     EXPECT_NE(dialog(), nullptr);
     key(Qt::Key_Escape);
-    EXPECT_EQ(station->document().findDevice(2), nullptr);
+    EXPECT_EQ(device(2).Name, "other");
 }
 
 TEST_F(PropertiesEditorTest, AMarkerHasPicturesAndAnArea) {
@@ -299,7 +328,10 @@ TEST_F(PropertiesEditorTest, AMarkerHasPicturesAndAnArea) {
     EXPECT_EQ(viewer->image().size(), QSize(40, 20));
     QTest::keyClick(viewer, Qt::Key_Plus);
     EXPECT_EQ(viewer->scale(), 125);
-    QTest::keyClick(viewer, Qt::Key_PageDown);
+    viewer->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(viewer));
+    tabTo("pictureArea");
+    key(Qt::Key_PageDown);
     EXPECT_TRUE(viewer->image().isNull());
     EXPECT_TRUE(viewer->findChild<QLabel*>(QStringLiteral("picture"))
                     ->text()
@@ -311,11 +343,31 @@ TEST_F(PropertiesEditorTest, AMarkerHasPicturesAndAnArea) {
     tabTo("propertiesPictures");
     key(Qt::Key_Delete);
     key(Qt::Key_A, Qt::AltModifier);
-    tabTo("propertiesOk");
-    key(Qt::Key_Space);
+    key(Qt::Key_V, Qt::AltModifier);
+    EXPECT_EQ(dialog(), nullptr) << "marking comes first, not the device before";
     EXPECT_EQ(device(5).VertText, inFolder("gone.png") + "\r\n/srv/b.png");
     EXPECT_EQ(device(5).Comment, "Hall");
     EXPECT_EQ(marked, std::vector<std::int32_t>{5});
+
+    document().edit(device(5), [](CHardware& record) { record.Type += DeviceType::discoveredOffset; });
+    editor->open({&device(5)}, window);
+    EXPECT_FALSE(dialog()->findChild<QWidget*>(QStringLiteral("propertiesMarkArea"))->isEnabled());
+}
+
+TEST(PictureViewerTest, AnAnimationIsOnePage) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("blink.gif"));
+    const QByteArray picture("\x2C\0\0\0\0\x01\0\x01\0\0\x02\x02\x44\x01\0", 15);
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray("GIF89a\x01\0\x01\0\x80\0\0\0\0\0\xFF\xFF\xFF", 19) + picture + picture + ';');
+    }
+    ASSERT_EQ(QImageReader(path).imageCount(), 2);
+    CPictureViewer viewer({{path, path}, {path, path}}, 0, nullptr);
+    QTest::keyClick(&viewer, Qt::Key_PageDown);
+    EXPECT_EQ(viewer.image().size(), QSize(1, 1));
+    EXPECT_EQ(viewer.findChild<QLabel*>(QStringLiteral("picturePlace"))->text(), QStringLiteral("2 of 2"));
 }
 
 TEST(PictureViewerTest, ShowsEachPageOfAFileOnPaper) {
