@@ -46,11 +46,6 @@ Axis axisOf(Arrangement arrangement) {
     return Axis::Y;
 }
 
-bool distributes(Arrangement arrangement) {
-    return arrangement == Arrangement::DistributeHorizontally ||
-           arrangement == Arrangement::DistributeVertically;
-}
-
 std::int64_t aligned(Arrangement arrangement, Span all, std::int64_t length) {
     switch (arrangement) {
     case Arrangement::AlignLeft:

@@ -35,6 +35,10 @@ enum class Arrangement {
     DistributeVertically,
 };
 
+constexpr bool distributes(Arrangement arrangement) {
+    return arrangement >= Arrangement::DistributeHorizontally;
+}
+
 /// How many devices it takes for the arrangement to change anything.
 std::size_t fewestFor(Arrangement arrangement);
 

@@ -129,7 +129,10 @@ FloorEdit resetLiveStatus(std::vector<DeviceKey> devices) {
 FloorEdit addMarkerPoint(std::int32_t marker, MapPoint at, bool StartNewArea) {
     EditRequest request{EditRequest::Kind::Place, "Mark area", {{marker, 0}}};
     return {std::move(request), [marker, at, StartNewArea](CMirovaneDoc& document) {
-                changeEach(document, {{marker, 0}}, [at, StartNewArea](CHardware& device) {
+                const CHardware* held = document.findDevice({marker, 0});
+                if (!held || held->Type != DeviceType::LocationMarker)
+                    return; // a colleague has deleted the marker, and another device may have its number
+                document.editByUser(*held, [at, StartNewArea](CHardware& device) {
                     if (StartNewArea)
                         device.ToJack.clear();
                     device.ToJack += std::to_string(at.x) + "," + std::to_string(at.y) + ",";

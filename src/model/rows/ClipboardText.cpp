@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <utility>
 
 namespace mirovane {
 
@@ -13,6 +15,8 @@ namespace {
 constexpr std::string_view active = "Active";
 constexpr std::string_view inactive = "Inactive";
 constexpr std::string_view check = "Check";
+
+constexpr std::string_view fieldEnds = "\t\r\n";
 
 /// What spreadsheets put before UTF-8 text.
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
@@ -78,18 +82,57 @@ std::string onOneLine(std::string_view text) {
     return line;
 }
 
+/// A spreadsheet takes a mark at the beginning of a field for the opening one of a quoted field: then the
+/// whole is put into marks, or everything up to the next mark would lie in one cell.
 std::string fieldText(const std::string& bytes, ClipboardForm form) {
-    return onOneLine(form == ClipboardForm::Shown ? displayText(bytes) : bytes);
+    std::string text = onOneLine(form == ClipboardForm::Shown ? displayText(bytes) : bytes);
+    if (!text.starts_with('"'))
+        return text;
+    std::string inMarks = "\"";
+    for (const char c : text)
+        inMarks.append(c == '"' ? 2 : 1, c);
+    return inMarks + '"';
 }
 
-std::vector<std::string_view> split(std::string_view text, char separator) {
-    std::vector<std::string_view> parts;
+/// What a spreadsheet gives back of a cell that holds a line break or a mark: `"a ""b"" c"`. Takes it from
+/// the beginning of the text. Nothing where the marks do not enclose a whole field: then they are part of a
+/// plain one.
+std::optional<std::string> takeFieldInMarks(std::string_view& text) {
+    if (!text.starts_with('"'))
+        return std::nullopt;
+    std::string field;
+    for (std::size_t at = 1;;) {
+        const std::size_t mark = text.find('"', at);
+        if (mark == std::string_view::npos)
+            return std::nullopt;
+        field += text.substr(at, mark - at);
+        const std::string_view rest = text.substr(mark + 1);
+        if (!rest.starts_with('"')) {
+            if (!rest.empty() && fieldEnds.find(rest.front()) == std::string_view::npos)
+                return std::nullopt;
+            text = rest;
+            return onOneLine(field);
+        }
+        field += '"';
+        at = mark + 2;
+    }
+}
+
+/// The fields up to the end of the line, and takes the line with its end from the text.
+std::vector<std::string> takeLine(std::string_view& text) {
+    std::vector<std::string> fields;
     for (;;) {
-        const std::size_t end = text.find(separator);
-        parts.push_back(text.substr(0, end));
-        if (end == std::string_view::npos)
-            return parts;
-        text.remove_prefix(end + 1);
+        if (auto inMarks = takeFieldInMarks(text)) {
+            fields.push_back(std::move(*inMarks));
+        } else {
+            const std::size_t end = std::min(text.find_first_of(fieldEnds), text.size());
+            fields.emplace_back(text.substr(0, end));
+            text.remove_prefix(end);
+        }
+        const bool lineEnds = !text.starts_with('\t');
+        text.remove_prefix(std::min<std::size_t>(text.starts_with("\r\n") ? 2 : 1, text.size()));
+        if (lineEnds)
+            return fields;
     }
 }
 
@@ -105,13 +148,12 @@ public:
     CLineReader(ClipboardReading& reading, TimeStamp now, const ClipboardLimits& limits)
         : reading_(reading), now_(now), limits_(limits) {}
 
-    void read(std::size_t line, std::string_view text) {
+    void read(std::size_t line, std::vector<std::string> fields) {
         line_ = line;
         if (reading_.rows.size() >= limits_.rows) {
             ++reading_.beyond;
             return;
         }
-        std::vector<std::string_view> fields = split(text, '\t');
         while (fields.size() > clipboardFieldCount && fields.back().empty())
             fields.pop_back();
         if (fields.size() > clipboardFieldCount)
@@ -128,7 +170,7 @@ public:
         device.Priority = newDevicePriority(type);
         device.State = stateFromText(fields[stateField]);
         for (const TextField& field : textFields)
-            device.*field.text = fields[field.place];
+            device.*field.text = std::move(fields[field.place]);
         for (const FlagField& field : flagFields)
             device.*field.flag = fields[field.place] == check ? 1 : 0;
         readDates(device, fields[modifiedField], fields[reminderField]);
@@ -206,11 +248,9 @@ ClipboardReading readClipboardText(std::string_view text, TimeStamp now, const C
     if (text.starts_with(utf8Mark))
         text.remove_prefix(utf8Mark.size());
     for (std::size_t line = 1; !text.empty(); ++line) {
-        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
-        if (end > 0)
-            reader.read(line, text.substr(0, end));
-        text.remove_prefix(end);
-        text.remove_prefix(std::min<std::size_t>(text.starts_with("\r\n") ? 2 : 1, text.size()));
+        std::vector<std::string> fields = takeLine(text);
+        if (fields.size() > 1 || !fields[0].empty())
+            reader.read(line, std::move(fields));
     }
     return reading;
 }

@@ -19,7 +19,8 @@ namespace mirovane {
 /// Discovered/Misc window do not travel.
 ///
 /// A field can hold neither TAB nor line break: each becomes one blank (CR LF together one), or every column
-/// behind it would move.
+/// behind it would move. One that begins with a quotation mark is put into such marks, and its own are
+/// doubled: spreadsheets read and write it so.
 constexpr std::size_t clipboardFieldCount = 19;
 
 /// Bytes: a text as the record holds it. Shown: each text as UTF-8, for a clipboard that other programs read.
@@ -60,9 +61,9 @@ struct ClipboardReading {
     std::size_t beyond = 0;  ///< lines after the last row that was taken, not looked at
 };
 
-/// Lines may end with CR LF, LF or CR; empty ones say nothing, nor does a byte-order mark; fields missing at
-/// a line's end are empty. Dates are read in the locale's form, in that of the C locale and as "2026-11-22
-/// 14:30". `now` is for lines without a Modified.
+/// Lines may end with CR LF, LF or CR, and a field in quotation marks may go over several; empty ones say
+/// nothing, nor does a byte-order mark; fields missing at a line's end are empty. Dates are read in the
+/// locale's form, in that of the C locale and as "2026-11-22 14:30". `now` is for lines without a Modified.
 ClipboardReading readClipboardText(std::string_view text, TimeStamp now, const ClipboardLimits& limits = {});
 
 } // namespace mirovane

@@ -88,7 +88,7 @@ void CFloorInput::hover(QPoint windowPoint, bool synthetic) {
 }
 
 void CFloorInput::floorScrolled() {
-    if (pointer_)
+    if (pointer_ && gesture().shown().MarkingMarker == 0)
         hover(*pointer_, false);
 }
 
@@ -192,10 +192,9 @@ void CFloorInput::pressLeft(const QMouseEvent& event) {
 }
 
 void CFloorInput::pressRight(const QMouseEvent& event) {
-    if (const std::int32_t marker = gesture().endMarking()) {
+    if (const std::int32_t marker = endMarking()) {
         markingEnded_ = true;
         setSelectedMarker(marker);
-        view_.drawing().invalidateAll();
         return;
     }
     if (!gesture().buttonDown())
@@ -231,6 +230,19 @@ bool CFloorInput::doubleClick(const QMouseEvent& event) {
 void CFloorInput::startMarking(std::int32_t recID) {
     gesture().startMarking(recID, true);
     view_.drawing().invalidateAll();
+}
+
+std::int32_t CFloorInput::endMarking() {
+    const std::int32_t marker = gesture().endMarking();
+    if (marker != 0)
+        view_.drawing().invalidateAll();
+    return marker;
+}
+
+void CFloorInput::checkMarking() {
+    const CHardware* marker = station_.document().findDevice(gesture().shown().MarkingMarker);
+    if (!marker || marker->Type != DeviceType::LocationMarker)
+        endMarking();
 }
 
 /// Their labels come and go with the button.

@@ -47,6 +47,12 @@ public:
     /// first one takes the place of the area that it has.
     void startMarking(std::int32_t recID);
 
+    /// The area stays as it is marked so far. Returns whose it is, 0 when none was being marked.
+    std::int32_t endMarking();
+
+    /// The marker whose area is being marked may have been deleted, here or by a colleague.
+    void checkMarking();
+
     /// What an arrow key that is still held has moved becomes an edit now, before another command.
     void endNudge() { hand_.nudgeEnds(); }
 

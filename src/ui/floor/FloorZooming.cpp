@@ -53,6 +53,7 @@ void CFloorZooming::customCancelled() {
     apply(zoom, {0, 0});
 }
 
+/// Not while a button is down: what is dragged would leave the pointer.
 void CFloorZooming::apply(const ZoomState& zoom, QPoint fixedPoint) {
     applyAround(zoom, fixedPoint, fixedPoint);
 }
@@ -68,7 +69,7 @@ void CFloorZooming::applyInMiddle(const ZoomState& zoom) {
 
 void CFloorZooming::applyAround(const ZoomState& zoom, QPoint from, QPoint to) {
     const ZoomState before = current();
-    if (zoom == before)
+    if (zoom == before || view_.input().gesture().buttonDown())
         return;
     const QPoint origin =
         originAround(from, view_.scaledPoint({0, 0}), before.ZoomPercent, zoom.ZoomPercent) + from - to;

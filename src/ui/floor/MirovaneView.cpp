@@ -108,25 +108,31 @@ void CMirovaneView::deviceTracked(std::int32_t recID) {
 
 // ---- what the document tells; the drawing follows the rest
 
+void CMirovaneView::recordRemoved(const CHardware& record) {
+    if (record.RecID == input_.gesture().shown().MarkingMarker)
+        input_.endMarking();
+}
+
 void CMirovaneView::recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) {
     input_.gesture().renumber(oldRecID, newRecID);
     if (state_.SelectedMarker == oldRecID)
         state_.SelectedMarker = newRecID;
 }
 
-/// A reload by another station's save keeps the place where the user looks; another datafile starts at the
-/// corner.
+/// A reload by another station's save keeps the place where the user looks and what he has found; another
+/// datafile starts at the corner.
 void CMirovaneView::documentReplaced() {
     rings_.refresh();
-    state_.find = {};
     const QString datafile = QString::fromStdString(displayText(station_.datafile().path()));
     if (datafile != datafile_ || datafile.isEmpty()) {
+        state_.find = {};
         state_.SelectedMarker = 0;
         input_.gesture().reset();
         horizontalScrollBar()->setValue(0);
         verticalScrollBar()->setValue(0);
     }
     datafile_ = datafile;
+    input_.checkMarking();
     scheduleFlush();
 }
 

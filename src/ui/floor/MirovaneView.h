@@ -83,6 +83,7 @@ protected:
 
 private:
     // DocumentObserver
+    void recordRemoved(const CHardware& record) override;
     void recordRenumbered(std::int32_t oldRecID, std::int32_t newRecID) override;
     void documentReplaced() override;
 

@@ -33,8 +33,9 @@ CFrameCommands::CFrameCommands(const FrameServices& services, const Parts& parts
       properties_({services.station, services.clock, parts.frame,
                    [this] { return parts_.floor.drawing().mapSize(); },
                    [this](std::int32_t recID) { showDevice(recID); },
-                   [this](std::int32_t recID) {
-                       parts_.floor.input().startMarking(recID);
+                   [this](std::int32_t recID) { parts_.floor.input().startMarking(recID); },
+                   [this] {
+                       parts_.floor.input().endMarking();
                    }}),
       discovered_({services.station, services.dialogs, services.settings, services.log, parts.floor, find_,
                    properties_, parts.frame}),

@@ -77,6 +77,23 @@ TEST_F(ClipboardTextTest, FieldsCannotBreakLinesOrColumns) {
     EXPECT_EQ(reading.rows[0].device.VertText, "end ");
 }
 
+TEST_F(ClipboardTextTest, QuotationMarksTravelAsSpreadsheetsWriteThem) {
+    CHardware device = fullDevice();
+    device.Name = "\"quoted\" at first";
+    device.Comment = "\"";
+    const std::string line = clipboardLine(device, ClipboardForm::Bytes);
+    EXPECT_THAT(line, HasSubstr("\t\"\"\"quoted\"\" at first\"\t"));
+    const ClipboardReading reading = readClipboardText(
+        line + "\r\n\t\t\t\tJack\t\"a\nb\tc \"\"d\"\"\"\t\"e\" f\t\"never closed\r\n\t\t\t\tJack\tlast", now);
+    ASSERT_EQ(reading.rows.size(), 3U);
+    EXPECT_EQ(reading.rows[0].device.Name, device.Name);
+    EXPECT_EQ(reading.rows[0].device.Comment, device.Comment);
+    EXPECT_EQ(reading.rows[1].device.Name, "a b c \"d\"");
+    EXPECT_EQ(reading.rows[1].device.IPAddress, "\"e\" f");
+    EXPECT_EQ(reading.rows[1].device.Username, "\"never closed");
+    EXPECT_EQ(reading.rows[2].device.Name, "last");
+}
+
 TEST_F(ClipboardTextTest, EverythingThatTravelsComesBack) {
     setZone("Europe/Berlin");
     CHardware first = fullDevice();

@@ -1,6 +1,7 @@
 #include "ui/floor/FloorInput.h"
 
 #include "model/FloorMap.h"
+#include "model/floor/FloorEdits.h"
 #include "tests/station/StationFixture.h"
 #include "ui/floor/MirovaneView.h"
 
@@ -212,6 +213,19 @@ TEST_F(FloorInputTest, AnAreaIsMarkedPointByPoint) {
     EXPECT_EQ(marker.ToJack, "10,20,60,20,");
     QCoreApplication::sendEvent(view.viewport(), &menu);
     EXPECT_EQ(menus.size(), 1);
+}
+
+TEST_F(FloorInputTest, MarkingEndsWithItsMarkerAndSparesWhoGetsItsNumber) {
+    const std::int32_t marker = add(DeviceType::LocationMarker, {300, 300}).RecID;
+    view.input().startMarking(marker);
+    const FloorEdit late = addMarkerPoint(marker, {10, 20}, true);
+    site.doc().removeDevices(std::vector<DeviceKey>{{marker, 0}});
+    EXPECT_EQ(view.input().gesture().shown().MarkingMarker, 0) << "clicks select again";
+    const CHardware& heir = add(DeviceType::Computer, {300, 300});
+    ASSERT_EQ(heir.RecID, marker);
+    site.doc().edit(heir, [](CHardware& held) { held.ToJack = "A-7"; });
+    site.station->edit(late.request, late.change);
+    EXPECT_EQ(heir.ToJack, "A-7");
 }
 
 TEST_F(FloorInputTest, TheRightButtonSelectsWhatIsUnderIt) {

@@ -166,6 +166,10 @@ TEST_F(MirovaneViewTest, CtrlWheelZoomsAtThePointerAndFingersToo) {
         QCoreApplication::sendEvent(view.viewport(), &event);
     }
     EXPECT_EQ(site.station->display().ZoomPercent, 120);
+    QTest::mousePress(view.viewport(), Qt::LeftButton, {}, pointer);
+    zooming.run(ZoomCommand::In);
+    EXPECT_EQ(site.station->display().ZoomPercent, 120) << "what is dragged would leave the pointer";
+    QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, pointer);
     EXPECT_EQ(settings.read("ZoomDevicesPercent", 0), 120);
     EXPECT_EQ(view.state().view.LabelFontHeight, 13);
     EXPECT_NEAR(under().x, before.x, 1);

@@ -15,6 +15,7 @@ public:
         std::function<QSize()> mapSize;
         std::function<void(std::int32_t recID)> showDevice;
         std::function<void(std::int32_t recID)> markArea;
+        std::function<void()> endMarking; ///< of an area: the dialog of a Location Marker begins it anew
     };
 
     /// All references outlive the object.
@@ -23,16 +24,18 @@ public:
     void connectTo(CCommandActions& actions);
 
     /// For the devices selected on the floor.
-    void run() { editor_.openForFloor(window_); }
+    void run();
 
     /// For these devices in front of the window where they were chosen, such as the Discovered/Misc window.
     void run(const std::vector<const CHardware*>& devices, QWidget& window,
-             CPropertiesEditor::Neighbours neighbours = {}) {
-        editor_.open(devices, window, std::move(neighbours));
-    }
+             CPropertiesEditor::Neighbours neighbours = {});
 
 private:
+    void endMarking(const std::vector<const CHardware*>& devices) const;
+
+    const CSelection& selection_;
     QWidget& window_;
+    std::function<void()> endMarking_;
     CWidgetPropertiesPrompts prompts_;
     CPropertiesEditor editor_;
 };

@@ -110,7 +110,7 @@ void CEditCommands::resetLiveStatus() {
 void CEditCommands::arrange(Arrangement arrangement) {
     std::vector<DeviceMove> moves = mirovane::arrange(arrangement, parts_.floor.input().hand().selected());
     if (!moves.empty())
-        runner_.run(moveDevices("Align", std::move(moves)));
+        runner_.run(moveDevices(distributes(arrangement) ? "Distribute" : "Align", std::move(moves)));
 }
 
 } // namespace mirovane
