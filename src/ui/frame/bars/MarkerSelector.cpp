@@ -46,6 +46,8 @@ CMarkerSelector::CMarkerSelector(const CMirovaneDoc& document, QWidget* parent)
     setFixedWidth(selectorWidth);
     setPlaceholderText(tr("Location marker"));
     view()->setTextElideMode(Qt::ElideNone); // or dots would point at the hidden number
+    view()->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    view()->window()->setMaximumWidth(selectorWidth); // or the list would grow until the number shows
     setMaxVisibleItems(std::max(5, listHeight / (fontMetrics().height() + 4)));
     refreshSoon_.setSingleShot(true);
     refreshSoon_.setInterval(0);

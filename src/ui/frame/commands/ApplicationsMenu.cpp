@@ -32,7 +32,7 @@ CApplicationsMenu::CApplicationsMenu(QMenuBar& bar, Parts parts)
     plain_->setObjectName(QStringLiteral("menuFloor"));
     for (QMenu* menu : {menu_, plain_})
         connect(menu, &QMenu::aboutToShow, this, [this] {
-            parts_.aboutToShow();
+            showCommands();
             showTargets();
         });
     // Whatever was chosen runs first.
@@ -44,6 +44,7 @@ CApplicationsMenu::CApplicationsMenu(QMenuBar& bar, Parts parts)
     parts_.document.addObserver(*this);
     fill();
     rebuild();
+    showCommands();
 }
 
 CApplicationsMenu::~CApplicationsMenu() {
@@ -124,6 +125,20 @@ void CApplicationsMenu::showTargets() {
         menu->insertAction(first, line);
         targets_ << line << menu->insertSeparator(first);
     }
+}
+
+/// What cannot be done to the devices is left out. A hidden action would never become enabled, so all of them
+/// come back before it is known which can.
+void CApplicationsMenu::showCommands() {
+    QList<QAction*> actions;
+    for (const CommandDefinition& command : commandTable())
+        if (command.menu == MenuId::RightClick)
+            actions << parts_.actions.action(command.name);
+    for (QAction* action : actions)
+        action->setVisible(true);
+    parts_.aboutToShow();
+    for (QAction* action : actions)
+        action->setVisible(action->isEnabled());
 }
 
 void CApplicationsMenu::addCommands(QMenu& menu) {

@@ -54,6 +54,7 @@ private:
     void rebuild();
     void fill();
     void placeInBar();
+    void showCommands();
     void showTargets();
     void addCommands(QMenu& menu);
 

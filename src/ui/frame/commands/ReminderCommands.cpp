@@ -13,11 +13,6 @@ void CReminderCommands::connectTo(CCommandActions& actions) {
                         {}});
     actions.setHandler(CommandId::ReminderDone,
                        {[this](const CommandDefinition&, bool) { report(endReminders(station_)); }, {}});
-    for (const CommandDefinition& command : commandTable())
-        if (command.needs == CommandNeeds::DueReminder) {
-            QAction* action = actions.action(command.name);
-            QObject::connect(action, &QAction::enabledChanged, action, &QAction::setVisible);
-        }
 }
 
 void CReminderCommands::report(const SaveReport& saved) {

@@ -1,4 +1,5 @@
 #include "model/FloorMap.h"
+#include "model/records/Dates.h"
 #include "tests/ui/frame/FrameFixture.h"
 #include "ui/floor/MirovaneView.h"
 
@@ -251,6 +252,28 @@ TEST_F(EditingCommandsTest, TheRightButtonsMenuNamesItsTargets) {
     EXPECT_EQ(menu->actions().first()->text(), QStringLiteral("2 devices: pc-1, R&&D"));
     EXPECT_FALSE(menu->actions().first()->isEnabled());
     menu->close();
+}
+
+TEST_F(EditingCommandsTest, TheRightButtonPutsADueReminderOffAndNoOther) {
+    add(DeviceType::Computer, {20, 20}, "pc-1");
+    const CHardware& device = *document().findDevice(1);
+    const auto offered = [this] {
+        frame->refresh();
+        Q_EMIT floor->customContextMenuRequested({30, 30});
+        frame->findChild<QMenu*>(QStringLiteral("menuFloor"))->close();
+        return frame->actions().action("reminderHour")->isVisible();
+    };
+    run("selectAll");
+    EXPECT_FALSE(offered());
+    document().edit(device, [this](CHardware& changed) {
+        changed.ReminderOn = 1;
+        changed.ReminderDate = localDateTime(document().now() - 60);
+    });
+    timers.advance(std::chrono::seconds(10));
+    EXPECT_TRUE(offered());
+    run("reminderHour");
+    EXPECT_EQ(device.ReminderDue, 0);
+    EXPECT_FALSE(offered());
 }
 
 } // namespace
