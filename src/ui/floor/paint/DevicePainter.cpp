@@ -201,7 +201,9 @@ QRect CDevicePainter::boundsOf(const CHardware& device, const Figure& figure) {
         all |= labels.adjusted(-1, -1, 1, 1); // with its seams
     if (const auto line = foundReminderLine(device, state_.labels())) {
         const int width = labels_.laidOut(*line).width;
-        all |= QRect(figure.textBottom, QSize(width, labels_.font().height));
+        const int overhang = labels_.font().overhang;
+        all |=
+            QRect(figure.textBottom, QSize(width, labels_.font().height)).adjusted(-overhang, 0, overhang, 0);
     }
     if (const QImage photo = photoOf(device); !photo.isNull())
         all |= photoRect(photo.size(), figure);

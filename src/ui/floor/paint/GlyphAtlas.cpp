@@ -111,8 +111,11 @@ CGlyphAtlas::Glyph CGlyphAtlas::made(char16_t c) const {
 
 void CGlyphAtlas::draw(QImage& canvas, QRect clip, QPoint corner, const QString& text,
                        LabelBackground background) {
-    const QRect place = QRect(corner, QSize(width(text), font_.height)) & clip & canvas.rect();
-    if (place.isEmpty())
+    const QRect line(corner, QSize(width(text), font_.height));
+    const QRect within = clip & canvas.rect();
+    const QRect place = line & within;
+    const QRect inked = line.adjusted(-font_.overhang, 0, font_.overhang, 0) & within;
+    if (inked.isEmpty())
         return;
     const CPixelRows rows(canvas);
     bool hangsOver = false;
@@ -136,7 +139,7 @@ void CGlyphAtlas::draw(QImage& canvas, QRect clip, QPoint corner, const QString&
     for (qsizetype i = 0; i < text.size(); ++i) {
         const Glyph& shape = glyph(text[i].unicode());
         const Glyph* next = i + 1 < text.size() ? &glyph(text[i + 1].unicode()) : nullptr;
-        overhang(canvas, place, pen, shape, next, labelColour(background));
+        overhang(canvas, inked, pen, shape, next, labelColour(background));
         pen.rx() += shape.advance;
     }
 }
@@ -153,12 +156,12 @@ void CGlyphAtlas::overhang(QImage& canvas, QRect place, QPoint pen, const Glyph&
         for (int x = std::max(place.left(), pen.x() - glyph.left); x < pen.x() && x <= place.right(); ++x)
             row[x] = covered(row[x], ink[x - pen.x() + glyph.left]);
         const int end = pen.x() + glyph.advance;
-        for (int x = std::max(place.left(), end); next && x < end + glyph.right && x <= place.right(); ++x) {
+        for (int x = std::max(place.left(), end); x < end + glyph.right && x <= place.right(); ++x) {
             const std::uint8_t own = ink[x - pen.x() + glyph.left];
             if (own == 0)
                 continue;
-            const int nextColumns = next->left + next->advance + next->right;
-            const bool inNext = x - end < next->advance;
+            const int nextColumns = next ? next->left + next->advance + next->right : 0;
+            const bool inNext = next && x - end < next->advance;
             const std::uint8_t over = inNext ? next->coverage[static_cast<std::size_t>(
                                                    (y - pen.y()) * nextColumns + next->left + x - end)]
                                              : std::uint8_t{0};

@@ -30,8 +30,8 @@ public:
     /// Of a text that is covered: pixels.
     int width(const QString& text);
 
-    /// One line of covered text on its background, all of it within `clip`. What hangs over the ends of the
-    /// line is cut there. `canvas` is RGB32.
+    /// One line of covered text on its background, all of it within `clip`. Ink that hangs over the ends of
+    /// the line is drawn beside the background. `canvas` is RGB32.
     void draw(QImage& canvas, QRect clip, QPoint corner, const QString& text, LabelBackground background);
 
 private:

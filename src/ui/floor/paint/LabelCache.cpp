@@ -111,7 +111,7 @@ void CLabelCache::draw(const FloorCanvas& canvas, const Block& block, QPoint top
                        QRect clip) {
     for (const LaidLine& line : block.lines) {
         const QRect place = placeOf(line, topCorner, bottomCorner);
-        if (line.width > 0 && clip.intersects(place))
+        if (line.width > 0 && clip.intersects(place.adjusted(-font_->overhang, 0, font_->overhang, 0)))
             drawLine(canvas, place.topLeft(), line, clip);
     }
 }
@@ -120,7 +120,7 @@ QRect CLabelCache::covered(const Block& block, QPoint topCorner, QPoint bottomCo
     QRect all;
     for (const LaidLine& line : block.lines)
         all |= placeOf(line, topCorner, bottomCorner);
-    return all;
+    return all.isEmpty() ? all : all.adjusted(-font_->overhang, 0, font_->overhang, 0);
 }
 
 } // namespace mirovane

@@ -37,6 +37,7 @@ LabelFont::LabelFont(int pixels)
       underlined(withUnderline(plain)),
       metrics(plain),
       height(std::max(1, pixels)),
+      overhang(height / 4 + 1),
       baseline(metrics.ascent() + std::max(0, height - metrics.height()) / 2) {}
 
 QRgb labelColour(LabelBackground background) {
@@ -64,9 +65,10 @@ QString shownText(const std::string& bytes) {
 
 void drawLabel(QPainter& painter, QPoint corner, const LaidLine& line, const LabelFont& font, QRect clip) {
     const QRect place(corner, QSize(line.width, font.height));
-    if (!place.intersects(clip))
+    const QRect inked = place.adjusted(-font.overhang, 0, font.overhang, 0) & clip;
+    if (inked.isEmpty())
         return;
-    painter.setClipRect(place & clip);
+    painter.setClipRect(inked);
     painter.fillRect(place, QColor(labelColour(line.background)));
     painter.setPen(Qt::black);
     painter.setFont(line.underline ? font.underlined : font.plain);

@@ -22,6 +22,7 @@ struct LabelFont {
     QFont underlined;
     QFontMetrics metrics;
     int height;   ///< of a line
+    int overhang; ///< beside a text: room for the ink of a "j" that lies left of where it begins
     int baseline; ///< from the top of a line
 };
 
@@ -41,9 +42,8 @@ struct LaidLine {
     bool glyphs = false; ///< can be put together from single glyphs
 };
 
-/// One line of text on its background. Glyphs that hang over the ends of the line are cut there, so that a
-/// line drawn alone equals a line among others. Changes the painter's font and pen; its clip is `clip` before
-/// and after.
+/// One line of text on its background. Ink that hangs over the ends is drawn beside the background. Changes
+/// the painter's font and pen; its clip is `clip` before and after.
 void drawLabel(QPainter& painter, QPoint corner, const LaidLine& line, const LabelFont& font, QRect clip);
 
 } // namespace mirovane

@@ -119,6 +119,16 @@ TEST_F(FloorPainterTest, GlyphsDrawnOnceEqualTextDrawnAsText) {
     }
 }
 
+TEST_F(FloorPainterTest, TheHookOfALetterIsNotCutOff) {
+    floor.display.PropertiesComputer = true;
+    floor.state.view.LabelFontHeight = 60;
+    floor.add(DeviceType::Computer, {50, 50}, [](CHardware& d) { d.Name = "j"; });
+    const QImage left = floor.freshFrame().copy(40, 82, 10, 60);
+    QImage empty(left.size(), left.format());
+    empty.fill(Qt::white);
+    EXPECT_NE(left, empty);
+}
+
 TEST_F(FloorPainterTest, LabelsOfTwoDevicesHaveAHairlineBetween) {
     floor.display.PropertiesComputer = true;
     const int height = floor.icons.sizes().of(DeviceType::Computer).height();

@@ -163,8 +163,9 @@ private:
         QFont font = font_;
         font.setUnderline(line.underlined);
         const QFontMetrics metrics(font_);
-        painter.setClipRect(place);
         painter.fillRect(place, line.background);
+        painter.setClipRect(
+            QRect(painter.window().left(), place.top(), painter.window().width(), place.height()));
         painter.setFont(font);
         painter.setPen(Qt::black);
         painter.drawText(place.left(),
