@@ -1,10 +1,11 @@
 // Rows D1 to D5 and G1: frames of 1920 x 1080 drawn into an image, against a painter that keeps nothing.
-// Equal pixels are checked before time is taken. Painting waits for nothing: its time is that of the
-// processor.
+// Equal pixels are checked before time is taken. Painting waits for nothing: its time is the processor's.
+// usage: FloorBench [later|first|map|elsewhere|drag|zoom|hover|select]
 
 #include "bench/support/PairedRounds.h"
 #include "model/Document.h"
 #include "model/Selection.h"
+#include "model/floor/SelectionCommands.h"
 #include "platform/files/PosixFiles.h"
 #include "tests/ui/floor/paint/PlainPainter.h"
 #include "ui/floor/FloorHover.h"
@@ -20,6 +21,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <type_traits>
@@ -311,6 +313,39 @@ void benchHoverTest() {
     bench::printRow("G1", "100 hover tests of 65000", painting(hundred, limit(10), 21), 1.0);
 }
 
+/// As the floor's view does.
+class Following final : public DocumentObserver {
+public:
+    Following(CMirovaneDoc& document, CFloorFrame& frame) : document_(document), frame_(frame) {
+        document_.addObserver(*this);
+    }
+    ~Following() override { document_.removeObserver(*this); }
+    void flagsChanged(const CHardware& record) override { frame_.invalidate(record); }
+
+private:
+    CMirovaneDoc& document_;
+    CFloorFrame& frame_;
+};
+
+void benchSelectAll() {
+    Site site(1000, 64000);
+    CFloorFrame frame(site.sources());
+    const Following following(site.doc, frame);
+    CSelection selection(site.doc);
+    const SelectionScene scene{site.doc, site.display, std::nullopt, 0, false};
+    frame.setState(site.state);
+    const auto all = [&] {
+        selection.none(CSelection::Scope::Floor);
+        frame.image();
+        return bench::processorMillisecondsOf([&] {
+            const SelectionOutcome outcome = select({}, false, selection, scene);
+            require(outcome.count == 65000, "not all are selected");
+            frame.image();
+        });
+    };
+    bench::printRow("G1", "Select All of 65000, with its frame", painting(all, limit(50), 21), 1.0);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -341,5 +376,7 @@ int main(int argc, char** argv) {
         benchZoomStep();
     if (wanted("hover"))
         benchHoverTest();
+    if (wanted("select"))
+        benchSelectAll();
     return 0;
 }
