@@ -39,7 +39,7 @@ target_compile_options(mirovane_warnings INTERFACE
   # GCC 12 sees overlapping copies in std::string's own operator+ at -O3; GCC 13 does not.
   $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
   # In a unity build each file sees the names that another one keeps to itself.
-  $<$<NOT:$<BOOL:${CMAKE_UNITY_BUILD}>>:-Wshadow>
+  $<$<NOT:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>>:-Wshadow>
   $<$<BOOL:${MIROVANE_WERROR}>:-Werror>)
 
 if(MIROVANE_SANITIZE)
