@@ -427,11 +427,16 @@ TEST_F(MainFrameTest, SendAttachesTheDatafileAsItIsOnDisk) {
     EXPECT_NE(dialogs.failures[0].find("xdg-utils"), std::string::npos);
 }
 
-TEST_F(MainFrameTest, HelpSaysWhereTheManualIsMissing) {
+TEST_F(MainFrameTest, HelpOpensTheManualOrSaysWhereItIsMissing) {
     action("helpTopics")->trigger();
     QTest::keyClick(frame->statusBar(), Qt::Key_F1);
-    ASSERT_EQ(dialogs.failures.size(), 2u);
-    EXPECT_NE(dialogs.failures[0].find("There is no index.html in /"), std::string::npos);
+    if (dialogs.pages.empty()) { // built without the manual
+        ASSERT_EQ(dialogs.failures.size(), 2u);
+        EXPECT_NE(dialogs.failures[0].find("There is no index.html in /"), std::string::npos);
+    } else {
+        ASSERT_EQ(dialogs.pages.size(), 2);
+        EXPECT_TRUE(dialogs.pages[0].endsWith("/index.html"));
+    }
 }
 
 TEST_F(MainFrameTest, TheLogFileIsShownOnceAValueGaveWay) {
