@@ -21,6 +21,13 @@
 
 namespace mirovane {
 
+/// What was edited since a save began that is still under way. On its own, because Clang 14 does not take the
+/// value that a member begins with from a class within the class that holds it.
+struct SinceSave {
+    CEditJournal journal;
+    bool modified = false;
+};
+
 /// The floor document: the one owner and the one writer of the ordered record list, with the indexes that
 /// find a record at once, the journal of what is in no datafile yet, and the observers. Which file it lives
 /// in is CDatafileLink's business. Main thread only. Everyone else reads through const references, which live
@@ -154,12 +161,6 @@ public:
     void removeObserver(DocumentObserver& observer) const;
 
 private:
-    /// What is edited while a save is under way, on top of what is being saved.
-    struct SinceSave {
-        CEditJournal journal;
-        bool modified = false;
-    };
-
     template <typename Note>
     void journalise(Note note);
     void journaliseRemoval(std::unique_ptr<CHardware> gone);
